@@ -1,0 +1,19 @@
+// Every language error that this library raises: one function per error, which takes facts and never prose. All class
+// names and texts stand in errors.cpp.
+#pragma once
+
+#include <string_view>
+
+namespace vorn::collections::errors {
+
+[[gnu::cold]] void raiseAddOnNull();
+[[gnu::cold]] void raiseIndexOutOfBounds();
+[[gnu::cold]] void raiseExpectedIntItem();
+[[gnu::cold]] void raiseExpectedFloatingItem();
+[[gnu::cold]] void raiseCodeUnitOutOfRange();
+[[gnu::cold]] void raiseCharNotScalar();
+
+// `valueTypeName` is the value's runtime type name; null stands for a value that has none.
+[[gnu::cold]] void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName);
+
+}  // namespace vorn::collections::errors

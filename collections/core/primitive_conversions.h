@@ -1,0 +1,50 @@
+// Conversions between language values and raw primitive values, and the two questions asked of every value that enters
+// a list: does the declared element type accept it, and can it be kept unboxed. Nothing here locks.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "collections/core/list_data.h"
+
+// A value converted to a primitive kind. `typeName` is normalised and refers to the kinds table, to an interned name or
+// to the caller's text.
+struct BulkPrimitiveListValue {
+  ListData::PrimitiveKind kind = ListData::PrimitiveKind::None;
+  std::string_view typeName;
+  long long integer = 0;
+  double floating = 0.0;
+};
+
+// The integer of a boxed integer-like element: the registered record's value, else the field "_value".
+long long readListItemI64(void* handle);
+
+// Boxes one raw value: floating kinds under the name or "Double", Boolean as the shared boxes, every other kind under
+// the name or "Int". Allocates.
+void* boxPrimitiveListValue(ListData::PrimitiveKind kind, std::string_view typeName, long long integer,
+                            double floating);
+
+// Unboxes a value of a primitive type; false for null, for bare texts and for objects of other types. Neither
+// allocates nor runs user code.
+bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out);
+
+// Whether a value can be kept as the declared kind and name, and as what pair: integers widen within range into integer
+// and floating kinds, floating values only into floating kinds, and Boolean, Char and CodeUnit only match themselves.
+bool convertPrimitiveListValueToDeclared(ListData::PrimitiveKind declaredKind, std::string_view declaredName,
+                                         const BulkPrimitiveListValue& value, long long& integer, double& floating);
+
+// The value converted to the list's declared element type; false when that is no primitive type or refuses the value.
+bool rawPrimitiveValueToDeclared(const ListData& list, const BulkPrimitiveListValue& value,
+                                 BulkPrimitiveListValue& out);
+bool listValueToDeclaredPrimitiveValue(const ListData& list, void* handle, BulkPrimitiveListValue& out);
+
+// Whether a value of this kind and name may be stored unboxed in the list as it stands.
+bool primitiveStorageCompatible(const ListData& list, ListData::PrimitiveKind kind, std::string_view typeName);
+
+// Appends a raw value: unboxed when the list is empty (it then adopts the kind) or keeps this kind and name, otherwise
+// boxed, materialising first. May raise the character range errors. Allocates.
+void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value);
+
+// The declared-type gate of every list store; raises TypeError "ArrayList<...> cannot accept ..." and gives false when
+// the value is refused.
+bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle);

@@ -1,0 +1,180 @@
+// The operations of the runtime that this library calls, each with what the library expects of it.
+//
+// These functions are the library's only undefined symbols; whoever links the library provides them. What is needed
+// at compile time (finding and reading objects) is in runtime_object_layout.h. Conventions for the whole file:
+//  - a handle is an untyped pointer to an object, or a bare NUL-terminated UTF-8 text, or null;
+//  - `const char*` names and texts are NUL-terminated; a string_view is a byte string that need not be;
+//  - "allocates" means that the collector may run inside the call, on this thread: handles that only the caller's
+//    frame holds must be rooted (roots.h). The receiver and the arguments of a call are kept alive by its caller;
+//  - memory exhaustion inside an allocating operation is std::bad_alloc unless a null result is documented.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "collections/core/runtime_object_layout.h"
+#include "collections/core/runtime_type_name.h"
+
+#pragma GCC visibility push(default)
+
+// ---- Errors ---------------------------------------------------------------------------------------------------------
+
+extern "C" {
+
+// Records a pending language error of that class with that message on the current thread and returns. Nothing is
+// thrown; the native then unwinds its own state and returns its neutral result. Copies both texts.
+void Vorn_raise(const char* exceptionClass, const char* message);
+
+// Nonzero while an error raised on this thread has not been handled.
+int Vorn_hasPendingError();
+
+// ---- Collected memory -----------------------------------------------------------------------------------------------
+
+// A 16-byte aligned block that the collector scans for handles; zeroed or not. Null on exhaustion. Allocates.
+void* Vorn_gcAlloc(std::size_t bytes);
+
+// A 16-byte aligned block that the collector never scans; contents undefined. Null on exhaustion. Allocates.
+void* Vorn_gcAllocAtomic(std::size_t bytes);
+
+// Adds or removes [start, start + bytes) as roots of this thread. Registrations nest; a range is removed by the same
+// start and length that added it. Neither allocates nor fails.
+void Vorn_gcRegisterRootRange(void* start, std::size_t bytes);
+void Vorn_gcUnregisterRootRange(void* start, std::size_t bytes);
+
+// The same for one handle slot.
+void Vorn_gcRegisterRootSlot(void** slot);
+void Vorn_gcUnregisterRootSlot(void** slot);
+
+// ---- Objects --------------------------------------------------------------------------------------------------------
+
+// A new ArrayList (ArrayListSync when the flag is set) with an initialised empty record, which is stored in *listData.
+// The third argument is a hint that the elements will be handles. Null on failure. Allocates.
+void* Vorn_allocArrayListObjectFast(bool synchronised, ListData** listData, bool elementsAreHandles);
+
+// A new instance of the named class: any built-in or user class by short, full or generic name. A list's declared
+// element type comes from the name's type argument. Null when there is no such class. Allocates.
+void* Vorn_allocObject(const char* className);
+
+// Fields by name. Boxed values keep theirs in "_value". A missing field reads as 0, 0.0, false or null, and a write to
+// it is ignored; a numeric field read as another numeric type is converted. Runs no user code, does not allocate.
+long long Vorn_getField_i64(void* handle, const char* field);
+double Vorn_getField_double(void* handle, const char* field);
+bool Vorn_getField_i1(void* handle, const char* field);
+void* Vorn_getField_ptr(void* handle, const char* field);
+void Vorn_setField_i64(void* handle, const char* field, long long value);
+void Vorn_setField_ptr(void* handle, const char* field, void* value);
+
+// The runtime type name, such as "vorn.Int" or "vorn.collections.ArrayList<Int>"; "vorn.String" for a bare text; null
+// for null. The text lives as long as the process.
+const char* Vorn_objectTypeName(void* handle);
+
+// Whether the handle is an instance of the named class or of a class derived from it; names as in Vorn_allocObject.
+bool Vorn_isInstanceOf(void* handle, const char* typeName);
+}
+
+struct ObjectField;
+// A field of an object by name, or null.
+ObjectField* findObjectField(ObjectRecord* object, const char* field);
+
+// ---- Values ---------------------------------------------------------------------------------------------------------
+
+extern "C" {
+// One of the two shared Boolean boxes. Does not allocate.
+void* Vorn_boxBool(bool value);
+
+// Nonzero when both texts are equal; null equals only null.
+int Vorn_strEquals(const char* left, const char* right);
+}
+
+// A new box of the named integer-like type ("Int", "Byte", "Char", "CodeUnit", ...); all 64 bits are kept. Another
+// name boxes as "Int" when the value fits 32 bits, else as "Long". "Boolean" gives the shared box. Allocates.
+void* boxIntegerLikeLocal(std::string_view typeName, long long value);
+
+// A new "Float" or "Double" box ("Double" for another name). Allocates.
+void* boxFloatingLikeLocal(std::string_view typeName, double value);
+
+// A new String object. Allocates.
+void* Vorn_allocString(std::string_view text);
+
+// The text of a String object or of a bare text.
+std::string stringValueFromPtr(void* handle);
+
+// ---- Type names -----------------------------------------------------------------------------------------------------
+
+// The type name without its module prefix ("vorn.collections.Map<vorn.String, Int>" gives "Map<vorn.String, Int>");
+// the local variant is the one used for element types. The result is a suffix of the argument, so that it is
+// NUL-terminated when the argument is. Neither allocates.
+std::string_view shortTypeName(std::string_view typeName);
+std::string_view shortTypeNameLocal(std::string_view typeName);
+
+// The shared, interned handle of a name; the null handle for the empty name. Does not touch the collected heap.
+RuntimeTypeName internRuntimeTypeName(std::string_view name);
+
+// The short collection class name without type arguments ("vorn.collections.LinkedList<Int>" gives "LinkedList").
+std::string_view runtimeCollectionBaseName(std::string_view typeName);
+
+// Class families of a runtime type name, short or full, generic or not.
+bool isArrayListLike(std::string_view typeName);      // ArrayList, ArrayListSync, LinkedList, LinkedListSync
+bool isSyncArrayListLike(std::string_view typeName);  // ArrayListSync, LinkedListSync
+bool isLinkedListLike(std::string_view typeName);     // LinkedList, LinkedListSync
+bool isImmutableListLike(std::string_view typeName);
+bool isIListLike(std::string_view typeName);  // the four list classes and ImmutableList
+bool isArrayLike(std::string_view typeName);
+bool isSyncArrayLike(std::string_view typeName);
+bool isTupleLike(std::string_view typeName);
+bool isMapLike(std::string_view typeName);
+bool isHashSetLike(std::string_view typeName);
+bool isSyncHashSetLike(std::string_view typeName);
+
+// Whether a short type name is "Float" or "Double".
+bool isFloatingNumberShortType(std::string_view shortName);
+
+namespace vorn::compiler {
+struct ClassLoader {
+  // Splits a generic type name into its concrete argument names; false when it has none.
+  static bool resolveConcreteGenericArgs(std::string_view typeName, std::vector<std::string>& arguments);
+};
+}  // namespace vorn::compiler
+
+// ---- Numbers, equality, order ---------------------------------------------------------------------------------------
+
+// A number of any kind, exactly. Zero-initialised it is the signed integer 0.
+struct NativeNumericValue {
+  enum class Kind : std::uint8_t { Signed = 0, Unsigned = 1, Floating = 2 };
+  Kind kind;
+  std::uint64_t payload;  // the integer's bits, or the double's
+};
+
+// Whether the handle is a boxed number (the eight integer types, Float, Double), and which. Runs no user code.
+bool tryReadNativeNumericValue(void* handle, NativeNumericValue& value);
+
+// 0 exactly when the two numbers are equal across kinds, without rounding; a NaN equals nothing, itself included.
+int compareNativeNumericValues(const NativeNumericValue& left, const NativeNumericValue& right);
+
+// A total preorder for sorting: by value across kinds, -0.0 equal to 0.0, NaNs equal to each other and last.
+int compareNativeNumericValuesForSort(const NativeNumericValue& left, const NativeNumericValue& right);
+
+// Nonzero when two values are structurally equal. May run user code, raise and allocate.
+extern "C" int Vorn_deepEquals(void* left, void* right);
+
+// True when both objects could be compared as collections (or by the runtime's own content rule); `equal` then tells
+// the result. May run user code, raise and allocate.
+bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal);
+
+// True when the two objects could be ordered; `less` then tells whether left comes first. May run user code, raise and
+// allocate.
+bool Vorn_collectionObjectsLess(void* left, void* right, bool& less);
+
+// ---- Text -----------------------------------------------------------------------------------------------------------
+
+// The language's toString of an object: NUL-terminated text, or null. The text of a String object or a bare text is
+// its own; otherwise user code may run, and the text is a new collected block. Allocates.
+extern "C" const char* Vorn_objectToString(void* handle);
+
+// Pseudo-random bits for shuffling. Thread-safe.
+std::uint64_t nextFastRandomU64();
+
+#pragma GCC visibility pop

@@ -1,0 +1,209 @@
+/* The C embedding API of the vorn host runtime: start a runtime, make and read values, call the natives of
+ * vorn.collections, read errors. Usable from C11, C++20 and, through the shared libraries, from any language that can
+ * call C.
+ *
+ * Handles are `void*`: an object, a bare NUL-terminated UTF-8 text, or null (the language's null). The collector may
+ * run inside every function marked "allocates"; a handle that must survive that is kept in a rooted slot
+ * (vorn_root_add) or inside a rooted object. With the `collected` heap, handles on a C stack are found by the collector
+ * as well; with the `stress` heap in exact mode only rooted slots count.
+ *
+ * Functions that return int as a status give 1 for success and 0 for failure. Type names are accepted short ("Int",
+ * "ArrayList<Int>") and full ("vorn.Int", "vorn.collections.ArrayList<vorn.Int>"). Memory exhaustion in a function
+ * marked "allocates" is a null result, never an exception; natives, by contrast, let std::bad_alloc pass.
+ */
+#ifndef VORN_RUNTIME_H
+#define VORN_RUNTIME_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#define VORN_RUNTIME_EXPORT __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+extern "C" {
+#else
+#include <stdbool.h>
+#endif
+
+/* ---- Starting and stopping --------------------------------------------------------------------------------------- */
+
+typedef enum vorn_heap_kind {
+  VORN_HEAP_COLLECTED = 0, /* libgc: conservative stacks, precise pointer-free blocks */
+  VORN_HEAP_PLAIN = 1,     /* calloc, never frees */
+  VORN_HEAP_STRESS = 2     /* collects all the time, poisons what it frees; for tests */
+} vorn_heap_kind;
+
+typedef struct vorn_runtime_options {
+  size_t struct_size; /* sizeof(vorn_runtime_options), so that the struct can grow */
+  vorn_heap_kind heap;
+  /* Stress heap only: also scan thread stacks and registers (0: registered roots only). */
+  int stress_scans_stacks;
+  /* Stress heap only: collect at each allocation with a probability of 1 in this number; 0 and 1 mean always. */
+  unsigned stress_collect_one_in;
+  /* Seed of the stress schedule and of nextFastRandomU64; 0 picks a fixed default, so runs are reproducible. */
+  uint64_t seed;
+} vorn_runtime_options;
+
+/* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
+ * has. 0 when it is already running with another heap. The calling thread is attached. */
+VORN_RUNTIME_EXPORT int vorn_runtime_start(const vorn_runtime_options* options);
+
+/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" (heap=collected|plain|stress) into *options,
+ * which is first filled with the defaults. 0, with nothing changed, for anything it does not know. */
+VORN_RUNTIME_EXPORT int vorn_runtime_parse_options(const char* text, vorn_runtime_options* options);
+
+/* Stops the runtime: clears the calling thread's errors and roots and ends further collection. Objects must not be
+ * used afterwards. A stopped runtime can be started again only with the same heap. */
+VORN_RUNTIME_EXPORT void vorn_runtime_stop(void);
+
+/* Threads attach by themselves when they first enter the runtime and detach when they end. Attaching early makes the
+ * thread's stack known to the collector before it holds handles. */
+VORN_RUNTIME_EXPORT void vorn_thread_attach(void);
+VORN_RUNTIME_EXPORT void vorn_thread_detach(void);
+
+/* ---- Values ------------------------------------------------------------------------------------------------------ */
+
+/* A new box of an integer-like type: SByte, Byte, Short, UShort, Int, UInt, Long, ULong, Char, CodeUnit or Boolean. All
+ * 64 bits are kept. Null for another name. Allocates. */
+VORN_RUNTIME_EXPORT void* vorn_box_integer(const char* type_name, int64_t value);
+
+/* A new Float or Double box; null for another name. Allocates. */
+VORN_RUNTIME_EXPORT void* vorn_box_floating(const char* type_name, double value);
+
+/* One of the two shared Boolean boxes. */
+VORN_RUNTIME_EXPORT void* vorn_box_boolean(bool value);
+
+/* The value of a box: integers, characters and Booleans as an integer, Float and Double as a double. 0, with *value
+ * unchanged, for any other handle. */
+VORN_RUNTIME_EXPORT int vorn_unbox_integer(void* handle, int64_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_floating(void* handle, double* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_boolean(void* handle, bool* value);
+
+/* A new String object. `length` bytes of UTF-8, or up to the NUL when it is SIZE_MAX. Allocates. */
+VORN_RUNTIME_EXPORT void* vorn_string_new(const char* text, size_t length);
+
+/* A new bare text: a collected copy of the NUL-terminated text, which is its own handle. Allocates. */
+VORN_RUNTIME_EXPORT void* vorn_text_new(const char* text);
+
+/* The text of a String object or of a bare text; null for any other handle. Valid while the handle is alive. */
+VORN_RUNTIME_EXPORT const char* vorn_string_text(void* handle);
+
+/* ---- Objects ----------------------------------------------------------------------------------------------------- */
+
+/* A new, empty instance of a class: a collection by type name ("ArrayList", "ArrayList<Int>", "LinkedListSync<Foo>") or
+ * a user class. Null for an unknown name. Allocates. */
+VORN_RUNTIME_EXPORT void* vorn_object_new(const char* type_name);
+
+/* Whether the handle is an object (safe for every readable pointer). */
+VORN_RUNTIME_EXPORT int vorn_is_object(void* handle);
+
+/* The full type name, such as "vorn.Int"; "vorn.String" for a bare text; null for null. */
+VORN_RUNTIME_EXPORT const char* vorn_type_name(void* handle);
+
+/* Whether the handle is an instance of the class or of one derived from it. */
+VORN_RUNTIME_EXPORT int vorn_is_instance(void* handle, const char* type_name);
+
+/* Fields by name. 0 when the object has no such field of that type. */
+VORN_RUNTIME_EXPORT int vorn_field_get_integer(void* handle, const char* field, int64_t* value);
+VORN_RUNTIME_EXPORT int vorn_field_get_floating(void* handle, const char* field, double* value);
+VORN_RUNTIME_EXPORT int vorn_field_get_handle(void* handle, const char* field, void** value);
+VORN_RUNTIME_EXPORT int vorn_field_set_integer(void* handle, const char* field, int64_t value);
+VORN_RUNTIME_EXPORT int vorn_field_set_floating(void* handle, const char* field, double value);
+VORN_RUNTIME_EXPORT int vorn_field_set_handle(void* handle, const char* field, void* value);
+
+/* Structural equality, as the language's == on objects. May run user hooks. Allocates. */
+VORN_RUNTIME_EXPORT int vorn_equals(void* left, void* right);
+
+/* ---- User classes ------------------------------------------------------------------------------------------------ */
+
+typedef enum vorn_field_type { VORN_FIELD_INTEGER = 0, VORN_FIELD_FLOATING = 1, VORN_FIELD_HANDLE = 2 } vorn_field_type;
+
+typedef struct vorn_field_definition {
+  const char* name;
+  vorn_field_type type;
+} vorn_field_definition;
+
+/* A user class. Hooks are optional (null) and inherited from the base; they may call natives, allocate, and raise
+ * (vorn_raise). Their result is ignored by callers that see a pending error. `context` is passed through. */
+typedef struct vorn_class_definition {
+  size_t struct_size;    /* sizeof(vorn_class_definition) */
+  const char* name;      /* full or short, e.g. "app.Point"; must be new */
+  const char* base_name; /* a user class, or null */
+  const vorn_field_definition* fields;
+  size_t field_count;
+  void* context;
+  /* Equality with any other non-null object. */
+  bool (*equals)(void* self, void* other, void* context);
+  /* Ordering: negative, zero or positive; *comparable = false when the two cannot be ordered. */
+  int (*compare)(void* self, void* other, bool* comparable, void* context);
+  /* Hash, consistent with equals. */
+  uint64_t (*hash)(void* self, void* context);
+  /* A String object or bare text, or null. */
+  void* (*to_string)(void* self, void* context);
+} vorn_class_definition;
+
+/* Defines a class for the rest of the process; all texts are copied. 0 when the name is taken or malformed, the base
+ * is unknown, or a field name occurs twice (base fields included). */
+VORN_RUNTIME_EXPORT int vorn_class_define(const vorn_class_definition* definition);
+
+/* ---- Errors ------------------------------------------------------------------------------------------------------ */
+
+/* Records a pending error on this thread, as natives do; for hooks. */
+VORN_RUNTIME_EXPORT void vorn_raise(const char* exception_class, const char* message);
+
+/* Number of errors pending on this thread; index 0 is the oldest. The texts are valid until the errors are cleared;
+ * null for an index out of range. */
+VORN_RUNTIME_EXPORT size_t vorn_error_count(void);
+VORN_RUNTIME_EXPORT const char* vorn_error_class(size_t index);
+VORN_RUNTIME_EXPORT const char* vorn_error_message(size_t index);
+VORN_RUNTIME_EXPORT void vorn_errors_clear(void);
+
+/* ---- Roots and heap ---------------------------------------------------------------------------------------------- */
+
+/* Makes *slot a root of the whole process until it is removed; any thread may remove it. A slot may be added once. */
+VORN_RUNTIME_EXPORT void vorn_root_add(void** slot);
+VORN_RUNTIME_EXPORT void vorn_root_remove(void** slot);
+
+/* Runs a full collection now; nothing on the plain heap. */
+VORN_RUNTIME_EXPORT void vorn_heap_collect(void);
+
+typedef struct vorn_heap_statistics {
+  uint64_t bytes_live;  /* in use, or the heap's best estimate */
+  uint64_t allocations; /* blocks handed out since start, all threads */
+  uint64_t bytes_allocated;
+  uint64_t collections;
+} vorn_heap_statistics;
+VORN_RUNTIME_EXPORT void vorn_heap_get_statistics(vorn_heap_statistics* statistics);
+
+/* Makes the next `after` allocations succeed and the one behind them fail (0: the very next one), once, on any heap,
+ * counting this thread's allocations only. A negative number disarms it. For tests. */
+VORN_RUNTIME_EXPORT void vorn_heap_fail_allocation(int64_t after);
+
+/* Whether a failure armed above has happened since it was armed. */
+VORN_RUNTIME_EXPORT int vorn_heap_failure_happened(void);
+
+/* ---- Looking into lists ------------------------------------------------------------------------------------------ */
+
+typedef enum vorn_list_storage {
+  VORN_LIST_OBJECTS = 0,  /* boxed elements, array-backed */
+  VORN_LIST_LINKED = 1,   /* boxed elements, linked nodes */
+  VORN_LIST_PRIMITIVE = 2 /* unboxed elements */
+} vorn_list_storage;
+
+typedef struct vorn_list_storage_info {
+  vorn_list_storage storage;
+  const char* element_type;   /* the declared element type; "" when untyped */
+  const char* primitive_type; /* the type name of unboxed elements; "" otherwise */
+  uint64_t size;
+  uint64_t capacity;          /* in elements; the size for linked lists */
+  uint64_t bytes_per_element; /* of the list's own storage, boxes not counted */
+} vorn_list_storage_info;
+
+/* Describes a list's storage, under its lock. 0 when the handle is not a list. */
+VORN_RUNTIME_EXPORT int vorn_list_get_storage(void* list, vorn_list_storage_info* info);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
