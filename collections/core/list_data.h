@@ -93,8 +93,9 @@ bool isFloatLikeListType(const char* name);
 void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind);
 
 // Turns primitive storage into object storage, boxing every element in order; the only way out of primitive storage
-// besides clearing. elementType stays. Allocates; on an exception the list is as it was.
-void materializePrimitiveList(ListData& list);
+// besides clearing. elementType stays. `room` reserves that many object slots more, so that a store that follows cannot
+// fail. Allocates; on an exception the list is as it was.
+void materializePrimitiveList(ListData& list, std::uint64_t room = 0);
 
 // Gives the target the same primitive storage as the source. Allocates.
 void copyPrimitiveListStorage(const ListData& source, ListData& target);

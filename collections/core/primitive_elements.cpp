@@ -1,0 +1,113 @@
+#include "collections/core/primitive_elements.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "collections/core/element_access.h"
+#include "collections/core/errors.h"
+#include "collections/core/primitive_kinds.h"
+
+using vorn::collections::checkCharacterRangeOrRaise;
+using vorn::collections::loadElement;
+using vorn::collections::storeElement;
+using vorn::collections::visitKind;
+using vorn::collections::visitWidth;
+
+namespace vorn::collections {
+
+long long truncateToI64(double value) {
+  // 2^63 is the first double past the range; NaN fails the first comparison.
+  constexpr double kLimit = 9223372036854775808.0;
+  if (value >= -kLimit && value < kLimit) return static_cast<long long>(value);
+  return std::numeric_limits<long long>::min();
+}
+
+bool checkCharacterRangeOrRaise(std::string_view primitiveType, long long integer) {
+  const auto bits = static_cast<unsigned long long>(integer);
+  if (primitiveType == "CodeUnit" && bits > 0xFFFF) {
+    errors::raiseCodeUnitOutOfRange();
+    return false;
+  }
+  if (primitiveType == "Char" && !isUnicodeScalar(integer)) {
+    errors::raiseCharNotScalar();
+    return false;
+  }
+  return true;
+}
+
+}  // namespace vorn::collections
+
+namespace {
+
+// Only two kinds have names with a range of their own, so the others pass on the kind alone.
+bool checkStoredValueOrRaise(const ListData& list, long long integer) {
+  const bool mayBeCharacter =
+      list.primitiveKind == ListData::PrimitiveKind::UShort || list.primitiveKind == ListData::PrimitiveKind::UInt;
+  if (!mayBeCharacter && list.primitiveKind != ListData::PrimitiveKind::None) return true;
+  return checkCharacterRangeOrRaise(list.primitiveType.get(), integer);
+}
+
+}  // namespace
+
+long long primitiveListReadI64(const ListData& list, std::uint64_t index) {
+  return visitKind(
+      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementI64(tag, list.primitive, index); }, 0LL);
+}
+
+double primitiveListReadF64(const ListData& list, std::uint64_t index) {
+  return visitKind(
+      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementF64(tag, list.primitive, index); }, 0.0);
+}
+
+void primitiveListWrite(ListData& list, std::uint64_t index, long long integer, double floating) {
+  if (!checkStoredValueOrRaise(list, integer)) return;
+  configurePrimitiveStorage(list, list.primitiveKind);
+  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, list.primitive, index, integer, floating); });
+}
+
+void primitiveListAppend(ListData& list, long long integer, double floating) {
+  if (!checkStoredValueOrRaise(list, integer)) return;
+  configurePrimitiveStorage(list, list.primitiveKind);
+  list.primitive.reserve(list.primitive.size + 1);
+  visitKind(list.primitiveKind,
+            [&](auto tag) { storeElement(tag, list.primitive, list.primitive.size, integer, floating); });
+  ++list.primitive.size;
+}
+
+void primitiveListInsertAt(ListData& list, std::uint64_t index, long long integer, double floating) {
+  if (!checkStoredValueOrRaise(list, integer)) return;
+  configurePrimitiveStorage(list, list.primitiveKind);
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (index > buffer.size) return;
+  buffer.reserve(buffer.size + 1);
+  unsigned char* at = buffer.data + index * buffer.elementSize;
+  std::memmove(at + buffer.elementSize, at, (buffer.size - index) * buffer.elementSize);
+  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, buffer, index, integer, floating); });
+  ++buffer.size;
+}
+
+void primitiveListEraseAt(ListData& list, std::uint64_t index) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (buffer.elementSize != vorn::collections::primitiveWidth(list.primitiveKind)) {
+    configurePrimitiveStorage(list, list.primitiveKind);
+    return;
+  }
+  if (index >= buffer.size) return;
+  unsigned char* at = buffer.data + index * buffer.elementSize;
+  std::memmove(at, at + buffer.elementSize, (buffer.size - index - 1) * buffer.elementSize);
+  --buffer.size;
+}
+
+void primitiveListReverse(ListData& list) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  visitWidth(buffer.elementSize, [&](auto bits) {
+    using Bits = decltype(bits);
+    for (std::uint64_t low = 0, high = buffer.size; low + 1 < high; ++low, --high) {
+      const auto first = loadElement<Bits>(buffer.data, low);
+      const auto last = loadElement<Bits>(buffer.data, high - 1);
+      std::memcpy(buffer.data + low * sizeof(Bits), &last, sizeof(Bits));
+      std::memcpy(buffer.data + (high - 1) * sizeof(Bits), &first, sizeof(Bits));
+    }
+  });
+}
