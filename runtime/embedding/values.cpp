@@ -1,0 +1,101 @@
+// The embedding API: values and texts.
+#include <vorn/runtime.h>
+
+#include <bit>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include "collections/core/runtime_interface.h"
+#include "runtime/objects/builtin_classes.h"
+#include "runtime/text/text.h"
+#include "runtime/values/boxes.h"
+
+namespace {
+
+using vorn::runtime::BuiltinClass;
+
+// The boxed type of a short or full name; None for every other name, null included.
+BuiltinClass boxedTypeNamed(const char* name) {
+  if (name == nullptr) return BuiltinClass::None;
+  constexpr std::string_view kModule = "vorn.";
+  std::string_view text = name;
+  if (text.starts_with(kModule)) text.remove_prefix(kModule.size());
+  return vorn::runtime::boxedTypeOf(text);
+}
+
+// A new box, or null when there is no memory.
+void* boxOrNull(BuiltinClass type, std::int64_t payload) {
+  try {
+    return vorn::runtime::newBox(vorn::runtime::builtinClass(type), payload);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+const RegisteredObject* boxOf(const void* handle) {
+  const RegisteredObject* object = getRegisteredObjectUnsafe(handle);
+  return object != nullptr && vorn::runtime::isBoxKind(object->kind()) ? object : nullptr;
+}
+
+}  // namespace
+
+extern "C" {
+
+void* vorn_box_integer(const char* type_name, int64_t value) {
+  const BuiltinClass type = boxedTypeNamed(type_name);
+  if (type == BuiltinClass::Boolean) return Vorn_boxBool(value != 0);
+  return vorn::runtime::isIntegerLikeBox(type) ? boxOrNull(type, value) : nullptr;
+}
+
+void* vorn_box_floating(const char* type_name, double value) {
+  const BuiltinClass type = boxedTypeNamed(type_name);
+  return vorn::runtime::isFloatingBox(type) ? boxOrNull(type, std::bit_cast<std::int64_t>(value)) : nullptr;
+}
+
+void* vorn_box_boolean(bool value) { return Vorn_boxBool(value); }
+
+int vorn_unbox_integer(void* handle, int64_t* value) {
+  const RegisteredObject* box = boxOf(handle);
+  if (box == nullptr || box->kind() == ObjectKind::FloatingBox || value == nullptr) return 0;
+  *value = box->integer;
+  return 1;
+}
+
+int vorn_unbox_floating(void* handle, double* value) {
+  const RegisteredObject* box = boxOf(handle);
+  if (box == nullptr || box->kind() != ObjectKind::FloatingBox || value == nullptr) return 0;
+  *value = std::bit_cast<double>(box->integer);
+  return 1;
+}
+
+int vorn_unbox_boolean(void* handle, bool* value) {
+  const RegisteredObject* box = boxOf(handle);
+  if (box == nullptr || box->kind() != ObjectKind::BooleanBox || value == nullptr) return 0;
+  *value = box->integer != 0;
+  return 1;
+}
+
+void* vorn_string_new(const char* text, size_t length) {
+  if (text == nullptr) return nullptr;
+  try {
+    return Vorn_allocString({text, length == SIZE_MAX ? std::strlen(text) : length});
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+void* vorn_text_new(const char* text) {
+  if (text == nullptr) return nullptr;
+  try {
+    return vorn::runtime::newText(text);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+const char* vorn_string_text(void* handle) {
+  std::string_view text;
+  return vorn::runtime::readText(handle, text) ? text.data() : nullptr;
+}
+}

@@ -1,0 +1,102 @@
+#include "runtime/equality/list_elements.h"
+
+#include <cstring>
+
+#include "collections/core/primitive_kinds.h"
+
+namespace vorn::runtime {
+namespace {
+
+using collections::visitKind;
+
+// The family of elements kept under a kind and a name, the same as their boxes would have.
+Scalar::Family familyOf(ListData::PrimitiveKind kind, RuntimeTypeName name) {
+  if (kind == ListData::PrimitiveKind::Boolean) return Scalar::Family::Boolean;
+  if (kind == ListData::PrimitiveKind::UInt && name == "Char") return Scalar::Family::Char;
+  if (kind == ListData::PrimitiveKind::UShort && name == "CodeUnit") return Scalar::Family::CodeUnit;
+  return Scalar::Family::Number;
+}
+
+}  // namespace
+
+UnboxedElements::UnboxedElements(const ListData& list)
+    : data_(list.primitive.data),
+      size_(list.primitive.size),
+      width_(list.primitive.elementSize),
+      kind_(list.primitiveKind),
+      name_(list.primitiveType),
+      family_(familyOf(kind_, name_)),
+      unsigned64_(name_ == "ULong") {}
+
+Scalar UnboxedElements::at(std::size_t index) const {
+  return visitKind(
+      kind_,
+      [&](auto tag) {
+        typename decltype(tag)::Element element;
+        std::memcpy(&element, data_ + index * sizeof(element), sizeof(element));
+        if constexpr (collections::isFloatingKind(decltype(tag)::kind)) {
+          return Scalar{family_, floatingNumber(element)};
+        } else if constexpr (decltype(tag)::kind == ListData::PrimitiveKind::Boolean) {
+          return Scalar{family_, signedNumber(element != 0 ? 1 : 0)};
+        } else {
+          const auto value = static_cast<std::int64_t>(element);
+          return Scalar{family_, unsigned64_ ? unsignedNumber(static_cast<std::uint64_t>(value)) : signedNumber(value)};
+        }
+      },
+      Scalar{});
+}
+
+void* UnboxedElements::boxAt(std::size_t index) const {
+  const Scalar scalar = at(index);
+  if (scalar.value.kind == NativeNumericValue::Kind::Floating) {
+    return boxFloatingLikeLocal(name_ == "" ? "Double" : name_.get(), std::bit_cast<double>(scalar.value.payload));
+  }
+  const auto integer = static_cast<long long>(scalar.value.payload);
+  if (scalar.family == Scalar::Family::Boolean) return Vorn_boxBool(integer != 0);
+  return boxIntegerLikeLocal(name_ == "" ? "Int" : name_.get(), integer);
+}
+
+void UnboxedElements::copyInto(std::vector<unsigned char>& bytes) {
+  bytes.assign(data_, data_ + size_ * width_);
+  data_ = bytes.data();
+}
+
+std::optional<bool> UnboxedElements::equalsAtOnce(const UnboxedElements& other) const {
+  if (kind_ != other.kind_ || !(name_ == other.name_) || kind_ == ListData::PrimitiveKind::Boolean) return {};
+  if (size_ == 0) return true;
+  if (collections::isIntegerKind(kind_)) return std::memcmp(data_, other.data_, size_ * width_) == 0;
+  // Bytes do not tell with floating numbers: the two zeros are equal, and a NaN is not equal to itself.
+  return visitKind(
+      kind_,
+      [&](auto tag) {
+        typename decltype(tag)::Element left;
+        typename decltype(tag)::Element right;
+        for (std::size_t i = 0; i < size_; ++i) {
+          std::memcpy(&left, data_ + i * sizeof(left), sizeof(left));
+          std::memcpy(&right, other.data_ + i * sizeof(right), sizeof(right));
+          if (left != right) return false;
+        }
+        return true;
+      },
+      false);
+}
+
+ElementSnapshot::ElementSnapshot(const UnboxedElements& elements)
+    : isUnboxed_(true), unboxed_(elements), count_(elements.size()) {
+  unboxed_.copyInto(bytes_);
+}
+
+std::size_t appendHandles(const ListData& list, collections::HandleVector::Storage& handles) {
+  const std::size_t before = handles.size();
+  if (!list.linked) {
+    handles.insert(handles.end(), list.objects.data, list.objects.data + list.objects.size);
+    return handles.size() - before;
+  }
+  const LinkedHandles::Links* end = &list.linkedObjects.sentinel;
+  for (const LinkedHandles::Links* at = end->next; at != end; at = at->next) {
+    handles.push_back(static_cast<const LinkedHandles::Node*>(at)->handle);
+  }
+  return handles.size() - before;
+}
+
+}  // namespace vorn::runtime

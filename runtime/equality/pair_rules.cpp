@@ -1,0 +1,147 @@
+#include "runtime/equality/pair_rules.h"
+
+#include <string_view>
+
+#include "runtime/objects/builtin_classes.h"
+#include "runtime/objects/object_types.h"
+#include "runtime/objects/user_hooks.h"
+#include "runtime/text/text.h"
+
+namespace vorn::runtime {
+namespace {
+
+// The pairs whose hooks are running on this thread, innermost first. A hook that compares what its objects refer to
+// would never end on objects that refer to each other, so a pair in progress counts as equal. The handles are only
+// compared: whoever called the hook keeps both objects alive.
+struct RunningHook {
+  Rule rule;
+  const void* left;
+  const void* right;
+  const RunningHook* outer;
+};
+thread_local const RunningHook* innermostHook = nullptr;
+
+class HookScope {
+ public:
+  HookScope(Rule rule, const void* left, const void* right) : entry_{rule, left, right, innermostHook} {
+    innermostHook = &entry_;
+  }
+  ~HookScope() { innermostHook = entry_.outer; }
+  HookScope(const HookScope&) = delete;
+  HookScope& operator=(const HookScope&) = delete;
+
+  static bool isRunning(Rule rule, const void* left, const void* right) {
+    for (const RunningHook* hook = innermostHook; hook != nullptr; hook = hook->outer) {
+      if (hook->rule == rule &&
+          ((hook->left == left && hook->right == right) || (hook->left == right && hook->right == left))) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+ private:
+  RunningHook entry_;
+};
+
+const ClassHooks& hooksOf(const void* handle) {
+  static constexpr ClassHooks none;
+  return isObjectPointer(handle) ? classOf(handle)->hooks : none;
+}
+
+Verdict equalityByHook(void* left, void* right) {
+  const bool leftDecides = static_cast<bool>(hooksOf(left).equals);
+  void* const self = leftDecides ? left : right;
+  void* const other = leftDecides ? right : left;
+  const auto& hook = hooksOf(self).equals;
+  const HookErrors errors;
+  const bool equal = hook.function(self, other, hook.context);
+  if (errors.raised()) return Verdict::Raised;
+  return equal ? Verdict::Same : Verdict::Greater;
+}
+
+Verdict orderByHook(void* left, void* right) {
+  const bool leftDecides = static_cast<bool>(hooksOf(left).compare);
+  void* const self = leftDecides ? left : right;
+  void* const other = leftDecides ? right : left;
+  const auto& hook = hooksOf(self).compare;
+  const HookErrors errors;
+  bool comparable = true;
+  const int order = hook.function(self, other, &comparable, hook.context);
+  if (errors.raised()) return Verdict::Raised;
+  if (!comparable) return Verdict::Incomparable;
+  if (order == 0) return Verdict::Same;
+  return (order < 0) == leftDecides ? Verdict::Less : Verdict::Greater;
+}
+
+Verdict judgeByHook(Rule rule, void* left, void* right) {
+  if (HookScope::isRunning(rule, left, right)) return Verdict::Same;
+  const HookScope scope(rule, left, right);
+  return rule == Rule::Equality ? equalityByHook(left, right) : orderByHook(left, right);
+}
+
+Verdict verdictOf(int order) {
+  if (order == 0) return Verdict::Same;
+  return order < 0 ? Verdict::Less : Verdict::Greater;
+}
+
+Verdict judgeNull(Rule rule, const void* left) {
+  if (rule == Rule::Equality) return Verdict::Greater;
+  return left == nullptr ? Verdict::Less : Verdict::Greater;
+}
+
+bool isInstance(const void* handle) {
+  const ObjectRecord* object = hasObjectMagic(handle) ? static_cast<const ObjectRecord*>(handle) : nullptr;
+  return object != nullptr && object->kind() == ObjectKind::Instance;
+}
+
+// Hooks of equality see any other object; ordering is a matter between instances.
+bool hookDecides(Rule rule, const void* left, const void* right) {
+  if (rule == Rule::Order && !(isInstance(left) && isInstance(right))) return false;
+  return hasHook(rule, left) || hasHook(rule, right);
+}
+
+}  // namespace
+
+Verdict judgeScalars(Rule rule, const Scalar& left, const Scalar& right) {
+  if (rule == Rule::Equality) return scalarsEqual(left, right) ? Verdict::Same : Verdict::Greater;
+  if (left.family != right.family) return Verdict::Incomparable;
+  return verdictOf(compareNativeNumericValuesForSort(left.value, right.value));
+}
+
+bool hasHook(Rule rule, const void* handle) {
+  const ClassHooks& hooks = hooksOf(handle);
+  return rule == Rule::Equality ? static_cast<bool>(hooks.equals) : static_cast<bool>(hooks.compare);
+}
+
+ListFamily listFamilyOf(const void* handle) {
+  if (!isObjectPointer(handle)) return ListFamily::None;
+  const auto* object = static_cast<const ObjectRecord*>(handle);
+  if (object->kind() != ObjectKind::List) return ListFamily::None;
+  return object->runtimeClass->builtin == BuiltinClass::ImmutableList ? ListFamily::Immutable : ListFamily::Mutable;
+}
+
+Verdict judgePair(Rule rule, void* left, void* right) {
+  if (left == right) return Verdict::Same;
+  if (left == nullptr || right == nullptr) return judgeNull(rule, left);
+
+  Scalar leftScalar;
+  Scalar rightScalar;
+  if (readScalar(left, leftScalar) && readScalar(right, rightScalar))
+    return judgeScalars(rule, leftScalar, rightScalar);
+
+  std::string_view leftText;
+  std::string_view rightText;
+  if (readText(left, leftText) && readText(right, rightText)) {
+    if (rule == Rule::Equality) return leftText == rightText ? Verdict::Same : Verdict::Greater;
+    return verdictOf(leftText.compare(rightText));
+  }
+
+  if (hookDecides(rule, left, right)) return judgeByHook(rule, left, right);
+
+  const ListFamily family = listFamilyOf(left);
+  if (family != ListFamily::None && family == listFamilyOf(right)) return Verdict::Lists;
+  return rule == Rule::Equality ? Verdict::Greater : Verdict::Incomparable;
+}
+
+}  // namespace vorn::runtime

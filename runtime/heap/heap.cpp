@@ -1,0 +1,95 @@
+// The allocation path. On the collected heap an allocation is two tests, two counters and the collector library's own
+// call; everything rarer is in allocateSlowly.
+#include "runtime/heap/heap.h"
+
+#include <gc/gc.h>
+
+#include <new>
+
+#include "collections/core/runtime_interface.h"
+#include "runtime/heap/global_roots.h"
+#include "runtime/heap/heap_control.h"
+
+namespace vorn::runtime {
+
+namespace {
+
+// No heap hands out a larger block. The bound keeps sizes clear of overflow, and of requests for which an allocator in
+// a sanitizer build would end the process instead of answering null.
+constexpr std::size_t kLargestBlock = std::size_t{1} << 38;
+
+// Whether this very allocation is the one that was armed to fail. Fires once.
+bool armedFailureFires(ThreadState& thread) {
+  if (thread.allocationsBeforeFailure < 0) return false;
+  if (thread.allocationsBeforeFailure-- > 0) return false;
+  thread.failureHappened = true;
+  thread.allocatesSlowly = startedHeap().allocatesSlowly();
+  return true;
+}
+
+__attribute__((noinline, cold)) void* allocateSlowly(std::size_t bytes, BlockKind kind) noexcept {
+  ThreadState& thread = attachedThread();
+  if (armedFailureFires(thread) || bytes > kLargestBlock) return nullptr;
+  void* const block = startedHeap().allocate(bytes, kind);
+  if (block != nullptr) thread.countAllocation(bytes);
+  return block;
+}
+
+template <BlockKind kind>
+inline void* allocate(std::size_t bytes) noexcept {
+  ThreadState* const thread = currentThread;
+  if (thread == nullptr || thread->allocatesSlowly || bytes > kLargestBlock) [[unlikely]]
+    return allocateSlowly(bytes, kind);
+  void* const block = kind == BlockKind::Scanned ? GC_malloc(bytes) : GC_malloc_atomic(bytes);
+  if (block == nullptr) [[unlikely]]
+    return allocateSlowly(bytes, kind);
+  thread->countAllocation(bytes);
+  return block;
+}
+
+template <BlockKind kind>
+inline void* allocateOrThrow(std::size_t bytes) {
+  void* const block = allocate<kind>(bytes);
+  if (block == nullptr) [[unlikely]]
+    throw std::bad_alloc();
+  return block;
+}
+
+}  // namespace
+
+void* allocateScanned(std::size_t bytes) { return allocateOrThrow<BlockKind::Scanned>(bytes); }
+
+void* allocateAtomic(std::size_t bytes) { return allocateOrThrow<BlockKind::Atomic>(bytes); }
+
+void* tryAllocateScanned(std::size_t bytes) noexcept { return allocate<BlockKind::Scanned>(bytes); }
+
+void* tryAllocateAtomic(std::size_t bytes) noexcept { return allocate<BlockKind::Atomic>(bytes); }
+
+void addGlobalRoot(void** slot) { GlobalRoots::instance().add(slot); }
+
+void removeGlobalRoot(void** slot) { GlobalRoots::instance().remove(slot); }
+
+void armAllocationFailure(std::int64_t after) {
+  ThreadState& thread = attachedThread();
+  thread.allocationsBeforeFailure = after < 0 ? -1 : after;
+  if (after >= 0) thread.failureHappened = false;
+  thread.allocatesSlowly = after >= 0 || startedHeap().allocatesSlowly();
+}
+
+}  // namespace vorn::runtime
+
+void* Vorn_gcAlloc(std::size_t bytes) { return vorn::runtime::tryAllocateScanned(bytes); }
+
+void* Vorn_gcAllocAtomic(std::size_t bytes) { return vorn::runtime::tryAllocateAtomic(bytes); }
+
+void Vorn_gcRegisterRootRange(void* start, std::size_t bytes) {
+  vorn::runtime::attachedThread().roots.push(start, bytes);
+}
+
+void Vorn_gcUnregisterRootRange(void* start, std::size_t bytes) {
+  vorn::runtime::attachedThread().roots.remove(start, bytes);
+}
+
+void Vorn_gcRegisterRootSlot(void** slot) { vorn::runtime::attachedThread().roots.push(slot, sizeof(void*)); }
+
+void Vorn_gcUnregisterRootSlot(void** slot) { vorn::runtime::attachedThread().roots.remove(slot, sizeof(void*)); }

@@ -1,0 +1,89 @@
+#include "runtime/heap/heap_control.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+
+#include "runtime/heap/collected_heap.h"
+#include "runtime/heap/plain_heap.h"
+#include "runtime/heap/stress_heap.h"
+#include "runtime/threads/fast_random.h"
+
+namespace vorn::runtime {
+
+namespace {
+
+constinit std::mutex startMutex;
+constinit std::atomic<HeapBackend*> startedBackend{nullptr};
+// Both guarded by startMutex.
+vorn_heap_kind startedKind;
+bool running;
+
+HeapBackend* makeHeap(vorn_heap_kind kind) {
+  switch (kind) {
+    case VORN_HEAP_COLLECTED:
+      return makeCollectedHeap();
+    case VORN_HEAP_PLAIN:
+      return makePlainHeap();
+    case VORN_HEAP_STRESS:
+      return makeStressHeap();
+  }
+  return nullptr;
+}
+
+bool startLocked(const vorn_runtime_options& options) {
+  HeapBackend* heap = startedBackend.load(std::memory_order_relaxed);
+  if (heap != nullptr && options.heap != startedKind) return false;
+  if (running) return true;
+  if (heap == nullptr) heap = makeHeap(options.heap);
+  if (heap == nullptr) return false;
+  startedKind = options.heap;
+  running = true;
+  seedRandomStreams(options.seed);
+  if (startedKind == VORN_HEAP_STRESS) {
+    const std::uint32_t oneIn = options.stress_collect_one_in == 0 ? 1 : options.stress_collect_one_in;
+    setStressSchedule({options.stress_scans_stacks != 0, oneIn, options.seed});
+  }
+  heap->setCollecting(true);
+  startedBackend.store(heap, std::memory_order_release);
+  // A thread that outlived a stop draws from a new stream as well, so that a restart is as reproducible as a start.
+  if (currentThread != nullptr) currentThread->randomState = nextRandomStream();
+  return true;
+}
+
+}  // namespace
+
+vorn_runtime_options defaultOptions() {
+  vorn_runtime_options options{};
+  options.struct_size = sizeof(options);
+  options.heap = VORN_HEAP_COLLECTED;
+  options.stress_scans_stacks = 0;
+  options.stress_collect_one_in = 1;
+  options.seed = 0;
+  return options;
+}
+
+bool startHeap(const vorn_runtime_options& options) {
+  const std::lock_guard lock(startMutex);
+  return startLocked(options);
+}
+
+void stopHeap() {
+  const std::lock_guard lock(startMutex);
+  if (HeapBackend* heap = startedBackend.load(std::memory_order_relaxed)) heap->setCollecting(false);
+  running = false;
+}
+
+HeapBackend& startedHeap() {
+  if (HeapBackend* heap = startedBackend.load(std::memory_order_acquire)) [[likely]]
+    return *heap;
+  const std::lock_guard lock(startMutex);
+  if (startedBackend.load(std::memory_order_relaxed) == nullptr && !startLocked(defaultOptions())) {
+    std::fputs("vorn: the runtime's heap cannot be made\n", stderr);
+    std::abort();
+  }
+  return *startedBackend.load(std::memory_order_relaxed);
+}
+
+}  // namespace vorn::runtime

@@ -1,0 +1,63 @@
+#include "runtime/objects/builtin_classes.h"
+
+#include <array>
+
+namespace vorn::runtime {
+namespace {
+
+constexpr std::uint32_t kFirstField = sizeof(ObjectRecord);
+
+constexpr std::array integerValueField{ObjectField{ObjectField::Kind::Integer, kFirstField, "_value"}};
+constexpr std::array booleanValueField{ObjectField{ObjectField::Kind::Boolean, kFirstField, "_value"}};
+constexpr std::array floatingValueField{ObjectField{ObjectField::Kind::Floating, kFirstField, "_value"}};
+constexpr std::array typeFields{
+    ObjectField{ObjectField::Kind::Handle, kFirstField, "_fullName"},
+    ObjectField{ObjectField::Kind::Handle, kFirstField + sizeof(void*), "_name"},
+};
+constexpr std::array<ObjectField, 0> noFields{};
+
+constexpr const RuntimeClass* classOrNull(BuiltinClass type) {
+  return type == BuiltinClass::None ? nullptr : &builtinClasses[static_cast<std::size_t>(type)];
+}
+
+constexpr BoxedType boxedTypeNamed(std::string_view className) {
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName) \
+  if (className == (name)) return BoxedType::enumerator;
+#include "collections/core/primitive_kinds.def"
+#undef VORN_PRIMITIVE_KIND
+  if (className == "Char") return BoxedType::Char;
+  return className == "CodeUnit" ? BoxedType::CodeUnit : BoxedType::None;
+}
+
+}  // namespace
+
+static_assert(offsetof(RuntimeClass, head) == 0);
+
+// Constant-initialised, so that values can be boxed before any static initialiser has run.
+constinit const RuntimeClass builtinClasses[kBuiltinClasses] = {
+#define VORN_BUILTIN_CLASS(name, module, objectKind, baseName, parameterCount, classTraits, ownFields) \
+  RuntimeClass{                                                                                        \
+      .head = {boxedTypeNamed(#name)},                                                                 \
+      .fullName = module #name,                                                                        \
+      .shortName = #name,                                                                              \
+      .kind = ObjectKind::objectKind,                                                                  \
+      .builtin = BuiltinClass::name,                                                                   \
+      .traits = classTraits,                                                                           \
+      .parameters = parameterCount,                                                                    \
+      .base = classOrNull(BuiltinClass::baseName),                                                     \
+      .fields = ownFields.data(),                                                                      \
+      .fieldCount = ownFields.size(),                                                                  \
+      .instanceSize = sizeof(ObjectRecord) + ownFields.size() * sizeof(std::uint64_t),                 \
+  },
+#include "runtime/objects/builtin_classes.def"
+#undef VORN_BUILTIN_CLASS
+};
+
+const RuntimeClass* findBuiltinClass(std::string_view name) {
+  for (const RuntimeClass& candidate : builtinClasses) {
+    if (name == candidate.shortName || name == candidate.fullName) return &candidate;
+  }
+  return nullptr;
+}
+
+}  // namespace vorn::runtime

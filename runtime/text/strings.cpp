@@ -1,0 +1,55 @@
+#include <cstring>
+
+#include "collections/core/roots.h"
+#include "collections/core/runtime_interface.h"
+#include "runtime/heap/heap.h"
+#include "runtime/objects/builtin_classes.h"
+#include "runtime/text/text.h"
+
+namespace vorn::runtime {
+
+char* newText(std::string_view text) {
+  auto* block = static_cast<char*>(allocateAtomic(text.size() + 1));
+  if (!text.empty()) std::memcpy(block, text.data(), text.size());
+  block[text.size()] = '\0';
+  return block;
+}
+
+bool readText(const void* handle, std::string_view& text) {
+  if (handle == nullptr) return false;
+  if (!hasObjectMagic(handle)) {
+    text = static_cast<const char*>(handle);
+    return true;
+  }
+  const auto* object = static_cast<const ObjectRecord*>(handle);
+  if (object->kind() != ObjectKind::String) return false;
+  const auto* string = static_cast<const StringObject*>(object);
+  text = {string->text, string->length};
+  return true;
+}
+
+}  // namespace vorn::runtime
+
+void* Vorn_allocString(std::string_view text) {
+  using namespace vorn::runtime;
+  char* const block = newText(text);
+  const vorn::collections::RootedHandle rooted(block);
+  auto* string = static_cast<StringObject*>(allocateScanned(sizeof(StringObject)));
+  string->header = objectHeaderFor(string, ObjectKind::String);
+  string->runtimeClass = &builtinClass(BuiltinClass::String);
+  string->nativeRecord = nullptr;
+  string->text = block;
+  string->length = text.size();
+  return string;
+}
+
+std::string stringValueFromPtr(void* handle) {
+  std::string_view text;
+  return vorn::runtime::readText(handle, text) ? std::string(text) : std::string();
+}
+
+extern "C" int Vorn_strEquals(const char* left, const char* right) {
+  if (left == right) return 1;
+  if (left == nullptr || right == nullptr) return 0;
+  return std::strcmp(left, right) == 0 ? 1 : 0;
+}

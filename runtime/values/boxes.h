@@ -1,0 +1,27 @@
+// Boxed values.
+#pragma once
+
+#include <cstdint>
+
+#include "runtime/heap/heap.h"
+#include "runtime/objects/runtime_class.h"
+
+namespace vorn::runtime {
+
+static_assert(ObjectKind::CharacterBox < ObjectKind::String, "the four box kinds come first");
+
+// Whether objects of the kind are RegisteredObjects.
+inline bool isBoxKind(ObjectKind kind) { return kind <= ObjectKind::CharacterBox; }
+
+// A new box of a boxed type other than Boolean; `payload` is the integer or the double's bits. Every word is written,
+// since pointer-free blocks come as they are. Allocates; std::bad_alloc.
+inline RegisteredObject* newBox(const RuntimeClass& type, std::int64_t payload) {
+  auto* box = static_cast<RegisteredObject*>(allocateAtomic(sizeof(RegisteredObject)));
+  box->header = objectHeaderFor(box, type.kind);
+  box->runtimeClass = &type;
+  box->nativeRecord = nullptr;
+  box->integer = payload;
+  return box;
+}
+
+}  // namespace vorn::runtime
