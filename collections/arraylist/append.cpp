@@ -9,6 +9,7 @@
 #include "collections/core/primitive_conversions.h"
 #include "collections/core/primitive_elements.h"
 #include "collections/core/primitive_kinds.h"
+#include "collections/core/same_type_store.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;
@@ -25,16 +26,35 @@ void appendRawValue(ListData& list, const BulkPrimitiveListValue& value) {
   appendPrimitiveValue(list, rawPrimitiveValueToDeclared(list, value, declared) ? declared : value);
 }
 
-// The common case of addInt: the list keeps Ints unboxed and its declared type is Int or none, so that the value's low
-// bits are what gets stored whatever its range.
-bool appendToIntStorage(ListData& list, long long value) {
+// The common case of addInt: the list keeps Ints unboxed, its declared type is Int or none, so that the value's low
+// bits are what gets stored whatever its range, and there is room. Kept free of calls, so that the native needs no
+// frame.
+inline bool appendToIntStorage(ListData& list, long long value) {
   SmallPrimitiveBuffer& buffer = list.primitive;
   if (list.primitiveKind != PrimitiveKind::Int || buffer.elementSize != sizeof(std::int32_t)) return false;
   if (list.elementType.text != nullptr && list.elementType != list.primitiveType) return false;
-  buffer.reserve(buffer.size + 1);
-  vc::storeElement(vc::KindTag<PrimitiveKind::Int, std::int32_t>{}, buffer, buffer.size, value, 0.0);
+  if (buffer.size == buffer.capacity) return false;
+  vc::storeElement(vc::KindTag<PrimitiveKind::Int, std::int32_t>{}, buffer.data, buffer.size, value, 0.0);
   ++buffer.size;
   return true;
+}
+
+// The common case of add: a box of the very type that the list keeps unboxed, and room for it.
+inline bool appendToOwnStorage(ListData& list, void* value) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (buffer.size >= buffer.capacity || !vc::storeBoxOfSameType(list, buffer.size, value)) return false;
+  ++buffer.size;
+  return true;
+}
+
+[[gnu::noinline]] void lockedAdd(ListData& list, void* value) {
+  const ListDataLock lock(list);
+  vc::appendValueOrRaise(list, value);
+}
+
+[[gnu::noinline]] void lockedAddInt(ListData& list, long long value) {
+  const ListDataLock lock(list);
+  if (!appendToIntStorage(list, value)) appendRawValue(list, intValue(value));
 }
 
 // The kind and name of a raw append's type argument.
@@ -50,15 +70,17 @@ vc::ElementType rawElementType(const char* typeName, vc::ElementType whenNull, P
 void vorn_collections_ArrayList_add(void* list, void* value) {
   if (list == nullptr) return vc::errors::raiseAddOnNull();
   ListData& data = *getListData(list);
-  const ListDataLock lock(data);
-  vc::appendValueOrRaise(data, value);
+  if (!data.synchronized && appendToOwnStorage(data, value)) [[likely]]
+    return;
+  lockedAdd(data, value);
 }
 
 void vorn_collections_ArrayList_addInt(void* list, long long value) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
-  const ListDataLock lock(data);
-  if (!appendToIntStorage(data, value)) appendRawValue(data, intValue(value));
+  if (!data.synchronized && appendToIntStorage(data, value)) [[likely]]
+    return;
+  lockedAddInt(data, value);
 }
 
 void vorn_collections_ArrayList_addPrimitiveI64(void* list, long long value, const char* typeName) {

@@ -3,7 +3,7 @@
 #include <vorn/collections/array_list.h>
 
 #include "collections/arraylist/object_cursor.h"
-#include "collections/core/element_types.h"
+#include "collections/core/element_access.h"
 #include "collections/core/errors.h"
 #include "collections/core/index_rules.h"
 #include "collections/core/primitive_conversions.h"
@@ -23,7 +23,19 @@ void* elementAtOrRaise(ListData& list, long long index) {
                                primitiveListReadF64(list, *at));
 }
 
-long long intAtOrRaise(ListData& list, long long index) {
+// The common case of every integer read: an index inside unboxed storage. Kept free of calls, so that the natives need
+// no frame for it.
+inline bool readUnboxedInt(const ListData& list, long long index, long long& value) {
+  const std::uint64_t size = list.primitive.size;
+  const std::uint64_t at = static_cast<std::uint64_t>(index) + (index < 0 ? size : 0);
+  // Past the size also when the list is boxed: its primitive storage is empty then.
+  if (at >= size) return false;
+  value = vc::visitKind(
+      list.primitiveKind, [&](auto tag) { return vc::readElementI64(tag, list.primitive.data, at); }, 0LL);
+  return true;
+}
+
+[[gnu::noinline]] long long intAtOrRaise(ListData& list, long long index) {
   const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
   if (!at) return 0;
   if (list.primitiveKind != PrimitiveKind::None) return primitiveListReadI64(list, *at);
@@ -33,6 +45,11 @@ long long intAtOrRaise(ListData& list, long long index) {
     return 0;
   }
   return readListItemI64(element);
+}
+
+[[gnu::noinline]] long long lockedIntAtOrRaise(ListData& list, long long index) {
+  const ListDataLock lock(list);
+  return intAtOrRaise(list, index);
 }
 
 double doubleAtOrRaise(ListData& list, long long index) {
@@ -60,7 +77,11 @@ void* vorn_collections_ArrayList_operator_index(void* list, long long index) {
 
 long long vorn_collections_ArrayList_getInt(void* list, long long index) {
   if (list == nullptr) return 0;
-  return vorn_collections_ArrayList_getIntFromData(getListData(list), index);
+  ListData& data = *getListData(list);
+  long long value = 0;
+  if (!data.synchronized && readUnboxedInt(data, index, value)) [[likely]]
+    return value;
+  return lockedIntAtOrRaise(data, index);
 }
 
 long long vorn_collections_ArrayList_getIntFast(void* list, long long index) {
@@ -71,9 +92,7 @@ long long vorn_collections_ArrayList_getIntFast(void* list, long long index) {
 }
 
 long long vorn_collections_ArrayList_getIntFromData(ListData* data, long long index) {
-  if (data == nullptr) return 0;
-  const ListDataLock lock(*data);
-  return intAtOrRaise(*data, index);
+  return data != nullptr ? lockedIntAtOrRaise(*data, index) : 0;
 }
 
 double vorn_collections_ArrayList_getDouble(void* list, long long index) {

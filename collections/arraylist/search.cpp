@@ -18,9 +18,7 @@ namespace vorn::collections {
 
 namespace {
 
-long long indexOrMinusOne(std::uint64_t position) {
-  return static_cast<long long>(position);
-}
+long long indexOrMinusOne(std::uint64_t position) { return static_cast<long long>(position); }
 static_assert(static_cast<long long>(kNotFound) == -1);
 
 // The value as the list's own unboxed type; false when it has another one.

@@ -7,6 +7,7 @@
 #include "collections/core/primitive_conversions.h"
 #include "collections/core/primitive_elements.h"
 #include "collections/core/primitive_kinds.h"
+#include "collections/core/same_type_store.h"
 
 namespace vorn::collections {
 
@@ -62,6 +63,7 @@ void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
 }
 
 void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
+  if (storeBoxOfSameType(list, index, value)) return;
   BulkPrimitiveListValue raw;
   if (list.primitiveKind != PrimitiveKind::None && rawReplacement(list, value, raw)) {
     return primitiveListWrite(list, index, raw.integer, raw.floating);

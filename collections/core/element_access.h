@@ -24,8 +24,8 @@ inline Element loadElement(const unsigned char* data, std::uint64_t index) {
 
 // The integer reading of one element; see primitiveListReadI64.
 template <class Tag>
-inline long long readElementI64(Tag, const SmallPrimitiveBuffer& buffer, std::uint64_t index) {
-  const auto element = loadElement<typename Tag::Element>(buffer.data, index);
+inline long long readElementI64(Tag, const unsigned char* data, std::uint64_t index) {
+  const auto element = loadElement<typename Tag::Element>(data, index);
   if constexpr (isFloatingKind(Tag::kind)) {
     return truncateToI64(element);
   } else if constexpr (Tag::kind == PrimitiveKind::Boolean) {
@@ -37,17 +37,17 @@ inline long long readElementI64(Tag, const SmallPrimitiveBuffer& buffer, std::ui
 
 // The floating reading of one element; see primitiveListReadF64.
 template <class Tag>
-inline double readElementF64(Tag, const SmallPrimitiveBuffer& buffer, std::uint64_t index) {
+inline double readElementF64(Tag, const unsigned char* data, std::uint64_t index) {
   if constexpr (isFloatingKind(Tag::kind)) {
-    return loadElement<typename Tag::Element>(buffer.data, index);
+    return loadElement<typename Tag::Element>(data, index);
   } else {
-    return static_cast<double>(readElementI64(Tag{}, buffer, index));
+    return static_cast<double>(readElementI64(Tag{}, data, index));
   }
 }
 
 // Stores a raw value pair at its width: the double for floating kinds, 0 or 1 for Boolean, else the integer's low bits.
 template <class Tag>
-inline void storeElement(Tag, SmallPrimitiveBuffer& buffer, std::uint64_t index, long long integer, double floating) {
+inline void storeElement(Tag, unsigned char* data, std::uint64_t index, long long integer, double floating) {
   using Element = typename Tag::Element;
   Element element;
   if constexpr (isFloatingKind(Tag::kind)) {
@@ -57,7 +57,7 @@ inline void storeElement(Tag, SmallPrimitiveBuffer& buffer, std::uint64_t index,
   } else {
     element = static_cast<Element>(integer);
   }
-  std::memcpy(buffer.data + index * sizeof(Element), &element, sizeof(Element));
+  std::memcpy(data + index * sizeof(Element), &element, sizeof(Element));
 }
 
 }  // namespace vorn::collections

@@ -25,9 +25,7 @@ bool isFloatLikeObject(void* handle) {
   return isObjectPointer(handle) && isFloatLikeListType(Vorn_objectTypeName(handle));
 }
 
-double floatingValue(void* handle) {
-  return Vorn_getField_double(handle, kValueField);
-}
+double floatingValue(void* handle) { return Vorn_getField_double(handle, kValueField); }
 
 // The value of an object that meets a float-like one. An object that is not float-like reads as an integer whatever its
 // type.
@@ -41,9 +39,7 @@ int compareFloating(double x, double y) {
   return x == y ? 0 : (x > y ? 1 : -1);
 }
 
-int signOf(int value) {
-  return (value > 0) - (value < 0);
-}
+int signOf(int value) { return (value > 0) - (value < 0); }
 
 template <class Value>
 int compareValues(const Value& x, const Value& y) {
@@ -105,9 +101,7 @@ int compareObjects(void* a, void* b) {
   return compareCollections(a, b, typeA, typeB);
 }
 
-const char* textOf(void* plainValue) {
-  return static_cast<const char*>(plainValue);
-}
+const char* textOf(void* plainValue) { return static_cast<const char*>(plainValue); }
 
 }  // namespace
 

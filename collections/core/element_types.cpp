@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "collections/core/primitive_kinds.h"
 #include "collections/core/runtime_interface.h"
@@ -13,22 +14,31 @@ namespace {
 
 constexpr std::string_view kLanguageModule = "vorn.";
 
-struct NamedKind {
-  std::string_view name;
-  PrimitiveKind kind = PrimitiveKind::None;
-};
+using ElementTypes = std::remove_const_t<decltype(elementTypes)>;
 
-constexpr NamedKind kNamedKinds[] = {
-#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName) \
-  {name, PrimitiveKind::enumerator}, {secondName, PrimitiveKind::enumerator},
+// The second names of the kinds table are those of the two character types.
+consteval void addCharacterType(ElementTypes& types, PrimitiveKind kind, std::string_view name) {
+  if (name.empty()) return;
+  types[static_cast<std::size_t>(name == "Char" ? BoxedType::Char : BoxedType::CodeUnit)] = {kind, name};
+}
+
+consteval ElementTypes makeElementTypes() {
+  ElementTypes types{};
+  types[static_cast<std::size_t>(BoxedType::None)] = {PrimitiveKind::None, "Object"};
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName)                 \
+  types[static_cast<std::size_t>(BoxedType::enumerator)] = {PrimitiveKind::enumerator, name}; \
+  addCharacterType(types, PrimitiveKind::enumerator, secondName);
 #include "collections/core/primitive_kinds.def"
 #undef VORN_PRIMITIVE_KIND
-};
+  return types;
+}
+
+constexpr ElementTypes kElementTypes = makeElementTypes();
 
 constexpr std::size_t kShortestName = 3;
 constexpr std::size_t kLongestName = 8;
 
-// A slot index from a name's length, first and third byte: all that tells the thirteen names apart, so that a lookup
+// A slot index from a name's length, first and third byte: all that tells these names apart, so that a lookup
 // is one multiplication and one comparison. It stands on the path of every boxed store.
 constexpr std::size_t kSlots = 64;
 constexpr std::size_t slotOf(std::string_view name, std::uint32_t multiplier) {
@@ -39,7 +49,7 @@ constexpr std::size_t slotOf(std::string_view name, std::uint32_t multiplier) {
 
 struct NameTable {
   std::uint32_t multiplier = 0;
-  std::array<NamedKind, kSlots> slots{};
+  std::array<ElementType, kSlots> slots{};
 };
 
 // Finds a multiplier that gives every name a slot of its own; failing to find one fails to compile.
@@ -47,10 +57,9 @@ consteval NameTable makeNameTable() {
   for (std::uint32_t multiplier = 0x9E3779B1U;; multiplier += 2) {
     NameTable table{multiplier, {}};
     bool distinct = true;
-    for (const NamedKind& row : kNamedKinds) {
-      if (row.name.empty()) continue;
-      NamedKind& slot = table.slots[slotOf(row.name, multiplier)];
-      distinct = distinct && slot.kind == PrimitiveKind::None;
+    for (const ElementType& row : kElementTypes) {
+      ElementType& slot = table.slots[slotOf(row.name, multiplier)];
+      distinct = distinct && slot.name.empty();
       slot = row;
     }
     if (distinct) return table;
@@ -59,10 +68,10 @@ consteval NameTable makeNameTable() {
 
 constexpr NameTable kNameTable = makeNameTable();
 
-const NamedKind* findNamedKind(std::string_view name) {
+const ElementType* findElementType(std::string_view name) {
   if (name.size() < kShortestName || name.size() > kLongestName) return nullptr;
-  const NamedKind& slot = kNameTable.slots[slotOf(name, kNameTable.multiplier)];
-  return slot.name == name ? &slot : nullptr;
+  const ElementType& slot = kNameTable.slots[slotOf(name, kNameTable.multiplier)];
+  return sameName(slot.name, name) ? &slot : nullptr;
 }
 
 bool skipModule(std::string_view& name) {
@@ -83,11 +92,13 @@ bool isOneOf(const char* name, std::initializer_list<std::string_view> names) {
 
 }  // namespace
 
+constinit const ElementTypes elementTypes = kElementTypes;
+
 ElementType normalizedElementType(std::string_view typeName) {
   std::string_view shortName = typeName;
-  const NamedKind* row = findNamedKind(shortName);
-  if (row == nullptr && skipModule(shortName)) row = findNamedKind(shortName);
-  if (row != nullptr) return {row->kind, row->name};
+  const ElementType* row = findElementType(shortName);
+  if (row == nullptr && skipModule(shortName)) row = findElementType(shortName);
+  if (row != nullptr) return *row;
   const std::string_view normalized = normalizePrimitiveTypeName(typeName);
   return {primitiveKindForType(normalized), normalized};
 }
@@ -102,7 +113,7 @@ ElementType declaredElementType(const ListData& list) {
 using namespace vorn::collections;
 
 PrimitiveKind primitiveKindForType(std::string_view name) {
-  const NamedKind* row = findNamedKind(name);
+  const ElementType* row = findElementType(name);
   return row != nullptr ? row->kind : PrimitiveKind::None;
 }
 
@@ -116,6 +127,4 @@ bool isIntLikeListType(const char* name) {
   return isOneOf(name, {"Boolean", "Int", "UInt", "Long", "ULong", "Short", "UShort", "Byte", "SByte"});
 }
 
-bool isFloatLikeListType(const char* name) {
-  return isOneOf(name, {"Double", "Float"});
-}
+bool isFloatLikeListType(const char* name) { return isOneOf(name, {"Double", "Float"}); }

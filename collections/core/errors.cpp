@@ -15,25 +15,15 @@ constexpr const char* kValueException = "ValueException";
 
 }  // namespace
 
-void raiseAddOnNull() {
-  Vorn_raise(kNullException, "Cannot call ArrayList.add() on null");
-}
+void raiseAddOnNull() { Vorn_raise(kNullException, "Cannot call ArrayList.add() on null"); }
 
-void raiseIndexOutOfBounds() {
-  Vorn_raise(kIndexException, "Index out of bounds");
-}
+void raiseIndexOutOfBounds() { Vorn_raise(kIndexException, "Index out of bounds"); }
 
-void raiseExpectedIntItem() {
-  Vorn_raise(kTypeError, "Expected Int item");
-}
+void raiseExpectedIntItem() { Vorn_raise(kTypeError, "Expected Int item"); }
 
-void raiseExpectedFloatingItem() {
-  Vorn_raise(kTypeError, "Expected floating list item");
-}
+void raiseExpectedFloatingItem() { Vorn_raise(kTypeError, "Expected floating list item"); }
 
-void raiseCodeUnitOutOfRange() {
-  Vorn_raise(kTypeError, "CodeUnit code unit out of range (0..0xFFFF)");
-}
+void raiseCodeUnitOutOfRange() { Vorn_raise(kTypeError, "CodeUnit code unit out of range (0..0xFFFF)"); }
 
 void raiseCharNotScalar() {
   Vorn_raise(kValueException, "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");

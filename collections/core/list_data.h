@@ -51,9 +51,7 @@ struct ListData {
   ListData& operator=(const ListData&) = delete;
 
   // Number of elements in the object or linked storage, whichever `linked` selects.
-  [[nodiscard]] std::uint64_t objectCount() const {
-    return linked ? linkedObjects.count : objects.size;
-  }
+  [[nodiscard]] std::uint64_t objectCount() const { return linked ? linkedObjects.count : objects.size; }
 
   // Number of elements in the live storage.
   [[nodiscard]] std::uint64_t logicalSize() const {

@@ -1,6 +1,6 @@
 #include "collections/core/primitive_conversions.h"
 
-#include <limits>
+#include <bit>
 
 #include "collections/core/element_access.h"
 #include "collections/core/element_types.h"
@@ -14,6 +14,7 @@ using vorn::collections::ElementType;
 using vorn::collections::isFloatingKind;
 using vorn::collections::isIntegerKind;
 using vorn::collections::PrimitiveKind;
+using vorn::collections::sameName;
 
 namespace {
 
@@ -43,6 +44,32 @@ void boxAndPushBack(ListData& list, const BulkPrimitiveListValue& value) {
   list.objectPushBack(box.get());
 }
 
+void setInteger(BulkPrimitiveListValue& out, const ElementType& type, long long value) {
+  out = {type.kind, type.name, value, static_cast<double>(value)};
+}
+
+void setFloating(BulkPrimitiveListValue& out, const ElementType& type, double value) {
+  out = {type.kind, type.name, vorn::collections::truncateToI64(value), value};
+}
+
+// A user class may bear the name of a primitive type in a module of its own; its objects then count as that type and
+// keep their value in a field.
+[[gnu::noinline]] bool instanceToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
+  if (getObject(handle)->kind() != ObjectKind::Instance) return false;
+  const char* typeName = Vorn_objectTypeName(handle);
+  if (typeName == nullptr) return false;
+  const ElementType type = vorn::collections::normalizedElementType(typeName);
+  if (type.kind == PrimitiveKind::None) return false;
+  if (isFloatingKind(type.kind)) {
+    setFloating(out, type, Vorn_getField_double(handle, kValueField));
+  } else if (type.kind == PrimitiveKind::Boolean) {
+    setInteger(out, type, Vorn_getField_i1(handle, kValueField) ? 1 : 0);
+  } else {
+    setInteger(out, type, Vorn_getField_i64(handle, kValueField));
+  }
+  return true;
+}
+
 // Converts against a declared type that the caller has looked up.
 bool convertToDeclared(const ElementType& declared, const BulkPrimitiveListValue& value, BulkPrimitiveListValue& out) {
   if (declared.kind == PrimitiveKind::None) return false;
@@ -61,7 +88,7 @@ bool acceptedOrRaise(const ElementType& declared, void* handle, const BulkPrimit
     if (own != nullptr && convertToDeclared(declared, *own, converted)) return true;
   } else {
     // The name is a suffix of a NUL-terminated one, or a literal.
-    if (declared.name == "Object" || handle == nullptr) return true;
+    if (sameName(declared.name, "Object") || handle == nullptr) return true;
     if (Vorn_isInstanceOf(handle, declared.name.data())) return true;
   }
   vorn::collections::errors::raiseElementTypeRefused(declared.name, Vorn_objectTypeName(handle));
@@ -83,22 +110,14 @@ void* boxPrimitiveListValue(PrimitiveKind kind, std::string_view typeName, long 
 }
 
 bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
-  if (!isObjectPointer(handle)) return false;
-  const char* typeName = Vorn_objectTypeName(handle);
-  if (typeName == nullptr) return false;
-  const ElementType type = vorn::collections::normalizedElementType(typeName);
-  if (type.kind == PrimitiveKind::None) return false;
-  out.kind = type.kind;
-  out.typeName = type.name;
+  const RegisteredObject* box = getRegisteredObjectUnsafe(handle);
+  if (box == nullptr) return false;
+  if (box->kind() > ObjectKind::CharacterBox) return instanceToPrimitiveListValue(handle, out);
+  const ElementType type = vorn::collections::elementTypeOf(boxedTypeOf(*box));
   if (isFloatingKind(type.kind)) {
-    out.floating = Vorn_getField_double(handle, kValueField);
-    out.integer = vorn::collections::truncateToI64(out.floating);
-  } else if (type.kind == PrimitiveKind::Boolean) {
-    out.integer = Vorn_getField_i1(handle, kValueField) ? 1 : 0;
-    out.floating = static_cast<double>(out.integer);
+    setFloating(out, type, std::bit_cast<double>(box->integer));
   } else {
-    out.integer = readListItemI64(handle);
-    out.floating = static_cast<double>(out.integer);
+    setInteger(out, type, box->integer);
   }
   return true;
 }
@@ -112,16 +131,16 @@ bool convertPrimitiveListValueToDeclared(PrimitiveKind declaredKind, std::string
   };
   const long long x = value.integer;
   if (declaredKind == PrimitiveKind::Boolean) {
-    if (value.kind != PrimitiveKind::Boolean || value.typeName != declaredName) return false;
+    if (value.kind != PrimitiveKind::Boolean || !sameName(value.typeName, declaredName)) return false;
     return accept(x != 0 ? 1 : 0, x != 0 ? 1.0 : 0.0);
   }
-  if (declaredName == kCodeUnit) {
-    if (value.typeName != kCodeUnit || static_cast<unsigned long long>(x) >= 0x10000) return false;
+  if (sameName(declaredName, kCodeUnit)) {
+    if (!sameName(value.typeName, kCodeUnit) || static_cast<unsigned long long>(x) >= 0x10000) return false;
     return accept(x, static_cast<double>(x));
   }
-  if (value.typeName == kCodeUnit) return false;
-  if (declaredName == kChar || value.typeName == kChar) {
-    if (declaredName != value.typeName || !vorn::collections::isUnicodeScalar(x)) return false;
+  if (sameName(value.typeName, kCodeUnit)) return false;
+  if (sameName(declaredName, kChar) || sameName(value.typeName, kChar)) {
+    if (!sameName(declaredName, value.typeName) || !vorn::collections::isUnicodeScalar(x)) return false;
     return accept(x, static_cast<double>(x));
   }
   if (isIntegerKind(declaredKind)) {
@@ -154,7 +173,7 @@ bool primitiveStorageCompatible(const ListData& list, PrimitiveKind kind, std::s
   }
   if (list.objects.size != 0) return false;
   const ElementType declared = declaredElementType(list);
-  if (declared.kind != PrimitiveKind::None) return kind == declared.kind && typeName == declared.name;
+  if (declared.kind != PrimitiveKind::None) return kind == declared.kind && sameName(typeName, declared.name);
   return list.elementType == std::string_view();
 }
 

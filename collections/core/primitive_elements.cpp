@@ -40,11 +40,8 @@ bool checkCharacterRangeOrRaise(std::string_view primitiveType, long long intege
 
 namespace {
 
-// Only two kinds have names with a range of their own, so the others pass on the kind alone.
+// The check goes by the name the elements are kept under, not by the kind: a buffer of doubles may be named "Char".
 bool checkStoredValueOrRaise(const ListData& list, long long integer) {
-  const bool mayBeCharacter =
-      list.primitiveKind == ListData::PrimitiveKind::UShort || list.primitiveKind == ListData::PrimitiveKind::UInt;
-  if (!mayBeCharacter && list.primitiveKind != ListData::PrimitiveKind::None) return true;
   return checkCharacterRangeOrRaise(list.primitiveType.get(), integer);
 }
 
@@ -52,18 +49,20 @@ bool checkStoredValueOrRaise(const ListData& list, long long integer) {
 
 long long primitiveListReadI64(const ListData& list, std::uint64_t index) {
   return visitKind(
-      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementI64(tag, list.primitive, index); }, 0LL);
+      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementI64(tag, list.primitive.data, index); },
+      0LL);
 }
 
 double primitiveListReadF64(const ListData& list, std::uint64_t index) {
   return visitKind(
-      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementF64(tag, list.primitive, index); }, 0.0);
+      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementF64(tag, list.primitive.data, index); },
+      0.0);
 }
 
 void primitiveListWrite(ListData& list, std::uint64_t index, long long integer, double floating) {
   if (!checkStoredValueOrRaise(list, integer)) return;
   configurePrimitiveStorage(list, list.primitiveKind);
-  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, list.primitive, index, integer, floating); });
+  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, list.primitive.data, index, integer, floating); });
 }
 
 void primitiveListAppend(ListData& list, long long integer, double floating) {
@@ -71,7 +70,7 @@ void primitiveListAppend(ListData& list, long long integer, double floating) {
   configurePrimitiveStorage(list, list.primitiveKind);
   list.primitive.reserve(list.primitive.size + 1);
   visitKind(list.primitiveKind,
-            [&](auto tag) { storeElement(tag, list.primitive, list.primitive.size, integer, floating); });
+            [&](auto tag) { storeElement(tag, list.primitive.data, list.primitive.size, integer, floating); });
   ++list.primitive.size;
 }
 
@@ -83,7 +82,7 @@ void primitiveListInsertAt(ListData& list, std::uint64_t index, long long intege
   buffer.reserve(buffer.size + 1);
   unsigned char* at = buffer.data + index * buffer.elementSize;
   std::memmove(at + buffer.elementSize, at, (buffer.size - index) * buffer.elementSize);
-  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, buffer, index, integer, floating); });
+  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, buffer.data, index, integer, floating); });
   ++buffer.size;
 }
 

@@ -19,11 +19,27 @@ struct ArrayData;
 struct MapData;
 struct SetData;
 
-// The runtime's class descriptor; opaque to this library.
+// The runtime's class descriptor. This library knows its first byte only, and that it outlives every object.
 struct RuntimeClass;
 
+// The primitive type of a boxed value: the kinds of unboxed storage by their own value, and the two character types.
+enum class BoxedType : std::uint8_t {
+  None = 0,  // not a box
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName) enumerator = value,
+#include "collections/core/primitive_kinds.def"
+#undef VORN_PRIMITIVE_KIND
+  Char,
+  CodeUnit,
+};
+
+// What a class descriptor starts with. Unboxing a value is on the path of every store and search by value, and asking
+// for its type name there cost more than everything else together.
+struct RuntimeClassHead {
+  BoxedType boxedType;
+};
+
 // What an object is. The value 1 is fixed: a registered record of that kind is an integer box. No kind is 0, so the
-// header holds no NUL.
+// header holds no NUL. The four boxes come first: objects of these kinds are RegisteredObjects.
 enum class ObjectKind : std::uint8_t {
   IntegerBox = 1,  // SByte, Byte, Short, UShort, Int, UInt, Long, ULong
   FloatingBox = 2,
@@ -53,6 +69,11 @@ struct ObjectRecord {
 struct RegisteredObject : ObjectRecord {
   std::int64_t integer;
 };
+
+// The primitive type of a box; None for every other object.
+inline BoxedType boxedTypeOf(const ObjectRecord& object) {
+  return reinterpret_cast<const RuntimeClassHead*>(object.runtimeClass)->boxedType;
+}
 
 static_assert(std::endian::native == std::endian::little, "the header word is laid out for little-endian machines");
 static_assert(sizeof(ObjectRecord) == 24 && sizeof(RegisteredObject) == 32, "boxes are 32 bytes");
@@ -96,9 +117,7 @@ inline bool hasObjectMagic(const void* handle) {
 }
 
 // Whether the handle is a real object, not a bare text or foreign pointer. Safe for every readable pointer.
-inline bool isObjectPointer(const void* handle) {
-  return hasObjectMagic(handle);
-}
+inline bool isObjectPointer(const void* handle) { return hasObjectMagic(handle); }
 
 // The object record of a handle that has the magic; null for any other handle.
 inline ObjectRecord* getObject(void* handle) {
@@ -131,15 +150,7 @@ inline Record* nativeRecordOf(void* handle, ObjectKind family) {
   return static_cast<Record*>(static_cast<ObjectRecord*>(handle)->nativeRecord);
 }
 
-inline ListData* getListData(void* handle) {
-  return nativeRecordOf<ListData>(handle, ObjectKind::List);
-}
-inline ArrayData* getArrayData(void* handle) {
-  return nativeRecordOf<ArrayData>(handle, ObjectKind::Array);
-}
-inline MapData* getMapData(void* handle) {
-  return nativeRecordOf<MapData>(handle, ObjectKind::Map);
-}
-inline SetData* getSetData(void* handle) {
-  return nativeRecordOf<SetData>(handle, ObjectKind::Set);
-}
+inline ListData* getListData(void* handle) { return nativeRecordOf<ListData>(handle, ObjectKind::List); }
+inline ArrayData* getArrayData(void* handle) { return nativeRecordOf<ArrayData>(handle, ObjectKind::Array); }
+inline MapData* getMapData(void* handle) { return nativeRecordOf<MapData>(handle, ObjectKind::Map); }
+inline SetData* getSetData(void* handle) { return nativeRecordOf<SetData>(handle, ObjectKind::Set); }
