@@ -1,0 +1,187 @@
+// Makers and descriptions shared by the tests of the library's core. The kinds are written out here once more, apart
+// from the table that the library is built from, so that a wrong row there fails a test.
+#pragma once
+
+#include <cinttypes>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <initializer_list>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "collections/core/list_data.h"
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/primitive_elements.h"
+#include "tests/support/runtime_test.h"
+
+namespace vorn::tests {
+
+using Kind = ListData::PrimitiveKind;
+
+inline constexpr long long kMinLong = std::numeric_limits<long long>::min();
+inline constexpr long long kMaxLong = std::numeric_limits<long long>::max();
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// One type name that selects a kind, with what follows from the kind.
+struct NamedKind {
+  const char* name;
+  int value;
+  std::uint64_t width;
+  std::uint64_t inlineCapacity;
+
+  [[nodiscard]] Kind kind() const { return static_cast<Kind>(value); }
+  [[nodiscard]] bool isInteger() const { return value >= 1 && value <= 8; }
+  [[nodiscard]] bool isFloating() const { return value == 9 || value == 10; }
+  [[nodiscard]] bool is(std::string_view other) const { return other == name; }
+};
+
+// How tests with kinds as parameters name them in their reports.
+inline void PrintTo(const NamedKind& row, std::ostream* stream) { *stream << row.name; }
+
+inline constexpr NamedKind kNamedKinds[] = {
+    {"SByte", 1, 1, 128}, {"Byte", 2, 1, 128},   {"Short", 3, 2, 64},     {"UShort", 4, 2, 64}, {"CodeUnit", 4, 2, 64},
+    {"Int", 5, 4, 32},    {"UInt", 6, 4, 32},    {"Char", 6, 4, 32},      {"Long", 7, 8, 16},   {"ULong", 8, 8, 16},
+    {"Float", 9, 4, 32},  {"Double", 10, 8, 16}, {"Boolean", 11, 1, 128},
+};
+
+inline const NamedKind& namedKind(std::string_view name) {
+  for (const NamedKind& row : kNamedKinds) {
+    if (row.is(name)) return row;
+  }
+  ADD_FAILURE() << "no kind is named " << name;
+  return kNamedKinds[0];
+}
+
+inline Kind kindNumbered(int value) { return static_cast<Kind>(value); }
+
+inline ListData& record(const Handle& list) { return *getListData(list); }
+
+// A raw value of the named kind whose integer and double agree.
+inline BulkPrimitiveListValue rawInteger(std::string_view name, long long value) {
+  return {namedKind(name).kind(), name, value, static_cast<double>(value)};
+}
+
+// Puts an empty record into primitive storage under the name, without calling what is under test.
+inline void makePrimitive(ListData& list, std::string_view name) {
+  const NamedKind& row = namedKind(name);
+  list.primitive.resetToInline(row.width);
+  list.primitiveKind = row.kind();
+  list.primitiveType = internRuntimeTypeName(name);
+}
+
+// An untyped ArrayList in primitive storage. Every value serves as the integer and, converted, as the double.
+inline Handle primitiveList(std::string_view name, std::initializer_list<long long> values = {}) {
+  Handle result = object("ArrayList");
+  makePrimitive(record(result), name);
+  for (const long long value : values) primitiveListAppend(record(result), value, static_cast<double>(value));
+  return result;
+}
+
+// The stored bits of one element.
+template <class Element>
+Element elementAt(const ListData& list, std::uint64_t index) {
+  EXPECT_EQ(list.primitive.elementSize, sizeof(Element));
+  Element element;
+  std::memcpy(&element, list.primitive.data + index * sizeof(Element), sizeof(Element));
+  return element;
+}
+
+// All elements of primitive storage by the integer reading.
+inline std::vector<long long> integersOf(const ListData& list) {
+  std::vector<long long> result;
+  for (std::uint64_t i = 0; i < list.primitive.size; ++i) result.push_back(primitiveListReadI64(list, i));
+  return result;
+}
+
+// A value as text: type and contents of boxes and texts, the address of everything else.
+inline std::string describeValue(void* handle) {
+  if (handle == nullptr) return "null";
+  char buffer[96];
+  if (vorn_is_object(handle) == 0) return std::string("text ") + static_cast<const char*>(handle);
+  std::string result = vorn_type_name(handle);
+  std::int64_t integerValue = 0;
+  double floatingValue = 0;
+  bool booleanValue = false;
+  if (const char* characters = vorn_string_text(handle); characters != nullptr) {
+    return result + " " + characters;
+  } else if (vorn_unbox_floating(handle, &floatingValue) != 0) {
+    std::snprintf(buffer, sizeof(buffer), " %.17g", floatingValue);
+  } else if (vorn_unbox_boolean(handle, &booleanValue) != 0) {
+    std::snprintf(buffer, sizeof(buffer), " %s", booleanValue ? "true" : "false");
+  } else if (vorn_unbox_integer(handle, &integerValue) != 0) {
+    std::snprintf(buffer, sizeof(buffer), " %" PRId64, integerValue);
+  } else {
+    std::snprintf(buffer, sizeof(buffer), " at %p", handle);
+  }
+  return result + buffer;
+}
+
+// The handles of the object or linked storage, read from the record itself.
+inline std::vector<void*> handlesOf(const ListData& list) {
+  std::vector<void*> result;
+  if (list.linked) {
+    for (const LinkedHandles::Links* node = list.linkedObjects.sentinel.next; node != &list.linkedObjects.sentinel;
+         node = node->next) {
+      result.push_back(static_cast<const LinkedHandles::Node*>(node)->handle);
+    }
+  } else {
+    result.assign(list.objects.data, list.objects.data + list.objects.size);
+  }
+  return result;
+}
+
+inline std::vector<std::string> describeObjects(const ListData& list) {
+  std::vector<std::string> result;
+  for (void* handle : handlesOf(list)) result.push_back(describeValue(handle));
+  return result;
+}
+
+// Everything that a caller can tell apart in a list, as one text: compare it before and after what must change nothing.
+// Capacities are left out, because room that was made is no change.
+inline std::string describeList(const ListData& list) {
+  std::string result = "kind " + std::to_string(static_cast<int>(list.primitiveKind)) + " type '" +
+                       list.primitiveType.get() + "' element '" + list.elementType.get() + "' mirrors " +
+                       std::to_string(list.i64Mirror.size) + "," + std::to_string(list.f64Mirror.size) +
+                       (list.linked ? " linked" : "") + (list.synchronized ? " synchronised" : "") + " primitive";
+  char buffer[32];
+  for (std::uint64_t i = 0; i < list.primitive.size * list.primitive.elementSize; ++i) {
+    std::snprintf(buffer, sizeof(buffer), " %02x", list.primitive.data[i]);
+    result += buffer;
+  }
+  result += " objects";
+  for (void* handle : handlesOf(list)) {
+    std::snprintf(buffer, sizeof(buffer), " %p", handle);
+    result += buffer;
+  }
+  return result;
+}
+
+// Runs `attempt` with its first, second, third ... allocation failing until it gets through, and `check` after every
+// failure. Returns how many attempts failed. `prepare` makes a fresh start before each attempt.
+template <class Prepare, class Attempt, class Check>
+int sweepAllocationFailures(Prepare prepare, Attempt attempt, Check check) {
+  for (int failures = 0; failures < 200; ++failures) {
+    prepare();
+    vorn_heap_fail_allocation(failures);
+    bool threw = false;
+    try {
+      attempt();
+    } catch (const std::bad_alloc&) {
+      threw = true;
+    }
+    const bool failed = vorn_heap_failure_happened() != 0;
+    vorn_heap_fail_allocation(-1);
+    EXPECT_EQ(threw, failed) << "an allocation that fails must leave as std::bad_alloc";
+    if (!failed) return failures;
+    check();
+  }
+  ADD_FAILURE() << "200 allocations were not enough";
+  return 200;
+}
+
+}  // namespace vorn::tests

@@ -1,0 +1,73 @@
+// Every language error with its class and text: a change of wording shows here as one visible difference.
+#include "collections/core/errors.h"
+#include "tests/core/core_test_support.h"
+
+namespace vorn::tests {
+namespace {
+
+using namespace collections;
+
+class ErrorTexts : public RuntimeTest {};
+
+TEST_F(ErrorTexts, AddOnNull) {
+  errors::raiseAddOnNull();
+  EXPECT_RAISED("NullException: Cannot call ArrayList.add() on null");
+}
+
+TEST_F(ErrorTexts, IndexOutOfBounds) {
+  errors::raiseIndexOutOfBounds();
+  EXPECT_RAISED("IndexException: Index out of bounds");
+}
+
+TEST_F(ErrorTexts, ExpectedIntItem) {
+  errors::raiseExpectedIntItem();
+  EXPECT_RAISED("TypeError: Expected Int item");
+}
+
+TEST_F(ErrorTexts, ExpectedFloatingItem) {
+  errors::raiseExpectedFloatingItem();
+  EXPECT_RAISED("TypeError: Expected floating list item");
+}
+
+TEST_F(ErrorTexts, CodeUnitOutOfRange) {
+  errors::raiseCodeUnitOutOfRange();
+  EXPECT_RAISED("TypeError: CodeUnit code unit out of range (0..0xFFFF)");
+}
+
+TEST_F(ErrorTexts, CharNotAScalar) {
+  errors::raiseCharNotScalar();
+  EXPECT_RAISED("ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+}
+
+TEST_F(ErrorTexts, ElementTypeRefused) {
+  errors::raiseElementTypeRefused("Int", "vorn.String");
+  EXPECT_RAISED("TypeError: ArrayList<Int> cannot accept vorn.String");
+}
+
+TEST_F(ErrorTexts, ElementTypeRefused_ValueWithoutTypeNameIsNull) {
+  errors::raiseElementTypeRefused("Boolean", nullptr);
+  EXPECT_RAISED("TypeError: ArrayList<Boolean> cannot accept null");
+}
+
+TEST_F(ErrorTexts, ElementTypeRefused_DeclaredNameNeedNotBeTerminated) {
+  errors::raiseElementTypeRefused(std::string_view("Animals").substr(0, 6), "app.Plant");
+  EXPECT_RAISED("TypeError: ArrayList<Animal> cannot accept app.Plant");
+}
+
+TEST_F(ErrorTexts, ElementTypeRefused_LongNamesAreKeptWhole) {
+  const std::string declared(700, 'D');
+  const std::string value(900, 'v');
+  errors::raiseElementTypeRefused(declared, value.c_str());
+  EXPECT_RAISED("TypeError: ArrayList<" + declared + "> cannot accept " + value);
+}
+
+TEST_F(ErrorTexts, RaisingRecordsAPendingErrorAndReturns) {
+  EXPECT_EQ(Vorn_hasPendingError(), 0);
+  errors::raiseIndexOutOfBounds();
+  EXPECT_NE(Vorn_hasPendingError(), 0);
+  vorn_errors_clear();
+  EXPECT_EQ(Vorn_hasPendingError(), 0);
+}
+
+}  // namespace
+}  // namespace vorn::tests

@@ -1,0 +1,115 @@
+/* The public headers from C11: a runtime is started, lists are filled and read, and errors looked at. Prints every
+ * check that fails and returns 1 when there was one. */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <vorn/collections/array_list.h>
+#include <vorn/runtime.h>
+
+static int failures = 0;
+
+static void check(int holds, const char* what, int line) {
+  if (holds) return;
+  ++failures;
+  fprintf(stderr, "line %d: %s does not hold\n", line, what);
+}
+#define CHECK(condition) check((condition) != 0, #condition, __LINE__)
+
+/* Exactly one pending error, of this class and message; clears it. */
+static int raised(const char* exception_class, const char* message) {
+  const int as_expected = vorn_error_count() == 1 && strcmp(vorn_error_class(0), exception_class) == 0 &&
+                          strcmp(vorn_error_message(0), message) == 0;
+  for (size_t i = 0; !as_expected && i < vorn_error_count(); ++i)
+    fprintf(stderr, "pending: %s: %s\n", vorn_error_class(i), vorn_error_message(i));
+  vorn_errors_clear();
+  return as_expected;
+}
+
+static int64_t integer_of(void* handle) {
+  int64_t value = INT64_MIN;
+  vorn_unbox_integer(handle, &value);
+  return value;
+}
+
+static void check_unboxed_list(void) {
+  void* list = NULL;
+  void* value = NULL;
+  vorn_root_add(&list);
+  vorn_root_add(&value);
+  list = vorn_object_new("ArrayList<Int>");
+  CHECK(vorn_is_object(list));
+  CHECK(strcmp(vorn_type_name(list), "vorn.collections.ArrayList<Int>") == 0);
+  for (int i = 0; i < 33; ++i) vorn_collections_ArrayList_addInt(list, 100 + i);
+  value = vorn_box_integer("Int", 7);
+  vorn_collections_ArrayList_add(list, value);
+  vorn_collections_ArrayList_operator_index_eq(list, 0, value);
+
+  vorn_list_storage_info info;
+  CHECK(vorn_list_get_storage(list, &info));
+  CHECK(info.storage == VORN_LIST_PRIMITIVE && info.size == 34 && info.capacity == 64 && info.bytes_per_element == 4);
+  CHECK(vorn_collections_ArrayList_size(list) == 34);
+  CHECK(vorn_collections_ArrayList_getInt(list, -1) == 7);
+  CHECK(vorn_collections_ArrayList_getIntFast(list, 32) == 132);
+  CHECK(vorn_collections_ArrayList_getDouble(list, 1) == 101.0);
+  CHECK(integer_of(vorn_collections_ArrayList_operator_index(list, 5)) == 105);
+  CHECK(vorn_collections_ArrayList_count(list, value) == 2);
+  CHECK(vorn_collections_ArrayList_lastIndexOf(list, value, -1) == 33);
+  CHECK(vorn_collections_ArrayList_remove(list, value) == true);
+  CHECK(vorn_collections_ArrayList_getInt(list, 0) == 101);
+
+  CHECK(vorn_error_count() == 0);
+  CHECK(vorn_collections_ArrayList_getInt(list, 33) == 0);
+  CHECK(raised("IndexException", "Index out of bounds"));
+  value = vorn_string_new("seven", SIZE_MAX);
+  vorn_collections_ArrayList_add(list, value);
+  CHECK(raised("TypeError", "ArrayList<Int> cannot accept vorn.String"));
+  vorn_collections_ArrayList_add(NULL, value);
+  CHECK(raised("NullException", "Cannot call ArrayList.add() on null"));
+  CHECK(vorn_collections_ArrayList_size(list) == 33);
+  vorn_root_remove(&value);
+  vorn_root_remove(&list);
+}
+
+static void check_list_of_texts(const char* class_name) {
+  void* list = NULL;
+  void* value = NULL;
+  vorn_root_add(&list);
+  vorn_root_add(&value);
+  list = vorn_object_new(class_name);
+  static const char* const kTexts[] = {"one", "two", "three"};
+  for (size_t i = 0; i < 3; ++i) {
+    value = vorn_string_new(kTexts[i], strlen(kTexts[i]));
+    vorn_collections_ArrayList_add(list, value);
+  }
+  value = vorn_text_new("zero");
+  vorn_collections_ArrayList_addAt(list, 0, value);
+  vorn_heap_collect();
+  CHECK(strcmp(vorn_string_text(vorn_collections_ArrayList_operator_index(list, 0)), "zero") == 0);
+  CHECK(strcmp(vorn_string_text(vorn_collections_ArrayList_operator_index(list, -1)), "three") == 0);
+  value = vorn_text_new("two");
+  CHECK(vorn_collections_ArrayList_indexOf(list, value, 0) == 2);
+  CHECK(vorn_collections_ArrayList_operator_in(list, value) == true);
+  vorn_collections_ArrayList_removeAt(list, 2);
+  CHECK(vorn_collections_ArrayList_operator_in(list, value) == false);
+  vorn_collections_ArrayList_clear(list);
+  CHECK(vorn_collections_ArrayList_sizeFast(list) == 0);
+  CHECK(vorn_error_count() == 0);
+  vorn_root_remove(&value);
+  vorn_root_remove(&list);
+}
+
+int main(void) {
+  const char* heap = getenv("VORN_TEST_HEAP");
+  vorn_runtime_options options;
+  if (!vorn_runtime_parse_options(heap != NULL ? heap : "heap=collected", &options) || !vorn_runtime_start(&options)) {
+    fprintf(stderr, "cannot start the runtime with VORN_TEST_HEAP=%s\n", heap != NULL ? heap : "(unset)");
+    return 1;
+  }
+  check_unboxed_list();
+  check_list_of_texts("ArrayList<String>");
+  check_list_of_texts("ArrayListSync<String>");
+  check_list_of_texts("LinkedList<String>");
+  check_list_of_texts("LinkedListSync");
+  vorn_runtime_stop();
+  return failures == 0 ? 0 : 1;
+}

@@ -1,0 +1,105 @@
+#!/usr/bin/env python3
+"""Checks what the two shared libraries export and what they need.
+
+    check_exports.py LIBVORN_COLLECTIONS.SO LIBVORN_RUNTIME.SO
+
+- The collections library exports exactly the natives that the public headers declare with VORN_NATIVE and what its
+  sources mark with VORN_EXPORT.
+- Apart from the C and C++ libraries it needs nothing but operations that core/runtime_interface.h and
+  core/runtime_object_layout.h declare: it has no hidden dependency.
+- The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
+  and the collector's GC_ functions.
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+PUBLIC_HEADERS = ROOT / "collections/include"
+INTERFACE_HEADERS = ("collections/core/runtime_interface.h", "collections/core/runtime_object_layout.h")
+
+COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
+PREPROCESSOR = re.compile(r"^[ \t]*#(?:[^\n\\]|\\\n|\\.)*", re.MULTILINE)
+# The name that a mark declares: the last word before the parameters, an initialiser or the end.
+NATIVE = re.compile(r"\bVORN_NATIVE\b[^;(){}=]*?\b(\w+)\s*\(")
+EXPORTED = re.compile(r"\bVORN_EXPORT\b[^;(){}=]*?\b(\w+)\s*[;({=]")
+FUNCTION = re.compile(r"\b(\w+)\s*\([^(){};]*\)\s*(?:const\s*)?(?:noexcept\s*)?;")
+
+# Instantiations of standard templates, which no visibility setting of ours hides because namespace std is visible.
+STANDARD_LIBRARY = re.compile(r"^(?:[\w:<>*& ,]+ )?(?:std|__gnu_cxx)::")
+# Weak references that the compiler's start-up code puts into every library.
+START_UP = {"__cxa_finalize", "__gmon_start__", "_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable"}
+
+
+def code_of(path):
+    """The text of a source without comments and preprocessor lines."""
+    return PREPROCESSOR.sub("", COMMENT.sub(" ", path.read_text(encoding="utf-8")))
+
+
+def demangled(symbol):
+    return subprocess.run(["c++filt", symbol], check=True, capture_output=True, text=True).stdout.strip()
+
+
+def name_of(symbol):
+    """The unqualified function or variable name of a symbol."""
+    return demangled(symbol).split("(")[0].split("::")[-1]
+
+
+class Library:
+    """The dynamic symbols of a shared library, without those that come from or go to the C and C++ libraries."""
+
+    def __init__(self, path):
+        self.exported = set()
+        self.needed = set()
+        listing = subprocess.run(
+            ["nm", "-D", "--with-symbol-versions", path], check=True, capture_output=True, text=True)
+        for line in listing.stdout.splitlines():
+            *_, kind, symbol = line.split()
+            if kind in "Uw":
+                # A symbol of a system library carries its version.
+                if "@" not in symbol and symbol not in START_UP:
+                    self.needed.add(symbol)
+            elif not (kind in "WVu" and STANDARD_LIBRARY.match(demangled(symbol))):
+                self.exported.add(symbol.split("@")[0])
+
+
+def main():
+    collections, runtime = Library(sys.argv[1]), Library(sys.argv[2])
+
+    natives = set()
+    for header in PUBLIC_HEADERS.rglob("*.h"):
+        natives.update(NATIVE.findall(code_of(header)))
+    helpers = set()
+    for source in (ROOT / "collections").rglob("*"):
+        if source.suffix in (".h", ".cpp"):
+            helpers.update(EXPORTED.findall(code_of(source)))
+    operations = set()
+    for header in INTERFACE_HEADERS:
+        operations.update(FUNCTION.findall(code_of(ROOT / header)))
+
+    problems = []
+    for native in sorted(natives - collections.exported):
+        problems.append(f"{native}: declared in a public header, but not exported")
+    for symbol in sorted(collections.exported - natives):
+        if name_of(symbol) not in helpers:
+            problems.append(f"{demangled(symbol)}: exported, but neither VORN_NATIVE nor VORN_EXPORT declares it")
+    for symbol in sorted(collections.needed):
+        if name_of(symbol) not in operations:
+            problems.append(f"{demangled(symbol)}: needed by the library, but no declared runtime operation")
+        if symbol not in runtime.exported:
+            problems.append(f"{demangled(symbol)}: needed by the library, but not exported by the runtime")
+    for symbol in sorted(runtime.needed - collections.exported):
+        if not symbol.startswith("GC_"):
+            problems.append(f"{demangled(symbol)}: needed by the runtime, but not exported by the library")
+    if not natives or not collections.needed:
+        problems.append("found no natives or no runtime operations to check: this script no longer understands them")
+
+    print("\n".join(problems))
+    print(f"{len(natives)} natives, {len(collections.needed)} runtime operations needed, {len(problems)} problems")
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

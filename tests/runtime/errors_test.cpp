@@ -1,0 +1,101 @@
+// Pending errors: order, copies, lifetime of the texts, one list per thread.
+#include <string>
+#include <thread>
+
+#include "runtime/errors/pending_errors.h"
+#include "tests/runtime/heap_probe.h"
+
+namespace vorn::tests {
+namespace {
+
+using ErrorsTest = RuntimeTest;
+
+TEST_F(ErrorsTest, NothingPending_AtFirst) {
+  EXPECT_EQ(Vorn_hasPendingError(), 0);
+  EXPECT_FALSE(runtime::hasPendingErrors());
+  EXPECT_EQ(vorn_error_count(), 0u);
+  EXPECT_EQ(vorn_error_class(0), nullptr);
+  EXPECT_EQ(vorn_error_message(0), nullptr);
+  vorn_errors_clear();
+}
+
+TEST_F(ErrorsTest, Raise_ListsErrorsOldestFirst) {
+  Vorn_raise("TypeError", "first");
+  vorn_raise("IndexException", "second");
+  runtime::raiseError("Exception", "third");
+  EXPECT_NE(Vorn_hasPendingError(), 0);
+  ASSERT_EQ(vorn_error_count(), 3u);
+  EXPECT_STREQ(vorn_error_class(0), "TypeError");
+  EXPECT_STREQ(vorn_error_message(0), "first");
+  EXPECT_STREQ(vorn_error_class(2), "Exception");
+  EXPECT_STREQ(vorn_error_message(2), "third");
+  EXPECT_EQ(vorn_error_class(3), nullptr);
+  EXPECT_EQ(vorn_error_message(SIZE_MAX), nullptr);
+  EXPECT_EQ(takeErrors(), (std::vector<std::string>{"TypeError: first", "IndexException: second", "Exception: third"}));
+  EXPECT_EQ(Vorn_hasPendingError(), 0);
+}
+
+TEST_F(ErrorsTest, Raise_CopiesBothTexts) {
+  std::string className = "ValueException";
+  std::string message(1000, 'x');
+  Vorn_raise(className.c_str(), message.c_str());
+  className.assign(className.size(), '?');
+  message.assign(message.size(), '?');
+  EXPECT_STREQ(vorn_error_class(0), "ValueException");
+  EXPECT_EQ(vorn_error_message(0), std::string(1000, 'x'));
+  vorn_errors_clear();
+}
+
+TEST_F(ErrorsTest, Texts_StayValidWhileMoreErrorsAreRaised) {
+  Vorn_raise("A", "short");
+  Vorn_raise("B", std::string(500, 'b').c_str());
+  const char* shortText = vorn_error_message(0);
+  const char* longText = vorn_error_message(1);
+  for (int i = 0; i < 5000; ++i) Vorn_raise("More", "of them");
+  EXPECT_EQ(vorn_error_message(0), shortText);
+  EXPECT_EQ(vorn_error_message(1), longText);
+  EXPECT_STREQ(shortText, "short");
+  vorn_errors_clear();
+}
+
+TEST_F(ErrorsTest, Raise_TakesNullTextsForEmptyOnes) {
+  Vorn_raise(nullptr, nullptr);
+  EXPECT_RAISED(": ");
+}
+
+TEST_F(ErrorsTest, EachThread_HasItsOwnErrors) {
+  Vorn_raise("Exception", "here");
+  std::thread([] {
+    EXPECT_EQ(Vorn_hasPendingError(), 0);
+    EXPECT_EQ(vorn_error_count(), 0u);
+    Vorn_raise("Exception", "there");
+    Vorn_raise("Exception", "there too");
+    EXPECT_EQ(vorn_error_count(), 2u);
+  }).join();
+  EXPECT_RAISED("Exception: here");
+}
+
+// Later threads take over the state of earlier ones, but not their errors.
+TEST_F(ErrorsTest, ErrorsOfAThreadThatEnded_AreGone) {
+  for (int i = 0; i < 20; ++i) {
+    std::thread([] {
+      vorn_thread_attach();
+      EXPECT_EQ(vorn_error_count(), 0u);
+      Vorn_raise("Exception", "left behind");
+    }).join();
+  }
+}
+
+TEST_F(ErrorsTest, Detach_DropsTheErrors) {
+  std::thread([] {
+    Vorn_raise("Exception", "before");
+    vorn_thread_detach();
+    EXPECT_EQ(Vorn_hasPendingError(), 0);
+    EXPECT_EQ(vorn_error_class(0), nullptr);
+    vorn_thread_attach();
+    EXPECT_EQ(Vorn_hasPendingError(), 0);
+  }).join();
+}
+
+}  // namespace
+}  // namespace vorn::tests
