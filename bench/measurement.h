@@ -1,0 +1,40 @@
+// What the measured functions of all libraries share.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vorn::bench {
+
+// The value must have been computed; costs nothing else. The same for every library, so that none is vectorised away.
+template <class Value>
+inline void keep(Value value) {
+  asm volatile("" : : "g"(value) : "memory");
+}
+
+inline void keep(double value) { asm volatile("" : : "x"(value) : "memory"); }
+
+inline void keep(float value) { asm volatile("" : : "x"(value) : "memory"); }
+
+// Counts `elements` per iteration, as a rate and as nanoseconds for one.
+inline void countElements(benchmark::State& state, std::int64_t elements) {
+  state.SetItemsProcessed(state.iterations() * elements);
+  state.counters["ns_per_element"] =
+      benchmark::Counter(static_cast<double>(elements) * 1e-9,
+                         benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+// Collections consumed by one iteration of a benchmark that has to prepare them with the clock stopped: enough of them
+// that stopping the clock, about a microsecond, does not show.
+inline std::int64_t preparedCollections(std::int64_t elements) { return elements >= 64000 ? 1 : 64000 / elements; }
+
+// A measured function: builds or reads `elements` elements per iteration.
+using Measured = void (*)(benchmark::State& state, std::int64_t elements);
+
+// The element at `index` of every collection of numbers that is read; searches look for `kAbsent`.
+inline std::int32_t elementAt(std::int64_t index) { return static_cast<std::int32_t>(index * 7 % 1000003); }
+inline constexpr std::int32_t kAbsent = -1;
+
+}  // namespace vorn::bench

@@ -1,0 +1,31 @@
+// The report on standard output.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "word_lists.h"
+
+namespace text_statistics {
+
+// Bytes, characters, words, longest word, mean and median length.
+void reportFigures(const std::string& path, std::string_view text, const WordLists& lists);
+
+// How often a word occurs, and where first and last.
+void reportSearchHeading();
+void reportSearch(const WordLists& lists, const std::string& word);
+
+// The last words, by negative indexes.
+void reportLastWords(const WordLists& lists);
+
+// Inserts and removes words, with the sizes before and after. `word` is the one removed by value; the list ends one
+// word shorter when it holds it.
+void reportChanges(WordLists& lists, const std::string& word);
+
+// What a wrong index, a wrong element type and a null receiver raise.
+void reportErrors(WordLists& lists);
+
+// Class, storage, bytes per element and capacity of each list.
+void reportStorage(const WordLists& lists);
+
+}  // namespace text_statistics

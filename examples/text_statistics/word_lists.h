@@ -1,0 +1,35 @@
+// The lists that a text is read into.
+#pragma once
+
+#include <string_view>
+
+#include "rooted.h"
+
+namespace text_statistics {
+
+// Everything the program keeps about the words of a text, each element in a vorn list.
+struct WordLists {
+  static constexpr long long kRecent = 5;
+
+  Rooted words;    // ArrayList<String>: every word, in order
+  Rooted lengths;  // ArrayList<Int>: their lengths in characters
+  Rooted ratios;   // ArrayList<Double>: their lengths in relation to the mean length
+  Rooted recent;   // LinkedList<String>: the last words, at most kRecent of them
+
+  // Makes the empty lists. Throws std::bad_alloc when there is no memory for them.
+  WordLists();
+};
+
+// Reads the words of the text into `words`, `lengths` and `recent`.
+void readWords(std::string_view text, WordLists& lists);
+
+// Fills `ratios` from `lengths` and their mean.
+void computeRatios(WordLists& lists, double meanLength);
+
+// A String object with the given text. Throws std::bad_alloc when there is no memory for it; the caller roots it.
+void* newString(std::string_view text);
+
+// A boxed Int, likewise.
+void* newInt(long long value);
+
+}  // namespace text_statistics
