@@ -47,6 +47,16 @@ inline bool appendToOwnStorage(ListData& list, void* value) {
   return true;
 }
 
+// The other common case: an untyped list that already holds handles takes every value as one more.
+inline bool appendToUntypedHandles(ListData& list, void* value) {
+  SmallObjectVector& objects = list.objects;
+  if (list.primitiveKind != PrimitiveKind::None || objects.size == 0 || objects.size == objects.capacity) return false;
+  if (list.elementType.text != nullptr && !(list.elementType == std::string_view("Object"))) return false;
+  objects.data[objects.size] = value;
+  ++objects.size;
+  return true;
+}
+
 [[gnu::noinline]] void lockedAdd(ListData& list, void* value) {
   const ListDataLock lock(list);
   vc::appendValueOrRaise(list, value);

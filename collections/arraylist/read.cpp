@@ -19,8 +19,7 @@ void* elementAtOrRaise(ListData& list, long long index) {
   const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
   if (!at) return nullptr;
   if (list.primitiveKind == PrimitiveKind::None) return vc::ObjectCursor(list).at(*at);
-  return boxPrimitiveListValue(list.primitiveKind, list.primitiveType.get(), primitiveListReadI64(list, *at),
-                               primitiveListReadF64(list, *at));
+  return boxPrimitiveElement(list, *at);
 }
 
 // The common case of every integer read: an index inside unboxed storage. Kept free of calls, so that the natives need
@@ -30,8 +29,12 @@ inline bool readUnboxedInt(const ListData& list, long long index, long long& val
   const std::uint64_t at = static_cast<std::uint64_t>(index) + (index < 0 ? size : 0);
   // Past the size also when the list is boxed: its primitive storage is empty then.
   if (at >= size) return false;
-  value = vc::visitKind(
-      list.primitiveKind, [&](auto tag) { return vc::readElementI64(tag, list.primitive.data, at); }, 0LL);
+  if (list.primitiveKind == PrimitiveKind::Int) [[likely]] {
+    value = vc::loadElement<std::int32_t>(list.primitive.data, at);
+  } else {
+    value = vc::visitKind(
+        list.primitiveKind, [&](auto tag) { return vc::readElementI64(tag, list.primitive.data, at); }, 0LL);
+  }
   return true;
 }
 
@@ -50,6 +53,11 @@ inline bool readUnboxedInt(const ListData& list, long long index, long long& val
 [[gnu::noinline]] long long lockedIntAtOrRaise(ListData& list, long long index) {
   const ListDataLock lock(list);
   return intAtOrRaise(list, index);
+}
+
+// What getIntFast falls back to.
+[[gnu::noinline]] long long readLocked(void* list, long long index) {
+  return vorn_collections_ArrayList_getInt(list, index);
 }
 
 double doubleAtOrRaise(ListData& list, long long index) {
@@ -87,8 +95,9 @@ long long vorn_collections_ArrayList_getInt(void* list, long long index) {
 long long vorn_collections_ArrayList_getIntFast(void* list, long long index) {
   auto* data = nativeRecordOrNull<ListData>(list, ObjectKind::List);
   if (data == nullptr || data->synchronized) [[unlikely]]
-    return vorn_collections_ArrayList_getInt(list, index);
-  return intAtOrRaise(*data, index);
+    return readLocked(list, index);
+  long long value = 0;
+  return readUnboxedInt(*data, index, value) ? value : intAtOrRaise(*data, index);
 }
 
 long long vorn_collections_ArrayList_getIntFromData(ListData* data, long long index) {

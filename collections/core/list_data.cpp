@@ -5,7 +5,6 @@
 #include <type_traits>
 
 #include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
 #include "collections/core/primitive_kinds.h"
 
 using vorn::collections::HandleVector;
@@ -90,7 +89,6 @@ void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
 
 void materializePrimitiveList(ListData& list, std::uint64_t room) {
   if (list.primitiveKind == ListData::PrimitiveKind::None) return;
-  const RuntimeTypeName name = list.primitiveType;
   const std::uint64_t n = list.primitive.size;
 
   // Boxes go straight into the record's own storage, where the collector finds them. While the kind still stands, that
@@ -107,8 +105,7 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
   if (!list.linked) list.objects.reserve(n + room);
   vorn::collections::RootedHandle box;
   for (std::uint64_t i = 0; i < n; ++i) {
-    box = boxPrimitiveListValue(list.primitiveKind, name.get(), primitiveListReadI64(list, i),
-                                primitiveListReadF64(list, i));
+    box = boxPrimitiveElement(list, i);
     list.objectPushBack(box.get());
   }
   unwind.done = true;

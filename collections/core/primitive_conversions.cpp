@@ -109,6 +109,14 @@ void* boxPrimitiveListValue(PrimitiveKind kind, std::string_view typeName, long 
   return boxIntegerLikeLocal(typeName.empty() ? "Int" : typeName, integer);
 }
 
+void* boxPrimitiveElement(const ListData& list, std::uint64_t index) {
+  // Only the reading that the box keeps is made.
+  const bool floating = isFloatingKind(list.primitiveKind);
+  return boxPrimitiveListValue(list.primitiveKind, list.primitiveType.get(),
+                               floating ? 0 : primitiveListReadI64(list, index),
+                               floating ? primitiveListReadF64(list, index) : 0.0);
+}
+
 bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
   const RegisteredObject* box = getRegisteredObjectUnsafe(handle);
   if (box == nullptr) return false;

@@ -24,6 +24,9 @@ long long readListItemI64(void* handle);
 void* boxPrimitiveListValue(ListData::PrimitiveKind kind, std::string_view typeName, long long integer,
                             double floating);
 
+// Boxes an element of primitive storage under the list's primitive type name. Allocates.
+void* boxPrimitiveElement(const ListData& list, std::uint64_t index);
+
 // Unboxes a value of a primitive type; false for null, for bare texts and for objects of other types. Neither
 // allocates nor runs user code.
 bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out);

@@ -6,13 +6,12 @@
 
 #include "collections/core/element_access.h"
 #include "collections/core/errors.h"
+#include "collections/core/kernels/reverse_kernels.h"
 #include "collections/core/primitive_kinds.h"
 
 using vorn::collections::checkCharacterRangeOrRaise;
-using vorn::collections::loadElement;
 using vorn::collections::storeElement;
 using vorn::collections::visitKind;
-using vorn::collections::visitWidth;
 
 namespace vorn::collections {
 
@@ -99,14 +98,5 @@ void primitiveListEraseAt(ListData& list, std::uint64_t index) {
 }
 
 void primitiveListReverse(ListData& list) {
-  SmallPrimitiveBuffer& buffer = list.primitive;
-  visitWidth(buffer.elementSize, [&](auto bits) {
-    using Bits = decltype(bits);
-    for (std::uint64_t low = 0, high = buffer.size; low + 1 < high; ++low, --high) {
-      const auto first = loadElement<Bits>(buffer.data, low);
-      const auto last = loadElement<Bits>(buffer.data, high - 1);
-      std::memcpy(buffer.data + low * sizeof(Bits), &last, sizeof(Bits));
-      std::memcpy(buffer.data + (high - 1) * sizeof(Bits), &first, sizeof(Bits));
-    }
-  });
+  vorn::collections::reverseElements(list.primitive.data, list.primitive.size, list.primitive.elementSize);
 }

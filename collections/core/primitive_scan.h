@@ -3,12 +3,10 @@
 
 #include <cstdint>
 
+#include "collections/core/kernels/search_kernels.h"
 #include "collections/core/primitive_conversions.h"
 
 namespace vorn::collections {
-
-// What the searches answer when nothing is found.
-inline constexpr std::uint64_t kNotFound = ~std::uint64_t{0};
 
 // Position of the first match at or after `from`, or kNotFound. The value must have the list's own kind and name.
 // Integers, characters and Booleans match by integer value, floating elements by IEEE equality: a NaN never matches,

@@ -80,12 +80,13 @@ static_assert(sizeof(ObjectRecord) == 24 && sizeof(RegisteredObject) == 32, "box
 
 inline constexpr std::uintptr_t kObjectAlignment = 16;
 
-// The header of an object of the given kind at the given address.
+// The header of an object of the given kind at the given address. A product's bits mix all lower bits of its factor, so
+// that the address bits need no shifting into place.
 inline std::uint64_t objectHeaderFor(const void* address, ObjectKind kind) {
-  const std::uint64_t mixed = (reinterpret_cast<std::uintptr_t>(address) >> 4) * 0x9E3779B97F4A7C15ULL;
+  const std::uint64_t mixed = reinterpret_cast<std::uintptr_t>(address) * 0x9E3779B97F4A7C15ULL;
   constexpr std::uint64_t kPattern = 0x00F8F8F8F8F8F8FFULL;
   constexpr std::uint64_t kAddressBits = 0x0007070707070700ULL;
-  return kPattern | ((mixed >> 13) & kAddressBits) | (static_cast<std::uint64_t>(kind) << 56);
+  return (mixed & kAddressBits) | kPattern | (static_cast<std::uint64_t>(kind) << 56);
 }
 
 #if defined(__SANITIZE_ADDRESS__)

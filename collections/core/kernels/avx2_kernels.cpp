@@ -1,0 +1,35 @@
+#include "collections/core/kernels/kernel_table.h"
+
+#if defined(__x86_64__)
+
+#include <algorithm>
+#include <bit>
+#include <type_traits>
+
+#include "collections/core/kernels/lanes_avx2.h"
+#include "collections/core/kernels/search_kernels.h"
+#include "collections/core/kernels/vector_edges.h"
+
+#define VORN_KERNEL VORN_TARGET_AVX2
+
+namespace vorn::collections::kernels {
+
+namespace avx2 {
+
+#include "collections/core/kernels/vector_kernels.inc"
+
+}  // namespace avx2
+
+const KernelTable kAvx2Kernels = {
+    VectorPath::Avx2,
+    avx2::Lanes::kBytes,
+    &kSse2Kernels,
+    true,
+    VORN_SUM_KERNELS(avx2::sum),
+    VORN_SEARCH_KERNELS(avx2::findFirst, avx2::findLast, avx2::count),
+    {avx2::reverse<1>, avx2::reverse<2>, avx2::reverse<4>, avx2::reverse<8>},
+};
+
+}  // namespace vorn::collections::kernels
+
+#endif

@@ -1,0 +1,141 @@
+// What the kernel tests share: one run for each vector path, ranges that end at unmapped memory, and readings of packed
+// elements that are written without the library's own dispatch.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "collections/core/kernels/vector_path.h"
+#include "collections/core/primitive_kinds.h"
+
+namespace vorn::tests {
+
+using collections::PrimitiveKind;
+using collections::VectorPath;
+
+// Runs a test on one path and puts the former one back.
+class OnEveryPath : public ::testing::TestWithParam<VectorPath> {
+ protected:
+  void SetUp() override {
+    former_ = collections::vectorPath();
+    if (!collections::setVectorPath(GetParam())) GTEST_SKIP() << "not available here";
+  }
+  void TearDown() override { collections::setVectorPath(former_); }
+
+ private:
+  VectorPath former_ = VectorPath::Plain;
+};
+
+inline std::string pathTestName(const ::testing::TestParamInfo<VectorPath>& path) {
+  return collections::vectorPathName(path.param);
+}
+
+#define VORN_ON_EVERY_PATH(suite) \
+  INSTANTIATE_TEST_SUITE_P(Paths, suite, ::testing::ValuesIn(collections::kVectorPaths), pathTestName)
+
+inline constexpr PrimitiveKind kIntegerKinds[] = {PrimitiveKind::SByte,  PrimitiveKind::Byte, PrimitiveKind::Short,
+                                                  PrimitiveKind::UShort, PrimitiveKind::Int,  PrimitiveKind::UInt,
+                                                  PrimitiveKind::Long,   PrimitiveKind::ULong};
+
+inline constexpr PrimitiveKind kAllKinds[] = {PrimitiveKind::SByte,  PrimitiveKind::Byte,   PrimitiveKind::Short,
+                                              PrimitiveKind::UShort, PrimitiveKind::Int,    PrimitiveKind::UInt,
+                                              PrimitiveKind::Long,   PrimitiveKind::ULong,  PrimitiveKind::Float,
+                                              PrimitiveKind::Double, PrimitiveKind::Boolean};
+
+inline std::uint64_t widthOf(PrimitiveKind kind) {
+  switch (kind) {
+    case PrimitiveKind::Short:
+    case PrimitiveKind::UShort:
+      return 2;
+    case PrimitiveKind::Int:
+    case PrimitiveKind::UInt:
+    case PrimitiveKind::Float:
+      return 4;
+    case PrimitiveKind::Long:
+    case PrimitiveKind::ULong:
+    case PrimitiveKind::Double:
+      return 8;
+    default:
+      return 1;
+  }
+}
+
+inline bool isFloating(PrimitiveKind kind) { return kind == PrimitiveKind::Float || kind == PrimitiveKind::Double; }
+
+// The 64 bits that element i stands for: sign- or zero-extended, 0 or 1 for Boolean.
+inline std::uint64_t integerAt(PrimitiveKind kind, const unsigned char* data, std::uint64_t i) {
+  const std::uint64_t width = widthOf(kind);
+  std::uint64_t bits = 0;
+  for (std::uint64_t byte = width; byte > 0; --byte) bits = bits << 8 | data[i * width + byte - 1];
+  if (kind == PrimitiveKind::Boolean) return bits == 0 ? 0 : 1;
+  const bool isSigned = kind == PrimitiveKind::SByte || kind == PrimitiveKind::Short || kind == PrimitiveKind::Int;
+  if (isSigned && (bits >> (8 * width - 1)) != 0) bits |= ~std::uint64_t{0} << (8 * width);
+  return bits;
+}
+
+inline double floatingAt(PrimitiveKind kind, const unsigned char* data, std::uint64_t i) {
+  if (kind == PrimitiveKind::Float) {
+    float element;
+    std::memcpy(&element, data + i * 4, 4);
+    return element;
+  }
+  double element;
+  std::memcpy(&element, data + i * 8, 8);
+  return element;
+}
+
+// Repeatable pseudo-random numbers (SplitMix64).
+class Random {
+ public:
+  explicit Random(std::uint64_t seed) : state_(seed) {}
+
+  std::uint64_t next() {
+    state_ += 0x9E3779B97F4A7C15;
+    std::uint64_t z = state_;
+    z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9;
+    z = (z ^ z >> 27) * 0x94D049BB133111EB;
+    return z ^ z >> 31;
+  }
+  std::uint64_t below(std::uint64_t limit) { return next() % limit; }
+  void fill(unsigned char* data, std::uint64_t bytes) {
+    for (std::uint64_t i = 0; i < bytes; ++i) data[i] = static_cast<unsigned char>(next());
+  }
+
+ private:
+  std::uint64_t state_;
+};
+
+// Memory between two unmapped pages: a read or write past either end of it ends the test program.
+class GuardedMemory {
+ public:
+  explicit GuardedMemory(std::uint64_t bytes) : page_(static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))) {
+    bytes_ = (bytes + page_ - 1) / page_ * page_;
+    if (bytes_ == 0) bytes_ = page_;
+    void* mapped = mmap(nullptr, bytes_ + 2 * page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED) std::abort();
+    mapped_ = static_cast<unsigned char*>(mapped);
+    if (mprotect(mapped_ + page_, bytes_, PROT_READ | PROT_WRITE) != 0) std::abort();
+  }
+  ~GuardedMemory() { munmap(mapped_, bytes_ + 2 * page_); }
+  GuardedMemory(const GuardedMemory&) = delete;
+  GuardedMemory& operator=(const GuardedMemory&) = delete;
+
+  unsigned char* first() const { return mapped_ + page_; }
+  unsigned char* end() const { return first() + bytes_; }
+  // Where a range of that many bytes starts that touches the lower or the upper unmapped page.
+  unsigned char* place(std::uint64_t bytes, bool upper) const { return upper ? end() - bytes : first(); }
+
+ private:
+  std::uint64_t page_;
+  std::uint64_t bytes_ = 0;
+  unsigned char* mapped_ = nullptr;
+};
+
+}  // namespace vorn::tests

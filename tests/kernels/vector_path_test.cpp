@@ -1,0 +1,73 @@
+// The choice among vector paths.
+#include "collections/core/kernels/vector_path.h"
+
+#include "collections/core/kernels/kernel_table.h"
+#include "tests/kernels/kernel_test_support.h"
+
+namespace vorn::tests {
+namespace {
+
+using collections::isVectorPathAvailable;
+using collections::setVectorPath;
+using collections::vectorPath;
+using collections::kernels::kernelsFor;
+
+TEST(VectorPaths, TheWidestAvailableIsChosen) {
+  // Tests that set another put this one back.
+  const VectorPath chosen = vectorPath();
+  EXPECT_TRUE(isVectorPathAvailable(VectorPath::Plain));
+  for (const VectorPath path : collections::kVectorPaths) {
+    if (path > chosen) {
+      EXPECT_FALSE(isVectorPathAvailable(path)) << vectorPathName(path);
+    }
+  }
+  EXPECT_TRUE(isVectorPathAvailable(chosen));
+#if defined(__x86_64__)
+  EXPECT_TRUE(isVectorPathAvailable(VectorPath::Sse2));
+#endif
+}
+
+TEST(VectorPaths, HaveNames) {
+  EXPECT_STREQ(vectorPathName(VectorPath::Plain), "plain");
+  EXPECT_STREQ(vectorPathName(VectorPath::Sse2), "SSE2");
+  EXPECT_STREQ(vectorPathName(VectorPath::Avx2), "AVX2");
+}
+
+TEST(VectorPaths, OneThatIsNotAvailableIsNotSet) {
+  const auto unknown = static_cast<VectorPath>(99);
+  EXPECT_FALSE(isVectorPathAvailable(unknown));
+  const VectorPath former = vectorPath();
+  EXPECT_FALSE(setVectorPath(unknown));
+  EXPECT_EQ(vectorPath(), former);
+}
+
+class KernelTables : public OnEveryPath {};
+VORN_ON_EVERY_PATH(KernelTables);
+
+TEST_P(KernelTables, RangesGoToTheWidestVectorsThatFit) {
+  EXPECT_EQ(vectorPath(), GetParam());
+  EXPECT_EQ(kernelsFor(0).path, VectorPath::Plain);
+  EXPECT_EQ(kernelsFor(15).path, VectorPath::Plain);
+  EXPECT_EQ(kernelsFor(1000).path, GetParam());
+  const VectorPath narrow = GetParam() == VectorPath::Plain ? VectorPath::Plain : VectorPath::Sse2;
+  EXPECT_EQ(kernelsFor(16).path, narrow);
+  EXPECT_EQ(kernelsFor(31).path, narrow);
+  EXPECT_EQ(kernelsFor(32).path, GetParam());
+}
+
+TEST_P(KernelTables, HoldAKernelForEachKindLaneAndWidth) {
+  const collections::kernels::KernelTable& table = kernelsFor(1000);
+  for (std::uint64_t kind = 0; kind < collections::kernels::kKindValues; ++kind) {
+    const auto value = static_cast<PrimitiveKind>(kind);
+    EXPECT_EQ(table.sums[kind] == nullptr, value == PrimitiveKind::None || isFloating(value)) << kind;
+  }
+  for (const auto& search : table.searches) {
+    EXPECT_NE(search.findFirst, nullptr);
+    EXPECT_NE(search.findLast, nullptr);
+    EXPECT_NE(search.count, nullptr);
+  }
+  for (const auto reversal : table.reversals) EXPECT_NE(reversal, nullptr);
+}
+
+}  // namespace
+}  // namespace vorn::tests
