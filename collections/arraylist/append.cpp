@@ -80,8 +80,7 @@ vc::ElementType rawElementType(const char* typeName, vc::ElementType whenNull, P
 void vorn_collections_ArrayList_add(void* list, void* value) {
   if (list == nullptr) return vc::errors::raiseAddOnNull();
   ListData& data = *getListData(list);
-  if (!data.synchronized && appendToOwnStorage(data, value)) [[likely]]
-    return;
+  if (!data.synchronized && (appendToOwnStorage(data, value) || appendToUntypedHandles(data, value))) return;
   lockedAdd(data, value);
 }
 
