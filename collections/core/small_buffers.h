@@ -13,13 +13,13 @@
 struct SmallPrimitiveBuffer {
   static constexpr std::uint64_t kInlineBytes = 128;
 
-  alignas(16) unsigned char inlineBytes[kInlineBytes];
+  alignas(16) unsigned char inlineBytes[kInlineBytes] = {};
   unsigned char* data = inlineBytes;
   std::uint64_t size = 0;
   std::uint64_t capacity = kInlineBytes;
   std::uint64_t elementSize = 1;
 
-  SmallPrimitiveBuffer() : inlineBytes{} {}
+  SmallPrimitiveBuffer() = default;
   SmallPrimitiveBuffer(const SmallPrimitiveBuffer&) = delete;
   SmallPrimitiveBuffer& operator=(const SmallPrimitiveBuffer&) = delete;
 

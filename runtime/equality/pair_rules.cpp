@@ -1,5 +1,6 @@
 #include "runtime/equality/pair_rules.h"
 
+#include <cassert>
 #include <string_view>
 
 #include "runtime/objects/builtin_classes.h"
@@ -54,6 +55,7 @@ Verdict equalityByHook(void* left, void* right) {
   void* const self = leftDecides ? left : right;
   void* const other = leftDecides ? right : left;
   const auto& hook = hooksOf(self).equals;
+  assert(hook);
   const HookErrors errors;
   const bool equal = hook.function(self, other, hook.context);
   if (errors.raised()) return Verdict::Raised;
@@ -65,6 +67,7 @@ Verdict orderByHook(void* left, void* right) {
   void* const self = leftDecides ? left : right;
   void* const other = leftDecides ? right : left;
   const auto& hook = hooksOf(self).compare;
+  assert(hook);
   const HookErrors errors;
   bool comparable = true;
   const int order = hook.function(self, other, &comparable, hook.context);

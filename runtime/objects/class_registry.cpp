@@ -16,7 +16,8 @@ namespace {
 
 // Every spelling that was asked for and found. Unknown names are not remembered: they may be defined later, and anyone
 // can make up any number of them.
-constinit NameMap<const RuntimeClass*> classesBySpelling;
+using ClassMap = NameMap<const RuntimeClass*>;
+constinit ClassMap classesBySpelling;
 std::mutex additions;
 
 const RuntimeClass* knownClass(std::string_view name) {
@@ -94,8 +95,8 @@ bool addUserClass(RuntimeClass& definition) {
   const std::scoped_lock lock(additions);
   if (knownClass(definition.fullName) != nullptr) return false;
   // Either both names stand for the class or none does, should memory end.
-  auto fullEntry = classesBySpelling.prepare(definition.fullName, &definition);
-  auto shortEntry = classesBySpelling.prepare(definition.shortName, &definition);
+  auto fullEntry = ClassMap::prepare(definition.fullName, &definition);
+  auto shortEntry = ClassMap::prepare(definition.shortName, &definition);
   classesBySpelling.add(std::move(fullEntry));
   if (definition.answersToShortName && knownClass(definition.shortName) == nullptr) {
     classesBySpelling.add(std::move(shortEntry));

@@ -72,7 +72,7 @@ bool isOfFamily(std::string_view typeName, ObjectKind family) {
 }  // namespace
 
 std::string_view shortTypeName(std::string_view typeName) {
-  // Almost every name comes from one of the runtime's own two modules; the scan then begins behind it (half the time).
+  // Almost every name comes from one of the runtime's own two modules; the scan then begins behind it.
   constexpr std::string_view kModule = "vorn.";
   constexpr std::string_view kCollections = "vorn.collections.";
   std::size_t start = typeName.starts_with(kModule) ? kModule.size() : 0;

@@ -30,18 +30,23 @@ constexpr SearchLane laneOf(PrimitiveKind kind) {
   return kByWidthLog2[std::countr_zero(primitiveWidth(kind))];
 }
 
+// Which integers the elements of a type can equal. A needle for 64 unsigned bits is any, by its bits.
+template <class Element>
+constexpr void setNeedleRange(NeedleRule& rule) {
+  if constexpr (std::is_integral_v<Element>) {
+    constexpr bool kAny = sizeof(Element) == sizeof(long long);
+    using Range = std::numeric_limits<std::conditional_t<kAny, long long, Element>>;
+    rule.lowest = Range::min();
+    rule.highest = Range::max();
+  }
+}
+
 // A table instead of a switch over the kinds: on lists of a few elements the jump cost more than the search.
 constexpr auto kNeedleRules = [] {
   std::array<NeedleRule, kernels::kKindValues> rules = {};
 #define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName)                      \
   rules[value] = {0, 0, laneOf(PrimitiveKind::enumerator), std::countr_zero(std::uint8_t{width})}; \
-  if constexpr (std::is_integral_v<type>) {                                                        \
-    /* A needle for 64 unsigned bits is any, by its bits. */                                       \
-    constexpr bool kAny = sizeof(type) == sizeof(long long);                                       \
-    using Range = std::numeric_limits<std::conditional_t<kAny, long long, type>>;                  \
-    rules[value].lowest = Range::min();                                                            \
-    rules[value].highest = Range::max();                                                           \
-  }
+  setNeedleRange<type>(rules[value]);
 #include "collections/core/primitive_kinds.def"
 #undef VORN_PRIMITIVE_KIND
   rules[static_cast<std::uint8_t>(PrimitiveKind::Boolean)].highest = 1;
