@@ -361,16 +361,17 @@ class ListsTest(VornTest):
 
     def test_threads_share_a_synchronised_list(self):
         a_list = new('ArrayListSync<Int>')
-        slots = [vorn.Slot() for _ in range(4)]
+        # Made before there are other threads: until a new handle stands in its slot, only a Python integer holds it,
+        # where no collector looks, and another thread's allocation may collect just then.
+        boxes = [integer('Int', number) for number in range(200)]
 
-        def append(slot):
+        def append():
             runtime.thread_attach()
-            for number in range(200):
-                slot.handle = runtime.box_integer(b'Int', number)
-                array_list.add(a_list, slot)
+            for box in boxes:
+                array_list.add(a_list, box)
             runtime.thread_detach()
 
-        threads = [threading.Thread(target=append, args=(slot,)) for slot in slots]
+        threads = [threading.Thread(target=append) for _ in range(4)]
         for thread in threads:
             thread.start()
         for thread in threads:
