@@ -107,6 +107,7 @@ int main(int argc, char** argv) {
     if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
     table.print(rows, {"vorn", "C++", "GLib"});
     natives::printMemory(1000000);
+    natives::printCallFloor();
   }
   benchmark::Shutdown();
   return 0;
