@@ -8,6 +8,7 @@ namespace vorn::collections::errors {
 
 namespace {
 
+constexpr const char* kException = "Exception";
 constexpr const char* kNullException = "NullException";
 constexpr const char* kIndexException = "IndexException";
 constexpr const char* kTypeError = "TypeError";
@@ -28,6 +29,29 @@ void raiseCodeUnitOutOfRange() { Vorn_raise(kTypeError, "CodeUnit code unit out 
 void raiseCharNotScalar() {
   Vorn_raise(kValueException, "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
 }
+
+void raiseIntStorageExpected() { Vorn_raise(kTypeError, "ArrayList<Int> storage expected"); }
+
+void raiseIntegerStorageExpected() { Vorn_raise(kTypeError, "ArrayList integer storage expected"); }
+
+void raiseFloatingStorageExpected() { Vorn_raise(kTypeError, "ArrayList floating storage expected"); }
+
+void raisePrimitiveStorageExpected() { Vorn_raise(kTypeError, "ArrayList primitive storage expected"); }
+
+void raiseAddAllSource() { Vorn_raise(kTypeError, "addAll expects a list, array, tuple or set"); }
+
+// The general class, not ValueException, is what the language promises for a zero step.
+void raiseSliceStepZero() { Vorn_raise(kException, "slice step cannot be zero"); }
+
+void raiseSliceAssignmentSource() { Vorn_raise(kTypeError, "slice assignment source must be an ordered collection"); }
+
+void raiseSliceAssignmentRange() { Vorn_raise(kIndexException, "Invalid slice assignment range"); }
+
+void raiseExtendedSliceCount() {
+  Vorn_raise(kValueException, "extended slice assignment requires the same number of values");
+}
+
+void raiseSumOfNull() { Vorn_raise(kTypeError, "sum does not support null values"); }
 
 void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName) {
   // Every list class says "ArrayList" here, the linked and synchronised ones included.

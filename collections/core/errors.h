@@ -13,6 +13,17 @@ namespace vorn::collections::errors {
 [[gnu::cold]] void raiseCodeUnitOutOfRange();
 [[gnu::cold]] void raiseCharNotScalar();
 
+[[gnu::cold]] void raiseIntStorageExpected();
+[[gnu::cold]] void raiseIntegerStorageExpected();
+[[gnu::cold]] void raiseFloatingStorageExpected();
+[[gnu::cold]] void raisePrimitiveStorageExpected();
+[[gnu::cold]] void raiseAddAllSource();
+[[gnu::cold]] void raiseSliceStepZero();
+[[gnu::cold]] void raiseSliceAssignmentSource();
+[[gnu::cold]] void raiseSliceAssignmentRange();
+[[gnu::cold]] void raiseExtendedSliceCount();
+[[gnu::cold]] void raiseSumOfNull();
+
 // `valueTypeName` is the value's runtime type name; null stands for a value that has none.
 [[gnu::cold]] void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName);
 

@@ -1,6 +1,7 @@
 #include "collections/core/linked_handles.h"
 
 #include <new>
+#include <utility>
 
 #include "collections/core/runtime_interface.h"
 
@@ -26,7 +27,7 @@ void LinkedHandles::insertBefore(Links* position, void* handle) {
   ++changes;
 }
 
-void LinkedHandles::insertAt(std::uint64_t index, void* handle) {
+LinkedHandles::Links* LinkedHandles::insertionPoint(std::uint64_t index) {
   Links* at = nullptr;
   if (index <= count / 2) {
     at = sentinel.next;
@@ -35,5 +36,28 @@ void LinkedHandles::insertAt(std::uint64_t index, void* handle) {
     at = &sentinel;
     for (std::uint64_t i = index; i < count; ++i) at = at->previous;
   }
-  insertBefore(at, handle);
+  return at;
+}
+
+void LinkedHandles::insertAt(std::uint64_t index, void* handle) { insertBefore(insertionPoint(index), handle); }
+
+void LinkedHandles::insertAllAt(std::uint64_t index, void* const* handles, std::uint64_t n) {
+  // Every node is hooked in at once, so that the collector sees it; when memory runs out, they are taken back.
+  Links* const at = insertionPoint(index);
+  std::uint64_t linked = 0;
+  try {
+    for (; linked < n; ++linked) insertBefore(at, handles[linked]);
+  } catch (...) {
+    for (; linked > 0; --linked) unhook(at->previous);
+    throw;
+  }
+}
+
+void LinkedHandles::reverse() {
+  Links* at = &sentinel;
+  do {
+    std::swap(at->next, at->previous);
+    at = at->previous;
+  } while (at != &sentinel);
+  ++changes;
 }

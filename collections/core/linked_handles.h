@@ -44,7 +44,17 @@ struct LinkedHandles {
   // Inserts a handle before the node at `index` (at most count), walking forward when index is at most count / 2.
   void insertAt(std::uint64_t index, void* handle);
 
+  // Inserts `n` handles, in order, before the node at `index` (at most count). Throws std::bad_alloc with nothing
+  // changed.
+  void insertAllAt(std::uint64_t index, void* const* handles, std::uint64_t n);
+
+  // Turns the order of the nodes around.
+  void reverse();
+
   void pushBack(void* handle) { insertBefore(&sentinel, handle); }
+
+  // The node at `index`, or the sentinel for count; walks forward when index is at most count / 2.
+  Links* insertionPoint(std::uint64_t index);
 
   void unhook(Links* node) {
     node->previous->next = node->next;

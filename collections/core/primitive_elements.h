@@ -29,7 +29,19 @@ void primitiveListEraseAt(ListData& list, std::uint64_t index);
 // Reverses the elements in place.
 void primitiveListReverse(ListData& list);
 
+// Makes the list primitive storage of this kind and name, declared so as well, holding n converted values; null gives n
+// zeros. Checks all values of a "CodeUnit" or "Char" first; false, after raising and with nothing changed, when one is
+// out of range. A linked list keeps its storage: it is emptied and the values are appended as boxes. Allocates.
+bool primitiveListAssignFromI64Values(ListData& list, ListData::PrimitiveKind kind, std::string_view typeName,
+                                      const long long* values, std::uint64_t n);
+bool primitiveListAssignFromF64Values(ListData& list, ListData::PrimitiveKind kind, std::string_view typeName,
+                                      const double* values, std::uint64_t n);
+
 namespace vorn::collections {
+
+// Empties an array-backed list and makes it primitive storage of this kind and name with room for n elements. The
+// declared type stays. Throws with nothing changed. Allocates.
+void resetToPrimitiveStorage(ListData& list, ListData::PrimitiveKind kind, RuntimeTypeName typeName, std::uint64_t n);
 
 // Truncation toward zero; NaN, infinities and everything outside the signed 64-bit range give the minimum value.
 long long truncateToI64(double value);

@@ -44,23 +44,27 @@ class RootedRange {
   std::size_t bytes_;
 };
 
-// A vector of handles whose block lives in collected memory and stays reachable through the vector's own words, which
-// are the registered range. During growth both blocks are reachable: the old one through the vector, and nothing
-// allocates between the new block's birth and its being stored.
-class HandleVector {
+// A vector of handles, or of plain records that hold handles, whose block lives in collected memory and stays reachable
+// through the vector's own words, which are the registered range. During growth both blocks are reachable: the old one
+// through the vector, and nothing allocates between the new block's birth and its being stored.
+template <class Element>
+class RootedVector {
  public:
-  using Storage = std::vector<void*, VornGcAllocator<void*>>;
+  using Storage = std::vector<Element, VornGcAllocator<Element>>;
 
-  HandleVector() : root_(&storage_, sizeof(storage_)) {}
-  HandleVector(const HandleVector&) = delete;
-  HandleVector& operator=(const HandleVector&) = delete;
+  RootedVector() : root_(&storage_, sizeof(storage_)) {}
+  RootedVector(const RootedVector&) = delete;
+  RootedVector& operator=(const RootedVector&) = delete;
 
   Storage& operator*() { return storage_; }
   Storage* operator->() { return &storage_; }
+  const Storage* operator->() const { return &storage_; }
 
  private:
   Storage storage_;
   RootedRange root_;
 };
+
+using HandleVector = RootedVector<void*>;
 
 }  // namespace vorn::collections

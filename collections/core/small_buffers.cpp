@@ -33,6 +33,35 @@ void SmallPrimitiveBuffer::grow(std::uint64_t n) {
   capacity = grown;
 }
 
+void SmallPrimitiveBuffer::resetFor(std::uint64_t width, std::uint64_t n) {
+  const std::uint64_t kept = width == elementSize ? capacity : kInlineBytes / width;
+  if (n > kept) {
+    const std::uint64_t grown = doubledCapacity(kept, 1, n, width);
+    auto* block = static_cast<unsigned char*>(Vorn_gcAllocAtomic(grown * width));
+    if (block == nullptr) throw std::bad_alloc();
+    data = block;
+    capacity = grown;
+    elementSize = width;
+  } else if (width != elementSize) {
+    resetToInline(width);
+  }
+  size = 0;
+}
+
+template <class Element, std::size_t kInline>
+void SmallMirror<Element, kInline>::grow(std::uint64_t n) {
+  const std::uint64_t grown = doubledCapacity(capacity, kInline, n, sizeof(Element));
+  auto* block = static_cast<Element*>(Vorn_gcAllocAtomic(grown * sizeof(Element)));
+  if (block == nullptr) throw std::bad_alloc();
+  // Compiled code writes past the size, up to the capacity, before it commits.
+  std::memcpy(block, data, capacity * sizeof(Element));
+  data = block;
+  capacity = grown;
+}
+
+template struct SmallMirror<long long, 16>;
+template struct SmallMirror<double, 8>;
+
 void SmallObjectVector::grow(std::uint64_t n) {
   const std::uint64_t grown = doubledCapacity(capacity, kInlineSlots, n, sizeof(void*));
   auto** block = static_cast<void**>(Vorn_gcAlloc(grown * sizeof(void*)));
@@ -49,11 +78,13 @@ void SmallObjectVector::clear() {
   size = 0;
 }
 
-void SmallObjectVector::insertAt(std::uint64_t index, void* handle) {
-  reserve(size + 1);
-  std::memmove(data + index + 1, data + index, (size - index) * sizeof(void*));
-  data[index] = handle;
-  ++size;
+void SmallObjectVector::insertAt(std::uint64_t index, void* handle) { insertAllAt(index, &handle, 1); }
+
+void SmallObjectVector::insertAllAt(std::uint64_t index, void* const* handles, std::uint64_t n) {
+  reserve(size + n);
+  std::memmove(data + index + n, data + index, (size - index) * sizeof(void*));
+  std::memcpy(data + index, handles, n * sizeof(void*));
+  size += n;
 }
 
 void SmallObjectVector::eraseAt(std::uint64_t index) {

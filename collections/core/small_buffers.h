@@ -30,6 +30,10 @@ struct SmallPrimitiveBuffer {
       grow(n);
   }
 
+  // Empties the buffer for n elements of the given width: inline storage again when the width differs, then grown as by
+  // reserve. Throws as reserve does, with nothing changed. Allocates.
+  void resetFor(std::uint64_t width, std::uint64_t n);
+
   // Back to empty inline storage of the given element width (1 to 128).
   void resetToInline(std::uint64_t width) {
     data = inlineBytes;
@@ -75,6 +79,9 @@ struct SmallObjectVector {
   // Inserts a handle before `index` (at most size). Allocates when full.
   void insertAt(std::uint64_t index, void* handle);
 
+  // Inserts n handles before `index` (at most size); they must not be this vector's own. Allocates when full.
+  void insertAllAt(std::uint64_t index, void* const* handles, std::uint64_t n);
+
   // Removes the handle at `index` and nulls the vacated slot; an index at or past the end is ignored.
   void eraseAt(std::uint64_t index);
 
@@ -93,4 +100,14 @@ struct SmallMirror {
   SmallMirror() = default;
   SmallMirror(const SmallMirror&) = delete;
   SmallMirror& operator=(const SmallMirror&) = delete;
+
+  // Guarantees room for n values: doubling from the present capacity, or from the inline one when that is 0. Throws
+  // std::bad_alloc with nothing changed. Allocates.
+  void reserve(std::uint64_t n) {
+    if (n > capacity) [[unlikely]]
+      grow(n);
+  }
+
+ private:
+  void grow(std::uint64_t n);
 };

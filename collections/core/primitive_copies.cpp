@@ -1,0 +1,54 @@
+#include "collections/core/primitive_copies.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "collections/core/element_access.h"
+#include "collections/core/primitive_elements.h"
+#include "collections/core/primitive_kinds.h"
+
+namespace vorn::collections {
+
+void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n) {
+  resetToPrimitiveStorage(target, source.primitiveKind, source.primitiveType, n);
+  if (target.elementType.text != nullptr) return;
+  target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
+}
+
+void appendPrimitiveElements(const ListData& source, long long first, long long step, std::uint64_t count,
+                             ListData& target) {
+  SmallPrimitiveBuffer& to = target.primitive;
+  to.reserve(to.size + count);
+  const std::uint64_t width = to.elementSize;
+  unsigned char* end = to.data + to.size * width;
+  if (step == 1) {
+    std::memcpy(end, source.primitive.data + static_cast<std::uint64_t>(first) * width, count * width);
+  } else {
+    visitWidth(width, [&](auto bits) {
+      using Bits = decltype(bits);
+      auto position = static_cast<std::uint64_t>(first);
+      for (std::uint64_t i = 0; i < count; ++i, position += static_cast<std::uint64_t>(step)) {
+        std::memcpy(end + i * sizeof(Bits), source.primitive.data + position * sizeof(Bits), sizeof(Bits));
+      }
+    });
+  }
+  to.size += count;
+}
+
+void repeatPrimitiveElements(ListData& target, std::uint64_t n, std::uint64_t times) {
+  SmallPrimitiveBuffer& buffer = target.primitive;
+  if (n != 0 && times > std::numeric_limits<std::uint64_t>::max() / n) throw std::bad_alloc();
+  const std::uint64_t total = n * times;
+  buffer.reserve(total);
+  const std::uint64_t width = buffer.elementSize;
+  // What is there doubles with every copy, so that short lists do not cost a call per repetition.
+  while (buffer.size < total) {
+    const std::uint64_t more = std::min(buffer.size, total - buffer.size);
+    std::memcpy(buffer.data + buffer.size * width, buffer.data, more * width);
+    buffer.size += more;
+  }
+}
+
+}  // namespace vorn::collections

@@ -1,0 +1,22 @@
+// Copying runs of unboxed elements from one list to another, as bytes. The lists have the same kind.
+#pragma once
+
+#include <cstdint>
+
+#include "collections/core/list_data.h"
+
+namespace vorn::collections {
+
+// Makes an empty array-backed list primitive storage like the source, with room for n elements. Its declared type stays
+// when it has one, else it becomes the source's declared type or, failing that, the type name. Allocates.
+void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n);
+
+// Appends source elements first, first + step, ... (`count` of them) to the target, which has room or gets it.
+// Allocates.
+void appendPrimitiveElements(const ListData& source, long long first, long long step, std::uint64_t count,
+                             ListData& target);
+
+// Appends the target's first n elements to itself until it holds n * times of them. Allocates.
+void repeatPrimitiveElements(ListData& target, std::uint64_t n, std::uint64_t times);
+
+}  // namespace vorn::collections

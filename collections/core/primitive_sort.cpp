@@ -1,0 +1,16 @@
+#include "collections/core/primitive_sort.h"
+
+#include "collections/core/primitive_kinds.h"
+#include "collections/core/sort/primitive_sort.h"
+
+namespace vc = vorn::collections;
+
+template <class T>
+void primitiveListSortTyped(ListData& list) {
+  vc::sortPrimitive(reinterpret_cast<T*>(list.primitive.data), list.primitive.size);
+}
+
+void primitiveListSort(ListData& list) {
+  if (list.primitive.size < 2) return;
+  vc::visitKind(list.primitiveKind, [&](auto tag) { primitiveListSortTyped<typename decltype(tag)::Element>(list); });
+}

@@ -1,0 +1,14 @@
+#include "collections/core/primitive_sums.h"
+
+#include "collections/core/kernels/sum_kernels.h"
+#include "collections/core/primitive_elements.h"
+#include "collections/core/primitive_kinds.h"
+
+namespace vc = vorn::collections;
+
+long long primitiveListSumI64(const ListData& list) {
+  const SmallPrimitiveBuffer& buffer = list.primitive;
+  if (list.primitiveKind == ListData::PrimitiveKind::None) return 0;
+  if (!vc::isFloatingKind(list.primitiveKind)) return vc::sumIntegers(list.primitiveKind, buffer.data, buffer.size);
+  return vc::truncateToI64(vc::sumFloating(list.primitiveKind, buffer.data, buffer.size));
+}

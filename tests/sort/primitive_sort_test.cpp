@@ -1,0 +1,93 @@
+// Every path of the primitive sort against a reference: order, nothing lost, nothing touched outside the range.
+#include "collections/core/sort/primitive_sort.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "tests/sort/primitive_sort_support.h"
+
+namespace vorn::tests {
+namespace {
+
+template <class Element>
+class PrimitiveSort : public ::testing::Test {};
+TYPED_TEST_SUITE(PrimitiveSort, AllElements);
+
+TYPED_TEST(PrimitiveSort, EverySizeAndPattern_OrdersAsTheReference) {
+  for (std::size_t count = 0; count <= 600; ++count) {
+    for (const auto& input : inputsOf<TypeParam>(count)) {
+      expectSortedOnEveryPath(input);
+      if (this->HasFatalFailure()) return;
+    }
+  }
+}
+
+// Around the sizes at which blocks, unrolled loops and samples change.
+TYPED_TEST(PrimitiveSort, LargerSizes_OrderAsTheReference) {
+  for (std::size_t count : {1'023U, 1'024U, 1'025U, 2'047U, 2'049U, 4'095U, 4'096U, 10'001U, 32'768U, 70'001U}) {
+    for (const auto& input : inputsOf<TypeParam>(count)) {
+      expectSortedOnEveryPath(input);
+      if (this->HasFatalFailure()) return;
+    }
+  }
+}
+
+TYPED_TEST(PrimitiveSort, AMillion_OrdersAsTheReference) {
+  std::mt19937_64 random(4);
+  Input<TypeParam> input{"random", std::vector<TypeParam>(1'000'003)};
+  for (auto& element : input.elements) element = anyElement<TypeParam>(random);
+  expectSortedOnEveryPath(input);
+}
+
+TYPED_TEST(PrimitiveSort, EveryAlignmentOfTheFirstElement) {
+  std::mt19937_64 random(5);
+  for (std::size_t shift = 0; shift < 64 / sizeof(TypeParam); ++shift) {
+    std::vector<TypeParam> elements(shift + 2'000);
+    for (auto& element : elements) element = anyElement<TypeParam>(random);
+    for (const SortPath path : supportedPaths()) {
+      auto sorted = elements;
+      collections::sortPrimitiveOn(path, sorted.data() + shift, 2'000);
+      auto expected = elements;
+      std::sort(expected.begin() + static_cast<std::ptrdiff_t>(shift), expected.end());
+      ASSERT_EQ(sorted, expected) << nameOf(path) << ", " << shift;
+    }
+  }
+}
+
+TYPED_TEST(PrimitiveSort, TheChosenPath_SortsToo) {
+  for (const auto& input : inputsOf<TypeParam>(3'000)) {
+    auto sorted = input.elements;
+    collections::sortPrimitive(sorted.data(), sorted.size());
+    const auto numbers = numbersInOrder(input.elements);
+    ASSERT_TRUE(std::equal(numbers.begin(), numbers.end(), sorted.begin())) << input.name;
+    ASSERT_EQ(sortedBits(sorted), sortedBits(input.elements)) << input.name;
+  }
+}
+
+TEST(PrimitiveSort, UnsignedElements_CompareAsUnsigned) {
+  std::vector<std::uint64_t> elements = {std::uint64_t{1} << 63U, 1};
+  collections::sortPrimitive(elements.data(), elements.size());
+  EXPECT_EQ(elements, (std::vector<std::uint64_t>{1, std::uint64_t{1} << 63U}));
+}
+
+TEST(PrimitiveSort, NaN_ComesLast) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const SortPath path : supportedPaths()) {
+    std::vector<double> elements = {std::numeric_limits<double>::quiet_NaN(), 1.0, -kInfinity};
+    collections::sortPrimitiveOn(path, elements.data(), elements.size());
+    EXPECT_EQ(elements[0], -kInfinity);
+    EXPECT_EQ(elements[1], 1.0);
+    EXPECT_TRUE(std::isnan(elements[2]));
+  }
+}
+
+TEST(PrimitiveSort, ThePlainPath_RunsEverywhere) {
+  EXPECT_TRUE(collections::sortPathSupported(SortPath::Plain));
+  EXPECT_TRUE(collections::sortPathSupported(collections::bestSortPath()));
+}
+
+}  // namespace
+}  // namespace vorn::tests
