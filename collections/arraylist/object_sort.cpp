@@ -1,0 +1,97 @@
+#include "collections/arraylist/object_sort.h"
+
+#include <algorithm>
+
+#include "collections/arraylist/object_cursor.h"
+#include "collections/core/element_order.h"
+#include "collections/core/list_data.h"
+#include "collections/core/pending_error_watch.h"
+#include "collections/core/primitive_kinds.h"
+#include "collections/core/sort/introsort.h"
+
+namespace vorn::collections {
+
+namespace {
+
+// Up to here numbers sort stably and on the stack.
+constexpr std::uint64_t kFewNumbers = 32;
+
+struct NumberedHandle {
+  NativeNumericValue number;
+  void* handle;
+};
+
+// Reads every element's number; false at the first that has none.
+bool readNumbers(const SmallObjectVector& objects, NumberedHandle* pairs) {
+  for (std::uint64_t i = 0; i < objects.size; ++i) {
+    pairs[i] = {{}, objects.data[i]};
+    if (!tryReadNativeNumericValue(objects.data[i], pairs[i].number)) return false;
+  }
+  return true;
+}
+
+bool numberLess(const NumberedHandle& left, const NumberedHandle& right) {
+  return compareNativeNumericValuesForSort(left.number, right.number) < 0;
+}
+
+// Puts the boxes themselves into the order of their numbers. Comparing numbers runs no user code and allocates nothing.
+void writeBack(const NumberedHandle* pairs, SmallObjectVector& objects) {
+  for (std::uint64_t i = 0; i < objects.size; ++i) objects.data[i] = pairs[i].handle;
+}
+
+// False, with nothing changed, when an element is not a number. The pairs are rooted: while they are written back, some
+// handles stand nowhere else.
+bool sortFewNumbers(SmallObjectVector& objects) {
+  NumberedHandle pairs[kFewNumbers] = {};
+  const RootedRange root(pairs, sizeof(pairs));
+  if (!readNumbers(objects, pairs)) return false;
+  insertionSort(pairs, objects.size, numberLess);
+  writeBack(pairs, objects);
+  return true;
+}
+
+bool sortManyNumbers(SmallObjectVector& objects) {
+  // Most lists that are not numeric show it at once, before a buffer is made.
+  NativeNumericValue first{};
+  if (!tryReadNativeNumericValue(objects.data[0], first)) return false;
+  RootedVector<NumberedHandle> pairs;
+  pairs->resize(objects.size);
+  if (!readNumbers(objects, pairs->data())) return false;
+  introsort(pairs->data(), objects.size, numberLess);
+  writeBack(pairs->data(), objects);
+  return true;
+}
+
+// Sorts a copy, because user code may change the list meanwhile, and puts back as much as the list then has room for.
+void sortByElementOrder(ListData& list) {
+  HandleVector handles;
+  list.copyObjectsTo(*handles);
+  if (!sortHandles(handles->data(), handles->size())) return;
+  ObjectCursor cursor(list);
+  const std::uint64_t count = std::min<std::uint64_t>(handles->size(), list.objectCount());
+  for (std::uint64_t i = 0; i < count; ++i) cursor.replace(i, (*handles)[i]);
+}
+
+}  // namespace
+
+bool sortHandles(void** handles, std::uint64_t count) {
+  const PendingErrorWatch watch;
+  bool failed = false;
+  introsort(handles, count, [&](void* left, void* right) {
+    if (failed) return false;
+    const bool less = compareListValues(left, right) < 0;
+    failed = watch.raised();
+    return less && !failed;
+  });
+  return !failed;
+}
+
+void sortObjects(ListData& list) {
+  if (list.objectCount() < 2) return;
+  if (!list.linked) {
+    if (list.objects.size <= kFewNumbers ? sortFewNumbers(list.objects) : sortManyNumbers(list.objects)) return;
+  }
+  sortByElementOrder(list);
+}
+
+}  // namespace vorn::collections

@@ -1,0 +1,35 @@
+// Copies of a list's storage, taken under its lock and worked on without it.
+#pragma once
+
+#include <vorn/collections/export.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "collections/core/list_data.h"
+
+// One list's storage at one moment. Unboxed elements are kept as they are stored, at their own width.
+struct ListStorageSnapshot {
+  ListData::PrimitiveKind primitiveKind = ListData::PrimitiveKind::None;
+  RuntimeTypeName primitiveType;
+  std::vector<unsigned char> elements;      // of a primitive list
+  vorn::collections::HandleVector objects;  // of any other
+  [[nodiscard]] std::uint64_t size() const;
+};
+
+// Fills an empty snapshot; a null list leaves it empty with no kind. Allocates for boxed storage.
+void snapshotListStorage(void* list, ListStorageSnapshot& snapshot);
+
+// Appends the snapshot's elements as handles, boxing unboxed ones. Allocates.
+void appendSnapshotObjects(const ListStorageSnapshot& snapshot, vorn::collections::HandleVector::Storage& values);
+
+// The list's elements as handles, in order, read under its lock; unboxed elements are boxed under their type name. For
+// other modules of the runtime: the caller stores the vector in rooted memory before it allocates again. Allocates.
+VORN_EXPORT vorn::collections::HandleVector::Storage snapshotListObjectValues(ListData& list);
+
+namespace vorn::collections {
+
+// Appends the elements of a list's live storage as handles; the caller holds the lock. Allocates.
+void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values);
+
+}  // namespace vorn::collections

@@ -1,0 +1,135 @@
+// Memory exhaustion at every allocation of the whole-list operations: std::bad_alloc, the lists as they were, unlocked.
+#include "tests/arraylist/bulk_cases.h"
+
+namespace vorn::tests {
+namespace {
+
+class BulkAllocationFailure : public RuntimeTest {};
+
+// Lists of every storage, long enough to leave the inline capacities.
+std::vector<Handle> longLists() {
+  std::vector<Handle> lists;
+  const Handle word = string("word");
+  for (const char* type : {"ArrayList<Int>", "ArrayListSync<Int>", "ArrayList", "LinkedList<Int>", "LinkedListSync"}) {
+    const bool boxed = std::string(type) == "ArrayList";
+    const Handle target = object(type);
+    for (int i = 0; i < (boxed ? 6 : 33); ++i) vorn_collections_ArrayList_addInt(target, 40 - i);
+    if (boxed) vorn_collections_ArrayList_add(target, word);
+    lists.push_back(target);
+  }
+  return lists;
+}
+
+// Sweeps the operation over a list of each storage. Most of them allocate; unboxed elements may fit as they are.
+template <class Operation>
+void sweepEveryStorage(Operation operation, int leastFailures = 1) {
+  for (const Handle& target : longLists()) {
+    SCOPED_TRACE(vorn_type_name(target));
+    const int failures = sweepAllocationFailures(target, [&] { return operation(target); });
+    EXPECT_GE(failures, leastFailures);
+    EXPECT_AT_REST(target);
+  }
+}
+
+TEST_F(BulkAllocationFailure, AddAll) {
+  const Handle source = intList("ArrayList", {1, 2, 3});
+  const Snapshot sourceBefore(source);
+  sweepEveryStorage([&](void* target) { vorn_collections_ArrayList_addAll(target, source); }, 0);
+  sweepEveryStorage([&](void* target) { vorn_collections_ArrayList_addAllAt(target, 2, source); }, 0);
+  sweepEveryStorage([&](void* target) { vorn_collections_ArrayList_addAll(target, target); });
+  EXPECT_UNTOUCHED(source, sourceBefore);
+}
+
+TEST_F(BulkAllocationFailure, AddAllThatMaterialises) {
+  const Handle words = list("ArrayList", {string("a"), integer("Int", 1), nullptr});
+  for (const int count : {0, 3, 8, 33}) {
+    for (const bool synchronised : {false, true}) {
+      const Handle target = object(className(false, synchronised));
+      for (int i = 0; i < count; ++i) vorn_collections_ArrayList_addInt(target, i);
+      sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_addAllAt(target, count / 2, words); });
+      EXPECT_EQ(vorn_collections_ArrayList_size(target), count + 3);
+      EXPECT_AT_REST(target);
+    }
+  }
+}
+
+TEST_F(BulkAllocationFailure, AddAllThatAdoptsAKind) {
+  const Handle source = rawList("ArrayList", "Long", std::vector<long long>(40, 1));
+  const Handle target = object("ArrayList");
+  EXPECT_GT(sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_addAll(target, source); }), 0);
+  EXPECT_EQ(storageOf(target), "Long");
+  EXPECT_AT_REST(target);
+}
+
+TEST_F(BulkAllocationFailure, Concat) {
+  const Handle words = list("LinkedListSync", {string("a"), integer("Int", 1), nullptr});
+  const Snapshot wordsBefore(words);
+  sweepEveryStorage([&](void* target) { return vorn_collections_ArrayList_concat(target, target); });
+  sweepEveryStorage([&](void* target) { return vorn_collections_ArrayList_concat(target, words); });
+  sweepEveryStorage([&](void* target) { return vorn_collections_ArrayList_concat(words, target); });
+  EXPECT_UNTOUCHED(words, wordsBefore);
+}
+
+TEST_F(BulkAllocationFailure, Repeat) {
+  sweepEveryStorage([](void* target) { return vorn_collections_ArrayList_repeat(target, 2); });
+  sweepEveryStorage([](void* target) { return vorn_collections_ArrayList_repeat(target, 0); });
+}
+
+TEST_F(BulkAllocationFailure, Slice) {
+  sweepEveryStorage([](void* target) { return slice(target, kOmitted, kOmitted); });
+  sweepEveryStorage([](void* target) { return slice(target, kOmitted, kOmitted, -2); });
+}
+
+TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCount) {
+  const Handle source = intList("ArrayList", {1, 2, 3});
+  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, source); });
+}
+
+TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCountThatMaterialises) {
+  const Handle words = list("ArrayList", {string("a"), string("b")});
+  const Handle target = rawList("ArrayListSync", "Int", {1, 2, 3, 4, 5, 6});
+  EXPECT_GT(sweepAllocationFailures(target, [&] { sliceAssign(target, 0, 2, 1, words); }), 0);
+  EXPECT_EQ(storageOf(target), "objects");
+  EXPECT_AT_REST(target);
+}
+
+TEST_F(BulkAllocationFailure, SliceAssignOfAnotherCount) {
+  const Handle source = list("ArrayList", {string("a"), integer("Int", 1), nullptr});
+  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 2, 1, source); });
+  const Handle target = intList("ArrayListSync<Int>", {1, 2, 3});
+  sweepAllocationFailures(target, [&] { sliceAssign(target, 0, 1, 1, target); });
+  EXPECT_EQ(storageOf(target), "objects");
+}
+
+TEST_F(BulkAllocationFailure, SortOfObjects) {
+  for (const bool linked : {false, true}) {
+    for (const bool numbers : {false, true}) {
+      for (const int count : {8, 33, 40}) {
+        const Handle target = object(className(linked, true));
+        for (int i = 0; i < count; ++i) {
+          vorn_collections_ArrayList_add(
+              target, numbers ? box(i % 2 == 0 ? "Int" : "Long", 100 - i) : string(std::to_string(100 - i)));
+        }
+        sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_sort(target); });
+        EXPECT_EQ(vorn_collections_ArrayList_size(target), count);
+        EXPECT_AT_REST(target);
+      }
+    }
+  }
+}
+
+TEST_F(BulkAllocationFailure, ReverseNewAndSortNew) {
+  sweepEveryStorage([](void* target) { return vorn_collections_ArrayList_reverseNew(target); });
+  sweepEveryStorage([](void* target) { return vorn_collections_ArrayList_sortNew(target); });
+}
+
+TEST_F(BulkAllocationFailure, ShuffleAndReverseInPlace) {
+  for (const Handle& target : longLists()) {
+    sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_shuffle(target); });
+    sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_reverse(target); });
+    EXPECT_AT_REST(target);
+  }
+}
+
+}  // namespace
+}  // namespace vorn::tests

@@ -1,0 +1,541 @@
+// The data-buffer protocol where it refuses or fails: wrong storage, characters out of range, null and linked lists,
+// locks, and memory exhaustion.
+#include <cerrno>
+#include <climits>
+#include <new>
+#include <system_error>
+
+#include "tests/arraylist/held_mutex.h"
+#include "tests/arraylist/list_cases.h"
+
+namespace vorn::tests {
+namespace {
+
+using Kind = ListData::PrimitiveKind;
+
+constexpr const char* kIntStorageError = "TypeError: ArrayList<Int> storage expected";
+constexpr const char* kIntegerStorageError = "TypeError: ArrayList integer storage expected";
+constexpr const char* kFloatingStorageError = "TypeError: ArrayList floating storage expected";
+constexpr const char* kPrimitiveStorageError = "TypeError: ArrayList primitive storage expected";
+
+// A commit native, the kinds of storage that it takes, and what it raises for any other.
+struct Commit {
+  const char* name;
+  void (*call)(void* list, long long n);
+  bool fast;
+  bool integers;
+  bool booleans;
+  bool floats;
+  const char* error;
+};
+
+std::ostream& operator<<(std::ostream& out, const Commit& commit) { return out << commit.name; }
+
+const std::vector<Commit>& commits() {
+  static const std::vector<Commit> all = {
+      {"commitIntDataSize", vorn_collections_ArrayList_commitIntDataSize, false, true, false, false, kIntStorageError},
+      {"commitPrimitiveI64DataSize", vorn_collections_ArrayList_commitPrimitiveI64DataSize, false, true, true, false,
+       kIntegerStorageError},
+      {"commitPrimitiveI64DataSizeFast", vorn_collections_ArrayList_commitPrimitiveI64DataSizeFast, true, true, true,
+       false, kIntegerStorageError},
+      {"commitDoubleDataSize", vorn_collections_ArrayList_commitDoubleDataSize, false, false, false, true,
+       kFloatingStorageError},
+      {"commitDoubleDataSizeFast", vorn_collections_ArrayList_commitDoubleDataSizeFast, true, false, false, true,
+       kFloatingStorageError},
+      {"commitPrimitiveDataSize", vorn_collections_ArrayList_commitPrimitiveDataSize, false, true, true, true,
+       kPrimitiveStorageError},
+      {"commitPrimitiveDataSizeFast", vorn_collections_ArrayList_commitPrimitiveDataSizeFast, true, true, true, true,
+       kPrimitiveStorageError},
+  };
+  return all;
+}
+
+bool takes(const Commit& commit, const std::string& type) {
+  if (type == "Boolean") return commit.booleans;
+  return type == "Float" || type == "Double" ? commit.floats : commit.integers;
+}
+
+class DataBufferErrors : public RuntimeTest {};
+class CommitErrors : public RuntimeTest, public ::testing::WithParamInterface<Commit> {};
+
+INSTANTIATE_TEST_SUITE_P(Natives, CommitErrors, ::testing::ValuesIn(commits()),
+                         [](const auto& param) { return std::string(param.param.name); });
+
+// ---- Wrong storage --------------------------------------------------------------------------------------------------
+
+TEST_P(CommitErrors, EveryUnboxedStorage_IsTakenOrRefusedWithTheListUnchanged) {
+  for (const std::string& type : primitiveNames()) {
+    for (const bool synchronised : {false, true}) {
+      for (const long long n : {0LL, 1LL, 2LL, -1LL, LLONG_MIN}) {
+        SCOPED_TRACE(type + " " + std::to_string(n));
+        const Handle target = list(className(false, synchronised, type), {box(type, 1), box(type, 0)});
+        ASSERT_EQ(storageOf(target), type);
+        const Snapshot before(target);
+        GetParam().call(target, n);
+        if (takes(GetParam(), type)) {
+          EXPECT_NOTHING_RAISED();
+          EXPECT_EQ(vorn_collections_ArrayList_size(target), n > 0 ? n : 0);
+          EXPECT_AT_REST(target);
+        } else {
+          EXPECT_RAISED(GetParam().error);
+          EXPECT_UNTOUCHED(target, before);
+        }
+      }
+    }
+  }
+}
+
+TEST_P(CommitErrors, BoxedAndLinkedStorage_IsRefusedWithTheListUnchanged) {
+  const Handle one = integer("Int", 1);
+  const Handle half = floating("Double", 0.5);
+  const Handle word = string("x");
+  for (const Handle& target : {list("ArrayList"), list("ArrayList<Int>"), list("ArrayListSync<Double>"),
+                               list("ArrayList", {one, half}), list("ArrayListSync", {word, nullptr}),
+                               list("LinkedList"), list("LinkedList<Int>", {one}), list("LinkedListSync", {half})}) {
+    for (const long long n : {0LL, 1LL, -1LL}) {
+      const Snapshot before(target);
+      GetParam().call(target, n);
+      EXPECT_RAISED(GetParam().error);
+      EXPECT_UNTOUCHED(target, before);
+    }
+  }
+}
+
+TEST_P(CommitErrors, NullList_DoesNothing) {
+  for (const long long n : {-1LL, 0LL, 3LL}) GetParam().call(nullptr, n);
+  EXPECT_NOTHING_RAISED();
+}
+
+TEST_P(CommitErrors, ImpossibleSize_ThrowsWithTheListUnchanged) {
+  const std::string type = GetParam().integers ? "Int" : "Double";
+  const Handle target = list("ArrayListSync<" + type + ">", {box(type, 1), box(type, 0)});
+  const Snapshot before(target);
+  EXPECT_ANY_THROW(GetParam().call(target, LLONG_MAX));
+  EXPECT_UNTOUCHED(target, before);
+}
+
+TEST_P(CommitErrors, HeldLock_StopsAllButTheFastForms) {
+  for (const std::string& type : primitiveNames()) {
+    if (!takes(GetParam(), type)) continue;
+    SCOPED_TRACE(type);
+    const Handle target = list("ArrayListSync<" + type + ">", {box(type, 1), box(type, 1)});
+    const Snapshot before(target);
+    {
+      const HeldMutex held(target);
+      if (GetParam().fast) {
+        EXPECT_NO_THROW(GetParam().call(target, 1));
+      } else {
+        try {
+          GetParam().call(target, 1);
+          ADD_FAILURE() << "did not lock";
+        } catch (const std::system_error& error) {
+          EXPECT_EQ(error.code().value(), EDEADLK);
+        }
+      }
+    }
+    if (GetParam().fast) {
+      EXPECT_EQ(vorn_collections_ArrayList_size(target), 1);
+      EXPECT_AT_REST(target);
+    } else {
+      EXPECT_UNTOUCHED(target, before);
+    }
+  }
+}
+
+TEST_P(CommitErrors, HeldLock_FastFormsRefuseAndGrowWithoutLocking) {
+  if (!GetParam().fast) return;  // the others: see HeldLock_StopsAllButTheFastForms
+  const Handle boxed = list("ArrayListSync", {string("x")});
+  {
+    const HeldMutex held(boxed);
+    EXPECT_NO_THROW(GetParam().call(boxed, 1));
+  }
+  EXPECT_RAISED(GetParam().error);
+  const std::string type = GetParam().integers ? "Long" : "Double";
+  const Handle target = list("ArrayListSync<" + type + ">", {box(type, 1)});
+  {
+    const HeldMutex held(target);
+    EXPECT_NO_THROW(GetParam().call(target, 50));
+  }
+  EXPECT_EQ(vorn_collections_ArrayList_size(target), 50);
+  EXPECT_EQ(getListData(target)->primitive.capacity, 64U);
+  EXPECT_AT_REST(target);
+}
+
+TEST_P(CommitErrors, LockIsReleasedAfterARefusal) {
+  const Handle target = list("ArrayListSync", {string("x")});
+  GetParam().call(target, 1);
+  EXPECT_RAISED(GetParam().error);
+  EXPECT_TRUE(isUnlocked(target));
+}
+
+// ---- Characters out of range ----------------------------------------------------------------------------------------
+
+struct Refused {
+  const char* type;
+  long long value;
+  const char* error;
+};
+
+const std::vector<Refused>& refusedValues() {
+  static const std::vector<Refused> values = {{"Char", 0xD800, kCharError},
+                                              {"Char", 0xDFFF, kCharError},
+                                              {"Char", 0x110000, kCharError},
+                                              {"Char", -1, kCharError},
+                                              {"Char", LLONG_MIN, kCharError},
+                                              {"Char", 0x1'0000'0041LL, kCharError},
+                                              {"CodeUnit", 0x10000, kCodeUnitError},
+                                              {"CodeUnit", -1, kCodeUnitError},
+                                              {"CodeUnit", LLONG_MAX, kCodeUnitError},
+                                              {"CodeUnit", 0x1'0000'0041LL, kCodeUnitError}};
+  return values;
+}
+
+TEST_F(DataBufferErrors, CharacterOutOfRange_IsRefusedWithTheElementsUnchanged) {
+  for (const auto commit : {vorn_collections_ArrayList_commitPrimitiveI64DataSize,
+                            vorn_collections_ArrayList_commitPrimitiveI64DataSizeFast}) {
+    for (const Refused& refused : refusedValues()) {
+      for (const int position : {0, 1, 2}) {
+        SCOPED_TRACE(std::string(refused.type) + " " + std::to_string(refused.value));
+        const std::string type = refused.type;
+        const Handle target = list("ArrayListSync<" + type + ">", {box(type, 'a'), box(type, 'b'), box(type, 'c')});
+        vorn_collections_ArrayList_i64DataPtr(target)[position] = refused.value;
+        const Snapshot before(target);
+        commit(target, 3);
+        EXPECT_RAISED(refused.error);
+        EXPECT_UNTOUCHED(target, before);
+        EXPECT_EQ(elementsOf(target), (Elements{type + " 97", type + " 98", type + " 99"}));
+      }
+    }
+  }
+}
+
+TEST_F(DataBufferErrors, CharacterOutOfRange_AfterPrepare_LeavesTheListEmptyAndTyped) {
+  for (const Refused& refused : refusedValues()) {
+    const Handle target = list("ArrayList<Int>", {integer("Int", 1)});
+    long long* const data = vorn_collections_ArrayList_preparePrimitiveI64Data(target, 2, refused.type);
+    data[0] = 'a';
+    data[1] = refused.value;
+    const Snapshot before(target);
+    vorn_collections_ArrayList_commitPrimitiveI64DataSize(target, 2);
+    EXPECT_RAISED(refused.error);
+    EXPECT_UNTOUCHED(target, before);
+    EXPECT_EQ(storageOf(target), refused.type);
+    EXPECT_EQ(vorn_collections_ArrayList_size(target), 0);
+  }
+}
+
+TEST_F(DataBufferErrors, CharacterOutOfRange_BehindTheCommittedCount_DoesNotMatter) {
+  for (const Refused& refused : refusedValues()) {
+    const Handle target = object("ArrayList");
+    long long* const data = vorn_collections_ArrayList_preparePrimitiveI64Data(target, 2, refused.type);
+    data[0] = 'a';
+    data[1] = refused.value;
+    vorn_collections_ArrayList_commitPrimitiveI64DataSize(target, 1);
+    EXPECT_EQ(elementsOf(target), (Elements{std::string(refused.type) + " 97"}));
+  }
+}
+
+TEST_F(DataBufferErrors, CharactersAtTheEndsOfTheirRange_AreTaken) {
+  const Handle target = object("ArrayList");
+  const std::vector<long long> scalars = {0, 0xD7FF, 0xE000, 0xFFFF, 0x10000, 0x10FFFF};
+  long long* data = vorn_collections_ArrayList_preparePrimitiveI64Data(target, 6, "Char");
+  for (std::size_t i = 0; i < scalars.size(); ++i) data[i] = scalars[i];
+  vorn_collections_ArrayList_commitPrimitiveI64DataSize(target, 6);
+  EXPECT_EQ(elementsOf(target),
+            (Elements{"Char 0", "Char 55295", "Char 57344", "Char 65535", "Char 65536", "Char 1114111"}));
+  data = vorn_collections_ArrayList_preparePrimitiveI64Data(target, 3, "CodeUnit");
+  data[0] = 0;
+  data[1] = 0xD800;
+  data[2] = 0xFFFF;
+  vorn_collections_ArrayList_commitPrimitiveI64DataSizeFast(target, 3);
+  EXPECT_EQ(elementsOf(target), (Elements{"CodeUnit 0", "CodeUnit 55296", "CodeUnit 65535"}));
+}
+
+TEST_F(DataBufferErrors, SameKindUnderAnotherName_TakesAnyValue) {
+  const Handle target = object("ArrayList");
+  vorn_collections_ArrayList_preparePrimitiveI64Data(target, 1, "UInt")[0] = 0xD800;
+  vorn_collections_ArrayList_commitPrimitiveI64DataSize(target, 1);
+  EXPECT_EQ(elementsOf(target), (Elements{"UInt 55296"}));
+  vorn_collections_ArrayList_preparePrimitiveI64Data(target, 1, "UShort")[0] = 0x10005;
+  vorn_collections_ArrayList_commitPrimitiveI64DataSize(target, 1);
+  EXPECT_EQ(elementsOf(target), (Elements{"UShort 5"}));
+}
+
+// ---- New lists ------------------------------------------------------------------------------------------------------
+
+TEST_F(DataBufferErrors, NewPrimitiveData_TypeThatIsNotPrimitive_RaisesAndGivesNothing) {
+  for (const char* type : {"String", "vorn.String", "Object", "app.Item", "int", "Integer", "ArrayList<Int>"}) {
+    SCOPED_TRACE(type);
+    void* out = &out;
+    EXPECT_EQ(vorn_collections_ArrayList_newPrimitiveData(3, type, &out), nullptr);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_RAISED(kPrimitiveStorageError);
+    out = &out;
+    EXPECT_EQ(vorn_collections_ArrayListSync_newPrimitiveData(3, type, &out), nullptr);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_RAISED(kPrimitiveStorageError);
+  }
+}
+
+TEST_F(DataBufferErrors, NewData_ImpossibleSize_ThrowsWithANullList) {
+  void* out = &out;
+  EXPECT_ANY_THROW(vorn_collections_ArrayList_newPrimitiveData(LLONG_MAX, "Int", &out));
+  EXPECT_EQ(out, nullptr);
+  out = &out;
+  EXPECT_ANY_THROW(vorn_collections_ArrayListSync_newPrimitiveData(LLONG_MAX, "Double", &out));
+  EXPECT_EQ(out, nullptr);
+  out = &out;
+  EXPECT_ANY_THROW(vorn_collections_ArrayList_newPrimitiveI64Data(LLONG_MAX, "Int", &out));
+  EXPECT_EQ(out, nullptr);
+  out = &out;
+  EXPECT_ANY_THROW(vorn_collections_ArrayList_newDoubleData(LLONG_MAX, "Double", &out));
+  EXPECT_EQ(out, nullptr);
+}
+
+// ---- Null and linked lists ------------------------------------------------------------------------------------------
+
+TEST_F(DataBufferErrors, NullList_GivesNull) {
+  EXPECT_EQ(vorn_collections_ArrayList_prepareIntData(nullptr, 3), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_preparePrimitiveI64Data(nullptr, 3, "Byte"), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_prepareDoubleData(nullptr, 3, "Float"), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_i64DataPtr(nullptr), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_f64DataPtr(nullptr), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_primitiveDataPtr(nullptr), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_dataHandle(nullptr), nullptr);
+}
+
+TEST_F(DataBufferErrors, LinkedList_IsEmptiedAndDeclared_AndTheCommitRaises) {
+  for (const bool synchronised : {false, true}) {
+    for (const Commit& commit : commits()) {
+      SCOPED_TRACE(commit.name);
+      const Handle target = list(className(true, synchronised), {string("x"), integer("Int", 1)});
+      if (commit.integers) {
+        long long* const data = vorn_collections_ArrayList_preparePrimitiveI64Data(target, 20, "Short");
+        ASSERT_NE(data, nullptr);
+        for (int i = 0; i < 20; ++i) data[i] = i;
+        EXPECT_EQ(declaredTypeOf(target), "Short");
+      } else {
+        double* const data = vorn_collections_ArrayList_prepareDoubleData(target, 20, "Float");
+        ASSERT_NE(data, nullptr);
+        for (int i = 0; i < 20; ++i) data[i] = i;
+        EXPECT_EQ(declaredTypeOf(target), "Float");
+      }
+      EXPECT_EQ(storageOf(target), "linked");
+      EXPECT_EQ(kindOf(target), Kind::None);
+      EXPECT_EQ(vorn_collections_ArrayList_size(target), 0);
+      EXPECT_AT_REST(target);
+      const Snapshot before(target);
+      commit.call(target, 20);
+      EXPECT_RAISED(commit.error);
+      EXPECT_UNTOUCHED(target, before);
+    }
+  }
+}
+
+TEST_F(DataBufferErrors, LinkedList_PrepareIntData_DeclaresInt) {
+  const Handle target = list("LinkedList<Double>", {floating("Double", 0.5)});
+  ASSERT_NE(vorn_collections_ArrayList_prepareIntData(target, 2), nullptr);
+  EXPECT_EQ(declaredTypeOf(target), "Int");
+  EXPECT_EQ(storageOf(target), "linked");
+  vorn_collections_ArrayList_add(target, string("x"));
+  EXPECT_RAISED(listTypeError("Int", "vorn.String"));
+  vorn_collections_ArrayList_addInt(target, 4);
+  EXPECT_EQ(elementsOf(target), (Elements{"Int 4"}));
+  EXPECT_AT_REST(target);
+}
+
+// ---- Locks ----------------------------------------------------------------------------------------------------------
+
+// The natives of the protocol that lock, commits apart.
+const std::vector<NativeCase>& lockingNatives() {
+  static const std::vector<NativeCase> cases = {
+      {"prepareIntData", true, [](void* list, void*) { vorn_collections_ArrayList_prepareIntData(list, 3); }},
+      {"preparePrimitiveI64Data", true,
+       [](void* list, void*) { vorn_collections_ArrayList_preparePrimitiveI64Data(list, 3, "Long"); }},
+      {"prepareDoubleData", true,
+       [](void* list, void*) { vorn_collections_ArrayList_prepareDoubleData(list, 3, "Double"); }},
+      {"i64DataPtr", true, [](void* list, void*) { vorn_collections_ArrayList_i64DataPtr(list); }},
+      {"f64DataPtr", true, [](void* list, void*) { vorn_collections_ArrayList_f64DataPtr(list); }},
+      {"primitiveDataPtr", true, [](void* list, void*) { vorn_collections_ArrayList_primitiveDataPtr(list); }},
+  };
+  return cases;
+}
+
+TEST_F(DataBufferErrors, FailingMutex_IsASystemErrorAndLeavesTheListUnchanged) {
+  const Handle one = integer("Int", 1);
+  for (const NativeCase& native : lockingNatives()) {
+    for (const Handle& target :
+         {list("ArrayListSync<Int>", {one}), list("ArrayListSync", {string("x")}), list("LinkedListSync", {one})}) {
+      SCOPED_TRACE(native.name);
+      const Snapshot before(target);
+      {
+        const HeldMutex held(target);
+        try {
+          native.call(target, nullptr);
+          ADD_FAILURE() << "did not lock";
+        } catch (const std::system_error& error) {
+          EXPECT_EQ(error.code().value(), EDEADLK);
+        }
+      }
+      EXPECT_UNTOUCHED(target, before);
+      native.call(target, nullptr);
+      EXPECT_AT_REST(target);
+    }
+  }
+}
+
+TEST_F(DataBufferErrors, DataHandle_NeverLocks) {
+  const Handle target = list("ArrayListSync<Int>", {integer("Int", 1)});
+  const HeldMutex held(target);
+  EXPECT_EQ(vorn_collections_ArrayList_dataHandle(target), getListData(target));
+}
+
+TEST_F(DataBufferErrors, UnsynchronisedList_NeverTouchesItsMutex) {
+  for (const NativeCase& native : lockingNatives()) {
+    const Handle target = list("ArrayList<Int>", {integer("Int", 1)});
+    const HeldMutex held(target);
+    EXPECT_NO_THROW(native.call(target, nullptr)) << native.name;
+  }
+  for (const Commit& commit : commits()) {
+    const std::string type = commit.integers ? "Int" : "Double";
+    const Handle target = list("ArrayList<" + type + ">", {box(type, 1)});
+    const HeldMutex held(target);
+    EXPECT_NO_THROW(commit.call(target, 1)) << commit.name;
+  }
+}
+
+// ---- Memory exhaustion ----------------------------------------------------------------------------------------------
+
+// Fails each allocation of an operation on an existing list in turn. Gives the number of failures before it succeeded.
+template <class Operation>
+int sweepListFailures(void* target, const Operation& operation) {
+  const Snapshot before(target);
+  for (int failures = 0; failures < 50; ++failures) {
+    SCOPED_TRACE("failing allocation " + std::to_string(failures));
+    bool thrown = false;
+    vorn_heap_fail_allocation(failures);
+    try {
+      operation();
+    } catch (const std::bad_alloc&) {
+      thrown = true;
+    }
+    const bool happened = vorn_heap_failure_happened() != 0;
+    vorn_heap_fail_allocation(-1);
+    EXPECT_EQ(thrown, happened);
+    EXPECT_NOTHING_RAISED();
+    if (!thrown) {
+      EXPECT_AT_REST(target);
+      return failures;
+    }
+    EXPECT_UNTOUCHED(target, before);
+  }
+  ADD_FAILURE() << "the operation never succeeded";
+  return -1;
+}
+
+TEST_F(DataBufferErrors, CommitIntDataSize_MemoryExhaustion_LeavesTheListUnchanged) {
+  for (const char* type : {"Int", "Byte", "Long", "UInt"}) {
+    for (const bool synchronised : {false, true}) {
+      SCOPED_TRACE(type);
+      const Handle target = list(className(false, synchronised, type), {box(type, 1), box(type, 5)});
+      vorn_collections_ArrayList_i64DataPtr(target);
+      // The mirror holds 16, the buffer 32: both must grow.
+      EXPECT_GE(sweepListFailures(target, [&] { vorn_collections_ArrayList_commitIntDataSize(target, 50); }), 2);
+      EXPECT_EQ(storageOf(target), "Int");
+      EXPECT_EQ(vorn_collections_ArrayList_size(target), 50);
+      EXPECT_EQ(vorn_collections_ArrayList_getInt(target, 0), 1);
+      EXPECT_EQ(vorn_collections_ArrayList_getInt(target, 1), 5);
+    }
+  }
+}
+
+TEST_F(DataBufferErrors, OtherCommits_MemoryExhaustion_LeaveTheListUnchanged) {
+  for (const Commit& commit : commits()) {
+    SCOPED_TRACE(commit.name);
+    const std::string type = commit.integers ? "Long" : "Double";
+    const Handle target = list("ArrayListSync<" + type + ">", {box(type, 1), box(type, 5)});
+    EXPECT_GE(sweepListFailures(target, [&] { commit.call(target, 50); }), 1);
+    EXPECT_EQ(vorn_collections_ArrayList_size(target), 50);
+  }
+}
+
+TEST_F(DataBufferErrors, Prepare_MemoryExhaustion_LeavesTheListUnchanged) {
+  for (const char* type : {"ArrayListSync", "ArrayList<Long>", "LinkedListSync"}) {
+    const auto sweep = [type](const auto& prepare) {
+      const Handle target = list(type, {integer("Long", 1), integer("Long", 2)});
+      EXPECT_GE(sweepListFailures(target, [&] { prepare(target.get()); }), 1) << type;
+      EXPECT_EQ(vorn_collections_ArrayList_size(target), 0);
+    };
+    sweep([](void* target) { vorn_collections_ArrayList_prepareIntData(target, 50); });
+    sweep([](void* target) { vorn_collections_ArrayList_preparePrimitiveI64Data(target, 50, "Byte"); });
+    sweep([](void* target) { vorn_collections_ArrayList_prepareDoubleData(target, 50, "Float"); });
+  }
+}
+
+TEST_F(DataBufferErrors, Prepare_ImpossibleSize_ThrowsWithTheListUnchanged) {
+  for (const char* type : {"ArrayListSync", "LinkedListSync"}) {
+    const Handle target = list(type, {integer("Int", 1), string("x")});
+    const Snapshot before(target);
+    EXPECT_ANY_THROW(vorn_collections_ArrayList_prepareIntData(target, LLONG_MAX));
+    EXPECT_ANY_THROW(vorn_collections_ArrayList_preparePrimitiveI64Data(target, LLONG_MAX, "Byte"));
+    EXPECT_ANY_THROW(vorn_collections_ArrayList_prepareDoubleData(target, LLONG_MAX, "Float"));
+    EXPECT_UNTOUCHED(target, before);
+  }
+}
+
+TEST_F(DataBufferErrors, DataPtr_MemoryExhaustion_LeavesTheListUnchanged) {
+  const Handle integers = object("ArrayListSync");
+  const Handle doubles = object("ArrayListSync");
+  for (int i = 0; i < 20; ++i) {
+    vorn_collections_ArrayList_addInt(integers, i);
+    vorn_collections_ArrayList_addPrimitiveDouble(doubles, i, "Float");
+  }
+  EXPECT_EQ(sweepListFailures(integers, [&] { vorn_collections_ArrayList_i64DataPtr(integers); }), 1);
+  EXPECT_EQ(sweepListFailures(doubles, [&] { vorn_collections_ArrayList_f64DataPtr(doubles); }), 1);
+  EXPECT_EQ(sweepListFailures(integers, [&] { vorn_collections_ArrayList_primitiveDataPtr(integers); }), 0);
+}
+
+// Fails each allocation of a creation native in turn: no list at all, as null or as std::bad_alloc.
+template <class Creation>
+void sweepCreationFailures(const Creation& create, int leastFailures) {
+  for (int failures = 0; failures < 50; ++failures) {
+    SCOPED_TRACE("failing allocation " + std::to_string(failures));
+    void* out = &out;
+    const void* data = nullptr;
+    bool thrown = false;
+    vorn_heap_fail_allocation(failures);
+    try {
+      data = create(&out);
+    } catch (const std::bad_alloc&) {
+      thrown = true;
+    }
+    const bool happened = vorn_heap_failure_happened() != 0;
+    vorn_heap_fail_allocation(-1);
+    EXPECT_NOTHING_RAISED();
+    const Handle made = out;
+    EXPECT_EQ(thrown || data == nullptr, happened);
+    if (!happened) {
+      EXPECT_GE(failures, leastFailures);
+      ASSERT_NE(made.get(), nullptr);
+      EXPECT_AT_REST(made);
+      return;
+    }
+    EXPECT_EQ(made.get(), nullptr);
+  }
+  ADD_FAILURE() << "the creation never succeeded";
+}
+
+TEST_F(DataBufferErrors, NewData_MemoryExhaustion_GivesNoList) {
+  for (const char* type : {"Int", "Double", "Boolean"}) {
+    sweepCreationFailures([&](void** out) { return vorn_collections_ArrayList_newPrimitiveData(3, type, out); }, 1);
+    sweepCreationFailures([&](void** out) { return vorn_collections_ArrayList_newPrimitiveData(200, type, out); }, 2);
+    sweepCreationFailures([&](void** out) { return vorn_collections_ArrayListSync_newPrimitiveData(200, type, out); },
+                          2);
+    sweepCreationFailures([&](void** out) { return vorn_collections_ArrayList_newPrimitiveI64Data(200, type, out); },
+                          2);
+    sweepCreationFailures([&](void** out) { return vorn_collections_ArrayList_newDoubleData(200, type, out); }, 2);
+  }
+}
+
+}  // namespace
+}  // namespace vorn::tests
