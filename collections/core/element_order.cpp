@@ -60,10 +60,10 @@ int compareCollections(void* a, void* b, std::string_view typeA, std::string_vie
   if (!Vorn_collectionObjectsEqual(a, b, equal) || equal) return 0;
   bool less = false;
   if (Vorn_collectionObjectsLess(a, b, less) && less) return -1;
-  if (Vorn_hasPendingError() != 0) return 0;
+  if (hasPendingError()) return 0;
   less = false;
   if (Vorn_collectionObjectsLess(b, a, less) && less) return 1;
-  if (Vorn_hasPendingError() != 0) return 0;
+  if (hasPendingError()) return 0;
   return compareByTypeThenAddress(a, b, typeA, typeB);
 }
 

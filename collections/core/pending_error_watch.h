@@ -8,10 +8,10 @@ namespace vorn::collections {
 // An error that was pending already when the watch began does not count.
 class PendingErrorWatch {
  public:
-  [[nodiscard]] bool raised() const { return !pendingBefore_ && Vorn_hasPendingError() != 0; }
+  [[nodiscard]] bool raised() const { return !pendingBefore_ && hasPendingError(); }
 
  private:
-  bool pendingBefore_ = Vorn_hasPendingError() != 0;
+  bool pendingBefore_ = hasPendingError();
 };
 
 }  // namespace vorn::collections

@@ -9,12 +9,14 @@
 //  - memory exhaustion inside an allocating operation is std::bad_alloc unless a null result is documented.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "collections/core/collection_key.h"
 #include "collections/core/runtime_object_layout.h"
 #include "collections/core/runtime_type_name.h"
 
@@ -30,6 +32,17 @@ void Vorn_raise(const char* exceptionClass, const char* message);
 
 // Nonzero while an error raised on this thread has not been handled.
 int Vorn_hasPendingError();
+
+// How many threads have a pending error: lets hasPendingError, below, answer no without a call.
+extern std::atomic<std::uint32_t> Vorn_threadsWithPendingErrors;
+}
+
+// The same as Vorn_hasPendingError. A thread's own raise is always seen: it counts its thread before it returns.
+inline bool hasPendingError() {
+  return Vorn_threadsWithPendingErrors.load(std::memory_order_relaxed) != 0 && Vorn_hasPendingError() != 0;
+}
+
+extern "C" {
 
 // ---- Collected memory -----------------------------------------------------------------------------------------------
 
@@ -75,8 +88,7 @@ const char* Vorn_objectTypeName(void* handle);
 bool Vorn_isInstanceOf(void* handle, const char* typeName);
 }
 
-struct ObjectField;
-// A field of an object by name, or null.
+// A field of an object by name, or null. Items of a tuple have no description.
 ObjectField* findObjectField(ObjectRecord* object, const char* field);
 
 // ---- Values ---------------------------------------------------------------------------------------------------------
@@ -138,6 +150,26 @@ struct ClassLoader {
   static bool resolveConcreteGenericArgs(std::string_view typeName, std::vector<std::string>& arguments);
 };
 }  // namespace vorn::compiler
+
+// ---- Keys -----------------------------------------------------------------------------------------------------------
+
+// The key of a map for a non-null handle. A key borrows: the text of a long text key and the object behind the last
+// three tags live as long as the handle does. The hash of an instance comes from its class's hook, so user code may run
+// and raise; then an error is pending and the key must not be used. May allocate.
+NativeCollectionKey makeNativeCollectionKey(void* handle);
+
+// The key of a text, which it borrows: the same as that of a String object with that text.
+NativeCollectionKey makeNativeStringCollectionKey(std::string_view text);
+
+// The key of a set's element: as for a map, and null has a key too.
+NativeCollectionKey makeNativeSetCollectionKey(void* handle);
+
+// The type name to record for a map key: the short name of its class, "String" for texts; empty for null. Lives as
+// long as the process.
+std::string_view mapKeyRuntimeTypeName(void* key);
+
+// The key type name of a whole map: the recorded one, or "Object". Lives as long as the process.
+std::string_view resolveMapKeyTypeName(void* map);
 
 // ---- Numbers, equality, order ---------------------------------------------------------------------------------------
 

@@ -13,6 +13,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 struct ListData;
 struct ArrayData;
@@ -36,6 +37,15 @@ enum class BoxedType : std::uint8_t {
 // for its type name there cost more than everything else together.
 struct RuntimeClassHead {
   BoxedType boxedType;
+};
+
+// A field of the objects of a class.
+struct ObjectField {
+  enum class Kind : std::uint8_t { Integer = 1, Floating = 2, Boolean = 3, Handle = 4 };
+
+  Kind kind;
+  std::uint32_t offset;   // from the start of the object; every field is one word
+  std::string_view name;  // NUL-terminated
 };
 
 // What an object is. The value 1 is fixed: a registered record of that kind is an integer box. No kind is 0, so the

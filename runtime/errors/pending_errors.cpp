@@ -6,7 +6,9 @@
 namespace vorn::runtime {
 
 void raiseError(const char* className, const char* message) {
-  attachedThread().errors.push_back({className != nullptr ? className : "", message != nullptr ? message : ""});
+  PendingErrors& errors = attachedThread().errors;
+  errors.push_back({className != nullptr ? className : "", message != nullptr ? message : ""});
+  if (errors.size() == 1) Vorn_threadsWithPendingErrors.fetch_add(1, std::memory_order_relaxed);
 }
 
 // Reading and clearing leave a thread that never entered the runtime alone: it has no errors.
@@ -25,10 +27,18 @@ const PendingError* pendingErrorAt(std::size_t index) noexcept {
 }
 
 void clearPendingErrors() noexcept {
-  if (hasPendingErrors()) currentThread->errors.clear();
+  if (hasPendingErrors()) clearPendingErrorsOf(currentThread->errors);
+}
+
+void clearPendingErrorsOf(PendingErrors& errors) noexcept {
+  if (errors.empty()) return;
+  errors.clear();
+  Vorn_threadsWithPendingErrors.fetch_sub(1, std::memory_order_relaxed);
 }
 
 }  // namespace vorn::runtime
+
+constinit std::atomic<std::uint32_t> Vorn_threadsWithPendingErrors = 0;
 
 void Vorn_raise(const char* exceptionClass, const char* message) { vorn::runtime::raiseError(exceptionClass, message); }
 

@@ -28,4 +28,7 @@ void raiseError(const char* className, const char* message);
 
 void clearPendingErrors() noexcept;
 
+// The same for a thread that ends: its errors stop counting.
+void clearPendingErrorsOf(PendingErrors& errors) noexcept;
+
 }  // namespace vorn::runtime

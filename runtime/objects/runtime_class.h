@@ -12,15 +12,6 @@
 #include "collections/core/runtime_object_layout.h"
 #include "collections/core/runtime_type_name.h"
 
-// A field of the objects of a class.
-struct ObjectField {
-  enum class Kind : std::uint8_t { Integer = 1, Floating = 2, Boolean = 3, Handle = 4 };
-
-  Kind kind;
-  std::uint32_t offset;   // from the start of the object; every field is one word
-  std::string_view name;  // NUL-terminated
-};
-
 namespace vorn::runtime {
 
 // A built-in class by name; None for user classes.

@@ -63,7 +63,7 @@ void detachCurrentThread() noexcept {
   currentThread = nullptr;
   pthread_setspecific(detachKey(), nullptr);
   state->roots.clear();
-  state->errors.clear();
+  clearPendingErrorsOf(state->errors);
   state->errors.shrink_to_fit();
   state->allocationsBeforeFailure = -1;
   state->failureHappened = false;

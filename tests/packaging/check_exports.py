@@ -6,7 +6,8 @@
 - The collections library exports exactly the natives that the public headers declare with VORN_NATIVE and what its
   sources mark with VORN_EXPORT.
 - Apart from the C and C++ libraries it needs nothing but operations that core/runtime_interface.h and
-  core/runtime_object_layout.h declare: it has no hidden dependency.
+  core/runtime_object_layout.h and core/collection_key.h declare: it has no hidden dependency. Natives of a class that
+  the build leaves out are weak references.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
   and the collector's GC_ functions.
 """
@@ -18,13 +19,15 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PUBLIC_HEADERS = ROOT / "collections/include"
-INTERFACE_HEADERS = ("collections/core/runtime_interface.h", "collections/core/runtime_object_layout.h")
+INTERFACE_HEADERS = ("collections/core/runtime_interface.h", "collections/core/runtime_object_layout.h",
+                     "collections/core/collection_key.h")
 
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 PREPROCESSOR = re.compile(r"^[ \t]*#(?:[^\n\\]|\\\n|\\.)*", re.MULTILINE)
 # The name that a mark declares: the last word before the parameters, an initialiser or the end.
 NATIVE = re.compile(r"\bVORN_NATIVE\b[^;(){}=]*?\b(\w+)\s*\(")
 EXPORTED = re.compile(r"\bVORN_EXPORT\b[^;(){}=]*?\b(\w+)\s*[;({=]")
+VARIABLE = re.compile(r"\bextern\s[^;(){}]*?\b(\w+)\s*;")
 FUNCTION = re.compile(r"\b(\w+)\s*\([^(){};]*\)\s*(?:const\s*)?(?:noexcept\s*)?;")
 
 # Instantiations of standard templates, which no visibility setting of ours hides because namespace std is visible.
@@ -53,6 +56,7 @@ class Library:
     def __init__(self, path):
         self.exported = set()
         self.needed = set()
+        self.optional = set()
         listing = subprocess.run(
             ["nm", "-D", "--with-symbol-versions", path], check=True, capture_output=True, text=True)
         for line in listing.stdout.splitlines():
@@ -60,7 +64,7 @@ class Library:
             if kind in "Uw":
                 # A symbol of a system library carries its version.
                 if "@" not in symbol and symbol not in START_UP:
-                    self.needed.add(symbol)
+                    (self.optional if kind == "w" else self.needed).add(symbol)
             elif not (kind in "WVu" and STANDARD_LIBRARY.match(demangled(symbol))):
                 self.exported.add(symbol.split("@")[0])
 
@@ -78,6 +82,7 @@ def main():
     operations = set()
     for header in INTERFACE_HEADERS:
         operations.update(FUNCTION.findall(code_of(ROOT / header)))
+        operations.update(VARIABLE.findall(code_of(ROOT / header)))
 
     problems = []
     for native in sorted(natives - collections.exported):
@@ -90,6 +95,9 @@ def main():
             problems.append(f"{demangled(symbol)}: needed by the library, but no declared runtime operation")
         if symbol not in runtime.exported:
             problems.append(f"{demangled(symbol)}: needed by the library, but not exported by the runtime")
+    for symbol in sorted(collections.optional):
+        if not symbol.startswith("vorn_collections_"):
+            problems.append(f"{demangled(symbol)}: a weak reference of the library, but to none of its own natives")
     for symbol in sorted(runtime.needed - collections.exported):
         if not symbol.startswith("GC_"):
             problems.append(f"{demangled(symbol)}: needed by the runtime, but not exported by the library")
