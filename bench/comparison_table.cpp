@@ -35,12 +35,12 @@ void ComparisonTable::print(const std::vector<Row>& rows, const std::vector<std:
     if (std::none_of(libraries.begin(), libraries.end(), [&](const auto& library) { return figure(row, library); }))
       continue;
     if (!headed) {
-      std::printf("\nNanoseconds per element\n%-28s %9s", "operation", "n");
+      std::printf("\nNanoseconds per element\n%-30s %9s", "operation", "n");
       for (const std::string& library : libraries) std::printf(" %9s", library.c_str());
       std::printf(" %9s\n", "limit");
       headed = true;
     }
-    std::printf("%-28s %9lld", row.operation.c_str(), static_cast<long long>(row.elements));
+    std::printf("%-30s %9lld", row.operation.c_str(), static_cast<long long>(row.elements));
     for (const std::string& library : libraries) {
       if (const auto value = figure(row, library)) {
         std::printf(" %9.3f", *value);

@@ -1,26 +1,32 @@
-// The list natives beside std::vector and GLib, at a size that stays in the first-level cache and at a million.
+// The list natives beside std::vector, GLib and, for sorting, Highway's vqsort where its library is installed.
 //
-// Prints the benchmarks as they run and then one table. All options of Google Benchmark work; with --benchmark_format
-// set, only that output appears.
+// Prints the benchmarks as they run and then one table. All options of Google Benchmark work (for instance
+// --benchmark_filter=sort, or =-sort to leave the sorts out, which take most of the time); with --benchmark_format set,
+// only that output appears.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <vorn/runtime.h>
 
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bench/bulk_operations.h"
 #include "bench/comparison_table.h"
 #include "bench/list_operations.h"
+#include "bench/sort_rows.h"
 
 namespace {
 
 using namespace vorn::bench;  // NOLINT(google-build-using-namespace): the program's own namespace
 
-constexpr std::int64_t kSizes[] = {1000, 1000000};
+constexpr std::int64_t kSizes[] = {1'000, 1'000'000};
+constexpr std::int64_t kBulkSizes[] = {1'000, 1'000'000, 10'000'000};
 
-constexpr ListOperation kOperations[] = {
+// Element by element, and searches.
+constexpr Operation kOperations[] = {
     {"addInt", natives::addInt, standard::append, glib::append, 2.5},
     {"addInt synchronised", natives::addIntSynchronised, standard::appendLocked, glib::appendLocked, 0},
     {"add boxed Int, unboxing", natives::addBoxed, standard::appendFromBox, glib::appendFromBox, 12},
@@ -35,7 +41,6 @@ constexpr ListOperation kOperations[] = {
     {"removeAt the end", natives::removeAtEnd, standard::removeLast, glib::removeLast, 0},
     {"size", natives::size, standard::size, glib::size, 0},
     {"sizeFast", natives::sizeFast, standard::size, glib::size, 0},
-    {"indexOf absent Int", natives::indexOfAbsentInt, standard::findInt, glib::findInt, 0.08},
     {"count absent Int", natives::countAbsentInt, standard::countInt, glib::countInt, 0.08},
     {"operator_in absent Int", natives::operatorInAbsentInt, standard::findInt, glib::findInt, 0.08},
     {"indexOf absent Double", natives::indexOfAbsentDouble, standard::findDouble, glib::findDouble, 0},
@@ -44,12 +49,43 @@ constexpr ListOperation kOperations[] = {
     {"indexOf absent, boxed list", natives::indexOfAbsentBoxed, standard::findBox, glib::findBox, 0},
 };
 
-void registerBenchmark(const ListOperation& operation, const char* library, Measured measured, std::int64_t size) {
+// On whole lists, per element of the result. The limits hold at 1,000; at ten million memory sets the pace.
+constexpr Operation kBulkOperations[] = {
+    {"read memory", nullptr, standard::readMemory, nullptr, 0},
+    {"sumInt", natives::sumInt, standard::sumInt, glib::sumInt, 0.06},
+    {"sumI64Fast, Long", natives::sumLong, standard::sumLong, nullptr, 0},
+    {"sumF64Fast, Double", natives::sumDouble, standard::sumDouble, nullptr, 0},
+    {"indexOf absent Int", natives::indexOfAbsentInt, standard::findInt, glib::findInt, 0.03},
+    {"reverse", natives::reverse, standard::reverse, nullptr, 0},
+    {"slice [1:-1]", natives::slice, standard::slice, glib::slice, 0},
+    {"slice [::2]", natives::sliceEverySecond, standard::sliceEverySecond, nullptr, 0},
+    {"concat", natives::concat, standard::concat, glib::concat, 0},
+    {"repeat 10 times", natives::repeat, standard::concat, nullptr, 0},
+    {"addAll", natives::addAll, standard::addAll, glib::addAll, 0},
+    {"commitIntDataSize", natives::commitInts, standard::narrow, nullptr, 0.3},
+    {"i64DataPtr", natives::i64DataPtr, standard::widen, nullptr, 0.3},
+    {"write through newPrimitiveData", natives::writeThroughPointer, standard::writeThroughPointer, nullptr, 0},
+};
+
+void registerBenchmark(const Operation& operation, const char* library, Measured measured, std::int64_t size) {
+  if (measured == nullptr) return;
   const std::string name = std::string(operation.name) + "/" + library + "/" + std::to_string(size);
   // The CPU time of the whole process: a collector's threads would count, other programs on the machine do not.
   benchmark::RegisterBenchmark(name.c_str(), [measured, size](benchmark::State& state) {
     measured(state, size);
   })->MeasureProcessCPUTime();
+}
+
+void registerOperations(std::span<const Operation> operations, std::span<const std::int64_t> sizes,
+                        std::vector<ComparisonTable::Row>& rows) {
+  for (const Operation& operation : operations) {
+    for (const std::int64_t size : sizes) {
+      registerBenchmark(operation, "vorn", operation.vorn, size);
+      registerBenchmark(operation, "C++", operation.standard, size);
+      registerBenchmark(operation, "GLib", operation.glib, size);
+      rows.push_back({operation.name, size, operation.limit});
+    }
+  }
 }
 
 bool choosesItsOwnOutput(int argc, char** argv) {
@@ -60,7 +96,7 @@ bool choosesItsOwnOutput(int argc, char** argv) {
   return false;
 }
 
-// The program's defaults in front of the given options, which override them: the whole run takes less than a minute.
+// The program's defaults in front of the given options, which override them.
 std::vector<char*> withDefaults(int argc, char** argv) {
   static std::string defaults[] = {"--benchmark_repetitions=3", "--benchmark_min_time=0.03",
                                    "--benchmark_min_warmup_time=0.01"};
@@ -92,20 +128,15 @@ int main(int argc, char** argv) {
     return 1;
   }
   std::vector<ComparisonTable::Row> rows;
-  for (const ListOperation& operation : kOperations) {
-    for (const std::int64_t size : kSizes) {
-      registerBenchmark(operation, "vorn", operation.vorn, size);
-      registerBenchmark(operation, "C++", operation.standard, size);
-      registerBenchmark(operation, "GLib", operation.glib, size);
-      rows.push_back({operation.name, size, operation.limit});
-    }
-  }
+  registerOperations(kOperations, kSizes, rows);
+  registerOperations(kBulkOperations, kBulkSizes, rows);
+  registerSorts(rows);
   if (ownOutput) {
     benchmark::RunSpecifiedBenchmarks();
   } else {
     ComparisonTable table;
     if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
-    table.print(rows, {"vorn", "C++", "GLib"});
+    table.print(rows, {"vorn", "C++", "GLib", "vqsort"});
     natives::printMemory(1000000);
     natives::printCallFloor();
   }

@@ -1,68 +1,15 @@
-#include <vorn/collections/array_list.h>
-#include <vorn/runtime.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <deque>
 #include <vector>
 
 #include "bench/list_operations.h"
+#include "bench/native_support.h"
 
 namespace vorn::bench::natives {
 
 namespace {
-
-// A handle that stays alive while this object does.
-class Rooted {
- public:
-  explicit Rooted(void* handle = nullptr) : handle_(handle) { vorn_root_add(&handle_); }
-  ~Rooted() { vorn_root_remove(&handle_); }
-  Rooted(const Rooted&) = delete;
-  Rooted& operator=(const Rooted&) = delete;
-  Rooted& operator=(void* handle) {
-    handle_ = handle;
-    return *this;
-  }
-  operator void*() const { return handle_; }  // NOLINT(google-explicit-constructor): natives take the raw handle
-
- private:
-  void* handle_;
-};
-
-// Figures taken while natives raise or fail would mean nothing.
-void requireNoErrors() {
-  if (vorn_error_count() == 0) return;
-  std::fprintf(stderr, "list_bench: %s: %s\n", vorn_error_class(0), vorn_error_message(0));
-  std::exit(1);
-}
-
-void requireSize(void* list, std::int64_t size) {
-  requireNoErrors();
-  if (vorn_collections_ArrayList_size(list) == size) return;
-  std::fprintf(stderr, "list_bench: a list has %lld elements instead of %lld\n", vorn_collections_ArrayList_size(list),
-               static_cast<long long>(size));
-  std::exit(1);
-}
-
-void fillInts(void* list, std::int64_t elements) {
-  for (std::int64_t i = 0; i < elements; ++i) vorn_collections_ArrayList_addInt(list, elementAt(i));
-}
-
-void fillDoubles(void* list, std::int64_t elements) {
-  for (std::int64_t i = 0; i < elements; ++i)
-    vorn_collections_ArrayList_addPrimitiveDouble(list, elementAt(i), nullptr);
-}
-
-// A list of boxes: an `ArrayList<Object>` never unboxes.
-void fillBoxes(void* list, std::int64_t elements) {
-  Rooted box;
-  for (std::int64_t i = 0; i < elements; ++i) {
-    box = vorn_box_integer("Int", elementAt(i));
-    vorn_collections_ArrayList_add(list, box);
-  }
-}
 
 // Builds a list of the class anew in every iteration, growth included. `append(list, i)` adds one element.
 template <class Append>

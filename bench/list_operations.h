@@ -1,18 +1,9 @@
-// The operations on lists that are measured, and who implements them.
+// The operations on single elements of lists, and searches, that are measured, and who implements them.
 #pragma once
 
 #include "bench/measurement.h"
 
 namespace vorn::bench {
-
-// One row of the comparison: the same work by the natives, the C++ standard library and GLib.
-struct ListOperation {
-  const char* name;
-  Measured vorn;
-  Measured standard;
-  Measured glib;
-  double limit;  // nanoseconds per element that the native may take; 0 when none is set
-};
 
 // The natives, called through the shared libraries.
 namespace natives {

@@ -33,6 +33,15 @@ inline std::int64_t preparedCollections(std::int64_t elements) { return elements
 // A measured function: builds or reads `elements` elements per iteration.
 using Measured = void (*)(benchmark::State& state, std::int64_t elements);
 
+// One row of a comparison: the same work by the natives, the C++ standard library and GLib.
+struct Operation {
+  const char* name;
+  Measured vorn;
+  Measured standard;
+  Measured glib;
+  double limit;  // nanoseconds per element that the native may take; 0 when none is set
+};
+
 // The element at `index` of every collection of numbers that is read; searches look for `kAbsent`.
 inline std::int32_t elementAt(std::int64_t index) { return static_cast<std::int32_t>(index * 7 % 1000003); }
 inline constexpr std::int32_t kAbsent = -1;

@@ -140,6 +140,55 @@ struct Avx2Lanes32 : Avx2Common {
   }
 };
 
+// Keys of two bytes in lanes of four: they are widened on their way in and narrowed on their way out.
+struct Avx2Lanes16 : Avx2Lanes32 {
+  using Key = std::int16_t;
+  using Slot = SortSlot<Key>;
+
+  [[gnu::always_inline]] static Reg load(const void* from) {
+    return {_mm256_cvtepi16_epi32(_mm_loadu_si128(static_cast<const __m128i*>(from)))};
+  }
+  [[gnu::always_inline]] static void store(void* to, Reg reg) {
+    _mm_storeu_si128(static_cast<__m128i*>(to), narrowed(reg));
+  }
+  [[gnu::always_inline]] static Reg broadcast(Key key) { return {_mm256_set1_epi32(key)}; }
+  // There are no masked accesses to lanes of two bytes, and only the last row of a block is ever a partial one.
+  [[gnu::always_inline]] static Reg loadUpTo(const Slot* from, std::int64_t count) {
+    if (count >= kLanes) return load(from);
+    Slot keys[kLanes];
+    for (std::int64_t i = 0; i < kLanes; ++i) keys[i].key = i < count ? from[i].key : KeyLimits<Key>::kLargest;
+    return load(keys);
+  }
+  [[gnu::always_inline]] static void storeUpTo(Slot* to, Reg reg, std::int64_t count) {
+    if (count >= kLanes) {
+      store(to, reg);
+    } else if (count > 0) {
+      storeLanes(to, reg, 0, count);
+    }
+  }
+  [[gnu::always_inline]] static void storeLanes(Slot* to, Reg reg, std::int64_t from, std::int64_t end) {
+    Slot keys[kLanes];
+    store(keys, reg);
+    for (std::int64_t i = from; i < end; ++i) to[i].key = keys[i].key;
+  }
+
+  // Flipping the sign of a widened key flips all bits that copy it.
+  template <KeyOrder kOrder>
+  [[gnu::always_inline]] static Reg toKey(Reg reg) {
+    if constexpr (kOrder == KeyOrder::Unsigned) return {_mm256_xor_si256(reg.bits, _mm256_set1_epi32(-0x8000))};
+    return reg;
+  }
+  template <KeyOrder kOrder>
+  [[gnu::always_inline]] static Reg fromKey(Reg reg) {
+    return toKey<kOrder>(reg);
+  }
+
+ private:
+  [[gnu::always_inline]] static __m128i narrowed(Reg reg) {
+    return _mm_packs_epi32(_mm256_castsi256_si128(reg.bits), _mm256_extracti128_si256(reg.bits, 1));
+  }
+};
+
 struct Avx2Lanes64 : Avx2Common {
   using Key = std::int64_t;
   using Slot = SortSlot<Key>;
@@ -232,6 +281,10 @@ struct Avx2Lanes64 : Avx2Common {
 };
 
 }  // namespace
+
+void sortAvx2(SortSlot<std::int16_t>* slots, std::uint64_t count, KeyOrder order) {
+  sortByOrder<VectorEngine<Avx2Lanes16>>(slots, count, order);
+}
 
 void sortAvx2(SortSlot<std::int32_t>* slots, std::uint64_t count, KeyOrder order) {
   sortByOrder<VectorEngine<Avx2Lanes32>>(slots, count, order);

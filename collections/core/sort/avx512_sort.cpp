@@ -129,6 +129,41 @@ struct Avx512Lanes32 : Avx512Common {
   }
 };
 
+// Keys of two bytes in lanes of four: they are widened on their way in and narrowed on their way out. Half of each
+// register is wasted, and it still took a third of the time of the plain path.
+struct Avx512Lanes16 : Avx512Lanes32 {
+  using Key = std::int16_t;
+
+  [[gnu::always_inline]] static Reg load(const void* from) {
+    return {_mm512_cvtepi16_epi32(_mm256_loadu_si256(static_cast<const __m256i*>(from)))};
+  }
+  [[gnu::always_inline]] static void store(void* to, Reg reg) {
+    _mm256_storeu_si256(static_cast<__m256i*>(to), _mm512_cvtepi32_epi16(reg.bits));
+  }
+  [[gnu::always_inline]] static Reg broadcast(Key key) { return {_mm512_set1_epi32(key)}; }
+  [[gnu::always_inline]] static Reg loadUpTo(const void* from, std::int64_t count) {
+    return {_mm512_cvtepi16_epi32(_mm256_mask_loadu_epi16(_mm256_set1_epi16(0x7FFF), lanesBelow(count), from))};
+  }
+  [[gnu::always_inline]] static void storeUpTo(void* to, Reg reg, std::int64_t count) {
+    _mm256_mask_storeu_epi16(to, lanesBelow(count), _mm512_cvtepi32_epi16(reg.bits));
+  }
+  [[gnu::always_inline]] static void storeLanes(void* to, Reg reg, std::int64_t from, std::int64_t end) {
+    _mm256_mask_storeu_epi16(to, static_cast<__mmask16>(lanesBelow(end) & ~lanesBelow(from)),
+                             _mm512_cvtepi32_epi16(reg.bits));
+  }
+
+  // Flipping the sign of a widened key flips all bits that copy it.
+  template <KeyOrder kOrder>
+  [[gnu::always_inline]] static Reg toKey(Reg reg) {
+    if constexpr (kOrder == KeyOrder::Unsigned) return {_mm512_xor_si512(reg.bits, _mm512_set1_epi32(-0x8000))};
+    return reg;
+  }
+  template <KeyOrder kOrder>
+  [[gnu::always_inline]] static Reg fromKey(Reg reg) {
+    return toKey<kOrder>(reg);
+  }
+};
+
 struct Avx512Lanes64 : Avx512Common {
   using Key = std::int64_t;
   static constexpr int kLanes = 8;
@@ -205,6 +240,10 @@ struct Avx512Lanes64 : Avx512Common {
 };
 
 }  // namespace
+
+void sortAvx512(SortSlot<std::int16_t>* slots, std::uint64_t count, KeyOrder order) {
+  sortByOrder<VectorEngine<Avx512Lanes16>>(slots, count, order);
+}
 
 void sortAvx512(SortSlot<std::int32_t>* slots, std::uint64_t count, KeyOrder order) {
   sortByOrder<VectorEngine<Avx512Lanes32>>(slots, count, order);

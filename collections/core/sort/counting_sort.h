@@ -19,7 +19,8 @@ template <class Engine, class Key>
 inline bool countingSortFits(std::uint64_t count, Key smallest, Key largest) {
   const auto range = static_cast<std::uint64_t>(static_cast<std::int64_t>(largest) - smallest) + 1;
   // A counter has 32 bits.
-  return range <= kCountingRange && count >= kCountingMinimum && count < (std::uint64_t{1} << 32U);
+  if (range > kCountingRange || count < kCountingMinimum || count >= (std::uint64_t{1} << 32U)) return false;
+  return sizeof(Key) == 1 || count >= Engine::kCountingRun * range;
 }
 
 template <class Engine, class Key>

@@ -3,6 +3,7 @@
 //   Key                                 a signed integer
 //   kSmall                              the longest range that sortSmall takes
 //   sortSmall(slots, count)
+//   kCountingRun                        how many equal keys on average make counting keys of two bytes worth while
 //   partition(slots, count, bound)      gathers the keys not greater than the bound in front and returns their number
 //   samplePivot(slots, count, random)   a key of the range, near its median
 //   settleSorted<order>(slots, count)   true when the range was in order, or in reverse order and has been turned

@@ -1,9 +1,14 @@
-// The path for every processor, and for the narrow kinds on all of them.
+// The path for every processor, and for kinds of one byte on all of them.
 #include <cstdint>
 
 #include "collections/core/sort/column_networks.h"
 #include "collections/core/sort/key_quicksort.h"
 #include "collections/core/sort/sort_paths.h"
+#include "collections/core/sort/sse2_lanes.h"
+
+#if defined(__SSE2__)
+#include "collections/core/sort/block_sort.h"
+#endif
 
 namespace vorn::collections {
 
@@ -22,9 +27,19 @@ struct PlainEngine {
   using Slot = SortSlot<Key>;
   using Limits = KeyLimits<Key>;
 
-  static constexpr std::uint64_t kSmall = 32;
+#if defined(__SSE2__)
+  // 64-bit lanes cannot be compared without SSE4, and keys of two bytes are counted where it matters.
+  static constexpr bool kSortsVectors = sizeof(Key) == 4;
+#else
+  static constexpr bool kSortsVectors = false;
+#endif
+  static constexpr std::uint64_t kSmall = kSortsVectors ? 64 : 32;
+  static constexpr std::uint64_t kCountingRun = 1;
 
   static void sortSmall(Slot* slots, std::uint64_t count) {
+#if defined(__SSE2__)
+    if constexpr (kSortsVectors) return sortShort<Sse2Lanes32>(slots, count);
+#endif
     if (count < 2) return;
     if (count <= 4) {
       sortPadded<4>(slots, count);

@@ -54,7 +54,7 @@ template <class Element>
 void sortPrimitiveOn([[maybe_unused]] SortPath path, Element* data, std::uint64_t count) {
   auto* slots = reinterpret_cast<SortSlot<KeyOf<Element>>*>(data);
 #if defined(__x86_64__)
-  if constexpr (sizeof(Element) >= 4) {
+  if constexpr (sizeof(Element) > 1) {
     if (path == SortPath::Avx512) return sortAvx512(slots, count, orderOf<Element>());
     if (path == SortPath::Avx2) return sortAvx2(slots, count, orderOf<Element>());
   }

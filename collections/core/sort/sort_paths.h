@@ -25,8 +25,10 @@ void sortPlain(SortSlot<std::int32_t>* slots, std::uint64_t count, KeyOrder orde
 void sortPlain(SortSlot<std::int64_t>* slots, std::uint64_t count, KeyOrder order);
 
 #if defined(__x86_64__)
+void sortAvx2(SortSlot<std::int16_t>* slots, std::uint64_t count, KeyOrder order);
 void sortAvx2(SortSlot<std::int32_t>* slots, std::uint64_t count, KeyOrder order);
 void sortAvx2(SortSlot<std::int64_t>* slots, std::uint64_t count, KeyOrder order);
+void sortAvx512(SortSlot<std::int16_t>* slots, std::uint64_t count, KeyOrder order);
 void sortAvx512(SortSlot<std::int32_t>* slots, std::uint64_t count, KeyOrder order);
 void sortAvx512(SortSlot<std::int64_t>* slots, std::uint64_t count, KeyOrder order);
 #endif

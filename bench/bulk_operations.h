@@ -1,0 +1,49 @@
+// The operations on whole lists that are measured, and who implements them.
+#pragma once
+
+#include "bench/measurement.h"
+
+namespace vorn::bench {
+
+// The natives, called through the shared libraries.
+namespace natives {
+void sumInt(benchmark::State& state, std::int64_t elements);
+void sumLong(benchmark::State& state, std::int64_t elements);
+void sumDouble(benchmark::State& state, std::int64_t elements);
+void reverse(benchmark::State& state, std::int64_t elements);
+void slice(benchmark::State& state, std::int64_t elements);
+void sliceEverySecond(benchmark::State& state, std::int64_t elements);
+void concat(benchmark::State& state, std::int64_t elements);
+void repeat(benchmark::State& state, std::int64_t elements);
+void addAll(benchmark::State& state, std::int64_t elements);
+void commitInts(benchmark::State& state, std::int64_t elements);
+void i64DataPtr(benchmark::State& state, std::int64_t elements);
+void writeThroughPointer(benchmark::State& state, std::int64_t elements);
+}  // namespace natives
+
+// std::vector.
+namespace standard {
+void sumInt(benchmark::State& state, std::int64_t elements);
+void sumLong(benchmark::State& state, std::int64_t elements);
+void sumDouble(benchmark::State& state, std::int64_t elements);
+void reverse(benchmark::State& state, std::int64_t elements);
+void slice(benchmark::State& state, std::int64_t elements);
+void sliceEverySecond(benchmark::State& state, std::int64_t elements);
+void concat(benchmark::State& state, std::int64_t elements);
+void addAll(benchmark::State& state, std::int64_t elements);
+void narrow(benchmark::State& state, std::int64_t elements);
+void widen(benchmark::State& state, std::int64_t elements);
+void writeThroughPointer(benchmark::State& state, std::int64_t elements);
+// std::memchr for a byte that is not there: how fast memory can be read at all, per 4-byte element.
+void readMemory(benchmark::State& state, std::int64_t elements);
+}  // namespace standard
+
+// GArray. Sums, reversal and slices are the user's loops.
+namespace glib {
+void sumInt(benchmark::State& state, std::int64_t elements);
+void slice(benchmark::State& state, std::int64_t elements);
+void concat(benchmark::State& state, std::int64_t elements);
+void addAll(benchmark::State& state, std::int64_t elements);
+}  // namespace glib
+
+}  // namespace vorn::bench

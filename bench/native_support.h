@@ -1,0 +1,67 @@
+// What the measured functions that call the natives share: rooted handles and checks that nothing failed.
+#pragma once
+
+#include <vorn/collections/array_list.h>
+#include <vorn/runtime.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+#include "bench/measurement.h"
+
+namespace vorn::bench::natives {
+
+// A handle that stays alive while this object does.
+class Rooted {
+ public:
+  explicit Rooted(void* handle = nullptr) : handle_(handle) { vorn_root_add(&handle_); }
+  ~Rooted() { vorn_root_remove(&handle_); }
+  Rooted(const Rooted&) = delete;
+  Rooted& operator=(const Rooted&) = delete;
+  Rooted& operator=(void* handle) {
+    handle_ = handle;
+    return *this;
+  }
+  operator void*() const { return handle_; }  // NOLINT(google-explicit-constructor): natives take the raw handle
+  // For natives that store a handle through an out-parameter.
+  [[nodiscard]] void** slot() { return &handle_; }
+
+ private:
+  void* handle_;
+};
+
+// Figures taken while natives raise or fail would mean nothing.
+inline void requireNoErrors() {
+  if (vorn_error_count() == 0) return;
+  std::fprintf(stderr, "bench: %s: %s\n", vorn_error_class(0), vorn_error_message(0));
+  std::exit(1);
+}
+
+inline void requireSize(void* list, std::int64_t size) {
+  requireNoErrors();
+  if (vorn_collections_ArrayList_size(list) == size) return;
+  std::fprintf(stderr, "bench: a list has %lld elements instead of %lld\n", vorn_collections_ArrayList_size(list),
+               static_cast<long long>(size));
+  std::exit(1);
+}
+
+inline void fillInts(void* list, std::int64_t elements) {
+  for (std::int64_t i = 0; i < elements; ++i) vorn_collections_ArrayList_addInt(list, elementAt(i));
+}
+
+inline void fillDoubles(void* list, std::int64_t elements) {
+  for (std::int64_t i = 0; i < elements; ++i)
+    vorn_collections_ArrayList_addPrimitiveDouble(list, elementAt(i), nullptr);
+}
+
+// A list of boxes: an `ArrayList<Object>` never unboxes.
+inline void fillBoxes(void* list, std::int64_t elements) {
+  Rooted box;
+  for (std::int64_t i = 0; i < elements; ++i) {
+    box = vorn_box_integer("Int", elementAt(i));
+    vorn_collections_ArrayList_add(list, box);
+  }
+}
+
+}  // namespace vorn::bench::natives

@@ -1,0 +1,91 @@
+// The fallback of the quicksort of keys, which no ordinary input reaches.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "collections/core/sort/key_quicksort.h"
+
+namespace vorn::tests {
+namespace {
+
+using collections::SortSlot;
+
+// What the fallback asks of an engine; the pivots of this one are always the smallest key but one.
+template <class KeyType>
+struct UnluckyEngine {
+  using Key = KeyType;
+  using Slot = SortSlot<Key>;
+  static constexpr std::uint64_t kSmall = 4;
+  static constexpr std::uint64_t kCountingRun = 1;
+
+  static inline std::uint64_t partitions = 0;
+
+  static void sortSmall(Slot* slots, std::uint64_t count) { sort(slots, count); }
+  static std::uint64_t partition(Slot* slots, std::uint64_t count, Key bound) {
+    ++partitions;
+    Slot* const middle = std::partition(slots, slots + count, [bound](const Slot& slot) { return slot.key <= bound; });
+    return static_cast<std::uint64_t>(middle - slots);
+  }
+  static Key samplePivot(const Slot* slots, std::uint64_t count, collections::SampleRandom<UnluckyEngine>&) {
+    std::vector<Slot> keys(slots, slots + count);
+    sort(keys.data(), count);
+    return keys[1].key;
+  }
+
+ private:
+  static void sort(Slot* slots, std::uint64_t count) {
+    std::sort(slots, slots + count, [](const Slot& left, const Slot& right) { return left.key < right.key; });
+  }
+};
+
+template <class Key>
+std::vector<SortSlot<Key>> randomSlots(std::size_t count, Key range) {
+  std::mt19937_64 random(count);
+  std::vector<SortSlot<Key>> slots(count);
+  for (auto& slot : slots) slot.key = static_cast<Key>(random() % static_cast<std::uint64_t>(range)) - range / 2;
+  return slots;
+}
+
+template <class Key>
+std::vector<Key> keysOf(const std::vector<SortSlot<Key>>& slots) {
+  std::vector<Key> keys;
+  for (const auto& slot : slots) keys.push_back(slot.key);
+  return keys;
+}
+
+template <class Key>
+void expectHeapSorted(std::size_t count, Key range) {
+  auto slots = randomSlots<Key>(count, range);
+  auto expected = keysOf(slots);
+  std::sort(expected.begin(), expected.end());
+  collections::heapSortKeys<UnluckyEngine<Key>>(slots.data(), count);
+  ASSERT_EQ(keysOf(slots), expected) << count;
+}
+
+TEST(HeapSortKeys, EverySize_IsInOrder) {
+  for (std::size_t count = 0; count <= 300; ++count) {
+    expectHeapSorted<std::int32_t>(count, 1'000'000);
+    expectHeapSorted<std::int64_t>(count, 10);
+  }
+}
+
+TEST(QuicksortKeys, PivotsAlwaysBad_FallsBackToTheHeap) {
+  using Engine = UnluckyEngine<std::int32_t>;
+  constexpr std::size_t kCount = 2'000;
+  constexpr unsigned kDepth = 20;
+  auto slots = randomSlots<std::int32_t>(kCount, 1'000'000);
+  auto expected = keysOf(slots);
+  std::sort(expected.begin(), expected.end());
+  collections::SampleRandom<Engine> random(1);
+  Engine::partitions = 0;
+  using Limits = collections::KeyLimits<std::int32_t>;
+  collections::quicksortKeys<Engine>(slots.data(), kCount, Limits::kSmallest, Limits::kLargest, kDepth, random);
+  EXPECT_EQ(keysOf(slots), expected);
+  EXPECT_EQ(Engine::partitions, kDepth);
+}
+
+}  // namespace
+}  // namespace vorn::tests
