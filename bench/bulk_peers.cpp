@@ -136,6 +136,19 @@ void readMemory(benchmark::State& state, std::int64_t elements) {
   countElements(state, elements);
 }
 
+void copyUncached(benchmark::State& state, std::int64_t elements) {
+  const auto source = makeVector<std::int32_t>(elements);
+  const std::size_t bytes = source.size() * sizeof(std::int32_t);
+  std::vector<char> memory(std::max(bytes, std::size_t{64} << 20), 'a');
+  std::size_t at = 0;
+  for (auto _ : state) {
+    std::memcpy(memory.data() + at, source.data(), bytes);
+    keep(memory.data());
+    at = memory.size() - at >= 2 * bytes ? at + bytes : 0;
+  }
+  countElements(state, elements);
+}
+
 }  // namespace standard
 
 namespace glib {

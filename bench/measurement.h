@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace vorn::bench {
 
@@ -40,6 +41,7 @@ struct Operation {
   Measured standard;
   Measured glib;
   double limit;  // nanoseconds per element that the native may take; 0 when none is set
+  std::int64_t limitUpTo = std::numeric_limits<std::int64_t>::max();  // elements; beyond, memory sets the pace
 };
 
 // The element at `index` of every collection of numbers that is read; searches look for `kAbsent`.

@@ -23,10 +23,18 @@ void appendBoxed(const ListData& source, ListData& result) {
   for (void* handle : *handles) result.objectPushBack(handle);
 }
 
-// The first operand: the new list takes over its storage.
-void copyFirst(const ListData& source, ListData& result) {
+// Elements of a list at this moment; none for null.
+std::uint64_t sizeNow(void* list) {
+  if (list == nullptr) return 0;
+  const ListData& data = *getListData(list);
+  const ListDataLock lock(data);
+  return data.logicalSize();
+}
+
+// The first operand: the new list takes over its storage, with room for what will probably follow.
+void copyFirst(const ListData& source, std::uint64_t expected, ListData& result) {
   if (source.primitiveKind == PrimitiveKind::None || result.linked) return appendBoxed(source, result);
-  vc::adoptPrimitiveStorageOf(source, result, source.primitive.size);
+  vc::adoptPrimitiveStorageOf(source, result, source.primitive.size + expected);
   vc::appendPrimitiveElements(source, 0, 1, source.primitive.size, result);
 }
 
@@ -71,10 +79,11 @@ void* vorn_collections_ArrayList_concat(void* list, void* other) {
   const RuntimeTypeName classElementType = data->elementType;
   // One operand after the other: never are both locked.
   if (list != nullptr) {
+    const std::uint64_t expected = sizeNow(other);
     const ListData& source = *getListData(list);
     const ListDataLock lock(source);
     const ListDataLock lockResult(*data);
-    copyFirst(source, *data);
+    copyFirst(source, expected, *data);
   }
   if (other != nullptr) {
     const ListData& source = *getListData(other);

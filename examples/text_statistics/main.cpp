@@ -36,9 +36,11 @@ int reportText(const std::string& path, const std::string& text, std::span<const
   if (const double mean = lengthFigures(lists.lengths).mean; mean > 0) computeRatios(lists, mean);
 
   reportFigures(path, text, lists);
+  reportLengths(lists);
   reportSearchHeading();
   for (const char* word : words) reportSearch(lists, lowerCased(word));
   reportLastWords(lists);
+  reportParts(lists);
   reportChanges(lists, lowerCased(words.front()));
   // Nothing up to here was meant to raise.
   if (vorn_error_count() > 0) return fail(std::string(vorn_error_class(0)) + ": " + vorn_error_message(0));
@@ -50,6 +52,7 @@ int reportText(const std::string& path, const std::string& text, std::span<const
 bool startRuntime() {
   const char* heap = std::getenv("VORN_HEAP");
   vorn_runtime_options options;
+  // The seed of the shuffle is fixed by default, so that the report is the same every time.
   return vorn_runtime_parse_options(heap != nullptr ? heap : "heap=collected", &options) != 0 &&
          vorn_runtime_start(&options) != 0;
 }

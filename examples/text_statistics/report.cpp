@@ -22,6 +22,13 @@ std::string wordAt(void* words, long long index) {
   return text != nullptr ? printable(text) : std::string();
 }
 
+// The words of a list on one line.
+void reportList(const char* name, void* words) {
+  std::printf("  %-22s", name);
+  for (long long i = 0; i < vorn_collections_ArrayList_size(words); ++i) std::printf(" %s", wordAt(words, i).c_str());
+  std::printf("\n");
+}
+
 void reportChange(const std::string& what, long long before, long long after, const std::string& result) {
   std::printf("  %-32s %9lld -> %-9lld %s\n", what.c_str(), before, after, result.c_str());
 }
@@ -60,10 +67,55 @@ void reportFigures(const std::string& path, std::string_view text, const WordLis
   std::printf("  %-16s %9lld characters: %s (position %lld, %lld of that length)\n", "longest word", figures.longest,
               wordAt(lists.words, position).c_str(), position,
               vorn_collections_ArrayList_count(lists.lengths, longest));
+  std::printf("  %-16s %9lld characters\n", "all words", figures.total);
   std::printf("  %-16s %12.2f\n", "mean length", figures.mean);
   std::printf("  %-16s %12.2f\n", "median length", figures.median);
   std::printf("  %-16s %12.2f times the mean length (all together %.2f)\n", "longest word is",
               greatestDouble(lists.ratios), meanOfDoubles(lists.ratios));
+}
+
+void reportLengths(const WordLists& lists) {
+  const long long words = vorn_collections_ArrayList_size(lists.lengths);
+  if (words == 0) return;
+  heading("Lengths");
+  const Rooted sorted(vorn_collections_ArrayList_sortNew(lists.lengths));
+  const Rooted percents(vorn_collections_ArrayList_intLiteral5(25, 50, 75, 90, 99));
+  for (long long i = 0; i < vorn_collections_ArrayList_size(percents); ++i) {
+    const auto percent = static_cast<int>(vorn_collections_ArrayList_getInt(percents, i));
+    std::printf("  %3d%% of the words have at most   %3lld characters\n", percent, percentile(sorted, percent));
+  }
+  const Rooted bounds(vorn_collections_ArrayList_intLiteral(4, 3LL, 6LL, 9LL, 12LL));
+  for (long long i = 0; i < vorn_collections_ArrayList_size(bounds); ++i) {
+    const long long bound = vorn_collections_ArrayList_getInt(bounds, i);
+    std::printf("  %9lld words have at most      %3lld characters\n", countUpTo(sorted, bound), bound);
+  }
+}
+
+void reportParts(const WordLists& lists) {
+  heading("Parts of the list of words");
+  const Rooted given(vorn_box_boolean(true));
+  const Rooted first(vorn_collections_ArrayList_slice(lists.words, 0, 5, 1, nullptr, given));
+  reportList("words[:5]", first);
+  const Rooted last(vorn_collections_ArrayList_slice(lists.words, -1, -6, -1, given, given));
+  reportList("words[-1:-6:-1]", last);
+  const Rooted everyThousandth(vorn_collections_ArrayList_slice(lists.words, 0, 0, 1000, nullptr, nullptr));
+  reportList("words[::1000]", everyThousandth);
+
+  Rooted copy(vorn_collections_ArrayList_slice(lists.words, 0, 10, 1, nullptr, given));
+  vorn_collections_ArrayList_shuffle(copy);
+  reportList("words[:10] shuffled", copy);
+  vorn_collections_ArrayList_sort(copy);
+  reportList("and sorted", copy);
+  const Rooted a(newString("first"));
+  const Rooted b(newString("second"));
+  const Rooted c(newString("third"));
+  const Rooted replacement(vorn_collections_ArrayList_literal(3, a.get(), b.get(), c.get()));
+  vorn_collections_ArrayList_sliceAssign(copy, 1, 1, 1, given, given, replacement);
+  reportList("with three at [1:1]", copy);
+  const Rooted both(vorn_collections_ArrayList_concat(first, last));
+  vorn_collections_ArrayList_addAll(both, lists.recent);
+  const Rooted repeated(vorn_collections_ArrayList_repeat(both, 3));
+  std::printf("  %-22s %lld words\n", "(a + b + recent) * 3", vorn_collections_ArrayList_size(repeated));
 }
 
 void reportSearchHeading() {

@@ -11,6 +11,12 @@ namespace text_statistics {
 // Bytes, characters, words, longest word, mean and median length.
 void reportFigures(const std::string& path, std::string_view text, const WordLists& lists);
 
+// The lengths of the words in order: percentiles, and how many words are no longer than some bounds.
+void reportLengths(const WordLists& lists);
+
+// Parts of the list of words: slices of all kinds, a slice assignment on a copy, a shuffle, a list repeated.
+void reportParts(const WordLists& lists);
+
 // How often a word occurs, and where first and last.
 void reportSearchHeading();
 void reportSearch(const WordLists& lists, const std::string& word);

@@ -19,6 +19,7 @@ class Rooted {
     return *this;
   }
 
+  [[nodiscard]] void* get() const { return handle_; }
   operator void*() const { return handle_; }  // NOLINT(google-explicit-constructor): natives take the raw handle
 
  private:

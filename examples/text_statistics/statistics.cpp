@@ -4,60 +4,54 @@
 
 #include <algorithm>
 
+#include "rooted.h"
+
 namespace text_statistics {
-
-namespace {
-
-// The element that would stand at `position` (counted from 0) if the list were sorted, for values from 0 to
-// `greatest`. Halves the range of values until one is left: no second list, and the list stays in its order.
-long long selectInt(void* list, long long position, long long greatest) {
-  const long long size = vorn_collections_ArrayList_sizeFast(list);
-  long long low = 0;
-  long long high = greatest;
-  while (low < high) {
-    const long long middle = low + (high - low) / 2;
-    long long notGreater = 0;
-    for (long long i = 0; i < size; ++i) notGreater += vorn_collections_ArrayList_getIntFast(list, i) <= middle ? 1 : 0;
-    if (notGreater > position) {
-      high = middle;
-    } else {
-      low = middle + 1;
-    }
-  }
-  return low;
-}
-
-}  // namespace
 
 LengthFigures lengthFigures(void* lengths) {
   LengthFigures figures;
   const long long size = vorn_collections_ArrayList_sizeFast(lengths);
   if (size == 0) return figures;
-  long long total = 0;
-  for (long long i = 0; i < size; ++i) {
-    const long long length = vorn_collections_ArrayList_getIntFast(lengths, i);
-    total += length;
-    figures.longest = std::max(figures.longest, length);
-  }
-  figures.mean = static_cast<double>(total) / static_cast<double>(size);
-  const long long below = selectInt(lengths, (size - 1) / 2, figures.longest);
-  const long long above = size % 2 != 0 ? below : selectInt(lengths, size / 2, figures.longest);
+  figures.total = vorn_collections_ArrayList_sumI64Fast(lengths);
+  figures.mean = static_cast<double>(figures.total) / static_cast<double>(size);
+  // A copy, because the lengths stay in the order of the words.
+  const Rooted sorted(vorn_collections_ArrayList_sortNew(lengths));
+  figures.longest = vorn_collections_ArrayList_getInt(sorted, -1);
+  const long long below = vorn_collections_ArrayList_getIntFast(sorted, (size - 1) / 2);
+  const long long above = vorn_collections_ArrayList_getIntFast(sorted, size / 2);
   figures.median = static_cast<double>(below + above) / 2;
   return figures;
 }
 
+long long percentile(void* sorted, int percent) {
+  const long long size = vorn_collections_ArrayList_sizeFast(sorted);
+  const long long upTo = (size * percent + 99) / 100;
+  return vorn_collections_ArrayList_getIntFast(sorted, upTo - 1);
+}
+
+long long countUpTo(void* sorted, long long bound) {
+  long long low = 0;
+  long long high = vorn_collections_ArrayList_sizeFast(sorted);
+  while (low < high) {
+    const long long middle = low + (high - low) / 2;
+    if (vorn_collections_ArrayList_getIntFast(sorted, middle) <= bound) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return low;
+}
+
 double meanOfDoubles(void* values) {
   const long long size = vorn_collections_ArrayList_sizeFast(values);
-  double total = 0;
-  for (long long i = 0; i < size; ++i) total += vorn_collections_ArrayList_getDouble(values, i);
-  return size == 0 ? 0 : total / static_cast<double>(size);
+  return size == 0 ? 0 : vorn_collections_ArrayList_sumF64Fast(values) / static_cast<double>(size);
 }
 
 double greatestDouble(void* values) {
+  const double* const elements = vorn_collections_ArrayList_f64DataPtr(values);
   const long long size = vorn_collections_ArrayList_sizeFast(values);
-  double greatest = 0;
-  for (long long i = 0; i < size; ++i) greatest = std::max(greatest, vorn_collections_ArrayList_getDouble(values, i));
-  return greatest;
+  return size == 0 ? 0 : *std::max_element(elements, elements + size);
 }
 
 }  // namespace text_statistics

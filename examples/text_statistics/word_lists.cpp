@@ -41,12 +41,14 @@ void readWords(std::string_view text, WordLists& lists) {
   }
 }
 
+// The ratios are written straight into the list's buffer, as a compiled loop over a typed list is.
 void computeRatios(WordLists& lists, double meanLength) {
   const long long size = vorn_collections_ArrayList_sizeFast(lists.lengths);
-  for (long long i = 0; i < size; ++i) {
-    const auto length = static_cast<double>(vorn_collections_ArrayList_getIntFast(lists.lengths, i));
-    vorn_collections_ArrayList_addPrimitiveDouble(lists.ratios, length / meanLength, nullptr);
-  }
+  const long long* const lengths = vorn_collections_ArrayList_i64DataPtr(lists.lengths);
+  double* const ratios = vorn_collections_ArrayList_prepareDoubleData(lists.ratios, size, "Double");
+  if (lengths == nullptr || ratios == nullptr) return;
+  for (long long i = 0; i < size; ++i) ratios[i] = static_cast<double>(lengths[i]) / meanLength;
+  vorn_collections_ArrayList_commitDoubleDataSizeFast(lists.ratios, size);
 }
 
 }  // namespace text_statistics

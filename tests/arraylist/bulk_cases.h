@@ -110,33 +110,6 @@ inline std::vector<const void*> handlesOf(void* list) { return Snapshot(list).ha
 
 // ---- Failures -------------------------------------------------------------------------------------------------------
 
-// Gives a list an error-checking mutex that this thread holds, for a scope: another lock call by this thread fails with
-// EDEADLK.
-class HeldListMutex {
- public:
-  explicit HeldListMutex(void* list) : data_(*getListData(list)), original_(data_.mutex) {
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-    pthread_mutex_init(&mutex_, &attributes);
-    pthread_mutexattr_destroy(&attributes);
-    pthread_mutex_lock(&mutex_);
-    data_.mutex = &mutex_;
-  }
-  ~HeldListMutex() {
-    data_.mutex = original_;
-    EXPECT_EQ(pthread_mutex_unlock(&mutex_), 0) << "somebody else unlocked the mutex";
-    pthread_mutex_destroy(&mutex_);
-  }
-  HeldListMutex(const HeldListMutex&) = delete;
-  HeldListMutex& operator=(const HeldListMutex&) = delete;
-
- private:
-  ListData& data_;
-  pthread_mutex_t* original_;
-  pthread_mutex_t mutex_;
-};
-
 // Runs the operation with its first, second, ... allocation failing until it succeeds. Every failure is a
 // std::bad_alloc, or a null result, that leaves the receiver as it was. Returns how many allocations failed.
 template <class Operation>

@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "collections/arraylist/snapshots.h"
-
 #include "tests/arraylist/bulk_cases.h"
+#include "tests/arraylist/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
@@ -60,7 +60,7 @@ TEST_P(BulkNativeLock, FailingMutex_IsASystemErrorAndLeavesBothListsUnchanged) {
     const Snapshot before(target);
     const Snapshot otherBefore(other);
     {
-      const HeldListMutex held(target);
+      const HeldMutex held(target);
       try {
         GetParam().call(target, other);
         ADD_FAILURE() << GetParam().name << " did not lock";
@@ -78,7 +78,7 @@ TEST_P(BulkNativeLock, FailingMutex_IsASystemErrorAndLeavesBothListsUnchanged) {
 TEST_P(BulkNativeLock, UnsynchronisedList_NeverTouchesItsMutex) {
   for (const Handle& target : numberLists(false)) {
     const Handle other = list("ArrayList", {integer("Int", 5)});
-    const HeldListMutex held(target);
+    const HeldMutex held(target);
     GetParam().call(target, other);
     takeErrors();  // an element type may refuse a value
     EXPECT_VALID_LIST(target);
@@ -135,7 +135,7 @@ TEST_F(BulkLock, IsReleasedAfterEveryRaise) {
 
 // ---- Two lists from two threads -------------------------------------------------------------------------------------
 
-// Ends the process when the scope lasts longer than a minute: a deadlock cannot be reported otherwise.
+// Ends the process when the scope lasts longer than five minutes: a deadlock cannot be reported otherwise.
 class Watchdog {
  public:
   Watchdog() : thread_([this] { watch(); }) {}
@@ -153,7 +153,7 @@ class Watchdog {
  private:
   void watch() {
     std::unique_lock<std::mutex> lock(mutex_);
-    if (changed_.wait_for(lock, std::chrono::seconds(60), [this] { return done_; })) return;
+    if (changed_.wait_for(lock, std::chrono::minutes(5), [this] { return done_; })) return;
     std::fputs("two lists wait for each other\n", stderr);
     std::abort();
   }
@@ -164,7 +164,8 @@ class Watchdog {
   std::thread thread_;  // last, so that it starts when the rest exists
 };
 
-// Each thread runs operation(mine, theirs) 2,000 times with the lists swapped.
+// Each thread runs operation(mine, theirs) 100,000 times with the lists swapped. Short lists: what counts is how often
+// the threads meet.
 template <class Operation>
 void crossOver(Operation operation) {
   const Handle first = intList("ArrayListSync<Int>", {1, 2, 3});
@@ -174,10 +175,10 @@ void crossOver(Operation operation) {
     const Watchdog watchdog;
     const auto work = [&](void* mine, void* theirs) {
       vorn_thread_attach();
-      for (int i = 0; i < 2000; ++i) {
+      for (int i = 0; i < 100'000; ++i) {
         vorn_collections_ArrayList_add(mine, one);
         operation(mine, theirs);
-        if (vorn_collections_ArrayList_size(mine) > 1000) vorn_collections_ArrayList_clear(mine);
+        if (vorn_collections_ArrayList_size(mine) > 12) vorn_collections_ArrayList_clear(mine);
         // A source that is cleared while it is read has no element at the next index.
         for (const std::string& error : takeErrors()) {
           EXPECT_TRUE(error == kIndexError || error == listTypeError("Int", "null")) << error;

@@ -2,7 +2,10 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <numeric>
 
+#include "runtime/threads/fast_random.h"
+#include "runtime/threads/thread_state.h"
 #include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {
@@ -124,6 +127,59 @@ TEST_F(Shuffle, ShortListsAndNull_StayAsTheyAre) {
     }
   }
   EXPECT_NOTHING_RAISED();
+}
+
+// The order that shuffling 0, 1, 2, ... must give when this thread's generator stands at `state`, which is left where
+// it must stand afterwards.
+std::vector<long long> shuffledByHand(std::uint64_t& state, std::size_t size) {
+  std::vector<long long> values(size);
+  std::iota(values.begin(), values.end(), 0);
+  for (std::size_t i = size - 1; i > 0; --i) {
+    const std::uint64_t bound = i + 1;
+    const auto rejected = static_cast<std::uint64_t>((static_cast<unsigned __int128>(1) << 64) % bound);
+    std::uint64_t draw = runtime::nextRandom(state);
+    while (draw < rejected) draw = runtime::nextRandom(state);
+    std::swap(values[i], values[draw % bound]);
+  }
+  return values;
+}
+
+// The generator counts up by a fixed step, so that where it stands afterwards tells how often it was drawn from.
+TEST_F(Shuffle, FixedGenerator_GivesThePermutationAndDrawsAsOftenAsNeeded) {
+  std::uint64_t& generator = runtime::attachedThread().randomState;
+  for (const char* type :
+       {"ArrayList<Byte>", "ArrayList<Int>", "ArrayList<Double>", "ArrayList<Object>", "LinkedList"}) {
+    for (const std::size_t size : {2U, 3U, 7U, 50U}) {
+      const Handle target = object(type);
+      for (std::size_t i = 0; i < size; ++i) {
+        vorn_collections_ArrayList_add(target, integer("Int", static_cast<std::int64_t>(i)));
+      }
+      generator = 0x1234567 * size;
+      std::uint64_t expectedState = generator;
+      const std::vector<long long> expected = shuffledByHand(expectedState, size);
+      const std::uint64_t before = generator;
+      vorn_collections_ArrayList_shuffle(target);
+      EXPECT_EQ(generator, expectedState);
+      EXPECT_EQ((generator - before) / runtime::kRandomStep, size - 1) << "no draw was rejected";
+      for (std::size_t i = 0; i < size; ++i) {
+        EXPECT_EQ(vorn_collections_ArrayList_getInt(target, static_cast<long long>(i)), expected[i])
+            << type << " " << i;
+      }
+    }
+  }
+}
+
+// The mixing of the generator maps 0 to 0, the one draw that a bound of 3 rejects.
+TEST_F(Shuffle, DrawBelowTheThreshold_IsRejected) {
+  std::uint64_t& generator = runtime::attachedThread().randomState;
+  const Handle target = intList("ArrayList<Int>", {0, 1, 2});
+  generator = 0 - runtime::kRandomStep;
+  std::uint64_t expectedState = generator;
+  const std::vector<long long> expected = shuffledByHand(expectedState, 3);
+  vorn_collections_ArrayList_shuffle(target);
+  EXPECT_EQ(generator, expectedState);
+  EXPECT_EQ(generator, 2 * runtime::kRandomStep) << "two draws that count and one that does not";
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(vorn_collections_ArrayList_getInt(target, i), expected[i]);
 }
 
 // The order after one shuffle is counted relative to the order before it: absolute orders of a list that is shuffled

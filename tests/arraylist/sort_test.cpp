@@ -1,11 +1,10 @@
-// sort, sortNew, sortI64Fast and sortF64Fast.
+// sort, sortI64Fast and sortF64Fast of unboxed and boxed lists of every storage, and sortNew.
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <set>
 
-#include "tests/arraylist/bulk_cases.h"
+#include "tests/arraylist/sort_cases.h"
 
 namespace vorn::tests {
 namespace {
@@ -16,86 +15,6 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 using SortNative = void (*)(void*);
 constexpr SortNative kSorts[] = {vorn_collections_ArrayList_sort, vorn_collections_ArrayList_sortI64Fast,
                                  vorn_collections_ArrayList_sortF64Fast};
-
-// ---- A class with an ordering that a test can replace: "app.Ranked" with the integer field "id"
-// -------------------------
-
-using Ordering = std::function<int(void* self, void* other)>;
-Ordering* activeOrdering = nullptr;
-
-int compareRanked(void* self, void* other, bool* comparable, void*) {
-  *comparable = true;
-  if (activeOrdering != nullptr) return (*activeOrdering)(self, other);
-  return idOf(self) < idOf(other) ? -1 : idOf(self) > idOf(other) ? 1 : 0;
-}
-
-bool rankedEqual(void* self, void* other, void*) { return idOf(self) == idOf(other); }
-
-Handle ranked(std::int64_t id) {
-  static const bool defined = [] {
-    const vorn_field_definition fields[] = {{"id", VORN_FIELD_INTEGER}};
-    vorn_class_definition definition = {};
-    definition.struct_size = sizeof(definition);
-    definition.name = "app.Ranked";
-    definition.fields = fields;
-    definition.field_count = 1;
-    definition.equals = rankedEqual;
-    definition.compare = compareRanked;
-    return vorn_class_define(&definition) != 0;
-  }();
-  EXPECT_TRUE(defined);
-  Handle result = object("app.Ranked");
-  EXPECT_NE(vorn_field_set_integer(result, "id", id), 0);
-  return result;
-}
-
-Handle rankedList(const std::string& type, const std::vector<long long>& ids) {
-  Handle result = object(type);
-  for (const long long id : ids) vorn_collections_ArrayList_add(result, ranked(id));
-  return result;
-}
-
-class ScopedOrdering {
- public:
-  explicit ScopedOrdering(Ordering ordering) : ordering_(std::move(ordering)) { activeOrdering = &ordering_; }
-  ~ScopedOrdering() { activeOrdering = nullptr; }
-  ScopedOrdering(const ScopedOrdering&) = delete;
-  ScopedOrdering& operator=(const ScopedOrdering&) = delete;
-
- private:
-  Ordering ordering_;
-};
-
-// ---- Helpers --------------------------------------------------------------------------------------------------------
-
-std::vector<long long> integersOf(void* list) {
-  std::vector<long long> values;
-  for (long long i = 0, size = vorn_collections_ArrayList_size(list); i < size; ++i) {
-    values.push_back(vorn_collections_ArrayList_getInt(list, i));
-  }
-  return values;
-}
-
-std::vector<double> doublesOf(void* list) {
-  std::vector<double> values;
-  for (long long i = 0, size = vorn_collections_ArrayList_size(list); i < size; ++i) {
-    values.push_back(vorn_collections_ArrayList_getDouble(list, i));
-  }
-  return values;
-}
-
-// A reproducible order of n numbers with repetitions.
-std::vector<long long> scrambled(int n, long long modulus) {
-  std::vector<long long> values;
-  std::uint64_t state = 12345;
-  for (int i = 0; i < n; ++i) {
-    state = state * 6364136223846793005U + 1442695040888963407U;
-    values.push_back(static_cast<long long>(state >> 33) % modulus);
-  }
-  return values;
-}
-
-class Sort : public RuntimeTest {};
 
 // ---- Unboxed storage ------------------------------------------------------------------------------------------------
 
@@ -374,124 +293,6 @@ TEST_F(Sort, FastFormOnTheOtherFamily_SortsAllTheSame) {
   vorn_collections_ArrayList_sortI64Fast(floats);
   EXPECT_EQ(doublesOf(floats), (std::vector<double>{1.5, 2.5, 3.5}));
   EXPECT_AT_REST(floats);
-}
-
-// ---- User ordering --------------------------------------------------------------------------------------------------
-
-TEST_F(Sort, UserOrdering_Decides) {
-  for (const bool linked : {false, true}) {
-    for (const bool synchronised : {false, true}) {
-      const std::string type = className(linked, synchronised);
-      const Handle target = rankedList(type, {3, 1, 4, 1, 5, 9, 2, 6});
-      vorn_collections_ArrayList_sort(target);
-      EXPECT_EQ(elementsOf(target), (Elements{"Ranked 1", "Ranked 1", "Ranked 2", "Ranked 3", "Ranked 4", "Ranked 5",
-                                              "Ranked 6", "Ranked 9"}));
-      const Handle fresh = rankedList(type, {2, 3, 1});
-      const ScopedOrdering descending([](void* self, void* other) {
-        return idOf(self) > idOf(other) ? -1 : idOf(self) < idOf(other) ? 1 : 0;
-      });
-      vorn_collections_ArrayList_sort(fresh);
-      EXPECT_EQ(elementsOf(fresh), (Elements{"Ranked 3", "Ranked 2", "Ranked 1"}));
-      EXPECT_AT_REST(fresh);
-    }
-  }
-}
-
-TEST_F(Sort, UserOrderingThatRaises_LeavesTheListUnchanged) {
-  for (const bool linked : {false, true}) {
-    for (const bool synchronised : {false, true}) {
-      for (const int raisingCall : {1, 2, 5, 9}) {
-        SCOPED_TRACE(className(linked, synchronised) + " call " + std::to_string(raisingCall));
-        const Handle target = rankedList(className(linked, synchronised), {8, 3, 7, 1, 6, 2, 5, 4});
-        const Snapshot before(target);
-        int calls = 0;
-        const ScopedOrdering ordering([&](void* self, void* other) {
-          if (++calls == raisingCall) vorn_raise("Exception", "from ordering");
-          return idOf(self) < idOf(other) ? -1 : 1;
-        });
-        vorn_collections_ArrayList_sort(target);
-        EXPECT_RAISED("Exception: from ordering");
-        EXPECT_UNTOUCHED(target, before);
-        calls = 0;
-        const Handle copy = vorn_collections_ArrayList_sortNew(target);
-        EXPECT_RAISED("Exception: from ordering");
-        EXPECT_UNTOUCHED(target, before);
-        if (copy.get() != nullptr) EXPECT_AT_REST(copy);
-      }
-    }
-  }
-}
-
-TEST_F(Sort, UserOrderingThatClearsTheList_LeavesAValidRecord) {
-  for (const bool linked : {false, true}) {
-    for (const int clearingCall : {1, 4, 9}) {
-      const Handle target = rankedList(className(linked, false), {8, 3, 7, 1, 6, 2, 5, 4});
-      int calls = 0;
-      const ScopedOrdering ordering([&](void* self, void* other) {
-        if (++calls == clearingCall) {
-          vorn_collections_ArrayList_clear(target);
-          vorn_heap_collect();
-        }
-        return idOf(self) < idOf(other) ? -1 : idOf(self) > idOf(other) ? 1 : 0;
-      });
-      vorn_collections_ArrayList_sort(target);
-      EXPECT_GE(calls, clearingCall);
-      EXPECT_AT_REST(target);
-      for (const std::string& element : elementsOf(target)) EXPECT_EQ(element.substr(0, 7), "Ranked ");
-    }
-  }
-}
-
-TEST_F(Sort, UserOrderingThatAddsToTheList_LeavesAValidRecord) {
-  for (const bool linked : {false, true}) {
-    const Handle target = rankedList(className(linked, false), {8, 3, 7, 1, 6, 2, 5, 4});
-    int calls = 0;
-    const ScopedOrdering ordering([&](void* self, void* other) {
-      const int order = idOf(self) < idOf(other) ? -1 : idOf(self) > idOf(other) ? 1 : 0;
-      if (++calls <= 20) vorn_collections_ArrayList_add(target, ranked(100 + calls));
-      return order;
-    });
-    vorn_collections_ArrayList_sort(target);
-    EXPECT_AT_REST(target);
-    for (const std::string& element : elementsOf(target)) EXPECT_EQ(element.substr(0, 7), "Ranked ");
-  }
-}
-
-TEST_F(Sort, UserOrderingThatUnboxesTheList_LeavesAValidRecord) {
-  const Handle target = rankedList("ArrayList", {3, 1, 2, 5, 4});
-  bool changed = false;
-  const ScopedOrdering ordering([&](void* self, void* other) {
-    const int order = idOf(self) < idOf(other) ? -1 : idOf(self) > idOf(other) ? 1 : 0;
-    if (!changed) {
-      changed = true;
-      vorn_collections_ArrayList_clear(target);
-      for (int i = 0; i < 5; ++i) vorn_collections_ArrayList_addInt(target, i);
-    }
-    return order;
-  });
-  vorn_collections_ArrayList_sort(target);
-  EXPECT_TRUE(changed);
-  EXPECT_AT_REST(target);
-  elementsOf(target);
-}
-
-TEST_F(Sort, ContradictoryUserOrdering_StillGivesAPermutation) {
-  for (const bool linked : {false, true}) {
-    for (const int count : {5, 20, onStressHeap() ? 24 : 300}) {
-      for (const int answer : {-1, 1, 0}) {
-        const Handle target = rankedList(className(linked, false), scrambled(count, 1000));
-        std::vector<const void*> before = handlesOf(target);
-        int calls = 0;
-        const ScopedOrdering ordering([&](void*, void*) { return answer != 0 ? answer : (++calls % 3) - 1; });
-        vorn_collections_ArrayList_sort(target);
-        std::vector<const void*> after = handlesOf(target);
-        std::sort(before.begin(), before.end());
-        std::sort(after.begin(), after.end());
-        EXPECT_EQ(after, before);
-        EXPECT_AT_REST(target);
-      }
-    }
-  }
 }
 
 // ---- sortNew --------------------------------------------------------------------------------------------------------

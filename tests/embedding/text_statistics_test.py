@@ -63,6 +63,7 @@ class TextStatisticsTest(unittest.TestCase):
         self.assertEqual(self.line(figures, 'characters  '), str(characters_of(data)))
         self.assertEqual(self.line(figures, 'words  '), str(len(words)))
         if words:
+            self.assertEqual(self.line(figures, 'all words  '), f'{sum(lengths)} characters')
             self.check_lengths(words, lengths, figures)
         else:
             self.assertEqual(len(figures.splitlines()), 4)
@@ -72,6 +73,8 @@ class TextStatisticsTest(unittest.TestCase):
             found = re.search(rf'^  {re.escape(word)} +(\d+) +(-?\d+) +(-?\d+)$', report, re.MULTILINE)
             self.assertIsNotNone(found, word)
             self.assertEqual([int(figure) for figure in found.groups()], expected, word)
+        self.check_distribution(lengths, report)
+        self.check_parts(words, report)
         last = [printed(word) for word in words[:-6:-1]]
         self.assertEqual(re.findall(r'words\[-\d\] = ([^ \n]+) ', report), last)
         self.assertEqual(re.findall(r'recent\[-\d\] = ([^ \n]+)$', report, re.MULTILINE), last)
@@ -91,6 +94,37 @@ class TextStatisticsTest(unittest.TestCase):
                                            self.line(figures, 'longest word is')).groups()
         self.assertAlmostEqual(float(ratio), greatest / mean, delta=0.005001)
         self.assertEqual(all_together, '1.00')
+
+    def check_distribution(self, lengths, report):
+        ordered = sorted(lengths)
+        shares = re.findall(r'^ +(\d+)% of the words have at most +(\d+) characters$', report, re.MULTILINE)
+        counts = re.findall(r'^ +(\d+) words have at most +(\d+) characters$', report, re.MULTILINE)
+        self.assertEqual([(int(share), int(length)) for share, length in shares],
+                         [(share, ordered[(len(ordered) * share + 99) // 100 - 1]) for share in (25, 50, 75, 90, 99)]
+                         if ordered else [])
+        self.assertEqual([(int(count), int(bound)) for count, bound in counts],
+                         [(sum(length <= bound for length in ordered), bound) for bound in (3, 6, 9, 12)]
+                         if ordered else [])
+
+    def check_parts(self, words, report):
+        def words_after(label):
+            # Words may hold every kind of blank but this one.
+            found = [line for line in report.split('\n') if line.startswith('  ' + label)]
+            self.assertEqual(len(found), 1, label)
+            return [word for word in found[0][2 + len(label):].split(' ') if word]
+
+        def all_printed(some):
+            return [printed(word) for word in some]
+
+        self.assertEqual(words_after('words[:5] '), all_printed(words[:5]))
+        self.assertEqual(words_after('words[-1:-6:-1] '), all_printed(words[-1:-6:-1]))
+        self.assertEqual(words_after('words[::1000] '), all_printed(words[::1000]))
+        self.assertCountEqual(words_after('words[:10] shuffled '), all_printed(words[:10]))
+        ordered = sorted(words[:10])
+        self.assertEqual(words_after('and sorted '), all_printed(ordered))
+        self.assertEqual(words_after('with three at [1:1] '),
+                         all_printed(ordered[:1]) + ['first', 'second', 'third'] + all_printed(ordered[1:]))
+        self.assertEqual(words_after('(a + b + recent) * 3 '), [str(9 * min(5, len(words))), 'words'])
 
     def check_changes(self, words, watched, report):
         position = min(len(words), 1)
