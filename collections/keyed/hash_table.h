@@ -65,8 +65,9 @@ class HashTable {
     return nullptr;
   }
 
-  // What a search came to: `node` is null when there is none, or when user code raised an error during it (`failed`).
-  struct Found {
+  // What a search came to: `node` is null when the key is absent, or when user code raised an error meanwhile
+  // (`failed`).
+  struct Place {
     Node* node = nullptr;
     bool failed = false;
   };
@@ -74,7 +75,7 @@ class HashTable {
   // The node of a key. For a key that compares by user code, that code may change this very table: the search then
   // starts again, and after kMaxRestarts times takes identity for equality, so that it ends. The result holds for the
   // table as it is on return.
-  [[nodiscard]] Found find(const NativeCollectionKey& key) const {
+  [[nodiscard]] Place find(const NativeCollectionKey& key) const {
     if (!key.comparesByUserCode()) return {findPlain(key), false};
     return findByUserCode(key);
   }
@@ -86,8 +87,9 @@ class HashTable {
     if (count_ >= bucketCount_) rehash(bucketCountFor(count_ + 1));
   }
 
-  // Links a new element after makeRoom(). The key must not be present. Neither allocates nor runs user code.
-  void insert(const NativeCollectionKey& key, const Entry& entry) {
+  // Links a new element after find() did not find its key and makeRoom() made room. Neither allocates nor runs user
+  // code. The place is of no use here; it makes the call the same as an ordered table's.
+  void insert(const Place& /*place*/, const NativeCollectionKey& key, const Entry& entry) {
     Node* const node = pool_.take();
     Node*& bucket = buckets_[bucketOf(key.hash)];
     *node = Node{bucket, key, entry};
@@ -119,7 +121,7 @@ class HashTable {
 
  private:
   void rehash(std::uint64_t newBucketCount);
-  [[nodiscard]] Found findByUserCode(const NativeCollectionKey& key) const;
+  [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
   [[nodiscard]] Node* findIdentical(const NativeCollectionKey& key) const;
 
   Node** buckets_ = nullptr;

@@ -16,6 +16,7 @@
 #include <type_traits>
 
 #include "collections/core/collection_key.h"
+#include "collections/core/gc_allocator.h"
 
 namespace vorn::collections {
 
@@ -94,7 +95,19 @@ class NodePool {
   [[nodiscard]] Node* firstFree() const { return free_; }
 
  private:
-  void addBlock();
+  [[gnu::noinline]] void addBlock() {
+    std::size_t bytes = kFirstBlockBytes;
+    while (last_ != nullptr && bytes < kLargestBlockBytes && capacityOf(bytes) <= last_->capacity) bytes *= 2;
+    auto* const block = reinterpret_cast<Block*>(VornGcAllocator<unsigned char>().allocate(bytes));
+    *block = Block{nullptr, capacityOf(bytes), 0};
+    (last_ == nullptr ? first_ : last_->next) = block;
+    last_ = block;
+  }
+
+  // The sizes are those the collected heap has without waste.
+  static constexpr std::uint32_t capacityOf(std::size_t bytes) {
+    return static_cast<std::uint32_t>((bytes - kHeaderBytes) / sizeof(Node));
+  }
 
   Block* first_ = nullptr;
   Block* last_ = nullptr;

@@ -79,6 +79,25 @@ class OrderedTable {
     for (const Node* node = first(); node != nullptr; node = next(node)) visit(node->key, node->entry);
   }
 
+  // Walks the nodes in ascending order.
+  class Cursor {
+   public:
+    explicit Cursor(Node* first) : next_(first) {}
+
+    // The next node, or null after the last. The table must not have changed since the cursor was made.
+    Node* next() {
+      Node* const node = next_;
+      if (node != nullptr) next_ = OrderedTable::next(node);
+      return node;
+    }
+
+   private:
+    Node* next_;
+  };
+
+  // A cursor before the first node.
+  [[nodiscard]] Cursor walk() const { return Cursor(first()); }
+
   // Where a key is, or where it would hang: `node` is null when it is absent, and then a new node goes to `side` of
   // `parent` (null for the root). `failed` tells that user code raised an error during the search.
   struct Place {
