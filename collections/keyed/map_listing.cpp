@@ -57,14 +57,15 @@ std::string_view commonValueTypeName(const vc::MapEntryVector::Storage& entries,
   return candidate;
 }
 
-// A new tuple of one entry, which the caller keeps alive; null when it cannot be had.
-void* newItem(const std::string& typeName, const MapEntrySnapshot& entry) {
-  void* const item = Vorn_allocObject(typeName.c_str());
-  if (item == nullptr) return nullptr;
-  Vorn_setField_ptr(item, "_0", entry.key);
-  Vorn_setField_ptr(item, "_1", entry.value);
-  Vorn_setField_i64(item, "size", 2);
-  return item;
+// Appends a new tuple of one entry; false when it cannot be had.
+bool addItem(void* list, const std::string& typeName, const MapEntrySnapshot& entry) {
+  const vc::RootedHandle item(Vorn_allocObject(typeName.c_str()));
+  if (item.get() == nullptr) return false;
+  Vorn_setField_ptr(item.get(), "_0", entry.key);
+  Vorn_setField_ptr(item.get(), "_1", entry.value);
+  Vorn_setField_i64(item.get(), "size", 2);
+  vorn_collections_ArrayList_add(list, item.get());
+  return true;
 }
 
 }  // namespace
@@ -87,9 +88,7 @@ void* vorn_collections_Map_items(void* map) {
   typeName += commonValueTypeName(*entries, valueType);
   typeName += '>';
   for (const MapEntrySnapshot& entry : *entries) {
-    const vc::RootedHandle item(newItem(typeName, entry));
-    if (item.get() == nullptr) return nullptr;
-    vorn_collections_ArrayList_add(list.get(), item.get());
+    if (!addItem(list.get(), typeName, entry)) return nullptr;
   }
   return list.get();
 }
