@@ -11,6 +11,7 @@ namespace {
 constexpr const char* kException = "Exception";
 constexpr const char* kNullException = "NullException";
 constexpr const char* kIndexException = "IndexException";
+constexpr const char* kKeyException = "KeyException";
 constexpr const char* kTypeError = "TypeError";
 constexpr const char* kValueException = "ValueException";
 
@@ -52,6 +53,10 @@ void raiseExtendedSliceCount() {
 }
 
 void raiseSumOfNull() { Vorn_raise(kTypeError, "sum does not support null values"); }
+
+void raiseMapKeyIsNull() { Vorn_raise(kNullException, "Map key cannot be null"); }
+
+void raiseKeyNotFound() { Vorn_raise(kKeyException, "Key not found"); }
 
 void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName) {
   // Every list class says "ArrayList" here, the linked and synchronised ones included.

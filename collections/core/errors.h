@@ -24,6 +24,9 @@ namespace vorn::collections::errors {
 [[gnu::cold]] void raiseExtendedSliceCount();
 [[gnu::cold]] void raiseSumOfNull();
 
+[[gnu::cold]] void raiseMapKeyIsNull();
+[[gnu::cold]] void raiseKeyNotFound();
+
 // `valueTypeName` is the value's runtime type name; null stands for a value that has none.
 [[gnu::cold]] void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName);
 

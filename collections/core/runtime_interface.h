@@ -72,7 +72,9 @@ void* Vorn_allocArrayListObjectFast(bool synchronised, ListData** listData, bool
 void* Vorn_allocObject(const char* className);
 
 // Fields by name. Boxed values keep theirs in "_value". A missing field reads as 0, 0.0, false or null, and a write to
-// it is ignored; a numeric field read as another numeric type is converted. Runs no user code, does not allocate.
+// it is ignored; a numeric field read as another numeric type is converted. Maps, sets and tuples have the integer field
+// "size", 0 when new; a tuple's items are "_0", "_1", ..., and writing one that there is no room for makes room. Runs no
+// user code; only Vorn_setField_ptr on a tuple allocates.
 long long Vorn_getField_i64(void* handle, const char* field);
 double Vorn_getField_double(void* handle, const char* field);
 bool Vorn_getField_i1(void* handle, const char* field);
@@ -168,8 +170,12 @@ NativeCollectionKey makeNativeSetCollectionKey(void* handle);
 // long as the process.
 std::string_view mapKeyRuntimeTypeName(void* key);
 
-// The key type name of a whole map: the recorded one, or "Object". Lives as long as the process.
+// The key type name of a whole map: the recorded one, or "Object". Read under the map's lock. Lives as long as the
+// process.
 std::string_view resolveMapKeyTypeName(void* map);
+
+// The text of a map key that is a floating number, without quotes; the empty string for any other handle.
+std::string mapKeyString(void* key);
 
 // ---- Numbers, equality, order ---------------------------------------------------------------------------------------
 

@@ -3,6 +3,7 @@
 #include <cassert>
 #include <string_view>
 
+#include "runtime/keys/key_rules.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/object_types.h"
 #include "runtime/objects/user_hooks.h"
@@ -77,12 +78,6 @@ Verdict orderByHook(void* left, void* right) {
   return (order < 0) == leftDecides ? Verdict::Less : Verdict::Greater;
 }
 
-Verdict judgeByHook(Rule rule, void* left, void* right) {
-  if (HookScope::isRunning(rule, left, right)) return Verdict::Same;
-  const HookScope scope(rule, left, right);
-  return rule == Rule::Equality ? equalityByHook(left, right) : orderByHook(left, right);
-}
-
 Verdict verdictOf(int order) {
   if (order == 0) return Verdict::Same;
   return order < 0 ? Verdict::Less : Verdict::Greater;
@@ -107,6 +102,7 @@ bool hookDecides(Rule rule, const void* left, const void* right) {
 }  // namespace
 
 Verdict judgeScalars(Rule rule, const Scalar& left, const Scalar& right) {
+  if (isOfKeys(rule)) return judgeKeys(rule, unhashedScalarKey(left), unhashedScalarKey(right));
   if (rule == Rule::Equality) return scalarsEqual(left, right) ? Verdict::Same : Verdict::Greater;
   if (left.family != right.family) return Verdict::Incomparable;
   return verdictOf(compareNativeNumericValuesForSort(left.value, right.value));
@@ -117,15 +113,32 @@ bool hasHook(Rule rule, const void* handle) {
   return rule == Rule::Equality ? static_cast<bool>(hooks.equals) : static_cast<bool>(hooks.compare);
 }
 
-ListFamily listFamilyOf(const void* handle) {
-  if (!isObjectPointer(handle)) return ListFamily::None;
+Verdict judgeByHook(Rule rule, void* left, void* right) {
+  if (HookScope::isRunning(rule, left, right)) return Verdict::Same;
+  const HookScope scope(rule, left, right);
+  return rule == Rule::Equality ? equalityByHook(left, right) : orderByHook(left, right);
+}
+
+Family familyOf(const void* handle) {
+  if (!isObjectPointer(handle)) return Family::None;
   const auto* object = static_cast<const ObjectRecord*>(handle);
-  if (object->kind() != ObjectKind::List) return ListFamily::None;
-  return object->runtimeClass->builtin == BuiltinClass::ImmutableList ? ListFamily::Immutable : ListFamily::Mutable;
+  switch (object->kind()) {
+    case ObjectKind::Tuple:
+      return Family::Tuple;
+    case ObjectKind::List:
+      return object->runtimeClass->builtin == BuiltinClass::ImmutableList ? Family::ImmutableList : Family::MutableList;
+    case ObjectKind::Map:
+      return Family::Map;
+    case ObjectKind::Set:
+      return Family::Set;
+    default:
+      return Family::None;
+  }
 }
 
 Verdict judgePair(Rule rule, void* left, void* right) {
   if (left == right) return Verdict::Same;
+  if (isOfKeys(rule)) return judgeKeys(rule, unhashedKey(left), unhashedKey(right));
   if (left == nullptr || right == nullptr) return judgeNull(rule, left);
 
   Scalar leftScalar;
@@ -142,8 +155,10 @@ Verdict judgePair(Rule rule, void* left, void* right) {
 
   if (hookDecides(rule, left, right)) return judgeByHook(rule, left, right);
 
-  const ListFamily family = listFamilyOf(left);
-  if (family != ListFamily::None && family == listFamilyOf(right)) return Verdict::Lists;
+  // Maps and sets have no order.
+  const Family family = familyOf(left);
+  const bool decidesByContents = rule == Rule::Equality ? family != Family::None : isSequence(family);
+  if (decidesByContents && family == familyOf(right)) return Verdict::Contents;
   return rule == Rule::Equality ? Verdict::Greater : Verdict::Incomparable;
 }
 

@@ -2,24 +2,24 @@
 #include <vorn/runtime.h>
 
 #include "collections/core/runtime_interface.h"
-#include "runtime/equality/list_comparison.h"
+#include "runtime/equality/collection_comparison.h"
 #include "runtime/equality/pair_rules.h"
 #include "runtime/text/text.h"
 
 namespace {
 
-using vorn::runtime::ListFamily;
-using vorn::runtime::listFamilyOf;
 using vorn::runtime::Rule;
 using vorn::runtime::Verdict;
 
 Verdict judge(Rule rule, void* left, void* right) {
   const Verdict verdict = vorn::runtime::judgePair(rule, left, right);
-  return verdict == Verdict::Lists ? vorn::runtime::compareLists(rule, left, right) : verdict;
+  return verdict == Verdict::Contents ? vorn::runtime::compareContents(rule, left, right) : verdict;
 }
 
-bool areLists(const void* left, const void* right) {
-  return listFamilyOf(left) != ListFamily::None && listFamilyOf(right) != ListFamily::None;
+// Lists and tuples. Those of different families are unequal and have no order.
+bool areSequences(const void* left, const void* right) {
+  return vorn::runtime::isSequence(vorn::runtime::familyOf(left)) &&
+         vorn::runtime::isSequence(vorn::runtime::familyOf(right));
 }
 
 // Two texts, or two instances of which one has an ordering hook.
@@ -41,7 +41,7 @@ extern "C" int Vorn_deepEquals(void* left, void* right) {
 
 bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal) {
   equal = false;
-  if (areLists(left, right)) {
+  if (areSequences(left, right)) {
     equal = Vorn_deepEquals(left, right) != 0;
     return true;
   }
@@ -53,7 +53,7 @@ bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal) {
 
 bool Vorn_collectionObjectsLess(void* left, void* right, bool& less) {
   less = false;
-  if (!areLists(left, right) && !areOrderedByContent(left, right)) return false;
+  if (!areSequences(left, right) && !areOrderedByContent(left, right)) return false;
   const Verdict verdict = judge(Rule::Order, left, right);
   less = verdict == Verdict::Less;
   return verdict != Verdict::Incomparable && verdict != Verdict::Raised;

@@ -1,4 +1,4 @@
-// The pairs of lists that a comparison has entered.
+// The pairs of collections that a comparison has entered.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,11 @@
 namespace vorn::runtime {
 
 // A pair stays in here when its elements have been compared: the first difference ends the whole comparison, so that a
-// pair met again is either still in progress or was found equal. That makes cycles end, and lists that share their
-// parts cost their size rather than the number of paths through them.
+// pair met again is either still in progress or was found equal. That makes cycles end, and collections that
+// share their parts cost their size rather than the number of paths through them.
 //
-// The handles are rooted here, because user hooks may drop a list from where it was found: another list at its address
-// must not pass for it.
+// The handles are rooted here, because user hooks may drop a collection from where it was found: another one at its
+// address must not pass for it.
 class VisitedPairs {
  public:
   VisitedPairs() : roots_(first_, sizeof(first_)) {}

@@ -10,6 +10,7 @@ constexpr std::uint32_t kFirstField = sizeof(ObjectRecord);
 constexpr std::array integerValueField{ObjectField{ObjectField::Kind::Integer, kFirstField, "_value"}};
 constexpr std::array booleanValueField{ObjectField{ObjectField::Kind::Boolean, kFirstField, "_value"}};
 constexpr std::array floatingValueField{ObjectField{ObjectField::Kind::Floating, kFirstField, "_value"}};
+constexpr std::array sizeField{ObjectField{ObjectField::Kind::Integer, kFirstField, "size"}};
 constexpr std::array typeFields{
     ObjectField{ObjectField::Kind::Handle, kFirstField, "_fullName"},
     ObjectField{ObjectField::Kind::Handle, kFirstField + sizeof(void*), "_name"},

@@ -58,6 +58,7 @@ const RuntimeClass* genericInstance(const RuntimeClass& raw, const std::vector<s
   instance->shortName = shortTypeName(text);
   instance->base = base;
   instance->raw = &raw;
+  instance->typeArguments = arguments.size();
   if (raw.kind == ObjectKind::List)
     instance->elementType = internRuntimeTypeName(shortTypeNameLocal(arguments.front()));
   const RuntimeClass* made = classesBySpelling.findOrAdd(name, instance.get())->value;

@@ -7,6 +7,7 @@
 
 #include "collections/core/runtime_interface.h"
 #include "runtime/objects/builtin_classes.h"
+#include "runtime/objects/tuple_object.h"
 #include "runtime/values/boxes.h"
 
 namespace vorn::runtime {
@@ -78,6 +79,7 @@ std::int64_t truncateToInteger(double value) {
 }  // namespace vorn::runtime
 
 using vorn::runtime::boxAskedForValue;
+using vorn::runtime::TupleObject;
 
 extern "C" long long Vorn_getField_i64(void* handle, const char* field) {
   if (const RegisteredObject* box = boxAskedForValue(handle, field)) [[likely]] {
@@ -106,6 +108,10 @@ extern "C" bool Vorn_getField_i1(void* handle, const char* field) {
 }
 
 extern "C" void* Vorn_getField_ptr(void* handle, const char* field) {
+  if (const TupleObject* tuple = vorn::runtime::tupleOf(handle); tuple != nullptr && field != nullptr) {
+    std::uint64_t index = 0;
+    return vorn::runtime::readItemName(field, index) ? vorn::runtime::tupleItem(*tuple, index) : nullptr;
+  }
   const ObjectField* found = vorn::runtime::fieldOf(handle, field);
   if (found == nullptr || found->kind != ObjectField::Kind::Handle) return nullptr;
   return std::bit_cast<void*>(vorn::runtime::loadField(handle, *found));
@@ -122,6 +128,11 @@ extern "C" void Vorn_setField_i64(void* handle, const char* field, long long val
 }
 
 extern "C" void Vorn_setField_ptr(void* handle, const char* field, void* value) {
+  if (TupleObject* tuple = vorn::runtime::tupleOf(handle); tuple != nullptr && field != nullptr) {
+    std::uint64_t index = 0;
+    if (vorn::runtime::readItemName(field, index)) vorn::runtime::setTupleItem(*tuple, index, value);
+    return;
+  }
   const ObjectField* found = vorn::runtime::fieldOf(handle, field);
   if (found == nullptr || found->kind != ObjectField::Kind::Handle) return;
   vorn::runtime::storeField(handle, *found, std::bit_cast<std::uint64_t>(value));

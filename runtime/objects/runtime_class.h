@@ -59,6 +59,7 @@ struct RuntimeClass {
   bool answersToShortName = true;      // false for a user class that shares a built-in class's short name
   const RuntimeClass* base = nullptr;  // null for Object alone
   const RuntimeClass* raw = nullptr;   // the class without type arguments; null when there are none
+  std::size_t typeArguments = 0;       // that this class has
   RuntimeTypeName elementType{};       // of a generic list class: its normalised argument
   const ObjectField* fields = nullptr;
   std::size_t fieldCount = 0;                       // base fields come first

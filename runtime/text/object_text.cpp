@@ -65,10 +65,11 @@ std::string fieldText(const void* object, const ObjectField& field) {
   return {};
 }
 
-// "Point(x=1, y=2)"; a class without fields shows its name alone.
+// "Point(x=1, y=2)"; a class without fields shows its name alone, and so does a collection.
 std::string defaultText(const ObjectRecord& object) {
   const RuntimeClass& type = *object.runtimeClass;
   std::string text(type.shortName);
+  if (object.kind() != ObjectKind::Instance) return text;
   const char* separator = "(";
   for (std::size_t i = 0; i < type.fieldCount; ++i) {
     text += separator;

@@ -39,6 +39,16 @@ TEST_F(ErrorTexts, CharNotAScalar) {
   EXPECT_RAISED("ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
 }
 
+TEST_F(ErrorTexts, MapKeyIsNull) {
+  errors::raiseMapKeyIsNull();
+  EXPECT_RAISED("NullException: Map key cannot be null");
+}
+
+TEST_F(ErrorTexts, KeyNotFound) {
+  errors::raiseKeyNotFound();
+  EXPECT_RAISED("KeyException: Key not found");
+}
+
 TEST_F(ErrorTexts, ElementTypeRefused) {
   errors::raiseElementTypeRefused("Int", "vorn.String");
   EXPECT_RAISED("TypeError: ArrayList<Int> cannot accept vorn.String");

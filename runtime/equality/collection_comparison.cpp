@@ -1,4 +1,4 @@
-#include "runtime/equality/list_comparison.h"
+#include "runtime/equality/collection_comparison.h"
 
 #include <algorithm>
 #include <optional>
@@ -6,25 +6,28 @@
 #include <vector>
 
 #include "collections/core/list_data.h"
-#include "runtime/equality/list_elements.h"
+#include "runtime/equality/keyed_matching.h"
+#include "runtime/equality/sequence_elements.h"
 #include "runtime/equality/visited_pairs.h"
+#include "runtime/keys/key_rules.h"
+#include "runtime/objects/tuple_object.h"
 
 namespace vorn::runtime {
 namespace {
 
 Verdict verdictOfSizes(Rule rule, std::size_t left, std::size_t right) {
   if (left == right) return Verdict::Same;
-  return rule == Rule::Order && left < right ? Verdict::Less : Verdict::Greater;
+  return isOrder(rule) && left < right ? Verdict::Less : Verdict::Greater;
 }
 
-// Whether a verdict on two elements ends the comparison of their lists.
+// Whether a verdict on two elements ends the comparison of their collections.
 bool decides(Verdict verdict) {
   return verdict == Verdict::Less || verdict == Verdict::Greater || verdict == Verdict::Raised;
 }
 
 Verdict compareUnboxed(Rule rule, const UnboxedElements& left, const UnboxedElements& right) {
+  if (!isOrder(rule) && left.size() != right.size()) return Verdict::Greater;
   if (rule == Rule::Equality) {
-    if (left.size() != right.size()) return Verdict::Greater;
     if (const auto equal = left.equalsAtOnce(right)) return *equal ? Verdict::Same : Verdict::Greater;
   }
   const std::size_t common = std::min(left.size(), right.size());
@@ -35,21 +38,24 @@ Verdict compareUnboxed(Rule rule, const UnboxedElements& left, const UnboxedElem
   return verdictOfSizes(rule, left.size(), right.size());
 }
 
-std::size_t sizeOf(void* list) {
-  const ListData& data = *getListData(list);
+std::size_t sizeOf(Family family, void* collection) {
+  if (family == Family::Tuple) return tupleOf(collection)->itemCount();
+  if (family == Family::Map) return sizeOfMap(collection);
+  if (family == Family::Set) return sizeOfSet(collection);
+  const ListData& data = *getListData(collection);
   const ListDataLock lock(data);
   return data.logicalSize();
 }
 
-class ListComparison;
-thread_local const ListComparison* innermostComparison = nullptr;
+class Comparison;
+thread_local const Comparison* innermostComparison = nullptr;
 
-class ListComparison {
+class Comparison {
  public:
-  explicit ListComparison(Rule rule) : rule_(rule), outer_(innermostComparison) { innermostComparison = this; }
-  ~ListComparison() { innermostComparison = outer_; }
-  ListComparison(const ListComparison&) = delete;
-  ListComparison& operator=(const ListComparison&) = delete;
+  explicit Comparison(Rule rule) : rule_(rule), outer_(innermostComparison) { innermostComparison = this; }
+  ~Comparison() { innermostComparison = outer_; }
+  Comparison(const Comparison&) = delete;
+  Comparison& operator=(const Comparison&) = delete;
 
   Verdict run(void* left, void* right) {
     Verdict verdict = enter(left, right);
@@ -58,7 +64,7 @@ class ListComparison {
   }
 
  private:
-  // Two lists whose elements are being compared.
+  // Two lists or tuples whose elements are being compared, or two maps, whose values are.
   struct Level {
     ElementSnapshot left;
     ElementSnapshot right;
@@ -68,18 +74,72 @@ class ListComparison {
 
   // Whether this thread is comparing the pair already, in this comparison or in one whose hook led here.
   bool isVisited(void* left, void* right) const {
-    for (const ListComparison* comparison = this; comparison != nullptr; comparison = comparison->outer_) {
+    for (const Comparison* comparison = this; comparison != nullptr; comparison = comparison->outer_) {
       if (comparison->rule_ == rule_ && comparison->visited_.contains(left, right)) return true;
     }
     return false;
   }
 
-  // Starts on two lists; decides at once where that takes no user code.
+  // Starts on two collections; decides at once where that takes no look at the single elements.
   Verdict enter(void* left, void* right) {
     if (isVisited(left, right)) return Verdict::Same;
-    if (rule_ == Rule::Equality && sizeOf(left) != sizeOf(right)) return Verdict::Greater;
+    const Family family = familyOf(left);
+    if (!isOrder(rule_) && sizeOf(family, left) != sizeOf(family, right)) return Verdict::Greater;
     visited_.add(left, right);
+    switch (family) {
+      case Family::Tuple:
+        return enterTuples(*tupleOf(left), *tupleOf(right));
+      case Family::Map:
+        return enterMaps(left, right);
+      case Family::Set:
+        return compareSets(left, right);
+      default:
+        return enterLists(left, right);
+    }
+  }
 
+  Verdict enterTuples(const TupleObject& left, const TupleObject& right) {
+    const std::size_t firstHandle = handles_->size();
+    ElementSnapshot leftItems(firstHandle, appendItems(left, *handles_));
+    const std::size_t rightFirst = handles_->size();
+    levels_.push_back({std::move(leftItems), ElementSnapshot(rightFirst, appendItems(right, *handles_)), firstHandle});
+    return Verdict::Same;
+  }
+
+  // Once every key has its equal, the values stand side by side as the elements of two lists do.
+  Verdict enterMaps(void* left, void* right) {
+    KeyedSnapshot leftEntries;
+    KeyedSnapshot rightEntries;
+    snapshotMap(left, leftEntries);
+    snapshotMap(right, rightEntries);
+    std::vector<std::size_t> places;
+    const Matching matching = matchKeys(leftEntries, rightEntries, places);
+    if (matching != Matching::Complete) return verdictOf(matching);
+
+    const std::size_t count = places.size();
+    const std::size_t firstHandle = handles_->size();
+    handles_->reserve(firstHandle + 2 * count);
+    handles_->insert(handles_->end(), leftEntries.values->begin(), leftEntries.values->end());
+    for (const std::size_t place : places) handles_->push_back(rightEntries.values->at(place));
+    levels_.push_back({ElementSnapshot(firstHandle, count), ElementSnapshot(firstHandle + count, count), firstHandle});
+    return Verdict::Same;
+  }
+
+  static Verdict compareSets(void* left, void* right) {
+    KeyedSnapshot leftElements;
+    KeyedSnapshot rightElements;
+    snapshotSet(left, leftElements);
+    snapshotSet(right, rightElements);
+    std::vector<std::size_t> places;
+    return verdictOf(matchKeys(leftElements, rightElements, places));
+  }
+
+  static Verdict verdictOf(Matching matching) {
+    if (matching == Matching::Complete) return Verdict::Same;
+    return matching == Matching::Raised ? Verdict::Raised : Verdict::Greater;
+  }
+
+  Verdict enterLists(void* left, void* right) {
     const std::size_t firstHandle = handles_->size();
     const ListData& leftData = *getListData(left);
     const ListData& rightData = *getListData(right);
@@ -110,7 +170,7 @@ class ListComparison {
     return Verdict::Same;
   }
 
-  // Compares the next two elements of the innermost lists, or leaves the lists behind them.
+  // Compares the next two elements of the innermost collections, or leaves these behind.
   Verdict step() {
     Level& level = levels_.back();
     const std::size_t leftSize = level.left.size();
@@ -140,6 +200,10 @@ class ListComparison {
       const Scalar own = unboxed.at(index);
       return swapped ? judgeScalars(rule_, scalar, own) : judgeScalars(rule_, own, scalar);
     }
+    if (isOfKeys(rule_)) {
+      const NativeCollectionKey own = unhashedScalarKey(unboxed.at(index));
+      return swapped ? judgeKeys(rule_, unhashedKey(handle), own) : judgeKeys(rule_, own, unhashedKey(handle));
+    }
     if (rule_ == Rule::Order) {
       // Null comes before everything; nothing else can be ordered against a value.
       if (handle != nullptr) return Verdict::Incomparable;
@@ -152,11 +216,11 @@ class ListComparison {
 
   Verdict comparePair(void* left, void* right) {
     const Verdict verdict = judgePair(rule_, left, right);
-    return verdict == Verdict::Lists ? enter(left, right) : verdict;
+    return verdict == Verdict::Contents ? enter(left, right) : verdict;
   }
 
   Rule rule_;
-  const ListComparison* outer_;
+  const Comparison* outer_;
   VisitedPairs visited_;
   collections::HandleVector handles_;  // the elements of all snapshots, innermost last
   std::vector<Level> levels_;
@@ -164,6 +228,6 @@ class ListComparison {
 
 }  // namespace
 
-Verdict compareLists(Rule rule, void* left, void* right) { return ListComparison(rule).run(left, right); }
+Verdict compareContents(Rule rule, void* left, void* right) { return Comparison(rule).run(left, right); }
 
 }  // namespace vorn::runtime

@@ -1,4 +1,4 @@
-#include "runtime/equality/list_elements.h"
+#include "runtime/equality/sequence_elements.h"
 
 #include <cstring>
 
@@ -97,6 +97,12 @@ std::size_t appendHandles(const ListData& list, collections::HandleVector::Stora
     handles.push_back(static_cast<const LinkedHandles::Node*>(at)->handle);
   }
   return handles.size() - before;
+}
+
+std::size_t appendItems(const TupleObject& tuple, collections::HandleVector::Storage& handles) {
+  const std::uint64_t count = tuple.itemCount();
+  handles.insert(handles.end(), tuple.items, tuple.items + count);
+  return count;
 }
 
 }  // namespace vorn::runtime

@@ -1,4 +1,4 @@
-// The elements of a list as they were at one moment, for comparisons that may run user code.
+// The elements of a list or tuple as they were at one moment, for comparisons that may run user code.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,7 @@
 
 #include "collections/core/list_data.h"
 #include "collections/core/roots.h"
+#include "runtime/objects/tuple_object.h"
 #include "runtime/values/scalars.h"
 
 namespace vorn::runtime {
@@ -64,5 +65,8 @@ class ElementSnapshot {
 
 // Appends the list's handles to the vector and gives their number. The caller holds the list's lock. Allocates.
 std::size_t appendHandles(const ListData& list, collections::HandleVector::Storage& handles);
+
+// The same for the items of a tuple, which has no lock.
+std::size_t appendItems(const TupleObject& tuple, collections::HandleVector::Storage& handles);
 
 }  // namespace vorn::runtime

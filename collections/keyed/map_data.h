@@ -1,0 +1,54 @@
+// The storage record of every map class.
+//
+// Exactly one of two storages is used:
+//   hashed   `hash` holds the entries (Map, HashMapSync);
+//   else     `ordered` holds them (SortedMap, SortedMapSync).
+// Further invariants, checked by validateMapData (keyed_validation.h):
+//   - `hashed`, `synchronized` and `mutex` never change after creation, and a synchronised map has a mutex;
+//   - the storage that is not used is empty and has no memory;
+//   - keyType and valueType are null or a short type name, and null after clear.
+// The record belongs to its object and lives inside the object's block; it starts empty without allocating and is never
+// destroyed. Nodes and buckets come from the collector and are never freed. Only natives lock; nothing in this file
+// does.
+#pragma once
+
+#include <pthread.h>
+
+#include <cstdint>
+
+#include "collections/core/record_lock.h"
+#include "collections/core/runtime_type_name.h"
+#include "collections/keyed/hash_table.h"
+#include "collections/keyed/map_entry.h"
+#include "collections/keyed/ordered_table.h"
+
+struct MapData {
+  void* runtimeHeader[2] = {};  // the runtime's words; never read or written here
+  bool hashed = true;
+  bool synchronized = false;
+  RuntimeTypeName keyType;    // of the keys put since the last clear: their common one, "Object" when they differ
+  RuntimeTypeName valueType;  // of the values likewise
+  vorn::collections::OrderedTable ordered;
+  vorn::collections::HashTable<NativeMapEntry> hash;
+  pthread_mutex_t* mutex = nullptr;
+
+  MapData() = default;
+  MapData(const MapData&) = delete;
+  MapData& operator=(const MapData&) = delete;
+
+  // Number of entries.
+  [[nodiscard]] std::uint64_t count() const { return hashed ? hash.count() : ordered.count(); }
+
+  // Differs after every change of which keys there are.
+  [[nodiscard]] std::uint64_t changes() const { return hashed ? hash.changes() : ordered.changes(); }
+
+  // Calls visit(key, entry) for every entry in storage order: ascending for ordered storage, that of hash_table.h for
+  // hash storage. It must not change the map.
+  template <class Visit>
+  void forEach(Visit visit) const {
+    hashed ? hash.forEach(visit) : ordered.forEach(visit);
+  }
+};
+static_assert(sizeof(vorn::collections::HashTable<NativeMapEntry>::Node) == 48, "85 nodes fill a block of 4096 bytes");
+
+using MapDataLock = vorn::collections::RecordLock<MapData>;

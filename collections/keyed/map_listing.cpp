@@ -1,0 +1,94 @@
+// Lists of a map's keys, values and entries. They are filled from a snapshot, while the map is not locked.
+
+#include <vorn/collections/array_list.h>
+#include <vorn/collections/map.h>
+
+#include <string>
+#include <string_view>
+
+#include "collections/core/roots.h"
+#include "collections/core/runtime_interface.h"
+#include "collections/keyed/map_snapshot.h"
+#include "collections/keyed/map_types.h"
+
+namespace vc = vorn::collections;
+
+namespace {
+
+void* listingOf(void* map, void* MapEntrySnapshot::*part) {
+  if (map == nullptr) return nullptr;
+  const vc::RootedHandle list(Vorn_allocObject("ImmutableList"));
+  if (list.get() == nullptr) return nullptr;
+  vc::MapEntryVector entries;
+  *entries = snapshotMapEntries(*getMapData(map));
+  vorn_collections_ArrayList_reserve(list.get(), static_cast<long long>(entries->size()));
+  for (const MapEntrySnapshot& entry : *entries) vorn_collections_ArrayList_add(list.get(), entry.*part);
+  return list.get();
+}
+
+// The type name of a value as the type of an item names it: what the recorded name "Object" hides, the field of a boxed
+// value may still tell.
+std::string_view itemValueTypeName(void* value) {
+  const std::string_view name = vc::mapValueTypeName(value);
+  if (name != vc::kObjectTypeName || !hasObjectMagic(value)) return name;
+  const ObjectField* const field = findObjectField(getObject(value), "_value");
+  if (field == nullptr) return name;
+  switch (field->kind) {
+    case ObjectField::Kind::Integer:
+      return "Int";
+    case ObjectField::Kind::Floating:
+      return "Double";
+    case ObjectField::Kind::Boolean:
+      return "Boolean";
+    case ObjectField::Kind::Handle:
+      break;
+  }
+  return name;
+}
+
+// The one type name of all values, or the recorded one when they differ or there are none.
+std::string_view commonValueTypeName(const vc::MapEntryVector::Storage& entries, RuntimeTypeName recorded) {
+  const std::string_view start = recorded.text != nullptr ? std::string_view(*recorded.text) : vc::kObjectTypeName;
+  if (entries.empty()) return start;
+  const std::string_view candidate = itemValueTypeName(entries.front().value);
+  for (const MapEntrySnapshot& entry : entries) {
+    if (itemValueTypeName(entry.value) != candidate) return start;
+  }
+  return candidate;
+}
+
+// Appends a new tuple of one entry; false when it cannot be had.
+bool addItem(void* list, const std::string& typeName, const MapEntrySnapshot& entry) {
+  const vc::RootedHandle item(Vorn_allocObject(typeName.c_str()));
+  if (item.get() == nullptr) return false;
+  Vorn_setField_ptr(item.get(), "_0", entry.key);
+  Vorn_setField_ptr(item.get(), "_1", entry.value);
+  Vorn_setField_i64(item.get(), "size", 2);
+  vorn_collections_ArrayList_add(list, item.get());
+  return true;
+}
+
+}  // namespace
+
+void* vorn_collections_Map_keys(void* map) { return listingOf(map, &MapEntrySnapshot::key); }
+
+void* vorn_collections_Map_values(void* map) { return listingOf(map, &MapEntrySnapshot::value); }
+
+void* vorn_collections_Map_items(void* map) {
+  if (map == nullptr) return nullptr;
+  const vc::RootedHandle list(Vorn_allocObject("ImmutableList"));
+  if (list.get() == nullptr) return nullptr;
+  std::string typeName = "Tuple<";
+  typeName += resolveMapKeyTypeName(map);
+  vc::MapEntryVector entries;
+  RuntimeTypeName valueType;
+  vc::snapshotTypedMapEntries(*getMapData(map), entries, valueType);
+  vorn_collections_ArrayList_reserve(list.get(), static_cast<long long>(entries->size()));
+  typeName += ',';
+  typeName += commonValueTypeName(*entries, valueType);
+  typeName += '>';
+  for (const MapEntrySnapshot& entry : *entries) {
+    if (!addItem(list.get(), typeName, entry)) return nullptr;
+  }
+  return list.get();
+}

@@ -1,0 +1,41 @@
+// Removing from maps.
+
+#include <vorn/collections/map.h>
+
+#include "collections/keyed/key_of.h"
+#include "collections/keyed/map_data.h"
+#include "collections/keyed/size_field.h"
+
+namespace vc = vorn::collections;
+
+namespace {
+
+template <class Table>
+bool removeLocked(Table& table, const NativeCollectionKey& key) {
+  const auto place = table.find(key);
+  if (place.node == nullptr) return false;
+  table.remove(place.node);
+  return true;
+}
+
+}  // namespace
+
+bool vorn_collections_Map_remove(void* map, void* key) {
+  if (map == nullptr || key == nullptr) return false;
+  const auto nativeKey = vc::mapKeyOf(key);
+  if (!nativeKey) return false;
+  MapData& data = *getMapData(map);
+  const MapDataLock lock(data);
+  const bool removed = data.hashed ? removeLocked(data.hash, *nativeKey) : removeLocked(data.ordered, *nativeKey);
+  vc::writeSizeField(map, data.count());
+  return removed;
+}
+
+void vorn_collections_Map_clear(void* map) {
+  if (map == nullptr) return;
+  MapData& data = *getMapData(map);
+  const MapDataLock lock(data);
+  data.hashed ? data.hash.clear() : data.ordered.clear();
+  data.keyType = data.valueType = {};
+  vc::writeSizeField(map, 0);
+}

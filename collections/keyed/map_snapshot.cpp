@@ -1,0 +1,25 @@
+#include "collections/keyed/map_snapshot.h"
+
+#include <utility>
+
+#include "collections/keyed/map_data.h"
+
+namespace vorn::collections {
+
+void snapshotTypedMapEntries(const MapData& map, MapEntryVector& entries, RuntimeTypeName& valueType) {
+  const MapDataLock lock(map);
+  valueType = map.valueType;
+  entries->reserve(map.count());
+  map.forEach([&](const NativeCollectionKey&, const NativeMapEntry& entry) {
+    entries->push_back({entry.key, entry.value});
+  });
+}
+
+}  // namespace vorn::collections
+
+vorn::collections::MapEntryVector::Storage snapshotMapEntries(const MapData& map) {
+  vorn::collections::MapEntryVector entries;
+  RuntimeTypeName valueType;
+  vorn::collections::snapshotTypedMapEntries(map, entries, valueType);
+  return std::move(*entries);
+}

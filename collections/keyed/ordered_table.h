@@ -1,0 +1,172 @@
+// The balanced ordered tree of sorted maps.
+//
+// A red-black tree with parent pointers (Guibas and Sedgewick, "A dichromatic framework for balanced trees", 1978;
+// Cormen, Leiserson, Rivest and Stein, "Introduction to Algorithms", chapter 13), where a missing child is a null
+// pointer and black.
+//
+// Invariants, checked by validateOrderedTable (keyed_validation.h):
+//   - the root is black, a red node's children are black, and every way from the root to a missing child passes the
+//     same number of black nodes;
+//   - each child names its parent; `count` nodes hang below the root, all of the pool, and no other node is in use;
+//   - keys ascend from left to right, as far as user code orders them consistently;
+//   - `changes` differs after every change of the tree.
+// A table lives in a record inside its object's block, starts empty without allocating, and is never destroyed.
+//
+// Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "collections/core/collection_key.h"
+#include "collections/keyed/map_entry.h"
+#include "collections/keyed/node_pool.h"
+
+namespace vorn::collections {
+
+// The order of keys as compareNativeCollectionKeys gives it. The common pairs are decided here, since a search meets
+// one pair per level.
+inline int orderOfKeys(const NativeCollectionKey& left, const NativeCollectionKey& right) {
+  using Tag = NativeCollectionKey::Tag;
+  if (left.tag == Tag::Integer && right.tag == Tag::Integer) {
+    const auto a = static_cast<std::int64_t>(left.words[0]);
+    const auto b = static_cast<std::int64_t>(right.words[0]);
+    return (a > b) - (a < b);
+  }
+  return compareNativeCollectionKeys(left, right);
+}
+
+class OrderedTable {
+ public:
+  enum Side : unsigned { Left = 0, Right = 1 };
+
+  struct Node {
+    std::uintptr_t parentAndColour;  // the lowest bit is set in a red node
+    Node* children[2];
+    NativeCollectionKey key;
+    NativeMapEntry entry;
+
+    Node*& poolLink() { return children[Left]; }
+    [[nodiscard]] Node* parent() const { return reinterpret_cast<Node*>(parentAndColour & ~std::uintptr_t{1}); }
+    [[nodiscard]] bool red() const { return (parentAndColour & 1) != 0; }
+  };
+  static_assert(sizeof(Node) == 64, "a node is one cache line");
+
+  OrderedTable() = default;
+  OrderedTable(const OrderedTable&) = delete;
+  OrderedTable& operator=(const OrderedTable&) = delete;
+
+  [[nodiscard]] std::uint64_t count() const { return count_; }
+  [[nodiscard]] std::uint64_t changes() const { return changes_; }
+
+  // The node with the smallest key, or null.
+  [[nodiscard]] Node* first() const { return root_ != nullptr ? outermost(root_, Left) : nullptr; }
+
+  // The node after this one in ascending order, or null.
+  [[nodiscard]] static Node* next(const Node* node) {
+    if (node->children[Right] != nullptr) return outermost(node->children[Right], Left);
+    Node* parent = node->parent();
+    while (parent != nullptr && parent->children[Right] == node) {
+      node = parent;
+      parent = node->parent();
+    }
+    return parent;
+  }
+
+  // Calls visit(key, entry) for every element in ascending order. It must not change the table.
+  template <class Visit>
+  void forEach(Visit visit) const {
+    for (const Node* node = first(); node != nullptr; node = next(node)) visit(node->key, node->entry);
+  }
+
+  // Walks the nodes in ascending order.
+  class Cursor {
+   public:
+    explicit Cursor(Node* first) : next_(first) {}
+
+    // The next node, or null after the last. The table must not have changed since the cursor was made.
+    Node* next() {
+      Node* const node = next_;
+      if (node != nullptr) next_ = OrderedTable::next(node);
+      return node;
+    }
+
+   private:
+    Node* next_;
+  };
+
+  // A cursor before the first node.
+  [[nodiscard]] Cursor walk() const { return Cursor(first()); }
+
+  // Where a key is, or where it would hang: `node` is null when it is absent, and then a new node goes to `side` of
+  // `parent` (null for the root). `failed` tells that user code raised an error during the search.
+  struct Place {
+    Node* node = nullptr;
+    Node* parent = nullptr;
+    Side side = Left;
+    bool failed = false;
+  };
+
+  // The place of a key that compares without user code. Does not allocate.
+  [[nodiscard]] Place findPlain(const NativeCollectionKey& key) const {
+    Place place;
+    for (Node* node = root_; node != nullptr; node = node->children[place.side]) {
+      const int order = orderOfKeys(key, node->key);
+      if (order == 0) {
+        place.node = node;
+        return place;
+      }
+      place.parent = node;
+      place.side = order > 0 ? Right : Left;
+    }
+    return place;
+  }
+
+  // The place of a key. For a key that compares by user code, that code may change this very table: the search then
+  // starts again, and after kMaxRestarts times looks for the very same key by identity, so that it ends. The result
+  // holds for the table as it is on return.
+  [[nodiscard]] Place find(const NativeCollectionKey& key) const {
+    if (!key.comparesByUserCode()) return findPlain(key);
+    return findByUserCode(key);
+  }
+
+  // Makes the next insert() possible. Allocates; throws std::bad_alloc with the elements unchanged.
+  void makeRoom() { pool_.makeRoom(); }
+
+  // Links a new element at the place that find() gave, after makeRoom(). Neither allocates nor runs user code.
+  void insert(const Place& place, const NativeCollectionKey& key, const NativeMapEntry& entry);
+
+  // Removes a node of this table. Neither allocates nor runs user code.
+  void remove(Node* node);
+
+  // Empties the table and leaves the nodes to the collector.
+  void clear() {
+    pool_.clear();
+    root_ = nullptr;
+    count_ = 0;
+    ++changes_;
+  }
+
+  [[nodiscard]] const Node* root() const { return root_; }
+  [[nodiscard]] const NodePool<Node>& pool() const { return pool_; }
+
+ private:
+  [[nodiscard]] static Node* outermost(Node* node, Side side) {
+    while (node->children[side] != nullptr) node = node->children[side];
+    return node;
+  }
+
+  [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
+  [[nodiscard]] Place findIdentical(const NativeCollectionKey& key) const;
+  void replaceChild(Node* parent, const Node* child, Node* replacement);
+  void rotate(Node* node, Side side);
+  void rebalanceAfterInsert(Node* node);
+  void rebalanceAfterRemove(Node* parent, Side side);
+
+  Node* root_ = nullptr;
+  std::uint64_t count_ = 0;
+  std::uint64_t changes_ = 0;
+  NodePool<Node> pool_;
+};
+
+}  // namespace vorn::collections

@@ -1,0 +1,37 @@
+// Searching a table by keys whose comparison may run user code.
+//
+// That code may change the very table, raise, or answer inconsistently. A search therefore copies the key it compares
+// and keeps its object alive, looks at the table's change counter and at pending errors after every comparison, and
+// follows a node further only when the table is unchanged. Otherwise it starts again, kMaxRestarts times; user code
+// that changes the table each time would keep it busy forever, so the last search asks no user code.
+#pragma once
+
+#include <cstring>
+
+#include "collections/core/collection_key.h"
+#include "collections/core/roots.h"
+
+namespace vorn::collections {
+
+inline constexpr int kMaxRestarts = 64;
+
+// The copy of a key of a table, alive while user code may drop the original from the table.
+class UserComparedKey {
+ public:
+  const NativeCollectionKey& copy(const NativeCollectionKey& key) {
+    key_ = key;
+    if (key.comparesByUserCode()) object_ = key.handle();
+    return key_;
+  }
+
+ private:
+  NativeCollectionKey key_;
+  RootedHandle object_;
+};
+
+// Whether two keys agree in every word: of keys that compare by user code, that they are of the same object.
+inline bool identicalKeys(const NativeCollectionKey& left, const NativeCollectionKey& right) {
+  return std::memcmp(&left, &right, sizeof(left)) == 0;
+}
+
+}  // namespace vorn::collections

@@ -1,0 +1,112 @@
+// Making keys from handles.
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include <cstdint>
+#include <string_view>
+
+#include "runtime/keys/key_values.h"
+#include "runtime/objects/builtin_classes.h"
+#include "runtime/objects/object_types.h"
+#include "runtime/text/text.h"
+
+namespace vorn::runtime {
+namespace {
+
+std::uint32_t folded(std::uint64_t hash) { return static_cast<std::uint32_t>(hash ^ (hash >> 32)); }
+
+std::uint32_t textHash(std::string_view text) { return folded(XXH3_64bits(text.data(), text.size())); }
+
+// The topmost class of the line of ancestors that has an equality hook. An object and one of a derived class may be
+// equal, so that they must share their hash.
+const RuntimeClass* rootOfEquality(const RuntimeClass* type) {
+  while (type->base != nullptr && type->base->hooks.equals) type = type->base;
+  return type;
+}
+
+NativeCollectionKey hashed(NativeCollectionKey key) {
+  if (key.tag == KeyTag::Sequence) {
+    key.hash = sequenceKeyHash(key.handle());
+  } else if (key.tag == KeyTag::Instance) {
+    key.hash = instanceKeyHash(key.handle());
+  } else {
+    key.hash = plainKeyHash(key);
+  }
+  return key;
+}
+
+}  // namespace
+
+NativeCollectionKey unhashedKey(void* handle) {
+  if (handle == nullptr) return {};
+  if (!hasObjectMagic(handle)) return unhashedTextKey(static_cast<const char*>(handle));
+  const auto* object = static_cast<const ObjectRecord*>(handle);
+  const auto identity = reinterpret_cast<std::uint64_t>(handle);
+  switch (object->kind()) {
+    case ObjectKind::IntegerBox: {
+      const auto value = static_cast<std::uint64_t>(static_cast<const RegisteredObject*>(object)->integer);
+      const bool isUnsigned = boxedTypeOf(*object) == BoxedType::ULong;
+      return isUnsigned ? unhashedUnsignedKey(value) : wordKey(KeyTag::Integer, value);
+    }
+    case ObjectKind::FloatingBox:
+      return unhashedFloatingKey(std::bit_cast<double>(static_cast<const RegisteredObject*>(object)->integer));
+    case ObjectKind::BooleanBox:
+    case ObjectKind::CharacterBox: {
+      Scalar scalar;
+      readScalar(handle, scalar);
+      return unhashedScalarKey(scalar);
+    }
+    case ObjectKind::String: {
+      const auto* string = static_cast<const StringObject*>(object);
+      return unhashedTextKey({string->text, string->length});
+    }
+    case ObjectKind::Tuple:
+      return wordKey(KeyTag::Sequence, identity);
+    case ObjectKind::List: {
+      const bool isImmutable = object->runtimeClass->builtin == BuiltinClass::ImmutableList;
+      return wordKey(isImmutable ? KeyTag::Sequence : KeyTag::Identity, identity);
+    }
+    case ObjectKind::Instance: {
+      const ClassHooks& hooks = object->runtimeClass->hooks;
+      return wordKey(hooks.hash || hooks.equals || hooks.compare ? KeyTag::Instance : KeyTag::Identity, identity);
+    }
+    case ObjectKind::Type:
+    case ObjectKind::Array:
+    case ObjectKind::Map:
+    case ObjectKind::Set:
+      break;
+  }
+  return wordKey(KeyTag::Identity, identity);
+}
+
+std::uint32_t plainKeyHash(const NativeCollectionKey& key) {
+  if (key.tag == KeyTag::Integer) return mixedKeyHash(key.words[0]);
+  if (key.tag == KeyTag::ShortText || key.tag == KeyTag::LongText) return textHash(key.text());
+  // The tag keeps false, the character NUL and the number 0 apart.
+  return mixedKeyHash(key.words[0] ^ (static_cast<std::uint64_t>(key.tag) << 56));
+}
+
+std::uint32_t instanceKeyHash(void* instance) {
+  const RuntimeClass* type = classOf(instance);
+  if (const auto& hook = type->hooks.hash) return mixedKeyHash(hook.function(instance, hook.context));
+  if (type->hooks.equals) return textHash(rootOfEquality(type)->fullName);
+  return plainKeyHash(wordKey(KeyTag::Identity, reinterpret_cast<std::uint64_t>(instance)));
+}
+
+}  // namespace vorn::runtime
+
+NativeCollectionKey makeNativeCollectionKey(void* handle) {
+  using namespace vorn::runtime;
+  // Small integers are the most frequent keys by far.
+  if (objectHeaderAt(handle) == objectHeaderFor(handle, ObjectKind::IntegerBox)) {
+    const auto* box = static_cast<const RegisteredObject*>(handle);
+    if (box->integer >= 0 || boxedTypeOf(*box) != BoxedType::ULong) return integerCollectionKey(box->integer);
+  }
+  return hashed(unhashedKey(handle));
+}
+
+NativeCollectionKey makeNativeStringCollectionKey(std::string_view text) {
+  return vorn::runtime::hashed(vorn::runtime::unhashedTextKey(text));
+}
+
+NativeCollectionKey makeNativeSetCollectionKey(void* handle) { return makeNativeCollectionKey(handle); }

@@ -1,0 +1,79 @@
+#include "runtime/objects/collection_objects.h"
+
+#include <pthread.h>
+
+#include <new>
+#include <system_error>
+
+#include "collections/core/list_data.h"
+#include "collections/keyed/map_data.h"
+#include "collections/keyed/set_data.h"
+#include "runtime/heap/heap.h"
+
+namespace vorn::runtime {
+namespace {
+
+struct ListObject : ObjectRecord {
+  ListData record;
+};
+
+// "size" is the first field, as in tuples; the natives keep it up to date.
+struct MapObject : ObjectRecord {
+  std::int64_t size;
+  MapData record;
+};
+struct SetObject : ObjectRecord {
+  std::int64_t size;
+  SetData record;
+};
+
+template <class Object>
+struct Synchronised : Object {
+  pthread_mutex_t mutex;
+};
+static_assert(alignof(Synchronised<ListObject>) <= kObjectAlignment);
+static_assert(alignof(Synchronised<MapObject>) <= kObjectAlignment);
+static_assert(alignof(Synchronised<SetObject>) <= kObjectAlignment);
+
+template <class Object>
+Object* newBlock(const RuntimeClass& type) {
+  auto* object = static_cast<Object*>(allocateScanned(sizeof(Object)));
+  auto* record = new (&object->record) decltype(object->record);
+  object->runtimeClass = &type;
+  object->nativeRecord = record;
+  object->header = objectHeaderFor(object, type.kind);
+  return object;
+}
+
+// An object of the class, with a mutex when the class is synchronised.
+template <class Object>
+Object* newCollection(const RuntimeClass& type) {
+  if (!type.traits.isSynchronised) return newBlock<Object>(type);
+  auto* object = newBlock<Synchronised<Object>>(type);
+  if (const int error = pthread_mutex_init(&object->mutex, nullptr); error != 0) {
+    throw std::system_error(error, std::generic_category());
+  }
+  object->record.mutex = &object->mutex;
+  object->record.synchronized = true;
+  return object;
+}
+
+}  // namespace
+
+ObjectRecord* newList(const RuntimeClass& type, ListData** record) {
+  auto* object = newCollection<ListObject>(type);
+  object->record.linked = type.traits.isLinked;
+  object->record.elementType = type.elementType;
+  if (record != nullptr) *record = &object->record;
+  return object;
+}
+
+ObjectRecord* newMap(const RuntimeClass& type) {
+  auto* object = newCollection<MapObject>(type);
+  object->record.hashed = type.builtin != BuiltinClass::SortedMap && type.builtin != BuiltinClass::SortedMapSync;
+  return object;
+}
+
+ObjectRecord* newSet(const RuntimeClass& type) { return newCollection<SetObject>(type); }
+
+}  // namespace vorn::runtime

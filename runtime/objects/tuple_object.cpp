@@ -1,0 +1,61 @@
+#include "runtime/objects/tuple_object.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <system_error>
+
+#include "runtime/heap/heap.h"
+#include "runtime/objects/builtin_classes.h"
+
+namespace vorn::runtime {
+namespace {
+
+// Room in tuples whose class does not say how many items they have.
+constexpr std::uint64_t kUntypedItems = 4;
+
+constexpr std::uint64_t kMostItems = std::numeric_limits<std::int64_t>::max() / sizeof(void*);
+
+void growTo(TupleObject& tuple, std::uint64_t needed) {
+  if (needed > kMostItems) throw std::bad_alloc();
+  const std::uint64_t capacity = std::max(needed, tuple.capacity * 2);
+  auto** items = static_cast<void**>(allocateScanned(capacity * sizeof(void*)));
+  if (tuple.capacity != 0) std::memcpy(items, tuple.items, tuple.capacity * sizeof(void*));
+  tuple.items = items;
+  tuple.capacity = capacity;
+}
+
+}  // namespace
+
+TupleObject* newTuple(const RuntimeClass& type) {
+  const std::uint64_t capacity = type.typeArguments != 0 ? type.typeArguments : kUntypedItems;
+  auto* tuple = static_cast<TupleObject*>(allocateScanned(sizeof(TupleObject) + capacity * sizeof(void*)));
+  tuple->runtimeClass = &type;
+  tuple->capacity = capacity;
+  tuple->items = reinterpret_cast<void**>(tuple + 1);
+  tuple->header = objectHeaderFor(tuple, ObjectKind::Tuple);
+  return tuple;
+}
+
+bool readItemName(std::string_view name, std::uint64_t& index) {
+  if (name.size() < 2 || name[0] != '_') return false;
+  const bool leadingZero = name[1] == '0' && name.size() > 2;
+  if (leadingZero || name[1] < '0' || name[1] > '9') return false;
+  const char* const end = name.data() + name.size();
+  const auto parsed = std::from_chars(name.data() + 1, end, index);
+  return parsed.ec == std::errc() && parsed.ptr == end;
+}
+
+void* tupleItem(const TupleObject& tuple, std::uint64_t index) {
+  return index < tuple.capacity ? tuple.items[index] : nullptr;
+}
+
+void setTupleItem(TupleObject& tuple, std::uint64_t index, void* item) {
+  if (index >= kMostItems) throw std::bad_alloc();
+  if (index >= tuple.capacity) growTo(tuple, index + 1);
+  tuple.items[index] = item;
+}
+
+}  // namespace vorn::runtime

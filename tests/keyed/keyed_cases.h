@@ -1,0 +1,219 @@
+// What the tests of maps and sets share: the kinds they run over, checks of whole objects, and a user class whose hooks
+// a test can replace.
+#pragma once
+
+#include <pthread.h>
+#include <vorn/collections/hash_set.h>
+#include <vorn/collections/map.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "collections/keyed/keyed_validation.h"
+#include "collections/keyed/map_data.h"
+#include "collections/keyed/set_data.h"
+#include "tests/support/runtime_test.h"
+
+namespace vorn::tests {
+
+inline constexpr const char* kMapTypes[] = {"Map", "HashMapSync", "SortedMap", "SortedMapSync"};
+inline constexpr const char* kSetTypes[] = {"HashSet", "HashSetSync"};
+
+inline long long sizeField(void* handle) {
+  std::int64_t size = -1;
+  EXPECT_NE(vorn_field_get_integer(handle, "size", &size), 0);
+  return size;
+}
+
+template <class Record>
+bool unlocked(const Record& record) {
+  if (!record.synchronized) return true;
+  if (pthread_mutex_trylock(record.mutex) != 0) return false;
+  pthread_mutex_unlock(record.mutex);
+  return true;
+}
+
+// Whether the record is whole and unlocked, and the "size" field tells the number of entries; else what is wrong.
+inline std::string faultOfMap(void* map) {
+  const MapData& data = *getMapData(map);
+  if (!unlocked(data)) return "the map is locked";
+  if (sizeField(map) != static_cast<long long>(data.count())) return "the size field is not the number of entries";
+  return collections::validateMapData(data);
+}
+inline std::string faultOfSet(void* set) {
+  const SetData& data = *getSetData(set);
+  if (!unlocked(data)) return "the set is locked";
+  if (sizeField(set) != static_cast<long long>(data.count())) return "the size field is not the number of elements";
+  return collections::validateSetData(data);
+}
+#define EXPECT_MAP_AT_REST(map) EXPECT_EQ(::vorn::tests::faultOfMap(map), "")
+#define EXPECT_SET_AT_REST(set) EXPECT_EQ(::vorn::tests::faultOfSet(set), "")
+
+// The entries in storage order, read from the record itself.
+struct Entry {
+  void* key;
+  void* value;
+  friend bool operator==(const Entry&, const Entry&) = default;
+};
+inline std::vector<Entry> entriesOf(void* map) {
+  std::vector<Entry> entries;
+  getMapData(map)->forEach([&](const NativeCollectionKey&, const NativeMapEntry& entry) {
+    entries.push_back({entry.key, entry.value});
+  });
+  return entries;
+}
+inline std::vector<void*> elementsOf(void* set) {
+  std::vector<void*> elements;
+  getSetData(set)->forEach([&](const NativeCollectionKey&, void* element) { elements.push_back(element); });
+  return elements;
+}
+
+// Everything a caller can tell apart in a map or set: compare it before and after what must change nothing.
+struct MapState {
+  explicit MapState(void* map)
+      : keyType(getMapData(map)->keyType.get()),
+        valueType(getMapData(map)->valueType.get()),
+        size(sizeField(map)),
+        entries(entriesOf(map)) {}
+  std::string keyType;
+  std::string valueType;
+  long long size;
+  std::vector<Entry> entries;
+  friend bool operator==(const MapState&, const MapState&) = default;
+};
+
+inline std::string keyTypeOf(void* map) { return getMapData(map)->keyType.get(); }
+inline std::string valueTypeOf(void* map) { return getMapData(map)->valueType.get(); }
+
+// The elements of a list that a native returned, as handles; numbers come as new boxes.
+inline std::vector<Handle> listed(void* list) {
+  std::vector<Handle> handles;
+  const Handle keep(list);
+  for (long long i = 0; i < vorn_collections_ArrayList_size(list); ++i) {
+    handles.emplace_back(vorn_collections_ArrayList_operator_index(list, i));
+  }
+  return handles;
+}
+inline std::vector<long long> listedIntegers(void* list) {
+  std::vector<long long> values;
+  const Handle keep(list);
+  for (long long i = 0; i < vorn_collections_ArrayList_size(list); ++i) {
+    values.push_back(vorn_collections_ArrayList_getInt(list, i));
+  }
+  return values;
+}
+
+inline Handle number(std::int64_t value) { return integer("Int", value); }
+inline std::int64_t valueOf(void* box) {
+  std::int64_t value = -1;
+  EXPECT_NE(vorn_unbox_integer(box, &value), 0);
+  return value;
+}
+
+// A map of the named class with the entries 0 -> 100, 1 -> 101, ...
+inline Handle countingMap(const std::string& type, int count) {
+  Handle map = object(type);
+  for (int i = 0; i < count; ++i) vorn_collections_Map_put(map, number(i), number(100 + i));
+  return map;
+}
+inline Handle countingSet(const std::string& type, int count) {
+  Handle set = object(type);
+  for (int i = 0; i < count; ++i) vorn_collections_HashSet_add(set, number(i));
+  return set;
+}
+
+// The hooks of "app.Key", which has the integer field "id". Without a replacement two keys are equal when their ids
+// are, are ordered by id, and all have the same hash. What a replacement captures must be rooted elsewhere.
+struct KeyHooks {
+  std::function<bool(void* self, void* other)> equals;
+  std::function<int(void* self, void* other, bool* comparable)> compare;
+  std::function<std::uint64_t(void* self)> hash;
+};
+inline KeyHooks keyHooks;
+
+inline std::int64_t idOf(void* handle) {
+  std::int64_t id = -1;
+  vorn_field_get_integer(handle, "id", &id);
+  return id;
+}
+
+inline Handle userKey(std::int64_t id) {
+  static const bool defined = [] {
+    const vorn_field_definition fields[] = {{"id", VORN_FIELD_INTEGER}};
+    vorn_class_definition definition = {};
+    definition.struct_size = sizeof(definition);
+    definition.name = "app.Key";
+    definition.fields = fields;
+    definition.field_count = 1;
+    definition.equals = [](void* self, void* other, void*) {
+      if (keyHooks.equals) return keyHooks.equals(self, other);
+      return vorn_is_instance(other, "app.Key") != 0 && idOf(self) == idOf(other);
+    };
+    definition.compare = [](void* self, void* other, bool* comparable, void*) {
+      *comparable = true;
+      if (keyHooks.compare) return keyHooks.compare(self, other, comparable);
+      *comparable = vorn_is_instance(other, "app.Key") != 0;
+      return static_cast<int>(idOf(self) - idOf(other));
+    };
+    definition.hash = [](void* self, void*) -> std::uint64_t { return keyHooks.hash ? keyHooks.hash(self) : 1; };
+    return vorn_class_define(&definition) != 0;
+  }();
+  EXPECT_TRUE(defined);
+  Handle key = object("app.Key");
+  EXPECT_NE(vorn_field_set_integer(key, "id", id), 0);
+  return key;
+}
+
+// Fixture whose tests start and end with the default hooks.
+class KeyedTest : public RuntimeTest {
+ protected:
+  void TearDown() override {
+    keyHooks = {};
+    RuntimeTest::TearDown();
+  }
+};
+
+// Runs a test over every class of maps or of sets.
+class MapTest : public KeyedTest, public ::testing::WithParamInterface<const char*> {
+ protected:
+  static std::string type() { return GetParam(); }
+  static bool sorted() { return type().starts_with("Sorted"); }
+  static bool synchronised() { return type().ends_with("Sync"); }
+};
+class SetTest : public KeyedTest, public ::testing::WithParamInterface<const char*> {
+ protected:
+  static std::string type() { return GetParam(); }
+  static bool synchronised() { return type().ends_with("Sync"); }
+};
+#define INSTANTIATE_MAP_TESTS(suite)                                                    \
+  INSTANTIATE_TEST_SUITE_P(Kinds, suite, ::testing::ValuesIn(::vorn::tests::kMapTypes), \
+                           [](const auto& param) { return std::string(param.param); })
+#define INSTANTIATE_SET_TESTS(suite)                                                    \
+  INSTANTIATE_TEST_SUITE_P(Kinds, suite, ::testing::ValuesIn(::vorn::tests::kSetTypes), \
+                           [](const auto& param) { return std::string(param.param); })
+
+// Runs `attempt` with its first, second, third ... allocation failing until it gets through, and `check` after every
+// failure. Returns how many attempts failed.
+template <class Attempt, class Check>
+int sweepAllocationFailures(Attempt attempt, Check check) {
+  for (int failures = 0; failures < 200; ++failures) {
+    SCOPED_TRACE("failing allocation " + std::to_string(failures));
+    vorn_heap_fail_allocation(failures);
+    bool threw = false;
+    try {
+      attempt();
+    } catch (const std::bad_alloc&) {
+      threw = true;
+    }
+    const bool failed = vorn_heap_failure_happened() != 0;
+    vorn_heap_fail_allocation(-1);
+    EXPECT_EQ(threw, failed) << "an allocation that fails must leave as std::bad_alloc";
+    if (!failed) return failures;
+    check();
+  }
+  ADD_FAILURE() << "200 allocations were not enough";
+  return 200;
+}
+
+}  // namespace vorn::tests

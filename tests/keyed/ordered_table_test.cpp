@@ -1,0 +1,174 @@
+// The ordered table by itself: order, balance through all shapes of insertion and removal, and a model.
+#include "collections/keyed/ordered_table.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <numeric>
+
+#include "tests/keyed/table_support.h"
+
+namespace vorn::tests {
+namespace {
+
+using Table = collections::OrderedTable;
+
+class OrderedTableTest : public RuntimeTest {
+ protected:
+  void SetUp() override { map_->hashed = false; }
+  void TearDown() override {
+    expectWhole();
+    RuntimeTest::TearDown();
+  }
+
+  [[nodiscard]] Table& table() const { return map_->ordered; }
+  void expectWhole() const { ASSERT_EQ(collections::validateMapData(*map_), ""); }
+
+  void put(std::int64_t key, void* value = nullptr) const {
+    const Handle keep(value);
+    const auto place = table().find(integerCollectionKey(key));
+    if (place.node != nullptr) {
+      place.node->entry.value = value;
+      return;
+    }
+    table().makeRoom();
+    table().insert(place, integerCollectionKey(key), {nullptr, value});
+  }
+  bool remove(std::int64_t key) const {
+    const auto place = table().find(integerCollectionKey(key));
+    if (place.node == nullptr) return false;
+    table().remove(place.node);
+    return true;
+  }
+  [[nodiscard]] std::vector<std::int64_t> keys() const {
+    std::vector<std::int64_t> result;
+    table().forEach([&](const NativeCollectionKey& key, const NativeMapEntry&) {
+      result.push_back(static_cast<std::int64_t>(key.words[0]));
+    });
+    return result;
+  }
+
+  CollectedRecord<MapData> map_;
+};
+
+TEST_F(OrderedTableTest, NewTable_IsEmptyAndHasNoMemory) {
+  EXPECT_EQ(table().count(), 0U);
+  EXPECT_EQ(table().first(), nullptr);
+  EXPECT_EQ(table().pool().firstBlock(), nullptr);
+  EXPECT_EQ(table().find(integerCollectionKey(1)).node, nullptr);
+}
+
+TEST_F(OrderedTableTest, Insert_AscendingDescendingAndMixed_StaysSortedAndBalanced) {
+  for (const int shape : {0, 1, 2}) {
+    table().clear();
+    for (std::int64_t i = 0; i < 300; ++i) {
+      put(shape == 0 ? i : shape == 1 ? 299 - i : (i * 101) % 300);
+      expectWhole();
+    }
+    std::vector<std::int64_t> expected(300);
+    std::iota(expected.begin(), expected.end(), 0);
+    EXPECT_EQ(keys(), expected);
+  }
+}
+
+TEST_F(OrderedTableTest, NegativeAndExtremeIntegers_AreOrderedByValue) {
+  constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
+  constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
+  for (const std::int64_t key : {kMax, std::int64_t{0}, kMin, std::int64_t{-1}, std::int64_t{1}}) put(key);
+  EXPECT_EQ(keys(), (std::vector<std::int64_t>{kMin, -1, 0, 1, kMax}));
+}
+
+// Every way to empty a small tree: each order of removal meets other cases of rebalancing.
+TEST_F(OrderedTableTest, Remove_EveryOrderOfSevenKeys_StaysWhole) {
+  const int size = onStressHeap() ? 5 : 7;
+  std::vector<std::int64_t> order(static_cast<std::size_t>(size));
+  std::iota(order.begin(), order.end(), 0);
+  do {
+    for (std::int64_t key = 0; key < size; ++key) put(key);
+    std::vector<std::int64_t> left = keys();
+    for (const std::int64_t key : order) {
+      ASSERT_TRUE(remove(key));
+      std::erase(left, key);
+      ASSERT_EQ(keys(), left);
+      expectWhole();
+    }
+  } while (std::next_permutation(order.begin(), order.end()));
+  EXPECT_EQ(table().root(), nullptr);
+}
+
+TEST_F(OrderedTableTest, Remove_FreeNodesAreReusedBeforeNewBlocks) {
+  for (std::int64_t key = 0; key < 50; ++key) put(key);
+  const auto* const last = table().pool().lastBlock();
+  const std::uint32_t used = last->used;
+  for (std::int64_t key = 0; key < 50; ++key) EXPECT_TRUE(remove(key));
+  expectWhole();
+  for (std::int64_t key = 0; key < 50; ++key) put(-key);
+  EXPECT_EQ(table().pool().lastBlock(), last);
+  EXPECT_EQ(last->used, used);
+}
+
+TEST_F(OrderedTableTest, Clear_DropsTheNodes) {
+  for (std::int64_t key = 0; key < 50; ++key) put(key);
+  table().clear();
+  EXPECT_EQ(table().count(), 0U);
+  EXPECT_EQ(keys(), std::vector<std::int64_t>{});
+  EXPECT_EQ(table().pool().firstBlock(), nullptr);
+}
+
+TEST_F(OrderedTableTest, Changes_DifferAfterEveryStructuralChangeOnly) {
+  put(1);
+  std::uint64_t before = table().changes();
+  const auto changed = [&] { return std::exchange(before, table().changes()) != table().changes(); };
+  put(1);
+  EXPECT_FALSE(changed()) << "replacing";
+  put(2);
+  EXPECT_TRUE(changed()) << "inserting";
+  EXPECT_TRUE(remove(2));
+  EXPECT_TRUE(changed()) << "removing";
+  table().clear();
+  EXPECT_TRUE(changed()) << "clearing";
+}
+
+TEST_F(OrderedTableTest, FailedAllocation_LeavesTheElements) {
+  for (std::int64_t key = 0; key < 200; ++key) {
+    sweepAllocationFailures([&] { table().makeRoom(); },
+                            [&] {
+                              expectWhole();
+                              EXPECT_EQ(table().count(), static_cast<std::uint64_t>(key));
+                            });
+    put(key);
+  }
+  EXPECT_EQ(table().count(), 200U);
+}
+
+TEST_F(OrderedTableTest, RandomOperations_AgreeWithAModel) {
+  const int steps = onStressHeap() ? 400 : 20000;
+  std::map<std::int64_t, std::int64_t> model;
+  Randoms random(41);
+  for (int step = 0; step < steps; ++step) {
+    const auto key = static_cast<std::int64_t>(random.below(500)) - 250;
+    // Phases of growth and of decline.
+    if (random.below(10) < (step % 2000 < 1000 ? 3U : 7U)) {
+      EXPECT_EQ(remove(key), model.erase(key) == 1);
+    } else {
+      put(key, number(step));
+      model[key] = step;
+    }
+    if (step % 61 == 0) expectWhole();
+    if (step % 7001 == 7000) {
+      table().clear();
+      model.clear();
+    }
+  }
+  ASSERT_EQ(table().count(), model.size());
+  auto expected = model.begin();
+  table().forEach([&](const NativeCollectionKey& key, const NativeMapEntry& entry) {
+    ASSERT_NE(expected, model.end());
+    EXPECT_EQ(static_cast<std::int64_t>(key.words[0]), expected->first);
+    EXPECT_EQ(valueOf(entry.value), expected->second);
+    ++expected;
+  });
+}
+
+}  // namespace
+}  // namespace vorn::tests
