@@ -1,5 +1,6 @@
 #include "collections/arraylist/collect_values.h"
 
+#include <vorn/collections/array.h>
 #include <vorn/collections/array_list.h>
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/immutable_list.h>
@@ -10,13 +11,6 @@
 #include "collections/core/runtime_interface.h"
 
 using vorn::collections::HandleVector;
-
-// The natives of arrays. Weak, because a build of the library may leave the class out; the runtime then makes no such
-// object.
-extern "C" {
-__attribute__((weak)) long long vorn_collections_Array_size(void* array);
-__attribute__((weak)) void* vorn_collections_Array_operator_index(void* array, long long index);
-}
 
 namespace {
 
@@ -52,7 +46,7 @@ std::string_view typeNameOf(void* value) {
 }
 
 bool collect(void* value, const ElementReader& reader, HandleVector::Storage& values) {
-  if (reader.size == nullptr || reader.at == nullptr) return false;
+  if (reader.at == nullptr) return false;
   const long long length = reader.size(value);
   if (length < 0) return false;
   values.reserve(values.size() + static_cast<std::size_t>(length));

@@ -86,6 +86,10 @@ bool sortHandles(void** handles, std::uint64_t count) {
   return !failed;
 }
 
+void sortHandlesThroughErrors(void** handles, std::uint64_t count) {
+  introsort(handles, count, [](void* left, void* right) { return compareListValues(left, right) < 0; });
+}
+
 void sortObjects(ListData& list) {
   if (list.objectCount() < 2) return;
   if (!list.linked) {

@@ -81,9 +81,9 @@ bool nativeCollectionKeysEqual(const NativeCollectionKey& left, const NativeColl
 
 // Negative, zero or positive: the order of keys. By tag first; numbers by value with NaN last, texts by bytes,
 // identities by address, tuples before immutable lists and each lexicographically, instances by ordering hook when it
-// can compare the two, else by the name of the topmost class that brings their hook, then by address. A hook that raises
-// counts as one that cannot compare, so that no two keys pass for one because of an error. May run user code, raise and
-// allocate for sequences and instances.
+// can compare the two, else by the name of the topmost class that brings their hook, then by address. A hook that
+// raises counts as one that cannot compare, so that no two keys pass for one because of an error. May run user code,
+// raise and allocate for sequences and instances.
 int compareNativeCollectionKeys(const NativeCollectionKey& left, const NativeCollectionKey& right);
 
 #pragma GCC visibility pop

@@ -68,6 +68,30 @@ void raiseTupleSource() { Vorn_raise(kTypeError, "argument 1 of Tuple must be a 
 
 void raiseTupleReadOnly() { Vorn_raise(kReadOnlyException, "Tuple is read-only"); }
 
+void raiseArraySizeNegative() { Vorn_raise(kValueException, "Array size cannot be negative"); }
+
+void raiseInvalidArrayElement() { Vorn_raise(kTypeError, "Invalid array element type"); }
+
+void raiseExpectedIntegerArrayItem() { Vorn_raise(kTypeError, "Expected integer array item"); }
+
+void raiseExpectedFloatingArrayItem() { Vorn_raise(kTypeError, "Expected floating array item"); }
+
+void raiseArrayCopyOfNull() { Vorn_raise(kTypeError, "Array copy constructor expects a non-null ordered collection"); }
+
+void raiseArrayCopySource() { Vorn_raise(kTypeError, "Array copy constructor expects an ordered collection"); }
+
+void raiseFixedSliceCount() {
+  Vorn_raise(kValueException, "fixed array slice assignment requires the same number of values");
+}
+
+void raiseArrayConcatSource() { Vorn_raise(kTypeError, "array concatenation expects an ordered collection"); }
+
+void raiseNulInString() { Vorn_raise(kValueException, "U+0000 cannot be stored in a String"); }
+
+void raiseUnpairedHighSurrogate() { Vorn_raise(kValueException, "Unpaired high surrogate in CodeUnit[]"); }
+
+void raiseUnpairedLowSurrogate() { Vorn_raise(kValueException, "Unpaired low surrogate in CodeUnit[]"); }
+
 void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName) {
   // Every list class says "ArrayList" here, the linked and synchronised ones included.
   std::string message = "ArrayList<";

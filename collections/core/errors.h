@@ -32,6 +32,18 @@ namespace vorn::collections::errors {
 [[gnu::cold]] void raiseTupleSource();
 [[gnu::cold]] void raiseTupleReadOnly();
 
+[[gnu::cold]] void raiseArraySizeNegative();
+[[gnu::cold]] void raiseInvalidArrayElement();
+[[gnu::cold]] void raiseExpectedIntegerArrayItem();
+[[gnu::cold]] void raiseExpectedFloatingArrayItem();
+[[gnu::cold]] void raiseArrayCopyOfNull();
+[[gnu::cold]] void raiseArrayCopySource();
+[[gnu::cold]] void raiseFixedSliceCount();
+[[gnu::cold]] void raiseArrayConcatSource();
+[[gnu::cold]] void raiseNulInString();
+[[gnu::cold]] void raiseUnpairedHighSurrogate();
+[[gnu::cold]] void raiseUnpairedLowSurrogate();
+
 // `valueTypeName` is the value's runtime type name; null stands for a value that has none.
 [[gnu::cold]] void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName);
 

@@ -17,23 +17,27 @@ void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint
   target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
 }
 
+void gatherElements(const unsigned char* from, long long first, long long step, std::uint64_t count,
+                    std::uint64_t width, unsigned char* to) {
+  auto position = static_cast<std::uint64_t>(first);
+  if (step == 1) {
+    std::memcpy(to, from + position * width, count * width);
+    return;
+  }
+  visitWidth(width, [&](auto bits) {
+    using Bits = decltype(bits);
+    for (std::uint64_t i = 0; i < count; ++i, position += static_cast<std::uint64_t>(step)) {
+      std::memcpy(to + i * sizeof(Bits), from + position * sizeof(Bits), sizeof(Bits));
+    }
+  });
+}
+
 void appendPrimitiveElements(const ListData& source, long long first, long long step, std::uint64_t count,
                              ListData& target) {
   SmallPrimitiveBuffer& to = target.primitive;
   to.reserve(to.size + count);
   const std::uint64_t width = to.elementSize;
-  unsigned char* end = to.data + to.size * width;
-  if (step == 1) {
-    std::memcpy(end, source.primitive.data + static_cast<std::uint64_t>(first) * width, count * width);
-  } else {
-    visitWidth(width, [&](auto bits) {
-      using Bits = decltype(bits);
-      auto position = static_cast<std::uint64_t>(first);
-      for (std::uint64_t i = 0; i < count; ++i, position += static_cast<std::uint64_t>(step)) {
-        std::memcpy(end + i * sizeof(Bits), source.primitive.data + position * sizeof(Bits), sizeof(Bits));
-      }
-    });
-  }
+  gatherElements(source.primitive.data, first, step, count, width, to.data + to.size * width);
   to.size += count;
 }
 

@@ -1,4 +1,4 @@
-// Copying runs of unboxed elements from one list to another, as bytes. The lists have the same kind.
+// Copying runs of unboxed elements of one kind, as bytes; from one list to another or between buffers.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,10 @@ namespace vorn::collections {
 // Makes an empty array-backed list primitive storage like the source, with room for n elements. Its declared type stays
 // when it has one, else it becomes the source's declared type or, failing that, the type name. Allocates.
 void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n);
+
+// Copies elements first, first + step, ... (`count` of them) of the given width to `to`, which does not overlap.
+void gatherElements(const unsigned char* from, long long first, long long step, std::uint64_t count,
+                    std::uint64_t width, unsigned char* to);
 
 // Appends source elements first, first + step, ... (`count` of them) to the target, which has room or gets it.
 // Allocates.

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "collections/core/array_slot_kind.h"
 #include "collections/core/collection_key.h"
 #include "collections/core/runtime_object_layout.h"
 #include "collections/core/runtime_type_name.h"
@@ -72,9 +73,9 @@ void* Vorn_allocArrayListObjectFast(bool synchronised, ListData** listData, bool
 void* Vorn_allocObject(const char* className);
 
 // Fields by name. Boxed values keep theirs in "_value". A missing field reads as 0, 0.0, false or null, and a write to
-// it is ignored; a numeric field read as another numeric type is converted. Maps, sets and tuples have the integer field
-// "size", 0 when new; a tuple's items are "_0", "_1", ..., and writing one that there is no room for makes room. Runs no
-// user code; only Vorn_setField_ptr on a tuple allocates.
+// it is ignored; a numeric field read as another numeric type is converted. Maps, sets and tuples have the integer
+// field "size", 0 when new; a tuple's items are "_0", "_1", ..., and writing one that there is no room for makes room.
+// Runs no user code; only Vorn_setField_ptr on a tuple allocates.
 long long Vorn_getField_i64(void* handle, const char* field);
 double Vorn_getField_double(void* handle, const char* field);
 bool Vorn_getField_i1(void* handle, const char* field);
@@ -115,6 +116,29 @@ void* Vorn_allocString(std::string_view text);
 
 // The text of a String object or of a bare text.
 std::string stringValueFromPtr(void* handle);
+
+// ---- Array slots and characters
+// ----------------------------------------------------------------------------------------
+
+// The slot kind of an element type name, short or full; Object for every name that is no primitive type. Char has the
+// slots of UInt32, CodeUnit those of UInt16.
+ArraySlotKind slotKindForArrayElementType(std::string_view typeName);
+
+// Unboxes a value for a slot: integers of the eight types, numbers of those and the floating types, Booleans. False,
+// with nothing stored, for any other value. None allocates or runs user code.
+bool extractArrayElementInteger(void* value, long long& integer);
+bool extractArrayElementDouble(void* value, double& floating);
+bool extractArrayElementBool(void* value, bool& truth);
+
+extern "C" {
+// The value when it is a Unicode scalar or a 16-bit code unit; otherwise 0, after raising what storing it into a list
+// of that type raises.
+long long Vorn_intToChar(long long value);
+long long Vorn_intToCodeUnit(long long value);
+
+// The UTF-8 text of a code unit that is no surrogate; null above 0xFFFF. Lives as long as the process.
+const char* Vorn_codeUnitToString(long long unit);
+}
 
 // ---- Type names -----------------------------------------------------------------------------------------------------
 

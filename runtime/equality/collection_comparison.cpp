@@ -42,6 +42,11 @@ std::size_t sizeOf(Family family, void* collection) {
   if (family == Family::Tuple) return tupleOf(collection)->itemCount();
   if (family == Family::Map) return sizeOfMap(collection);
   if (family == Family::Set) return sizeOfSet(collection);
+  if (family == Family::Array) {
+    const ArrayData& array = *getArrayData(collection);
+    const ArrayDataLock lock(array);
+    return std::max(array.primitive.size, array.objects.size);
+  }
   const ListData& data = *getListData(collection);
   const ListDataLock lock(data);
   return data.logicalSize();
@@ -64,7 +69,7 @@ class Comparison {
   }
 
  private:
-  // Two lists or tuples whose elements are being compared, or two maps, whose values are.
+  // Two lists, arrays or tuples whose elements are being compared, or two maps, whose values are.
   struct Level {
     ElementSnapshot left;
     ElementSnapshot right;
@@ -89,12 +94,14 @@ class Comparison {
     switch (family) {
       case Family::Tuple:
         return enterTuples(*tupleOf(left), *tupleOf(right));
+      case Family::Array:
+        return enterRecords(*getArrayData(left), *getArrayData(right));
       case Family::Map:
         return enterMaps(left, right);
       case Family::Set:
         return compareSets(left, right);
       default:
-        return enterLists(left, right);
+        return enterRecords(*getListData(left), *getListData(right));
     }
   }
 
@@ -139,24 +146,25 @@ class Comparison {
     return matching == Matching::Raised ? Verdict::Raised : Verdict::Greater;
   }
 
-  Verdict enterLists(void* left, void* right) {
+  // Lists or arrays, by their records.
+  template <class Record>
+  Verdict enterRecords(const Record& leftData, const Record& rightData) {
+    using Lock = collections::RecordLock<Record>;
     const std::size_t firstHandle = handles_->size();
-    const ListData& leftData = *getListData(left);
-    const ListData& rightData = *getListData(right);
     std::optional<ElementSnapshot> leftElements;
     UnboxedElements leftInPlace;
     {
-      const ListDataLock lock(leftData);
-      if (leftData.primitiveKind == ListData::PrimitiveKind::None) {
+      const Lock lock(leftData);
+      if (!isUnboxed(leftData)) {
         leftElements.emplace(firstHandle, appendHandles(leftData, *handles_));
       } else {
         leftInPlace = UnboxedElements(leftData);
-        // Without a lock nobody else may touch the list, and it can stay where it is until user code runs.
+        // Without a lock nobody else may touch it, and it can stay where it is until user code runs.
         if (leftData.synchronized) leftElements.emplace(leftInPlace);
       }
     }
-    const ListDataLock lock(rightData);
-    if (rightData.primitiveKind == ListData::PrimitiveKind::None) {
+    const Lock lock(rightData);
+    if (!isUnboxed(rightData)) {
       if (!leftElements) leftElements.emplace(leftInPlace);
       const std::size_t rightFirst = handles_->size();
       levels_.push_back(

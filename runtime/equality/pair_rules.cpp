@@ -127,6 +127,8 @@ Family familyOf(const void* handle) {
       return Family::Tuple;
     case ObjectKind::List:
       return object->runtimeClass->builtin == BuiltinClass::ImmutableList ? Family::ImmutableList : Family::MutableList;
+    case ObjectKind::Array:
+      return Family::Array;
     case ObjectKind::Map:
       return Family::Map;
     case ObjectKind::Set:

@@ -38,10 +38,10 @@ Verdict judgeByHook(Rule rule, void* left, void* right);
 // Whether the handle is an instance whose class has the hook that the rule, Equality or Order, asks for.
 bool hasHook(Rule rule, const void* handle);
 
-// Collections compare by content with those of their own family only. Arrays are not among them.
-enum class Family : std::uint8_t { None, Tuple, ImmutableList, MutableList, Map, Set };
+// Collections compare by content with those of their own family only.
+enum class Family : std::uint8_t { None, Tuple, ImmutableList, MutableList, Array, Map, Set };
 Family familyOf(const void* handle);
 
-inline bool isSequence(Family family) { return family >= Family::Tuple && family <= Family::MutableList; }
+inline bool isSequence(Family family) { return family >= Family::Tuple && family <= Family::Array; }
 
 }  // namespace vorn::runtime

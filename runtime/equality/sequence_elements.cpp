@@ -2,7 +2,9 @@
 
 #include <cstring>
 
+#include "collections/array/slot_access.h"
 #include "collections/core/primitive_kinds.h"
+#include "collections/core/runtime_interface.h"
 
 namespace vorn::runtime {
 namespace {
@@ -25,6 +27,15 @@ UnboxedElements::UnboxedElements(const ListData& list)
       width_(list.primitive.elementSize),
       kind_(list.primitiveKind),
       name_(list.primitiveType),
+      family_(familyOf(kind_, name_)),
+      unsigned64_(name_ == "ULong") {}
+
+UnboxedElements::UnboxedElements(const ArrayData& array)
+    : data_(array.primitive.data),
+      size_(array.primitive.size),
+      width_(array.primitive.elementSize),
+      kind_(collections::primitiveKindOf(array.slotKind)),
+      name_(internRuntimeTypeName(shortTypeNameLocal(array.elementType.get()))),
       family_(familyOf(kind_, name_)),
       unsigned64_(name_ == "ULong") {}
 
@@ -97,6 +108,11 @@ std::size_t appendHandles(const ListData& list, collections::HandleVector::Stora
     handles.push_back(static_cast<const LinkedHandles::Node*>(at)->handle);
   }
   return handles.size() - before;
+}
+
+std::size_t appendHandles(const ArrayData& array, collections::HandleVector::Storage& handles) {
+  handles.insert(handles.end(), array.objects.data, array.objects.data + array.objects.size);
+  return array.objects.size;
 }
 
 std::size_t appendItems(const TupleObject& tuple, collections::HandleVector::Storage& handles) {

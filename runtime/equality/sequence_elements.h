@@ -1,10 +1,11 @@
-// The elements of a list or tuple as they were at one moment, for comparisons that may run user code.
+// The elements of a list, array or tuple as they were at one moment, for comparisons that may run user code.
 #pragma once
 
 #include <cstddef>
 #include <optional>
 #include <vector>
 
+#include "collections/array/array_data.h"
 #include "collections/core/list_data.h"
 #include "collections/core/roots.h"
 #include "runtime/objects/tuple_object.h"
@@ -12,12 +13,14 @@
 
 namespace vorn::runtime {
 
-// Unboxed elements, where they are. Not valid once the list may change.
+// Unboxed elements, where they are. Not valid once the list or array may change.
 class UnboxedElements {
  public:
   UnboxedElements() = default;
   // `list` has primitive storage.
   explicit UnboxedElements(const ListData& list);
+  // `array` has unboxed slots.
+  explicit UnboxedElements(const ArrayData& array);
 
   [[nodiscard]] std::size_t size() const { return size_; }
   [[nodiscard]] Scalar at(std::size_t index) const;
@@ -63,8 +66,15 @@ class ElementSnapshot {
   std::size_t count_ = 0;
 };
 
+// Whether the elements are unboxed. The caller holds the lock.
+inline bool isUnboxed(const ListData& list) { return list.primitiveKind != ListData::PrimitiveKind::None; }
+inline bool isUnboxed(const ArrayData& array) { return array.slotKind != ArraySlotKind::Object; }
+
 // Appends the list's handles to the vector and gives their number. The caller holds the list's lock. Allocates.
 std::size_t appendHandles(const ListData& list, collections::HandleVector::Storage& handles);
+
+// The same for an array.
+std::size_t appendHandles(const ArrayData& array, collections::HandleVector::Storage& handles);
 
 // The same for the items of a tuple, which has no lock.
 std::size_t appendItems(const TupleObject& tuple, collections::HandleVector::Storage& handles);

@@ -16,7 +16,7 @@ Verdict judge(Rule rule, void* left, void* right) {
   return verdict == Verdict::Contents ? vorn::runtime::compareContents(rule, left, right) : verdict;
 }
 
-// Lists and tuples. Those of different families are unequal and have no order.
+// Lists, arrays and tuples. Those of different families are unequal and have no order.
 bool areSequences(const void* left, const void* right) {
   return vorn::runtime::isSequence(vorn::runtime::familyOf(left)) &&
          vorn::runtime::isSequence(vorn::runtime::familyOf(right));

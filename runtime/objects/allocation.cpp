@@ -45,7 +45,7 @@ void* newObject(const RuntimeClass& type) {
     case ObjectKind::Set:
       return newSet(type);
     case ObjectKind::Array:
-      return nullptr;  // Not provided yet: arrays have no record.
+      return newArray(type);
   }
   return nullptr;
 }

@@ -5,6 +5,7 @@
 #include <new>
 #include <system_error>
 
+#include "collections/array/array_data.h"
 #include "collections/core/list_data.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
@@ -17,7 +18,12 @@ struct ListObject : ObjectRecord {
   ListData record;
 };
 
-// "size" is the first field, as in tuples; the natives keep it up to date.
+// "size" is the first field, as in tuples. The natives of maps and sets keep it up to date; of those of arrays only the
+// copy from another array writes it, the rest being up to the language's own class.
+struct ArrayObject : ObjectRecord {
+  std::int64_t size;
+  ArrayData record;
+};
 struct MapObject : ObjectRecord {
   std::int64_t size;
   MapData record;
@@ -32,6 +38,7 @@ struct Synchronised : Object {
   pthread_mutex_t mutex;
 };
 static_assert(alignof(Synchronised<ListObject>) <= kObjectAlignment);
+static_assert(alignof(Synchronised<ArrayObject>) <= kObjectAlignment);
 static_assert(alignof(Synchronised<MapObject>) <= kObjectAlignment);
 static_assert(alignof(Synchronised<SetObject>) <= kObjectAlignment);
 
@@ -67,6 +74,8 @@ ObjectRecord* newList(const RuntimeClass& type, ListData** record) {
   if (record != nullptr) *record = &object->record;
   return object;
 }
+
+ObjectRecord* newArray(const RuntimeClass& type) { return newCollection<ArrayObject>(type); }
 
 ObjectRecord* newMap(const RuntimeClass& type) {
   auto* object = newCollection<MapObject>(type);

@@ -14,6 +14,9 @@ namespace vorn::runtime {
 // A new, empty list; *record is its record. Allocates; std::bad_alloc.
 ObjectRecord* newList(const RuntimeClass& type, ListData** record = nullptr);
 
+// A new array without elements; its constructor native gives it an element type and a size. Allocates; std::bad_alloc.
+ObjectRecord* newArray(const RuntimeClass& type);
+
 // A new, empty map or set. Allocates; std::bad_alloc.
 ObjectRecord* newMap(const RuntimeClass& type);
 ObjectRecord* newSet(const RuntimeClass& type);

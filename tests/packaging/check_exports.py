@@ -6,8 +6,7 @@
 - The collections library exports exactly the natives that the public headers declare with VORN_NATIVE and what its
   sources mark with VORN_EXPORT.
 - Apart from the C and C++ libraries it needs nothing but operations that core/runtime_interface.h and
-  core/runtime_object_layout.h and core/collection_key.h declare: it has no hidden dependency. Natives of a class that
-  the build leaves out are weak references.
+  core/runtime_object_layout.h and core/collection_key.h declare: it has no hidden dependency.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
   and the collector's GC_ functions.
 """
@@ -56,7 +55,6 @@ class Library:
     def __init__(self, path):
         self.exported = set()
         self.needed = set()
-        self.optional = set()
         listing = subprocess.run(
             ["nm", "-D", "--with-symbol-versions", path], check=True, capture_output=True, text=True)
         for line in listing.stdout.splitlines():
@@ -64,7 +62,7 @@ class Library:
             if kind in "Uw":
                 # A symbol of a system library carries its version.
                 if "@" not in symbol and symbol not in START_UP:
-                    (self.optional if kind == "w" else self.needed).add(symbol)
+                    self.needed.add(symbol)
             elif not (kind in "WVu" and STANDARD_LIBRARY.match(demangled(symbol))):
                 self.exported.add(symbol.split("@")[0])
 
@@ -95,9 +93,6 @@ def main():
             problems.append(f"{demangled(symbol)}: needed by the library, but no declared runtime operation")
         if symbol not in runtime.exported:
             problems.append(f"{demangled(symbol)}: needed by the library, but not exported by the runtime")
-    for symbol in sorted(collections.optional):
-        if not symbol.startswith("vorn_collections_"):
-            problems.append(f"{demangled(symbol)}: a weak reference of the library, but to none of its own natives")
     for symbol in sorted(runtime.needed - collections.exported):
         if not symbol.startswith("GC_"):
             problems.append(f"{demangled(symbol)}: needed by the runtime, but not exported by the library")

@@ -1,0 +1,69 @@
+// The storage record of every fixed array.
+//
+// An array has one element type from its construction on, and with it one kind of slot:
+//   slotKind != Object  `primitive` holds the unboxed slots, elementSize being the kind's width;
+//   slotKind == Object  `objects` holds handles.
+// The store that is not live is empty. The record belongs to its object and lives inside the object's block; heap
+// blocks come from the collector (unboxed slots from pointer-free memory) and are never freed. Only natives lock;
+// nothing in this file does, and nothing checks an index unless it says so.
+#pragma once
+
+#include <pthread.h>
+#include <vorn/collections/export.h>
+
+#include <cstdint>
+
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/record_lock.h"
+#include "collections/core/runtime_type_name.h"
+#include "collections/core/small_buffers.h"
+
+struct ArrayData {
+  using SlotKind = ArraySlotKind;
+
+  bool synchronized = false;
+  RuntimeTypeName elementType;  // as written in the array's type, such as "Int", "vorn.Double" or "Map<String, Int>"
+  SlotKind slotKind = SlotKind::Object;
+  SmallPrimitiveBuffer primitive;
+  std::uint64_t elementCounters[2] = {};  // the runtime's; this library only resets them
+  SmallObjectVector objects;
+  pthread_mutex_t* mutex = nullptr;
+
+  ArrayData() = default;
+  ArrayData(const ArrayData&) = delete;
+  ArrayData& operator=(const ArrayData&) = delete;
+};
+
+using ArrayDataLock = vorn::collections::RecordLock<ArrayData>;
+
+// The number of slots.
+VORN_EXPORT std::uint64_t arrayLogicalSize(const ArrayData& array);
+
+// Empties the array: both stores and the counters. Element type and slot kind stay.
+VORN_EXPORT void clearArrayStorage(ArrayData& array);
+
+// Gives the array n slots of its kind, all zero, false or null; what it held is discarded. Throws std::bad_alloc with
+// nothing changed. Allocates.
+VORN_EXPORT void resizeArrayStorage(ArrayData& array, std::uint64_t n);
+
+// Makes the target an element-for-element copy of the source: element type, slot kind, slots. Throws std::bad_alloc
+// with nothing changed. Allocates.
+VORN_EXPORT void copyArrayStorage(const ArrayData& source, ArrayData& target);
+
+// The slot as a signed 64-bit integer: sign- or zero-extended, the same bits for UInt64, truncated toward zero for
+// floating kinds (outside the signed range and for NaN: the minimum value), 0 or 1 for Bool, 0 for Object.
+VORN_EXPORT long long arrayReadI64(const ArrayData& array, std::uint64_t index);
+
+// The slot as a double: floating kinds as stored, 0.0 for Object, else the double of the integer reading.
+VORN_EXPORT double arrayReadF64(const ArrayData& array, std::uint64_t index);
+
+// Stores a scalar, given in both forms: the integer's low bits, the double, or whether the integer is not zero.
+// Ignored for Object.
+void arrayWrite(ArrayData& array, std::uint64_t index, long long integer, double floating);
+
+namespace vorn::collections {
+
+// Turns the array into n empty slots of another element type. Throws std::bad_alloc with nothing changed. Allocates.
+void recreateArrayStorage(ArrayData& array, RuntimeTypeName elementType, ArraySlotKind kind, std::uint64_t n);
+
+}  // namespace vorn::collections

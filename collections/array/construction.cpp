@@ -1,0 +1,108 @@
+// The array constructors.
+#include "collections/array/construction.h"
+
+#include <vorn/collections/array.h>
+#include <vorn/collections/array_list.h>
+#include <vorn/collections/tuple.h>
+
+#include <algorithm>
+#include <cctype>
+#include <vector>
+
+#include "collections/array/array_data.h"
+#include "collections/core/errors.h"
+#include "collections/core/roots.h"
+#include "collections/core/runtime_interface.h"
+
+namespace vc = vorn::collections;
+
+namespace {
+
+std::string_view typeNameOf(void* handle) {
+  const char* name = Vorn_objectTypeName(handle);
+  return name != nullptr ? std::string_view(name) : std::string_view();
+}
+
+// What stands between the outermost brackets; empty when there is none.
+std::string_view bracketedText(std::string_view typeName) {
+  const std::size_t open = typeName.find('<');
+  const std::size_t close = typeName.rfind('>');
+  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
+  std::string_view text = typeName.substr(open + 1, close - open - 1);
+  const auto isBlank = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; };
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+std::uint64_t lockedSize(const ArrayData& array) {
+  const ArrayDataLock lock(array);
+  return arrayLogicalSize(array);
+}
+
+// The target takes over the source's element type, whatever its own was.
+void copyFromArray(void* target, void* source) {
+  if (target == source) return;
+  const ArrayData& from = *getArrayData(source);
+  const std::uint64_t size = lockedSize(from);
+  {
+    ArrayData& to = *getArrayData(target);
+    const ArrayDataLock lockSource(from);
+    const ArrayDataLock lockTarget(to);
+    copyArrayStorage(from, to);
+  }
+  Vorn_setField_i64(target, "size", static_cast<long long>(size));
+}
+
+using IndexNative = void* (*)(void*, long long);
+
+// Element by element, through the natives of both: each element is tested and converted, and a refusal does not end the
+// copy.
+void copyElements(void* target, void* source, long long size, IndexNative at) {
+  vorn_collections_Array_ctor(target, size);
+  vc::RootedHandle element;
+  for (long long i = 0; i < size; ++i) {
+    element = at(source, i);
+    vorn_collections_Array_operator_index_eq(target, i, element.get());
+  }
+}
+
+}  // namespace
+
+namespace vorn::collections {
+
+std::string arrayElementTypeName(std::string_view typeName) {
+  std::vector<std::string> arguments;
+  if (vorn::compiler::ClassLoader::resolveConcreteGenericArgs(typeName, arguments) && !arguments.empty()) {
+    return arguments.front();
+  }
+  const std::string_view text = bracketedText(typeName);
+  return text.empty() ? "Object" : std::string(text);
+}
+
+}  // namespace vorn::collections
+
+void vorn_collections_Array_ctor(void* array, long long size) {
+  if (array == nullptr) return;
+  if (size < 0) return vc::errors::raiseArraySizeNegative();
+  ArrayData& data = *getArrayData(array);
+  const ArrayDataLock lock(data);
+  const std::string elementType = vc::arrayElementTypeName(typeNameOf(array));
+  vc::recreateArrayStorage(data, internRuntimeTypeName(elementType), slotKindForArrayElementType(elementType),
+                           static_cast<std::uint64_t>(size));
+}
+
+void vorn_collections_Array_copyCtor(void* array, void* source) {
+  if (array == nullptr) return;
+  if (source == nullptr) return vc::errors::raiseArrayCopyOfNull();
+  const std::string_view type = typeNameOf(source);
+  if (isArrayLike(type)) return copyFromArray(array, source);
+  if (isArrayListLike(type) || isImmutableListLike(type)) {
+    return copyElements(array, source, vorn_collections_ArrayList_size(source),
+                        vorn_collections_ArrayList_operator_index);
+  }
+  if (isTupleLike(type)) {
+    return copyElements(array, source, Vorn_getField_i64(source, "size"), vorn_collections_Tuple_operator_index);
+  }
+  vc::errors::raiseArrayCopySource();
+}

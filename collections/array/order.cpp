@@ -1,0 +1,79 @@
+// Natives that change the order of an array: sort and reverse, in place and as copies.
+#include <vorn/collections/array.h>
+
+#include <algorithm>
+
+#include "collections/array/array_data.h"
+#include "collections/array/result_arrays.h"
+#include "collections/array/slot_access.h"
+#include "collections/arraylist/object_sort.h"
+#include "collections/core/kernels/reverse_kernels.h"
+#include "collections/core/primitive_sort.h"
+#include "collections/core/roots.h"
+
+namespace vc = vorn::collections;
+using vc::primitiveKindOf;
+
+namespace {
+
+// Sorts a copy, because user ordering may write to the array meanwhile, and puts back as much as it then has room for.
+void sortObjectSlots(SmallObjectVector& objects) {
+  vc::HandleVector handles;
+  handles->assign(objects.data, objects.data + objects.size);
+  vc::sortHandlesThroughErrors(handles->data(), handles->size());
+  std::copy_n(handles->data(), std::min<std::uint64_t>(handles->size(), objects.size), objects.data);
+}
+
+void sortSlots(ArrayData& array) {
+  if (array.slotKind == ArraySlotKind::Object) return sortObjectSlots(array.objects);
+  vc::sortElements(primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size);
+}
+
+void reverseSlots(ArrayData& array) {
+  if (array.slotKind == ArraySlotKind::Object) {
+    return std::reverse(array.objects.data, array.objects.data + array.objects.size);
+  }
+  vc::reverseElements(array.primitive.data, array.primitive.size, array.primitive.elementSize);
+}
+
+// A new array of the receiver's type with its slots; null when it cannot be had.
+void* copyOf(void* array) {
+  ArrayData* target = nullptr;
+  const vc::RootedHandle result(vc::allocateArrayLike(array, &target));
+  if (target == nullptr) return nullptr;
+  const ArrayData& source = *getArrayData(array);
+  const ArrayDataLock lock(source);
+  const ArrayDataLock lockResult(*target);
+  copyArrayStorage(source, *target);
+  return result.get();
+}
+
+}  // namespace
+
+void vorn_collections_Array_sort(void* array) {
+  if (array == nullptr) return;
+  ArrayData& data = *getArrayData(array);
+  const ArrayDataLock lock(data);
+  sortSlots(data);
+}
+
+void* vorn_collections_Array_sortNew(void* array) {
+  if (array == nullptr) return nullptr;
+  const vc::RootedHandle result(copyOf(array));
+  vorn_collections_Array_sort(result.get());
+  return result.get();
+}
+
+void vorn_collections_Array_reverse(void* array) {
+  if (array == nullptr) return;
+  ArrayData& data = *getArrayData(array);
+  const ArrayDataLock lock(data);
+  reverseSlots(data);
+}
+
+void* vorn_collections_Array_reverseNew(void* array) {
+  if (array == nullptr) return nullptr;
+  const vc::RootedHandle result(copyOf(array));
+  vorn_collections_Array_reverse(result.get());
+  return result.get();
+}

@@ -1,0 +1,107 @@
+#include "collections/array/slot_values.h"
+
+#include <string_view>
+
+#include "collections/array/slot_access.h"
+#include "collections/core/element_order.h"
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/roots.h"
+#include "collections/core/runtime_interface.h"
+
+namespace vc = vorn::collections;
+
+namespace {
+
+std::string_view shortElementType(const ArrayData& array) { return shortTypeNameLocal(array.elementType.get()); }
+
+// The payload of an object of exactly the named character type.
+bool extractCharacter(void* value, std::string_view typeName, long long& character) {
+  if (value == nullptr || !hasObjectMagic(value)) return false;
+  const char* valueType = Vorn_objectTypeName(value);
+  if (valueType == nullptr || shortTypeNameLocal(valueType) != typeName) return false;
+  character = Vorn_getField_i64(value, "_value");
+  return true;
+}
+
+bool extractCodeUnitValue(void* value, long long& unit) {
+  return extractCharacter(value, "CodeUnit", unit) && static_cast<unsigned long long>(unit) <= 0xFFFF;
+}
+
+bool extractCharScalar(void* value, long long& scalar) {
+  return extractCharacter(value, "Char", scalar) && vc::isUnicodeScalar(scalar);
+}
+
+bool extractInteger(const ArrayData& array, void* value, long long& integer) {
+  const std::string_view type = shortElementType(array);
+  if (type == "CodeUnit") return extractCodeUnitValue(value, integer);
+  if (type == "Char") return extractCharScalar(value, integer);
+  return extractArrayElementInteger(value, integer);
+}
+
+// The leniency toward the four types is what the language promises.
+bool acceptsHandle(const ArrayData& array, void* value) {
+  if (value == nullptr) return true;
+  const std::string_view type = shortElementType(array);
+  if (type == "Object" || type == "String" || type == "CodeUnit" || type == "Char") return true;
+  return hasObjectMagic(value) && Vorn_isInstanceOf(value, array.elementType.get().c_str());
+}
+
+}  // namespace
+
+namespace vorn::collections {
+
+bool readSlotScalar(const ArrayData& array, void* value, SlotScalar& scalar) {
+  if (array.slotKind == ArraySlotKind::Object) return false;
+  if (arraySlotKindIsFloating(array.slotKind)) {
+    if (!extractArrayElementDouble(value, scalar.floating)) return false;
+    scalar.integer = truncateToI64(scalar.floating);
+    return true;
+  }
+  if (array.slotKind == ArraySlotKind::Bool) {
+    bool truth = false;
+    if (!extractArrayElementBool(value, truth)) return false;
+    scalar = {truth ? 1 : 0, truth ? 1.0 : 0.0};
+    return true;
+  }
+  if (!extractInteger(array, value, scalar.integer)) return false;
+  scalar.floating = static_cast<double>(scalar.integer);
+  return true;
+}
+
+}  // namespace vorn::collections
+
+void* arraySlotToObject(const ArrayData& array, std::uint64_t index) {
+  if (index >= arrayLogicalSize(array)) return nullptr;
+  if (array.slotKind == ArraySlotKind::Object) return array.objects.data[index];
+  if (array.slotKind == ArraySlotKind::Bool) return Vorn_boxBool(arrayReadI64(array, index) != 0);
+  const std::string_view type = shortElementType(array);
+  if (arraySlotKindIsFloating(array.slotKind)) {
+    return boxFloatingLikeLocal(type.empty() ? "Double" : type, arrayReadF64(array, index));
+  }
+  return boxIntegerLikeLocal(type.empty() ? "Int" : type, arrayReadI64(array, index));
+}
+
+bool assignArraySlotValue(ArrayData& array, std::uint64_t index, void* value) {
+  if (array.slotKind == ArraySlotKind::Object) {
+    if (!acceptsHandle(array, value)) return false;
+    array.objects.data[index] = value;
+    return true;
+  }
+  vc::SlotScalar scalar;
+  if (!vc::readSlotScalar(array, value, scalar)) return false;
+  arrayWrite(array, index, scalar.integer, scalar.floating);
+  return true;
+}
+
+bool arraySlotEqualsObject(const ArrayData& array, std::uint64_t index, void* value) {
+  if (index >= arrayLogicalSize(array)) return false;
+  if (array.slotKind == ArraySlotKind::Object) {
+    // User equality may replace the slot, and then only this frame holds what it compares.
+    const vc::RootedHandle slot(array.objects.data[index]);
+    return listValuesEqual(value, slot.get());
+  }
+  vc::SlotScalar scalar;
+  if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return false;
+  if (arraySlotKindIsFloating(array.slotKind)) return arrayReadF64(array, index) == scalar.floating;
+  return arrayReadI64(array, index) == scalar.integer;
+}

@@ -1,0 +1,126 @@
+// What fixed arrays ask about values: slot kinds, unboxing into slots, characters.
+#include <array>
+#include <string_view>
+
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/element_types.h"
+#include "collections/core/runtime_interface.h"
+#include "runtime/objects/builtin_classes.h"
+#include "runtime/values/scalars.h"
+
+namespace {
+
+using vorn::runtime::builtinClass;
+using vorn::runtime::BuiltinClass;
+
+// The box behind a value, when its kind is that one.
+const RegisteredObject* boxOfKind(const void* value, ObjectKind kind) {
+  const RegisteredObject* box = getRegisteredObjectUnsafe(value);
+  return box != nullptr && box->kind() == kind ? box : nullptr;
+}
+
+bool isUnicodeScalar(long long value) {
+  const auto bits = static_cast<unsigned long long>(value);
+  return bits <= 0x10FFFF && (bits < 0xD800 || bits > 0xDFFF);
+}
+
+// The UTF-8 texts of all code units. They are to live as long as the process, so all 65,536 stand in one table, which
+// is written when the first one is asked for.
+class CodeUnitTexts {
+ public:
+  static constexpr std::size_t kUnits = 0x10000;
+
+  CodeUnitTexts() {
+    for (std::size_t unit = 0; unit < kUnits; ++unit) write(texts_[unit], static_cast<unsigned>(unit));
+  }
+  [[nodiscard]] const char* at(std::size_t unit) const { return texts_[unit].data(); }
+
+ private:
+  using Text = std::array<char, 4>;  // up to three bytes and the NUL
+
+  static void write(Text& text, unsigned unit) {
+    const auto byte = [](unsigned bits) { return static_cast<char>(bits); };
+    if (unit < 0x80) {
+      text = {byte(unit)};
+    } else if (unit < 0x800) {
+      text = {byte(0xC0 | unit >> 6), byte(0x80 | (unit & 0x3F))};
+    } else {
+      text = {byte(0xE0 | unit >> 12), byte(0x80 | (unit >> 6 & 0x3F)), byte(0x80 | (unit & 0x3F))};
+    }
+  }
+
+  std::array<Text, kUnits> texts_{};
+};
+
+}  // namespace
+
+ArraySlotKind slotKindForArrayElementType(std::string_view typeName) {
+  const BuiltinClass type = vorn::runtime::boxedTypeOf(typeName.starts_with("vorn.") ? typeName.substr(5) : typeName);
+  switch (type) {
+    case BuiltinClass::SByte:
+      return ArraySlotKind::Int8;
+    case BuiltinClass::Byte:
+      return ArraySlotKind::UInt8;
+    case BuiltinClass::Short:
+      return ArraySlotKind::Int16;
+    case BuiltinClass::UShort:
+    case BuiltinClass::CodeUnit:
+      return ArraySlotKind::UInt16;
+    case BuiltinClass::Int:
+      return ArraySlotKind::Int32;
+    case BuiltinClass::UInt:
+    case BuiltinClass::Char:
+      return ArraySlotKind::UInt32;
+    case BuiltinClass::Long:
+      return ArraySlotKind::Int64;
+    case BuiltinClass::ULong:
+      return ArraySlotKind::UInt64;
+    case BuiltinClass::Float:
+      return ArraySlotKind::Float32;
+    case BuiltinClass::Double:
+      return ArraySlotKind::Float64;
+    case BuiltinClass::Boolean:
+      return ArraySlotKind::Bool;
+    default:
+      return ArraySlotKind::Object;
+  }
+}
+
+bool extractArrayElementInteger(void* value, long long& integer) {
+  const RegisteredObject* box = boxOfKind(value, ObjectKind::IntegerBox);
+  if (box == nullptr) return false;
+  integer = box->integer;
+  return true;
+}
+
+bool extractArrayElementDouble(void* value, double& floating) {
+  NativeNumericValue number{};
+  if (!tryReadNativeNumericValue(value, number)) return false;
+  floating = Vorn_getField_double(value, "_value");
+  return true;
+}
+
+bool extractArrayElementBool(void* value, bool& truth) {
+  const RegisteredObject* box = boxOfKind(value, ObjectKind::BooleanBox);
+  if (box == nullptr) return false;
+  truth = box->integer != 0;
+  return true;
+}
+
+extern "C" long long Vorn_intToChar(long long value) {
+  if (isUnicodeScalar(value)) return value;
+  Vorn_raise("ValueException", "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+  return 0;
+}
+
+extern "C" long long Vorn_intToCodeUnit(long long value) {
+  if (static_cast<unsigned long long>(value) <= 0xFFFF) return value;
+  Vorn_raise("TypeError", "CodeUnit code unit out of range (0..0xFFFF)");
+  return 0;
+}
+
+extern "C" const char* Vorn_codeUnitToString(long long unit) {
+  static const CodeUnitTexts texts;
+  if (static_cast<unsigned long long>(unit) >= CodeUnitTexts::kUnits) return nullptr;
+  return texts.at(static_cast<std::size_t>(unit));
+}
