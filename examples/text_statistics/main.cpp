@@ -1,6 +1,6 @@
-// Statistics of a text file, by means of the list natives of vorn.collections.
+// Statistics of a text file, by means of the natives of vorn.collections.
 //
-// Written the way compiled vorn programs call the library: handles in rooted slots, every element in a vorn list,
+// Written the way compiled vorn programs call the library: handles in rooted slots, every element in a vorn collection,
 // errors read from the pending ones. VORN_HEAP chooses the heap ("heap=stress"; see vorn_runtime_parse_options).
 #include <vorn/runtime.h>
 
@@ -37,6 +37,12 @@ int reportText(const std::string& path, const std::string& text, std::span<const
 
   reportFigures(path, text, lists);
   reportLengths(lists);
+  WordIndex index;
+  indexWords(lists, index);
+  reportIndex(index);
+  CharacterArrays arrays;
+  fillArrays(text, arrays);
+  reportArrays(arrays);
   reportSearchHeading();
   for (const char* word : words) reportSearch(lists, lowerCased(word));
   reportLastWords(lists);

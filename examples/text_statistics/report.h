@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "character_arrays.h"
+#include "word_index.h"
 #include "word_lists.h"
 
 namespace text_statistics {
@@ -16,6 +18,12 @@ void reportLengths(const WordLists& lists);
 
 // Parts of the list of words: slices of all kinds, a slice assignment on a copy, a shuffle, a list repeated.
 void reportParts(const WordLists& lists);
+
+// How many distinct words there are, the most frequent ones, and the ends of the alphabetical index.
+void reportIndex(const WordIndex& index);
+
+// The text's bytes, characters, code units and letters.
+void reportArrays(const CharacterArrays& arrays);
 
 // How often a word occurs, and where first and last.
 void reportSearchHeading();

@@ -18,15 +18,17 @@ void* orBadAlloc(void* handle) {
 
 }  // namespace
 
+void* newObject(const char* className) { return orBadAlloc(vorn_object_new(className)); }
+
 void* newString(std::string_view text) { return orBadAlloc(vorn_string_new(text.data(), text.size())); }
 
 void* newInt(long long value) { return orBadAlloc(vorn_box_integer("Int", value)); }
 
 WordLists::WordLists()
-    : words(orBadAlloc(vorn_object_new("ArrayList<String>"))),
-      lengths(orBadAlloc(vorn_object_new("ArrayList<Int>"))),
-      ratios(orBadAlloc(vorn_object_new("ArrayList<Double>"))),
-      recent(orBadAlloc(vorn_object_new("LinkedList<String>"))) {}
+    : words(newObject("ArrayList<String>")),
+      lengths(newObject("ArrayList<Int>")),
+      ratios(newObject("ArrayList<Double>")),
+      recent(newObject("LinkedList<String>")) {}
 
 void readWords(std::string_view text, WordLists& lists) {
   WordReader reader(text);

@@ -26,6 +26,9 @@ void readWords(std::string_view text, WordLists& lists);
 // Fills `ratios` from `lengths` and their mean.
 void computeRatios(WordLists& lists, double meanLength);
 
+// A new object of the class. Throws std::bad_alloc when there is no memory for it; the caller roots it.
+void* newObject(const char* className);
+
 // A String object with the given text. Throws std::bad_alloc when there is no memory for it; the caller roots it.
 void* newString(std::string_view text);
 

@@ -1,0 +1,79 @@
+// The parts of the report that come from maps, sets, tuples and arrays.
+#include <vorn/collections/array.h>
+#include <vorn/collections/hash_set.h>
+#include <vorn/collections/immutable_list.h>
+#include <vorn/collections/map.h>
+#include <vorn/collections/tuple.h>
+#include <vorn/runtime.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "report.h"
+#include "utf8.h"
+
+namespace text_statistics {
+
+namespace {
+
+std::string textOf(void* handle) {
+  const char* text = vorn_string_text(handle);
+  return text != nullptr ? printable(text) : std::string();
+}
+
+long long integerOf(void* box) {
+  std::int64_t value = 0;
+  vorn_unbox_integer(box, &value);
+  return value;
+}
+
+// The distinct words from `begin` to `end` in alphabetical order, with their first positions.
+void reportEntries(void* words, void* positions, long long begin, long long end) {
+  for (long long i = begin; i < end; ++i) {
+    const Rooted word(vorn_collections_ImmutableList_operator_index(words, i));
+    const Rooted position(vorn_collections_ImmutableList_operator_index(positions, i));
+    std::printf("  %-20s first at %lld\n", textOf(word).c_str(), integerOf(position));
+  }
+}
+
+}  // namespace
+
+void reportIndex(const WordIndex& index) {
+  constexpr long long kMostFrequent = 20;
+  constexpr long long kAtEachEnd = 3;
+  std::printf("\nDistinct words\n");
+  const long long distinct = vorn_collections_Map_size(index.counts);
+  std::printf("  %9lld distinct words\n", distinct);
+  std::printf("  %9lld occur once\n", vorn_collections_HashSet_size(index.once));
+  const long long shown = std::min(vorn_collections_ImmutableList_size(index.frequencies), kMostFrequent);
+  for (long long i = 0; i < shown; ++i) {
+    const Rooted pair(vorn_collections_ImmutableList_operator_index(index.frequencies, i));
+    const Rooted word(vorn_collections_Tuple_operator_index(pair, 1));
+    // The map is asked again: what the tuple holds is the negative count.
+    const Rooted count(vorn_collections_Map_operator_index(index.counts, word));
+    std::printf("  %9lld %s\n", integerOf(count), textOf(word).c_str());
+  }
+  if (distinct == 0) return;
+  std::printf("In alphabetical order\n");
+  const Rooted words(vorn_collections_Map_keys(index.firsts));
+  const Rooted positions(vorn_collections_Map_values(index.firsts));
+  reportEntries(words, positions, 0, std::min(distinct, kAtEachEnd));
+  if (distinct > 2 * kAtEachEnd) std::printf("  ...\n");
+  reportEntries(words, positions, std::max(distinct - kAtEachEnd, std::min(distinct, kAtEachEnd)), distinct);
+}
+
+void reportArrays(const CharacterArrays& arrays) {
+  std::printf("\nThe text as arrays\n");
+  std::printf("  %9lld bytes\n", vorn_collections_Array_size(arrays.bytes));
+  std::printf("  %9lld characters\n", vorn_collections_Array_size(arrays.characters));
+  std::printf("  %9lld code units\n", vorn_collections_Array_size(arrays.codeUnits));
+  std::printf("  %9lld bytes as a String\n", lengthAsString(arrays));
+  std::printf("  %9lld letters from a to z:", vorn_collections_Array_sumI64Fast(arrays.letters));
+  for (long long i = 0; i < vorn_collections_Array_size(arrays.letters); ++i) {
+    const long long count = vorn_collections_Array_getInt(arrays.letters, i);
+    if (count > 0) std::printf(" %c %lld", static_cast<char>('a' + i), count);
+  }
+  std::printf("\n");
+}
+
+}  // namespace text_statistics
