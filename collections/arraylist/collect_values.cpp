@@ -1,6 +1,9 @@
 #include "collections/arraylist/collect_values.h"
 
 #include <vorn/collections/array_list.h>
+#include <vorn/collections/hash_set.h>
+#include <vorn/collections/immutable_list.h>
+#include <vorn/collections/tuple.h>
 
 #include <string_view>
 
@@ -8,15 +11,11 @@
 
 using vorn::collections::HandleVector;
 
-// The natives of the other classes. Weak, because a build of the library may leave their class out; the runtime then
-// makes no such object.
+// The natives of arrays. Weak, because a build of the library may leave the class out; the runtime then makes no such
+// object.
 extern "C" {
 __attribute__((weak)) long long vorn_collections_Array_size(void* array);
 __attribute__((weak)) void* vorn_collections_Array_operator_index(void* array, long long index);
-__attribute__((weak)) void* vorn_collections_ImmutableList_operator_index(void* list, long long index);
-__attribute__((weak)) void* vorn_collections_Tuple_operator_index(void* tuple, long long index);
-__attribute__((weak)) long long vorn_collections_HashSet_size(void* set);
-__attribute__((weak)) void* vorn_collections_HashSet_operator_index(void* set, long long index);
 }
 
 namespace {

@@ -76,12 +76,14 @@ inline NativeCollectionKey integerCollectionKey(std::int64_t value) {
 #pragma GCC visibility push(default)
 
 // Whether two long texts, sequences or instances of the same tag and hash are one key. May run user code, raise and
-// allocate for the last two; false after an error.
+// allocate for the last two; false after an error. The caller keeps alive what both keys borrow, here and below.
 bool nativeCollectionKeysEqual(const NativeCollectionKey& left, const NativeCollectionKey& right);
 
 // Negative, zero or positive: the order of keys. By tag first; numbers by value with NaN last, texts by bytes,
-// sequences lexicographically, instances by ordering hook when it can compare the two, else by address, as identities
-// are. May run user code, raise and allocate for sequences and instances.
+// identities by address, tuples before immutable lists and each lexicographically, instances by ordering hook when it
+// can compare the two, else by the name of the topmost class that brings their hook, then by address. A hook that raises
+// counts as one that cannot compare, so that no two keys pass for one because of an error. May run user code, raise and
+// allocate for sequences and instances.
 int compareNativeCollectionKeys(const NativeCollectionKey& left, const NativeCollectionKey& right);
 
 #pragma GCC visibility pop

@@ -12,6 +12,7 @@ constexpr const char* kException = "Exception";
 constexpr const char* kNullException = "NullException";
 constexpr const char* kIndexException = "IndexException";
 constexpr const char* kKeyException = "KeyException";
+constexpr const char* kReadOnlyException = "ReadOnlyException";
 constexpr const char* kTypeError = "TypeError";
 constexpr const char* kValueException = "ValueException";
 
@@ -57,6 +58,15 @@ void raiseSumOfNull() { Vorn_raise(kTypeError, "sum does not support null values
 void raiseMapKeyIsNull() { Vorn_raise(kNullException, "Map key cannot be null"); }
 
 void raiseKeyNotFound() { Vorn_raise(kKeyException, "Key not found"); }
+
+// "a IList" is how the language's own texts have it.
+void raiseImmutableListSource() { Vorn_raise(kTypeError, "argument 1 of ImmutableList must be a IList"); }
+
+void raiseImmutableListReadOnly() { Vorn_raise(kReadOnlyException, "ImmutableList is read-only"); }
+
+void raiseTupleSource() { Vorn_raise(kTypeError, "argument 1 of Tuple must be a packed variadic list"); }
+
+void raiseTupleReadOnly() { Vorn_raise(kReadOnlyException, "Tuple is read-only"); }
 
 void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName) {
   // Every list class says "ArrayList" here, the linked and synchronised ones included.

@@ -27,6 +27,11 @@ namespace vorn::collections::errors {
 [[gnu::cold]] void raiseMapKeyIsNull();
 [[gnu::cold]] void raiseKeyNotFound();
 
+[[gnu::cold]] void raiseImmutableListSource();
+[[gnu::cold]] void raiseImmutableListReadOnly();
+[[gnu::cold]] void raiseTupleSource();
+[[gnu::cold]] void raiseTupleReadOnly();
+
 // `valueTypeName` is the value's runtime type name; null stands for a value that has none.
 [[gnu::cold]] void raiseElementTypeRefused(std::string_view declaredName, const char* valueTypeName);
 

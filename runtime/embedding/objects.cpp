@@ -7,16 +7,33 @@
 
 #include "collections/core/runtime_interface.h"
 #include "runtime/objects/fields.h"
+#include "runtime/objects/tuple_object.h"
 
 namespace {
 
 using vorn::runtime::fieldOf;
 using vorn::runtime::isWritable;
+using vorn::runtime::TupleObject;
+using vorn::runtime::tupleOf;
 
 // The field of a writable object, or null unless it is of that kind.
 const ObjectField* writableField(void* handle, const char* name, ObjectField::Kind kind) {
   const ObjectField* field = fieldOf(handle, name);
   return field != nullptr && field->kind == kind && isWritable(handle) ? field : nullptr;
+}
+
+// Whether the field is an item of a tuple, and which.
+bool isItem(const TupleObject* tuple, const char* field, std::uint64_t& index) {
+  return tuple != nullptr && field != nullptr && vorn::runtime::readItemName(field, index);
+}
+
+int setItem(TupleObject& tuple, std::uint64_t index, void* item) {
+  try {
+    vorn::runtime::setTupleItem(tuple, index, item);
+    return 1;
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
 }
 
 bool isIntegerField(const ObjectField* field) {
@@ -62,6 +79,12 @@ int vorn_field_get_floating(void* handle, const char* field, double* value) {
 }
 
 int vorn_field_get_handle(void* handle, const char* field, void** value) {
+  std::uint64_t index = 0;
+  if (const TupleObject* tuple = tupleOf(handle); value != nullptr && isItem(tuple, field, index)) {
+    if (tuple->size < 0 || index >= static_cast<std::uint64_t>(tuple->size)) return 0;
+    *value = vorn::runtime::tupleItem(*tuple, index);
+    return 1;
+  }
   const ObjectField* found = fieldOf(handle, field);
   if (found == nullptr || found->kind != ObjectField::Kind::Handle || value == nullptr) return 0;
   *value = std::bit_cast<void*>(vorn::runtime::loadField(handle, *found));
@@ -83,6 +106,8 @@ int vorn_field_set_floating(void* handle, const char* field, double value) {
 }
 
 int vorn_field_set_handle(void* handle, const char* field, void* value) {
+  std::uint64_t index = 0;
+  if (TupleObject* tuple = tupleOf(handle); isItem(tuple, field, index)) return setItem(*tuple, index, value);
   const ObjectField* found = writableField(handle, field, ObjectField::Kind::Handle);
   if (found == nullptr) return 0;
   vorn::runtime::storeField(handle, *found, std::bit_cast<std::uint64_t>(value));

@@ -118,7 +118,7 @@ class Comparison {
 
     const std::size_t count = places.size();
     const std::size_t firstHandle = handles_->size();
-    handles_->reserve(firstHandle + 2 * count);
+    // No reserve: it gives what is asked for and no more, and would copy all outer levels at each.
     handles_->insert(handles_->end(), leftEntries.values->begin(), leftEntries.values->end());
     for (const std::size_t place : places) handles_->push_back(rightEntries.values->at(place));
     levels_.push_back({ElementSnapshot(firstHandle, count), ElementSnapshot(firstHandle + count, count), firstHandle});

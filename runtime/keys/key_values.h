@@ -24,9 +24,11 @@ inline NativeCollectionKey wordKey(KeyTag tag, std::uint64_t word) {
 
 // Every number that an integer holds is the integer's key, whatever type it has.
 inline NativeCollectionKey unhashedFloatingKey(double value) {
-  if (value >= -0x1p63 && value < 0x1p64 && value == std::trunc(value)) {
-    if (value >= 0x1p63) return wordKey(KeyTag::Unsigned, static_cast<std::uint64_t>(value));
-    return wordKey(KeyTag::Integer, static_cast<std::uint64_t>(static_cast<std::int64_t>(value)));
+  if (value >= -0x1p63 && value < 0x1p63) {
+    const auto whole = static_cast<std::int64_t>(value);
+    if (static_cast<double>(whole) == value) return wordKey(KeyTag::Integer, static_cast<std::uint64_t>(whole));
+  } else if (value >= 0x1p63 && value < 0x1p64) {
+    return wordKey(KeyTag::Unsigned, static_cast<std::uint64_t>(value));  // so large a double is an integer
   }
   const double one = std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
   return wordKey(KeyTag::Floating, std::bit_cast<std::uint64_t>(one));

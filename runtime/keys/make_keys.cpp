@@ -24,14 +24,16 @@ const RuntimeClass* rootOfEquality(const RuntimeClass* type) {
   return type;
 }
 
-NativeCollectionKey hashed(NativeCollectionKey key) {
-  if (key.tag == KeyTag::Sequence) {
-    key.hash = sequenceKeyHash(key.handle());
-  } else if (key.tag == KeyTag::Instance) {
-    key.hash = instanceKeyHash(key.handle());
-  } else {
-    key.hash = plainKeyHash(key);
-  }
+std::uint32_t hashOf(const NativeCollectionKey& key) {
+  if (key.tag == KeyTag::Sequence) return sequenceKeyHash(key.handle());
+  if (key.tag == KeyTag::Instance) return instanceKeyHash(key.handle());
+  return plainKeyHash(key);
+}
+
+// The hash is made from the text itself: reading back the words that were written just now would wait for them.
+NativeCollectionKey hashedTextKey(std::string_view text) {
+  NativeCollectionKey key = unhashedTextKey(text);
+  key.hash = textHash(text);
   return key;
 }
 
@@ -97,16 +99,18 @@ std::uint32_t instanceKeyHash(void* instance) {
 
 NativeCollectionKey makeNativeCollectionKey(void* handle) {
   using namespace vorn::runtime;
-  // Small integers are the most frequent keys by far.
+  // Integers are the most frequent keys by far, and then texts.
   if (objectHeaderAt(handle) == objectHeaderFor(handle, ObjectKind::IntegerBox)) {
     const auto* box = static_cast<const RegisteredObject*>(handle);
     if (box->integer >= 0 || boxedTypeOf(*box) != BoxedType::ULong) return integerCollectionKey(box->integer);
   }
-  return hashed(unhashedKey(handle));
+  std::string_view text;
+  if (readText(handle, text)) return hashedTextKey(text);
+  NativeCollectionKey key = unhashedKey(handle);
+  key.hash = hashOf(key);
+  return key;
 }
 
-NativeCollectionKey makeNativeStringCollectionKey(std::string_view text) {
-  return vorn::runtime::hashed(vorn::runtime::unhashedTextKey(text));
-}
+NativeCollectionKey makeNativeStringCollectionKey(std::string_view text) { return vorn::runtime::hashedTextKey(text); }
 
 NativeCollectionKey makeNativeSetCollectionKey(void* handle) { return makeNativeCollectionKey(handle); }

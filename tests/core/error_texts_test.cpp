@@ -49,6 +49,26 @@ TEST_F(ErrorTexts, KeyNotFound) {
   EXPECT_RAISED("KeyException: Key not found");
 }
 
+TEST_F(ErrorTexts, ImmutableListSource) {
+  errors::raiseImmutableListSource();
+  EXPECT_RAISED("TypeError: argument 1 of ImmutableList must be a IList");
+}
+
+TEST_F(ErrorTexts, ImmutableListReadOnly) {
+  errors::raiseImmutableListReadOnly();
+  EXPECT_RAISED("ReadOnlyException: ImmutableList is read-only");
+}
+
+TEST_F(ErrorTexts, TupleSource) {
+  errors::raiseTupleSource();
+  EXPECT_RAISED("TypeError: argument 1 of Tuple must be a packed variadic list");
+}
+
+TEST_F(ErrorTexts, TupleReadOnly) {
+  errors::raiseTupleReadOnly();
+  EXPECT_RAISED("ReadOnlyException: Tuple is read-only");
+}
+
 TEST_F(ErrorTexts, ElementTypeRefused) {
   errors::raiseElementTypeRefused("Int", "vorn.String");
   EXPECT_RAISED("TypeError: ArrayList<Int> cannot accept vorn.String");

@@ -4,6 +4,9 @@
 #include <stdlib.h>
 #include <string.h>
 #include <vorn/collections/array_list.h>
+#include <vorn/collections/immutable_list.h>
+#include <vorn/collections/map.h>
+#include <vorn/collections/tuple.h>
 #include <vorn/runtime.h>
 
 static int failures = 0;
@@ -98,6 +101,46 @@ static void check_list_of_texts(const char* class_name) {
   vorn_root_remove(&list);
 }
 
+static void check_sequences(void) {
+  void* items[2] = {NULL, NULL};
+  void* tuple = NULL;
+  void* list = NULL;
+  void* map = NULL; /* a list at first */
+  vorn_root_add(&items[0]);
+  vorn_root_add(&items[1]);
+  vorn_root_add(&tuple);
+  vorn_root_add(&list);
+  vorn_root_add(&map);
+  items[0] = vorn_string_new("answer", SIZE_MAX);
+  items[1] = vorn_box_integer("Int", 42);
+  tuple = vorn_tuple_new("Tuple<String,Int>", items, 2);
+  CHECK(strcmp(vorn_type_name(tuple), "vorn.collections.Tuple<String,Int>") == 0);
+  CHECK(vorn_collections_Tuple_size(tuple) == 2);
+  CHECK(vorn_collections_Tuple_operator_index(tuple, -1) == items[1]);
+  vorn_collections_Tuple_operator_index_eq(tuple, 0, NULL);
+  CHECK(vorn_error_count() == 1 && strcmp(vorn_error_class(0), "ReadOnlyException") == 0);
+  vorn_errors_clear();
+
+  list = vorn_object_new("ImmutableList");
+  map = vorn_object_new("ArrayList");
+  vorn_collections_ArrayList_add(map, tuple);
+  vorn_collections_ImmutableList_ctor(list, map);
+  CHECK(vorn_collections_ImmutableList_size(list) == 1);
+  CHECK(vorn_collections_ImmutableList_operator_index(list, 0) == tuple);
+
+  map = vorn_object_new("SortedMap<Tuple,String>");
+  CHECK(vorn_object_new("HashSetSync<Int>") != NULL);
+  vorn_collections_Map_put(map, tuple, items[0]);
+  tuple = vorn_tuple_new(NULL, items, 2);
+  CHECK(vorn_collections_Map_operator_index(map, tuple) == items[0]);
+  CHECK(vorn_error_count() == 0);
+  vorn_root_remove(&map);
+  vorn_root_remove(&list);
+  vorn_root_remove(&tuple);
+  vorn_root_remove(&items[1]);
+  vorn_root_remove(&items[0]);
+}
+
 int main(void) {
   const char* heap = getenv("VORN_TEST_HEAP");
   vorn_runtime_options options;
@@ -110,6 +153,7 @@ int main(void) {
   check_list_of_texts("ArrayListSync<String>");
   check_list_of_texts("LinkedList<String>");
   check_list_of_texts("LinkedListSync");
+  check_sequences();
   vorn_runtime_stop();
   return failures == 0 ? 0 : 1;
 }

@@ -90,9 +90,13 @@ VORN_RUNTIME_EXPORT const char* vorn_string_text(void* handle);
 
 /* ---- Objects ----------------------------------------------------------------------------------------------------- */
 
-/* A new, empty instance of a class: a collection by type name ("ArrayList", "ArrayList<Int>", "LinkedListSync<Foo>") or
- * a user class. Null for an unknown name. Allocates. */
+/* A new, empty instance of a class: a collection by type name ("ArrayList", "ArrayList<Int>", "LinkedListSync<Foo>",
+ * "SortedMap<String,Int>", "HashSet") or a user class. Null for an unknown name. Allocates. */
 VORN_RUNTIME_EXPORT void* vorn_object_new(const char* type_name);
+
+/* A new tuple of the named class ("Tuple" for null, "Tuple<String,Int>") with `count` items, which are rooted during
+ * the call. Null for a name that is no tuple class. Allocates. */
+VORN_RUNTIME_EXPORT void* vorn_tuple_new(const char* type_name, void* const* items, size_t count);
 
 /* Whether the handle is an object (safe for every readable pointer). */
 VORN_RUNTIME_EXPORT int vorn_is_object(void* handle);
@@ -103,7 +107,9 @@ VORN_RUNTIME_EXPORT const char* vorn_type_name(void* handle);
 /* Whether the handle is an instance of the class or of one derived from it. */
 VORN_RUNTIME_EXPORT int vorn_is_instance(void* handle, const char* type_name);
 
-/* Fields by name. 0 when the object has no such field of that type. */
+/* Fields by name. 0 when the object has no such field of that type. Tuples, maps and sets have the integer field
+ * "size"; the items of a tuple are handle fields "_0", "_1", ... below that size. Setting an item of a tuple, at any
+ * number, allocates; nothing else here does. */
 VORN_RUNTIME_EXPORT int vorn_field_get_integer(void* handle, const char* field, int64_t* value);
 VORN_RUNTIME_EXPORT int vorn_field_get_floating(void* handle, const char* field, double* value);
 VORN_RUNTIME_EXPORT int vorn_field_get_handle(void* handle, const char* field, void** value);

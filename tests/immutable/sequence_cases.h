@@ -1,0 +1,87 @@
+// What the tests of immutable lists and tuples share.
+#pragma once
+
+#include <pthread.h>
+
+#include <new>
+
+#include "tests/arraylist/held_mutex.h"
+#include "tests/arraylist/list_cases.h"
+#include "tests/support/sequences.h"
+
+namespace vorn::tests {
+
+inline constexpr const char* kImmutableSourceError = "TypeError: argument 1 of ImmutableList must be a IList";
+inline constexpr const char* kImmutableReadOnlyError = "ReadOnlyException: ImmutableList is read-only";
+inline constexpr const char* kTupleSourceError = "TypeError: argument 1 of Tuple must be a packed variadic list";
+inline constexpr const char* kTupleReadOnlyError = "ReadOnlyException: Tuple is read-only";
+
+// The items of a tuple as `operator_index` gives them.
+inline Elements itemsOf(void* tuple) {
+  Elements items;
+  for (long long i = 0, size = vorn_collections_Tuple_size(tuple); i < size; ++i) {
+    items.push_back(describe(vorn_collections_Tuple_operator_index(tuple, i)));
+  }
+  return items;
+}
+
+// An immutable list built from a source.
+inline Handle immutableFrom(void* source) {
+  Handle result = object("ImmutableList");
+  vorn_collections_ImmutableList_ctor(result, source);
+  return result;
+}
+
+// Makes a list synchronised that its class leaves without a lock, for a scope: with a plain mutex of its own.
+class LentMutex {
+ public:
+  explicit LentMutex(void* list) : data_(*getListData(list)) {
+    data_.mutex = &mutex_;
+    data_.synchronized = true;
+  }
+  ~LentMutex() {
+    EXPECT_EQ(pthread_mutex_trylock(&mutex_), 0) << "the lock is still held";
+    pthread_mutex_unlock(&mutex_);
+    data_.synchronized = false;
+    data_.mutex = nullptr;
+  }
+  LentMutex(const LentMutex&) = delete;
+  LentMutex& operator=(const LentMutex&) = delete;
+
+  [[nodiscard]] bool isHeld() {
+    if (pthread_mutex_trylock(&mutex_) != 0) return true;
+    pthread_mutex_unlock(&mutex_);
+    return false;
+  }
+
+ private:
+  ListData& data_;
+  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
+};
+
+// Runs the operation with its first, second, ... allocation failing until it succeeds, and check() after each failure.
+// Every failure is a std::bad_alloc. Returns how many allocations failed.
+template <class Operation, class Check>
+int sweepFailures(Operation operation, Check check) {
+  for (int failing = 0; failing < 500; ++failing) {
+    SCOPED_TRACE("failing allocation " + std::to_string(failing));
+    bool thrown = false;
+    vorn_heap_fail_allocation(failing);
+    try {
+      operation();
+    } catch (const std::bad_alloc&) {
+      thrown = true;
+    }
+    const bool happened = vorn_heap_failure_happened() != 0;
+    vorn_heap_fail_allocation(-1);
+    EXPECT_EQ(thrown, happened);
+    EXPECT_NOTHING_RAISED();
+    if (!thrown) return failing;
+    check();
+    if (::testing::Test::HasFailure()) return failing;
+  }
+  ADD_FAILURE() << "the operation never succeeds";
+  return 500;
+}
+
+}  // namespace vorn::tests
