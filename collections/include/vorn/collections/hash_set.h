@@ -29,8 +29,8 @@ VORN_NATIVE long long vorn_collections_HashSet_count(void* set, void* value);
  * out of bounds", raised after the lock is released. Takes time in proportion to the position. */
 VORN_NATIVE void* vorn_collections_HashSet_operator_index(void* set, long long index);
 
-/* A new ArrayList of the elements in iteration order; an empty one for a null set. The set stays locked until the list
- * is filled. Allocates. */
+/* A new ArrayList of the elements in iteration order; an empty one for a null set; null when the list cannot be had.
+ * The set stays locked until the list is filled. Allocates. */
 VORN_NATIVE void* vorn_collections_HashSet_items(void* set);
 
 /* Removes all elements. Does not allocate. */

@@ -1,0 +1,82 @@
+// The natives of maps and sets beside the C++ standard library, GLib and Abseil, at a size that stays in the caches and
+// at a million.
+//
+// Prints the benchmarks as they run and then one table. All options of Google Benchmark work; with --benchmark_format
+// set, only that output appears.
+#include <benchmark/benchmark.h>
+#include <vorn/runtime.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "bench/comparison_table.h"
+#include "bench/keyed_operations.h"
+#include "bench/program.h"
+
+namespace {
+
+using namespace vorn::bench;  // NOLINT(google-build-using-namespace): the program's own namespace
+
+constexpr std::int64_t kSmall = 1000;
+constexpr std::int64_t kLarge = 1000000;
+
+constexpr KeyedOperation kOperations[] = {
+    {"put Int", natives::putInt, standard::putInt, glib::putInt, abseil::putInt, 40, 110},
+    {"_get Int", natives::getInt, standard::getInt, glib::getInt, abseil::getInt, 10, 40},
+    {"_get absent Int", natives::getAbsentInt, standard::getAbsentInt, glib::getAbsentInt, abseil::getAbsentInt, 8, 0},
+    {"put String", natives::putText, standard::putText, glib::putText, abseil::putText, 60, 220},
+    {"_get String", natives::getText, standard::getText, glib::getText, abseil::getText, 20, 120},
+    {"_get absent String", natives::getAbsentText, standard::getAbsentText, glib::getAbsentText, abseil::getAbsentText,
+     15, 0},
+    {"walk", natives::walk, standard::walk, glib::walk, abseil::walk, 15, 15},
+    {"keys", natives::listKeys, nullptr, nullptr, nullptr, 0, 0},
+    {"set add Int", natives::addInt, nullptr, nullptr, nullptr, 0, 0},
+    {"sorted put Int", natives::putSorted, standard::putSorted, glib::putSorted, abseil::putSorted, 0, 0},
+    {"sorted _get Int", natives::getSorted, standard::getSorted, glib::getSorted, abseil::getSorted, 0, 0},
+    {"sorted walk", natives::walkSorted, standard::walkSorted, glib::walkSorted, abseil::walkSorted, 15, 0},
+};
+
+void registerBenchmark(const KeyedOperation& operation, const char* library, Measured measured, std::int64_t size) {
+  if (measured == nullptr) return;
+  const std::string name = std::string(operation.name) + "/" + library + "/" + std::to_string(size);
+  // The CPU time of the whole process: a collector's threads would count, other programs on the machine do not.
+  benchmark::RegisterBenchmark(name.c_str(), [measured, size](benchmark::State& state) {
+    measured(state, size);
+  })->MeasureProcessCPUTime();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  keepFreedMemory();
+  const bool ownOutput = choosesItsOwnOutput(argc, argv);
+  std::vector<char*> arguments = withDefaults(argc, argv);
+  int count = static_cast<int>(arguments.size()) - 1;
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
+  if (vorn_runtime_start(nullptr) == 0) {
+    std::fprintf(stderr, "keyed_bench: cannot start the runtime\n");
+    return 1;
+  }
+  std::vector<ComparisonTable::Row> rows;
+  for (const KeyedOperation& operation : kOperations) {
+    for (const std::int64_t size : {kSmall, kLarge}) {
+      registerBenchmark(operation, "vorn", operation.vorn, size);
+      registerBenchmark(operation, "C++", operation.standard, size);
+      registerBenchmark(operation, "GLib", operation.glib, size);
+      registerBenchmark(operation, "Abseil", operation.abseil, size);
+      rows.push_back({operation.name, size, size == kSmall ? operation.smallLimit : operation.largeLimit});
+    }
+  }
+  if (ownOutput) {
+    benchmark::RunSpecifiedBenchmarks();
+  } else {
+    ComparisonTable table;
+    if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
+    table.print(rows, {"vorn", "C++", "GLib", "Abseil"});
+    natives::printMemory(kLarge);
+  }
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,83 @@
+// The operations on maps that are measured, and who implements them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bench/measurement.h"
+
+namespace vorn::bench {
+
+// One row of the comparison: the same work by the natives and three libraries.
+struct KeyedOperation {
+  const char* name;
+  Measured vorn;
+  Measured standard;
+  Measured glib;
+  Measured abseil;
+  double smallLimit;  // nanoseconds per entry that the native may take at a thousand entries; 0 when none is set
+  double largeLimit;  // the same at a million
+};
+
+// The numbers 0 ... n - 1 in an order without pattern, the same for every library (Fisher and Yates).
+inline std::vector<std::size_t> shuffledOrder(std::int64_t elements, std::uint64_t seed) {
+  std::vector<std::size_t> order(static_cast<std::size_t>(elements));
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+  for (std::size_t i = order.size(); i > 1; --i) {
+    seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+    std::swap(order[i - 1], order[(seed >> 33) % i]);
+  }
+  return order;
+}
+
+// The key of a number as a text of 8 to 12 bytes; absent ones begin differently.
+inline std::string textKey(std::size_t number, bool absent) {
+  std::string digits = std::to_string(number * 2654435761U % 1000000007U);
+  digits.resize(7 + number % 5, 'x');
+  return (absent ? "?" : "k") + digits.substr(0, 3) +
+         std::to_string(number).append(digits).substr(0, digits.size() - 3);
+}
+
+// Keys are looked up in another order than they were put in.
+inline constexpr std::uint64_t kPutOrder = 1;
+inline constexpr std::uint64_t kGetOrder = 2;
+
+namespace natives {
+void putInt(benchmark::State& state, std::int64_t elements);
+void getInt(benchmark::State& state, std::int64_t elements);
+void getAbsentInt(benchmark::State& state, std::int64_t elements);
+void putText(benchmark::State& state, std::int64_t elements);
+void getText(benchmark::State& state, std::int64_t elements);
+void getAbsentText(benchmark::State& state, std::int64_t elements);
+void walk(benchmark::State& state, std::int64_t elements);
+void listKeys(benchmark::State& state, std::int64_t elements);
+void putSorted(benchmark::State& state, std::int64_t elements);
+void getSorted(benchmark::State& state, std::int64_t elements);
+void walkSorted(benchmark::State& state, std::int64_t elements);
+void addInt(benchmark::State& state, std::int64_t elements);
+
+// Prints what a hashed map of so many entries takes from the collected heap.
+void printMemory(std::int64_t elements);
+}  // namespace natives
+
+#define VORN_KEYED_PEER(peer)                                         \
+  namespace peer {                                                    \
+  void putInt(benchmark::State& state, std::int64_t elements);        \
+  void getInt(benchmark::State& state, std::int64_t elements);        \
+  void getAbsentInt(benchmark::State& state, std::int64_t elements);  \
+  void putText(benchmark::State& state, std::int64_t elements);       \
+  void getText(benchmark::State& state, std::int64_t elements);       \
+  void getAbsentText(benchmark::State& state, std::int64_t elements); \
+  void walk(benchmark::State& state, std::int64_t elements);          \
+  void putSorted(benchmark::State& state, std::int64_t elements);     \
+  void getSorted(benchmark::State& state, std::int64_t elements);     \
+  void walkSorted(benchmark::State& state, std::int64_t elements);    \
+  }
+VORN_KEYED_PEER(standard)
+VORN_KEYED_PEER(glib)
+VORN_KEYED_PEER(abseil)
+#undef VORN_KEYED_PEER
+
+}  // namespace vorn::bench

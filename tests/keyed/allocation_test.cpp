@@ -1,0 +1,199 @@
+// What the natives allocate in the collected heap: exactly, and nothing for lookups; and what holds when an allocation
+// fails.
+#include <new>
+
+#include "tests/keyed/keyed_cases.h"
+
+namespace vorn::tests {
+namespace {
+
+template <class Operation>
+std::uint64_t allocationsOf(Operation operation) {
+  vorn_heap_statistics before;
+  vorn_heap_statistics after;
+  vorn_heap_get_statistics(&before);
+  operation();
+  vorn_heap_get_statistics(&after);
+  return after.allocations - before.allocations;
+}
+#define EXPECT_ALLOCATIONS(operation, expected) EXPECT_EQ(allocationsOf([&] { operation; }), expected) << #operation
+
+const std::string kLong = "a text that is longer than sixteen bytes";
+
+class MapAllocation : public MapTest {};
+INSTANTIATE_MAP_TESTS(MapAllocation);
+
+TEST_P(MapAllocation, LookupsByNumberAndText_AllocateNothing) {
+  const Handle map = countingMap(type(), 20);
+  vorn_collections_Map_put(map, string("short"), number(1));
+  vorn_collections_Map_put(map, string(kLong), number(2));
+  void* slot = nullptr;
+  for (const Handle& handle : {number(5), integer("Long", 99), floating("Double", 2.5), integer("ULong", -1),
+                               string("short"), text("short"), string(kLong), string(kLong + "!"), boolean(true)}) {
+    void* const key = handle;
+    void* const raw = map;
+    EXPECT_ALLOCATIONS(vorn_collections_Map__get(raw, key), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_Map_operator_in(raw, key), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_Map_tryGet(raw, key, &slot), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_Map_containsValue(raw, key), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_Map_remove(raw, key), 0U);
+  }
+  void* const raw = map;
+  EXPECT_ALLOCATIONS(vorn_collections_Map_size(raw), 0U);
+  EXPECT_ALLOCATIONS(vorn_collections_Map_clear(raw), 0U);
+}
+
+TEST_P(MapAllocation, PutOfAPresentKey_AllocatesNothing) {
+  const Handle map = countingMap(type(), 20);
+  const Handle handle = number(3);
+  void* const raw = map;
+  void* const key = handle;
+  EXPECT_ALLOCATIONS(vorn_collections_Map_put(raw, key, key), 0U);
+}
+
+TEST_P(MapAllocation, Puts_AllocateBlocksOfNodesAndBucketArraysOnly) {
+  const Handle map = object(type());
+  std::vector<Handle> keys;
+  for (int i = 0; i < 1000; ++i) keys.push_back(number(i));
+  std::uint64_t nodes = 0;  // of all blocks so far
+  std::uint64_t blockBytes = 256;
+  std::uint64_t buckets = 0;
+  for (std::uint64_t i = 0; i < keys.size(); ++i) {
+    std::uint64_t expected = 0;
+    if (i == nodes) {
+      ++expected;
+      nodes += sorted() ? (blockBytes - 64) / 64 : (blockBytes - 16) / 48;
+      if (blockBytes < 16384) blockBytes *= 2;
+    }
+    if (!sorted() && i == buckets) {
+      ++expected;
+      buckets = collections::HashTable<NativeMapEntry>::bucketCountFor(i + 1);
+    }
+    void* const raw = map;
+    void* const key = keys[i];
+    EXPECT_ALLOCATIONS(vorn_collections_Map_put(raw, key, key), expected);
+  }
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_P(MapAllocation, PutAfterRemove_ReusesTheNode) {
+  const Handle map = countingMap(type(), 20);
+  const Handle key = number(3);
+  void* const raw = map;
+  void* const rawKey = key;
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_ALLOCATIONS(vorn_collections_Map_remove(raw, rawKey), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_Map_put(raw, rawKey, rawKey), 0U);
+  }
+}
+
+TEST_P(MapAllocation, FailureInPut_LeavesTheMap) {
+  const Handle map = object(type());
+  int failures = 0;
+  for (int i = 0; i < 120; ++i) {
+    const Handle key = i % 2 == 0 ? number(i) : string(kLong + std::to_string(i));
+    const MapState before(map);
+    failures += sweepAllocationFailures([&] { vorn_collections_Map_put(map, key, key); },
+                                        [&] {
+                                          EXPECT_EQ(MapState(map), before);
+                                          EXPECT_MAP_AT_REST(map);
+                                        });
+    EXPECT_EQ(vorn_collections_Map_size(map), i + 1);
+  }
+  EXPECT_GE(failures, 5);
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_P(MapAllocation, FailureInReserve_LeavesTheMap) {
+  const Handle map = countingMap(type(), 10);
+  const MapState before(map);
+  const int failures = sweepAllocationFailures([&] { vorn_collections_Map_reserve(map, 1000); },
+                                               [&] {
+                                                 EXPECT_EQ(MapState(map), before);
+                                                 EXPECT_MAP_AT_REST(map);
+                                               });
+  EXPECT_EQ(failures, sorted() ? 0 : 1);
+}
+
+TEST_P(MapAllocation, FailureInListings_LeavesTheMapUnlocked) {
+  const Handle map = object(type());
+  for (int i = 0; i < 12; ++i) vorn_collections_Map_put(map, string(std::to_string(i)), string(kLong));
+  const MapState before(map);
+  for (const auto listing : {vorn_collections_Map_keys, vorn_collections_Map_values, vorn_collections_Map_items}) {
+    const int failures = sweepAllocationFailures([&] { listing(map); },
+                                                 [&] {
+                                                   EXPECT_EQ(MapState(map), before);
+                                                   EXPECT_MAP_AT_REST(map);
+                                                 });
+    EXPECT_GE(failures, listing == vorn_collections_Map_items ? 15 : 3);
+  }
+}
+
+TEST_P(MapAllocation, FailureWithUserKeys_LeavesTheMap) {
+  const Handle map = object(type());
+  for (int i = 0; i < 40; ++i) {
+    const Handle key = userKey(i);
+    const MapState before(map);
+    sweepAllocationFailures([&] { vorn_collections_Map_put(map, key, key); },
+                            [&] {
+                              EXPECT_EQ(MapState(map), before);
+                              EXPECT_MAP_AT_REST(map);
+                            });
+  }
+  EXPECT_EQ(vorn_collections_Map_size(map), 40);
+}
+
+class SetAllocation : public SetTest {};
+INSTANTIATE_SET_TESTS(SetAllocation);
+
+TEST_P(SetAllocation, MembershipOfNumbersAndTexts_AllocatesNothing) {
+  const Handle set = countingSet(type(), 20);
+  vorn_collections_HashSet_add(set, string(kLong));
+  void* const raw = set;
+  for (const Handle& handle : {number(5), integer("Long", 99), string("short"), string(kLong), Handle(nullptr)}) {
+    void* const value = handle;
+    EXPECT_ALLOCATIONS(vorn_collections_HashSet_operator_in(raw, value), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_HashSet_count(raw, value), 0U);
+    EXPECT_ALLOCATIONS(vorn_collections_HashSet_remove(raw, value), 0U);
+  }
+  EXPECT_ALLOCATIONS(vorn_collections_HashSet_operator_index(raw, 2), 0U);
+  EXPECT_ALLOCATIONS(vorn_collections_HashSet_size(raw), 0U);
+  EXPECT_ALLOCATIONS(vorn_collections_HashSet_clear(raw), 0U);
+}
+
+TEST_P(SetAllocation, FailureInAddReserveOrItems_LeavesTheSet) {
+  const Handle set = object(type());
+  int failures = 0;
+  const auto sweep = [&](const std::function<void()>& attempt) {
+    const std::vector<void*> before = elementsOf(set);
+    failures += sweepAllocationFailures(attempt, [&] {
+      EXPECT_EQ(elementsOf(set), before);
+      EXPECT_SET_AT_REST(set);
+    });
+  };
+  for (int i = 0; i < 120; ++i) {
+    const Handle value = string(std::to_string(i));
+    sweep([&] { vorn_collections_HashSet_add(set, value); });
+  }
+  EXPECT_EQ(vorn_collections_HashSet_size(set), 120);
+  EXPECT_GE(failures, 5);
+  failures = 0;
+  sweep([&] { vorn_collections_HashSet_reserve(set, 1000); });
+  EXPECT_EQ(failures, 1);
+  // The first allocation is the list itself, whose maker answers null; the second is room in it.
+  const std::vector<void*> before = elementsOf(set);
+  vorn_heap_fail_allocation(0);
+  EXPECT_EQ(vorn_collections_HashSet_items(set), nullptr);
+  EXPECT_NE(vorn_heap_failure_happened(), 0);
+  vorn_heap_fail_allocation(1);
+  EXPECT_THROW(vorn_collections_HashSet_items(set), std::bad_alloc);
+  vorn_heap_fail_allocation(2);
+  EXPECT_NE(vorn_collections_HashSet_items(set), nullptr);
+  EXPECT_EQ(vorn_heap_failure_happened(), 0);
+  vorn_heap_fail_allocation(-1);
+  EXPECT_EQ(elementsOf(set), before);
+  EXPECT_SET_AT_REST(set);
+}
+
+}  // namespace
+}  // namespace vorn::tests

@@ -1,0 +1,165 @@
+// The recorded types of keys and values, and the type of items that is made of them.
+#include "tests/keyed/keyed_cases.h"
+
+namespace vorn::tests {
+namespace {
+
+class MapTypes : public MapTest {
+ protected:
+  // The type names of all items, which are one.
+  static std::string itemType(void* map) {
+    std::string name;
+    for (const Handle& item : listed(vorn_collections_Map_items(map))) {
+      const std::string own(shortTypeName(vorn_type_name(item)));
+      EXPECT_TRUE(name.empty() || own == name) << own << " beside " << name;
+      name = own;
+    }
+    return name;
+  }
+};
+INSTANTIATE_MAP_TESTS(MapTypes);
+
+TEST_P(MapTypes, FirstPut_RecordsTheShortNames) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, text("k"), integer("Byte", 1));
+  EXPECT_EQ(keyTypeOf(map), "String");
+  EXPECT_EQ(valueTypeOf(map), "Byte");
+}
+
+TEST_P(MapTypes, KeysOfAnotherType_RecordObjectForGood) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, number(1), nullptr);
+  EXPECT_EQ(keyTypeOf(map), "Int");
+  vorn_collections_Map_put(map, number(2), nullptr);
+  EXPECT_EQ(keyTypeOf(map), "Int");
+  vorn_collections_Map_put(map, string("k"), nullptr);
+  EXPECT_EQ(keyTypeOf(map), "Object");
+  vorn_collections_Map_put(map, number(3), nullptr);
+  EXPECT_EQ(keyTypeOf(map), "Object");
+}
+
+TEST_P(MapTypes, SameKeyUnderAnotherType_RecordsObject) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, integer("Int", 1), number(1));
+  vorn_collections_Map_put(map, integer("Long", 1), number(1));
+  EXPECT_EQ(vorn_collections_Map_size(map), 1);
+  EXPECT_EQ(keyTypeOf(map), "Object");
+  EXPECT_EQ(valueTypeOf(map), "Int");
+}
+
+TEST_P(MapTypes, ValuesOfAnotherType_RecordObjectForGood) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, number(1), string("v"));
+  EXPECT_EQ(valueTypeOf(map), "String");
+  vorn_collections_Map_put(map, number(1), number(2));
+  EXPECT_EQ(valueTypeOf(map), "Object");
+  vorn_collections_Map_put(map, number(1), string("v"));
+  EXPECT_EQ(valueTypeOf(map), "Object");
+  vorn_collections_Map_remove(map, number(1));
+  EXPECT_EQ(valueTypeOf(map), "Object");
+  vorn_collections_Map_clear(map);
+  vorn_collections_Map_put(map, number(1), string("v"));
+  EXPECT_EQ(valueTypeOf(map), "String");
+}
+
+TEST_P(MapTypes, NullValue_RecordsObject) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, number(1), nullptr);
+  EXPECT_EQ(valueTypeOf(map), "Object");
+}
+
+TEST_P(MapTypes, Items_NameTheRecordedTypes) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, string("k"), number(1));
+  vorn_collections_Map_put(map, string("l"), number(2));
+  EXPECT_EQ(itemType(map), "Tuple<String,Int>");
+}
+
+TEST_P(MapTypes, Items_OfAnEmptyMapAreNone) {
+  const Handle map = object(type());
+  const Handle items = vorn_collections_Map_items(map);
+  ASSERT_NE(items.get(), nullptr);
+  EXPECT_EQ(vorn_collections_ArrayList_size(items), 0);
+}
+
+TEST_P(MapTypes, Items_MixedKeysAndValues_NameObject) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, string("k"), number(1));
+  vorn_collections_Map_put(map, number(1), string("v"));
+  EXPECT_EQ(itemType(map), "Tuple<Object,Object>");
+}
+
+TEST_P(MapTypes, Items_ValuesThatAgreeAgain_NameTheirType) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, number(1), string("v"));
+  vorn_collections_Map_put(map, number(2), integer("Long", 1));
+  EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
+  vorn_collections_Map_put(map, number(1), integer("Long", 2));
+  EXPECT_EQ(valueTypeOf(map), "Object");
+  EXPECT_EQ(itemType(map), "Tuple<Int,Long>");
+}
+
+TEST_P(MapTypes, Items_NullAmongValues_KeepsTheRecordedName) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, number(1), nullptr);
+  EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
+  vorn_collections_Map_put(map, number(2), number(2));
+  EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
+}
+
+// Class names that are short for "Object" but whose field "_value" says what they box.
+TEST_P(MapTypes, Items_ObjectsWithAValueField_NameItsKind) {
+  struct Boxed {
+    const char* className;
+    vorn_field_type field;
+    const char* expected;
+  };
+  for (const Boxed& boxed : {Boxed{"intbox.Object", VORN_FIELD_INTEGER, "Tuple<Int,Int>"},
+                             Boxed{"floatbox.Object", VORN_FIELD_FLOATING, "Tuple<Int,Double>"},
+                             Boxed{"handlebox.Object", VORN_FIELD_HANDLE, "Tuple<Int,Object>"}}) {
+    const vorn_field_definition fields[] = {{"_value", boxed.field}};
+    vorn_class_definition definition = {};
+    definition.struct_size = sizeof(definition);
+    definition.name = boxed.className;
+    definition.fields = fields;
+    definition.field_count = 1;
+    vorn_class_define(&definition);  // refused when it is defined already
+    const Handle value = object(boxed.className);
+    ASSERT_NE(value.get(), nullptr) << boxed.className;
+    ASSERT_EQ(shortTypeNameLocal(vorn_type_name(value)), "Object");
+    const Handle map = object(type());
+    vorn_collections_Map_put(map, number(1), value);
+    EXPECT_EQ(valueTypeOf(map), "Object");
+    EXPECT_EQ(itemType(map), boxed.expected);
+    vorn_collections_Map_put(map, number(2), nullptr);
+    EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
+  }
+}
+
+TEST_P(MapTypes, Items_FillTheirTuples) {
+  const Handle map = object(type());
+  const Handle key = string("k");
+  const Handle value = userKey(1);
+  vorn_collections_Map_put(map, key, value);
+  const std::vector<Handle> items = listed(vorn_collections_Map_items(map));
+  ASSERT_EQ(items.size(), 1U);
+  EXPECT_EQ(Vorn_getField_ptr(items[0], "_0"), key.get());
+  EXPECT_EQ(Vorn_getField_ptr(items[0], "_1"), value.get());
+  EXPECT_EQ(sizeField(items[0]), 2);
+  EXPECT_EQ(shortTypeName(vorn_type_name(items[0])), "Tuple<String,Key>");
+}
+
+TEST_P(MapTypes, FailedPut_RecordsNothing) {
+  const Handle map = object(type());
+  const Handle first = userKey(1);
+  vorn_collections_Map_put(map, first, number(1));
+  const MapState before(map);
+  keyHooks.equals = [](void*, void*) { return vorn_raise("Hook", "equals"), false; };
+  keyHooks.compare = [](void*, void*, bool*) { return vorn_raise("Hook", "compare"), 0; };
+  vorn_collections_Map_put(map, userKey(2), string("another type"));
+  EXPECT_FALSE(takeErrors().empty());
+  EXPECT_EQ(MapState(map), before);
+}
+
+}  // namespace
+}  // namespace vorn::tests
