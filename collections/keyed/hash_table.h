@@ -20,6 +20,7 @@
 #include <cstdint>
 
 #include "collections/core/collection_key.h"
+#include "collections/keyed/key_words.h"
 #include "collections/keyed/node_pool.h"
 
 namespace vorn::collections {
@@ -59,8 +60,11 @@ class HashTable {
   // The node of a key that compares without user code, or null. Does not allocate.
   [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const {
     if (count_ == 0) return nullptr;
-    for (Node* node = buckets_[bucketOf(key.hash)]; node != nullptr; node = node->next) {
-      if (NativeCollectionKeyEqual()(node->key, key)) return node;
+    const KeyWords words(key);
+    const bool longText = key.tag == NativeCollectionKey::Tag::LongText;
+    for (Node* node = buckets_[bucketOf(words.hash())]; node != nullptr; node = node->next) {
+      if (words.match(node->key)) return node;
+      if (longText && NativeCollectionKeyEqual()(key, node->key)) return node;
     }
     return nullptr;
   }
@@ -92,7 +96,9 @@ class HashTable {
   void insert(const Place& /*place*/, const NativeCollectionKey& key, const Entry& entry) {
     Node* const node = pool_.take();
     Node*& bucket = buckets_[bucketOf(key.hash)];
-    *node = Node{bucket, key, entry};
+    node->next = bucket;
+    KeyWords(key).storeTo(node->key);
+    node->entry = entry;
     bucket = node;
     ++count_;
     ++changes_;

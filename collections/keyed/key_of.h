@@ -1,8 +1,6 @@
 // Keys of arguments. Making a key may run user code and raise; the natives do so before they lock.
 #pragma once
 
-#include <optional>
-
 #include "collections/core/runtime_interface.h"
 
 namespace vorn::collections {
@@ -14,25 +12,22 @@ inline bool isIntegerKey(const RegisteredObject* object) {
          (object->integer >= 0 || boxedTypeOf(*object) != BoxedType::ULong);
 }
 
-// The key of a map for a non-null handle, or nothing when an error is pending now, whether making the key raised it or
-// it was pending before. May run user code and allocate.
-inline std::optional<NativeCollectionKey> mapKeyOf(void* handle) {
+// The key of a map for a non-null handle. May run user code, raise and allocate: callers look at hasPendingError()
+// next, which also tells of an error that was pending before. Returned in place, since a copy of a key that was just
+// written field by field waits for the stores.
+inline NativeCollectionKey mapKeyOf(void* handle) {
   const RegisteredObject* const object = getRegisteredObjectUnsafe(handle);
-  const NativeCollectionKey key =
-      isIntegerKey(object) ? integerCollectionKey(object->integer) : makeNativeCollectionKey(handle);
-  if (hasPendingError()) [[unlikely]]
-    return std::nullopt;
-  return key;
+  if (isIntegerKey(object)) [[likely]]
+    return integerCollectionKey(object->integer);
+  return makeNativeCollectionKey(handle);
 }
 
 // The same for an element of a set, which may be null.
-inline std::optional<NativeCollectionKey> setKeyOf(void* handle) {
+inline NativeCollectionKey setKeyOf(void* handle) {
   const RegisteredObject* const object = getRegisteredObjectUnsafe(handle);
-  const NativeCollectionKey key =
-      isIntegerKey(object) ? integerCollectionKey(object->integer) : makeNativeSetCollectionKey(handle);
-  if (hasPendingError()) [[unlikely]]
-    return std::nullopt;
-  return key;
+  if (isIntegerKey(object)) [[likely]]
+    return integerCollectionKey(object->integer);
+  return makeNativeSetCollectionKey(handle);
 }
 
 }  // namespace vorn::collections

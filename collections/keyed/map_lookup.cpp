@@ -19,24 +19,39 @@ const NativeMapEntry* findLocked(const MapData& map, const NativeCollectionKey& 
   return place.node != nullptr ? &place.node->entry : nullptr;
 }
 
-}  // namespace
-
-bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** slot) {
-  *slot = nullptr;
-  if (map == nullptr) return false;
-  const MapData& data = *getMapData(map);
-  const MapDataLock lock(data);
-  const NativeMapEntry* const entry = findLocked(data, key);
+[[gnu::noinline]] bool lookUpLocked(const MapData& map, const NativeCollectionKey& key, void** slot) {
+  const MapDataLock lock(map);
+  const NativeMapEntry* const entry = findLocked(map, key);
   if (entry == nullptr) return false;
   *slot = entry->value;
   return true;
 }
 
+// The common case, a plain hash map and a key without user code, is inlined into every lookup.
+inline bool lookUp(const MapData& map, const NativeCollectionKey& key, void** slot) {
+  if (map.synchronized || !map.hashed || key.comparesByUserCode()) return lookUpLocked(map, key, slot);
+  const auto* const node = map.hash.findPlain(key);
+  if (node == nullptr) return false;
+  *slot = node->entry.value;
+  return true;
+}
+
+}  // namespace
+
+bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** slot) {
+  *slot = nullptr;
+  return map != nullptr && lookUp(*getMapData(map), key, slot);
+}
+
 bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
   *slot = nullptr;
   if (key == nullptr) return false;
-  const auto nativeKey = vc::mapKeyOf(key);
-  return nativeKey && tryMapLookupStorageValue(map, *nativeKey, slot);
+  const RegisteredObject* const object = getRegisteredObjectUnsafe(key);
+  if (map != nullptr && vc::isIntegerKey(object)) [[likely]] {
+    return !hasPendingError() && lookUp(*getMapData(map), integerCollectionKey(object->integer), slot);
+  }
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(key);
+  return !hasPendingError() && tryMapLookupStorageValue(map, nativeKey, slot);
 }
 
 bool tryMapLookupValue(void* map, std::string_view key, void** slot) {

@@ -42,14 +42,14 @@ void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const
 void vorn_collections_Map_put(void* map, void* key, void* value) {
   if (map == nullptr) return;
   if (key == nullptr) return vc::errors::raiseMapKeyIsNull();
-  const auto nativeKey = vc::mapKeyOf(key);
-  if (!nativeKey) return;
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(key);
+  if (hasPendingError()) return;
   const EntryTypes types{mapKeyRuntimeTypeName(key), vc::mapValueTypeName(value)};
   MapData& data = *getMapData(map);
   const MapDataLock lock(data);
   const NativeMapEntry entry{key, value};
-  data.hashed ? putLocked(data, data.hash, *nativeKey, entry, types)
-              : putLocked(data, data.ordered, *nativeKey, entry, types);
+  data.hashed ? putLocked(data, data.hash, nativeKey, entry, types)
+              : putLocked(data, data.ordered, nativeKey, entry, types);
   vc::writeSizeField(map, data.count());
 }
 

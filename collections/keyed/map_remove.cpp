@@ -22,11 +22,11 @@ bool removeLocked(Table& table, const NativeCollectionKey& key) {
 
 bool vorn_collections_Map_remove(void* map, void* key) {
   if (map == nullptr || key == nullptr) return false;
-  const auto nativeKey = vc::mapKeyOf(key);
-  if (!nativeKey) return false;
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(key);
+  if (hasPendingError()) return false;
   MapData& data = *getMapData(map);
   const MapDataLock lock(data);
-  const bool removed = data.hashed ? removeLocked(data.hash, *nativeKey) : removeLocked(data.ordered, *nativeKey);
+  const bool removed = data.hashed ? removeLocked(data.hash, nativeKey) : removeLocked(data.ordered, nativeKey);
   vc::writeSizeField(map, data.count());
   return removed;
 }

