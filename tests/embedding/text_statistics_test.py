@@ -1,8 +1,10 @@
 """Runs the text statistics program and compares its figures with an independent computation."""
 
+import collections
 import os
 import re
 import statistics
+import string
 import subprocess
 import tempfile
 import unittest
@@ -75,6 +77,8 @@ class TextStatisticsTest(unittest.TestCase):
             self.assertEqual([int(figure) for figure in found.groups()], expected, word)
         self.check_distribution(lengths, report)
         self.check_parts(words, report)
+        self.check_index(words, report)
+        self.check_arrays(data, report)
         last = [printed(word) for word in words[:-6:-1]]
         self.assertEqual(re.findall(r'words\[-\d\] = ([^ \n]+) ', report), last)
         self.assertEqual(re.findall(r'recent\[-\d\] = ([^ \n]+)$', report, re.MULTILINE), last)
@@ -125,6 +129,42 @@ class TextStatisticsTest(unittest.TestCase):
         self.assertEqual(words_after('with three at [1:1] '),
                          all_printed(ordered[:1]) + ['first', 'second', 'third'] + all_printed(ordered[1:]))
         self.assertEqual(words_after('(a + b + recent) * 3 '), [str(9 * min(5, len(words))), 'words'])
+
+    def block(self, report, title):
+        """The lines below a heading, up to the next empty one."""
+        lines = report.split('\n')
+        self.assertEqual(lines.count(title), 1, title)
+        begin = lines.index(title) + 1
+        return lines[begin:lines.index('', begin)]
+
+    def check_index(self, words, report):
+        counts = collections.Counter(words)
+        lines = self.block(report, 'Distinct words')
+        self.assertEqual(lines[0].split(), [str(len(counts)), 'distinct', 'words'])
+        self.assertEqual(lines[1].split(), [str(list(counts.values()).count(1)), 'occur', 'once'])
+        frequent = sorted(counts, key=lambda word: (-counts[word], word))[:20]
+        self.assertEqual(lines[2:2 + len(frequent)], [f'  {counts[word]:9} {printed(word)}' for word in frequent])
+        rest = lines[2 + len(frequent):]
+        if not words:
+            self.assertEqual(rest, [])
+            return
+        ordered = sorted(counts)
+        begin, end = ordered[:3], ordered[max(3, len(ordered) - 3):]
+        expected = [f'{printed(word)} first at {words.index(word)}' for word in begin]
+        expected += ['...'] * (len(ordered) > 6)
+        expected += [f'{printed(word)} first at {words.index(word)}' for word in end]
+        self.assertEqual(rest[0], 'In alphabetical order')
+        self.assertEqual([re.sub(' +(first at \\d+)$', r' \1', line[2:]) for line in rest[1:]], expected)
+
+    def check_arrays(self, data, report):
+        text = re.sub('[\udc80-\udcff\0]', '\ufffd', data.decode('utf-8', 'surrogateescape'))
+        lines = self.block(report, 'The text as arrays')
+        self.assertEqual([line.split()[0] for line in lines],
+                         [str(count) for count in (len(data), len(text), len(text.encode('utf-16-le')) // 2,
+                                                   len(text.encode()), sum(c in string.ascii_letters for c in text))])
+        letters = collections.Counter(c.lower() for c in text if c in string.ascii_letters)
+        self.assertEqual(re.findall(r'([a-z]) (\d+)', lines[4].split(':', 1)[1]),
+                         [(letter, str(letters[letter])) for letter in sorted(letters)])
 
     def check_changes(self, words, watched, report):
         position = min(len(words), 1)
