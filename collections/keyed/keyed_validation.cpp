@@ -54,6 +54,18 @@ std::string validatePool(const NodePool<Node>& pool, NodeSet<Node>& inUse) {
   return free.empty() ? "" : "a free node is not in the chain of free nodes";
 }
 
+// Whether two nodes of a chain have the same key, where no user code has to tell.
+template <class Node>
+bool hasSameKeyTwice(const Node* chain) {
+  for (; chain != nullptr; chain = chain->next) {
+    if (chain->key.comparesByUserCode()) continue;
+    for (const Node* later = chain->next; later != nullptr; later = later->next) {
+      if (NativeCollectionKeyEqual()(chain->key, later->key)) return true;
+    }
+  }
+  return false;
+}
+
 template <class Entry>
 std::string validateHashTable(const HashTable<Entry>& table) {
   using Node = typename HashTable<Entry>::Node;
@@ -69,11 +81,9 @@ std::string validateHashTable(const HashTable<Entry>& table) {
     for (const Node* node = table.bucket(i); node != nullptr; node = node->next) {
       if (inUse.erase(node) == 0) return "a chain has a node that is not in use, or has it twice";
       if (table.bucketOf(node->key.hash) != i) return "a node hangs in another bucket than its hash says";
-      for (const Node* later = node->next; later != nullptr; later = later->next) {
-        if (node->key.comparesByUserCode()) break;
-        if (NativeCollectionKeyEqual()(node->key, later->key)) return "two nodes have the same key";
-      }
     }
+    // Only now is the chain known to end.
+    if (hasSameKeyTwice<Node>(table.bucket(i))) return "two nodes have the same key";
   }
   return inUse.empty() ? "" : "a node in use hangs in no bucket";
 }

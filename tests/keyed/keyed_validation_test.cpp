@@ -1,0 +1,133 @@
+// The checks of whole records find what is broken: each test breaks one thing and mends it again.
+#include "collections/keyed/keyed_validation.h"
+
+#include "tests/keyed/table_support.h"
+
+namespace vorn::tests {
+namespace {
+
+using collections::validateMapData;
+using collections::validateSetData;
+using HashNode = collections::HashTable<NativeMapEntry>::Node;
+using TreeNode = collections::OrderedTable::Node;
+
+class KeyedValidation : public KeyedTest {};
+
+TEST_F(KeyedValidation, SynchronisedWithoutMutex) {
+  const Handle map = object("HashMapSync");
+  const Handle set = object("HashSetSync");
+  pthread_mutex_t* const mapMutex = std::exchange(getMapData(map)->mutex, nullptr);
+  pthread_mutex_t* const setMutex = std::exchange(getSetData(set)->mutex, nullptr);
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a synchronised map has no mutex");
+  EXPECT_EQ(validateSetData(*getSetData(set)), "a synchronised set has no mutex");
+  getMapData(map)->mutex = mapMutex;
+  getSetData(set)->mutex = setMutex;
+}
+
+TEST_F(KeyedValidation, StorageThatIsNotUsed) {
+  const Handle map = countingMap("Map", 3);
+  getMapData(map)->hashed = false;
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a sorted map has hash storage");
+  const Handle sorted = countingMap("SortedMap", 3);
+  getMapData(sorted)->hashed = true;
+  EXPECT_EQ(validateMapData(*getMapData(sorted)), "a hash map has ordered storage");
+}
+
+TEST_F(KeyedValidation, HashNodeInAnotherBucket) {
+  const Handle map = countingMap("Map", 5);
+  HashNode* const node = getMapData(map)->hash.findPlain(integerCollectionKey(3));
+  const std::uint32_t hash = std::exchange(node->key.hash, ~node->key.hash);
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a node hangs in another bucket than its hash says");
+  node->key.hash = hash;
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, HashNodeMarkedFree) {
+  const Handle map = countingMap("Map", 5);
+  HashNode* const node = getMapData(map)->hash.findPlain(integerCollectionKey(3));
+  const auto tag = std::exchange(node->key.tag, collections::kFreeNode);
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a free node holds something");
+  node->key.tag = tag;
+}
+
+TEST_F(KeyedValidation, FreeNodeThatKeepsAHandle) {
+  const Handle map = countingMap("Map", 5);
+  HashNode* const node = getMapData(map)->hash.findPlain(integerCollectionKey(3));
+  vorn_collections_Map_remove(map, number(3));
+  node->entry.value = map;
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a free node holds something");
+  node->entry.value = nullptr;
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, HashNodeCutOff) {
+  const Handle set = countingSet("HashSet", 1);
+  const auto& table = getSetData(set)->table;
+  auto* const node = table.findPlain(integerCollectionKey(0));
+  const auto next = std::exchange(node->next, node);
+  EXPECT_EQ(validateSetData(*getSetData(set)), "a chain has a node that is not in use, or has it twice");
+  node->next = next;
+  EXPECT_SET_AT_REST(set);
+}
+
+TEST_F(KeyedValidation, HashKeyTwice) {
+  const Handle map = countingMap("Map", 1);
+  auto& table = getMapData(map)->hash;
+  table.makeRoom();
+  table.insert({}, integerCollectionKey(0), {nullptr, nullptr});
+  EXPECT_EQ(validateMapData(*getMapData(map)), "two nodes have the same key");
+}
+
+TEST_F(KeyedValidation, TreeColoursParentsAndOrder) {
+  const Handle map = countingMap("SortedMap", 7);
+  const MapData& data = *getMapData(map);
+  auto* const root = const_cast<TreeNode*>(data.ordered.root());
+  root->parentAndColour |= 1;
+  EXPECT_EQ(validateMapData(data), "the root has a parent or is red");
+  root->parentAndColour &= ~std::uintptr_t{1};
+
+  TreeNode* const child = root->children[0];
+  const std::uintptr_t parent = std::exchange(child->parentAndColour, child->parentAndColour & 1);
+  EXPECT_EQ(validateMapData(data), "a node's child names another parent");
+  child->parentAndColour = parent ^ 1;
+  EXPECT_NE(validateMapData(data), "") << "one black node more or less on one side";
+  child->parentAndColour = parent;
+
+  std::swap(root->key, child->key);
+  EXPECT_EQ(validateMapData(data), "keys do not ascend");
+  std::swap(root->key, child->key);
+
+  TreeNode* const cut = std::exchange(root->children[1], nullptr);
+  EXPECT_NE(validateMapData(data), "");
+  root->children[1] = cut;
+  EXPECT_MAP_AT_REST(map);
+}
+
+// Keys made of other values compare by content, through the searches that allow for user code.
+TEST_F(KeyedTest, SequencesAsKeys_AreOneKeyByContent) {
+  for (const char* type : kMapTypes) {
+    SCOPED_TRACE(type);
+    const auto tuple = [](std::int64_t first, const char* second) {
+      Handle result = object("Tuple<Int,String>");
+      Vorn_setField_ptr(result, "_0", number(first));
+      Vorn_setField_ptr(result, "_1", string(second));
+      Vorn_setField_i64(result, "size", 2);
+      return result;
+    };
+    const Handle map = object(type);
+    for (int i = 0; i < 20; ++i) vorn_collections_Map_put(map, tuple(i, "a"), number(i));
+    EXPECT_EQ(vorn_collections_Map_size(map), 20);
+    for (int i = 0; i < 20; ++i) {
+      void* const value = vorn_collections_Map__get(map, tuple(i, "a"));
+      ASSERT_NE(value, nullptr);
+      EXPECT_EQ(valueOf(value), i);
+      EXPECT_FALSE(vorn_collections_Map_operator_in(map, tuple(i, "b")));
+    }
+    EXPECT_TRUE(vorn_collections_Map_remove(map, tuple(7, "a")));
+    EXPECT_EQ(vorn_collections_Map_size(map), 19);
+    EXPECT_MAP_AT_REST(map);
+  }
+}
+
+}  // namespace
+}  // namespace vorn::tests
