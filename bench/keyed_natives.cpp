@@ -117,10 +117,11 @@ void printMemory(std::int64_t elements) {
   const RootedHandle map(vorn_object_new("Map"));
   putAll(map.get(), keys);
   const auto& table = getMapData(map.get())->hash;
-  std::uint64_t bytes = table.bucketCount() * sizeof(void*);
-  using Pool = collections::NodePool<collections::HashTable<NativeMapEntry>::Node>;
+  std::uint64_t bytes = table.bucketCount() * sizeof(table.bucket(0));
+  using Node = collections::HashTable<NativeMapEntry>::Node;
+  using Pool = collections::NodePool<Node>;
   for (const Pool::Block* block = table.pool().firstBlock(); block != nullptr; block = block->next) {
-    bytes += Pool::kHeaderBytes + block->capacity * sizeof(*table.bucket(0));
+    bytes += Pool::kHeaderBytes + block->capacity * sizeof(Node);
   }
   std::printf("A map of %lld entries holds %.1f bytes an entry.\n", static_cast<long long>(elements),
               static_cast<double>(bytes) / static_cast<double>(elements));

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <stdexcept>
 
-#include "collections/core/gc_allocator.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/keyed/map_entry.h"
 #include "collections/keyed/user_compared_key.h"
@@ -32,9 +32,12 @@ std::uint64_t HashTable<Entry>::bucketCountFor(std::uint64_t elements) {
 
 template <class Entry>
 void HashTable<Entry>::remove(Node* node) {
-  Node** link = &buckets_[bucketOf(node->key.hash)];
+  ChainLink<Node>& bucket = buckets_[bucketOf(node->key.hash)];
+  Node* chain = bucket.first();
+  Node** link = &chain;
   while (*link != node) link = &(*link)->next;
   *link = node->next;
+  bucket = ChainLink<Node>(chain);
   pool_.giveBack(node);
   --count_;
   ++changes_;
@@ -42,7 +45,7 @@ void HashTable<Entry>::remove(Node* node) {
 
 template <class Entry>
 void HashTable<Entry>::clear() {
-  std::fill_n(buckets_, bucketCount_, nullptr);
+  std::fill_n(buckets_, bucketCount_, ChainLink<Node>());
   pool_.clear();
   count_ = 0;
   ++changes_;
@@ -56,17 +59,19 @@ void HashTable<Entry>::reserve(std::uint64_t wanted) {
 
 template <class Entry>
 void HashTable<Entry>::rehash(std::uint64_t newBucketCount) {
-  Node** const buckets = VornGcAllocator<Node*>().allocate(newBucketCount);
-  std::fill_n(buckets, newBucketCount, nullptr);
+  // A bucket count has 32 bits, so that its bytes can be counted.
+  auto* const buckets = static_cast<ChainLink<Node>*>(Vorn_gcAllocAtomic(newBucketCount * sizeof(ChainLink<Node>)));
+  if (buckets == nullptr) throw std::bad_alloc();
+  std::fill_n(buckets, newBucketCount, ChainLink<Node>());
   buckets_ = buckets;
   bucketCount_ = newBucketCount;
   ++changes_;
   // The old chains are not needed: the pool knows all nodes, and in the order of memory.
   Cursor cursor = walk();
   while (Node* const node = cursor.next()) {
-    Node*& bucket = buckets_[bucketOf(node->key.hash)];
-    node->next = bucket;
-    bucket = node;
+    ChainLink<Node>& bucket = buckets_[bucketOf(node->key.hash)];
+    node->next = bucket.first();
+    bucket = bucket.prepended(node);
   }
 }
 
@@ -77,7 +82,8 @@ auto HashTable<Entry>::findByUserCode(const NativeCollectionKey& key) const -> P
   for (int restarts = 0; restarts <= kMaxRestarts; ++restarts) {
     if (count_ == 0) return {};
     const std::uint64_t changesBefore = changes_;
-    Node* node = buckets_[bucketOf(key.hash)];
+    const ChainLink<Node> chain = buckets_[bucketOf(key.hash)];
+    Node* node = chain.mayHold(key.hash) ? chain.first() : nullptr;
     for (; node != nullptr; node = node->next) {
       const bool equal = NativeCollectionKeyEqual()(key, compared.copy(node->key));
       if (watch.raised()) return {nullptr, true};
@@ -92,7 +98,7 @@ auto HashTable<Entry>::findByUserCode(const NativeCollectionKey& key) const -> P
 template <class Entry>
 auto HashTable<Entry>::findIdentical(const NativeCollectionKey& key) const -> Node* {
   if (count_ == 0) return nullptr;
-  Node* node = buckets_[bucketOf(key.hash)];
+  Node* node = buckets_[bucketOf(key.hash)].first();
   while (node != nullptr && !identicalKeys(node->key, key)) node = node->next;
   return node;
 }

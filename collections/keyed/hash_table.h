@@ -4,7 +4,8 @@
 //   - `buckets_` is null, with a bucket count of 0, until the first insertion or reserve; then the bucket count is one
 //   of
 //     a fixed sequence of primes and at least the number of elements (a maximum load factor of 1);
-//   - the node of a key hangs in the chain of bucketOf(key.hash), once;
+//   - the node of a key hangs in the chain of bucketOf(key.hash), once, and the bucket's link says no more and no less
+//     about its chain than that;
 //   - all nodes are the pool's, and the pool's nodes in use are those in the chains;
 //   - `changes` differs after every change of the chains or of the bucket array.
 // A table lives in a record inside its object's block, starts empty without allocating, and is never destroyed.
@@ -20,6 +21,7 @@
 #include <cstdint>
 
 #include "collections/core/collection_key.h"
+#include "collections/keyed/chain_link.h"
 #include "collections/keyed/key_words.h"
 #include "collections/keyed/node_pool.h"
 
@@ -62,7 +64,9 @@ class HashTable {
     if (count_ == 0) return nullptr;
     const KeyWords words(key);
     const bool longText = key.tag == NativeCollectionKey::Tag::LongText;
-    for (Node* node = buckets_[bucketOf(words.hash())]; node != nullptr; node = node->next) {
+    const ChainLink<Node> chain = buckets_[bucketOf(words.hash())];
+    if (!chain.mayHold(words.hash())) return nullptr;
+    for (Node* node = chain.first(); node != nullptr; node = node->next) {
       if (words.match(node->key)) return node;
       if (longText && NativeCollectionKeyEqual()(key, node->key)) return node;
     }
@@ -95,11 +99,11 @@ class HashTable {
   // code. The place is of no use here; it makes the call the same as an ordered table's.
   void insert(const Place& /*place*/, const NativeCollectionKey& key, const Entry& entry) {
     Node* const node = pool_.take();
-    Node*& bucket = buckets_[bucketOf(key.hash)];
-    node->next = bucket;
+    ChainLink<Node>& bucket = buckets_[bucketOf(key.hash)];
+    node->next = bucket.first();
     KeyWords(key).storeTo(node->key);
     node->entry = entry;
-    bucket = node;
+    bucket = bucket.prepended(node);
     ++count_;
     ++changes_;
   }
@@ -121,7 +125,7 @@ class HashTable {
   // in an interval", 2019).
   [[nodiscard]] std::uint64_t bucketOf(std::uint32_t hash) const { return (hash * bucketCount_) >> 32; }
 
-  [[nodiscard]] const Node* bucket(std::uint64_t index) const { return buckets_[index]; }
+  [[nodiscard]] ChainLink<Node> bucket(std::uint64_t index) const { return buckets_[index]; }
   [[nodiscard]] bool hasBuckets() const { return buckets_ != nullptr; }
   [[nodiscard]] const NodePool<Node>& pool() const { return pool_; }
 
@@ -130,7 +134,7 @@ class HashTable {
   [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
   [[nodiscard]] Node* findIdentical(const NativeCollectionKey& key) const;
 
-  Node** buckets_ = nullptr;
+  ChainLink<Node>* buckets_ = nullptr;  // in pointer-free memory
   std::uint64_t bucketCount_ = 0;
   std::uint64_t count_ = 0;
   std::uint64_t changes_ = 0;

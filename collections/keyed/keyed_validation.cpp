@@ -78,12 +78,14 @@ std::string validateHashTable(const HashTable<Entry>& table) {
     return "the bucket count is not one of the sequence";
   }
   for (std::uint64_t i = 0; i < table.bucketCount(); ++i) {
-    for (const Node* node = table.bucket(i); node != nullptr; node = node->next) {
+    for (const Node* node = table.bucket(i).first(); node != nullptr; node = node->next) {
       if (inUse.erase(node) == 0) return "a chain has a node that is not in use, or has it twice";
       if (table.bucketOf(node->key.hash) != i) return "a node hangs in another bucket than its hash says";
     }
     // Only now is the chain known to end.
-    if (hasSameKeyTwice<Node>(table.bucket(i))) return "two nodes have the same key";
+    Node* const chain = table.bucket(i).first();
+    if (hasSameKeyTwice<Node>(chain)) return "two nodes have the same key";
+    if (table.bucket(i) != ChainLink<Node>(chain)) return "a bucket's filter does not fit its chain";
   }
   return inUse.empty() ? "" : "a node in use hangs in no bucket";
 }
