@@ -1,7 +1,9 @@
 #include <charconv>
 #include <cmath>
+#include <string>
 #include <string_view>
 
+#include "collections/core/runtime_interface.h"
 #include "runtime/text/text.h"
 
 namespace vorn::runtime {
@@ -45,3 +47,13 @@ void appendScalarValue(std::string& text, std::uint64_t scalar) {
 }
 
 }  // namespace vorn::runtime
+
+std::string formatVornFloat(double value) {
+  std::string text;
+  vorn::runtime::appendFloating(text, value);
+  return text;
+}
+
+std::string integerLikeToDisplayString(std::string_view shortName, long long value) {
+  return shortName == "ULong" ? std::to_string(static_cast<unsigned long long>(value)) : std::to_string(value);
+}

@@ -1,4 +1,11 @@
 // The text of any object.
+#include <vorn/collections/array.h>
+#include <vorn/collections/array_list.h>
+#include <vorn/collections/hash_set.h>
+#include <vorn/collections/immutable_list.h>
+#include <vorn/collections/map.h>
+#include <vorn/collections/tuple.h>
+
 #include <bit>
 #include <string>
 #include <string_view>
@@ -28,9 +35,7 @@ std::string boxText(const RegisteredObject& box) {
       vorn::runtime::appendScalarValue(text, static_cast<std::uint64_t>(box.integer));
       break;
     default:
-      text = box.runtimeClass == &builtinClass(BuiltinClass::ULong)
-                 ? std::to_string(static_cast<std::uint64_t>(box.integer))
-                 : std::to_string(box.integer);
+      text = integerLikeToDisplayString(box.runtimeClass->shortName, box.integer);
       break;
   }
   return text;
@@ -65,10 +70,10 @@ std::string fieldText(const void* object, const ObjectField& field) {
   return {};
 }
 
-// "Point(x=1, y=2)"; a class without fields shows its name alone, and so does a collection.
-std::string defaultText(const ObjectRecord& object) {
+// "Point(x=1, y=2)"; a class without fields shows its name alone.
+std::string defaultText(const ObjectRecord& object, std::string_view className) {
   const RuntimeClass& type = *object.runtimeClass;
-  std::string text(type.shortName);
+  std::string text(className);
   if (object.kind() != ObjectKind::Instance) return text;
   const char* separator = "(";
   for (std::size_t i = 0; i < type.fieldCount; ++i) {
@@ -93,7 +98,27 @@ std::string typeText(void* type) {
 
 std::string ownText(ObjectRecord& object) {
   if (vorn::runtime::isBoxKind(object.kind())) return boxText(static_cast<const RegisteredObject&>(object));
-  return object.kind() == ObjectKind::Type ? typeText(&object) : defaultText(object);
+  return object.kind() == ObjectKind::Type ? typeText(&object) : defaultText(object, object.runtimeClass->shortName);
+}
+
+// The display of a collection, made by its own native; null for any other object.
+void* collectionString(ObjectRecord& object) {
+  switch (object.kind()) {
+    case ObjectKind::List:
+      return object.runtimeClass->builtin == BuiltinClass::ImmutableList
+                 ? vorn_collections_ImmutableList_toString(&object)
+                 : vorn_collections_ArrayList_toString(&object);
+    case ObjectKind::Tuple:
+      return vorn_collections_Tuple_toString(&object);
+    case ObjectKind::Array:
+      return vorn_collections_Array_toString(&object);
+    case ObjectKind::Map:
+      return vorn_collections_Map_toString(&object);
+    case ObjectKind::Set:
+      return vorn_collections_HashSet_toString(&object);
+    default:
+      return nullptr;
+  }
 }
 
 // The text that a hook's result stands for: null when it raised or gave something that is no text.
@@ -112,5 +137,17 @@ extern "C" const char* Vorn_objectToString(void* handle) {
   if (vorn::runtime::readText(handle, own)) return own.data();
   auto& object = *static_cast<ObjectRecord*>(handle);
   const auto& hook = object.runtimeClass->hooks.toString;
-  return hook ? hookText(hook, handle) : vorn::runtime::newText(ownText(object));
+  if (hook) return hookText(hook, handle);
+  // A String's text is a block of its own, which the result may point to when the String is gone.
+  if (vorn::runtime::readText(collectionString(object), own)) return own.data();
+  return vorn::runtime::newText(ownText(object));
+}
+
+std::string formatObjectDefault(void* object, std::string_view className) {
+  auto& record = *static_cast<ObjectRecord*>(object);
+  if (vorn::runtime::isBoxKind(record.kind())) return boxText(static_cast<const RegisteredObject&>(record));
+  if (const auto& hook = record.runtimeClass->hooks.toString) {
+    if (const char* text = hookText(hook, object)) return text;
+  }
+  return defaultText(record, className);
 }

@@ -53,3 +53,42 @@ extern "C" int Vorn_strEquals(const char* left, const char* right) {
   if (left == nullptr || right == nullptr) return 0;
   return std::strcmp(left, right) == 0 ? 1 : 0;
 }
+
+std::string escapeDisplayString(std::string_view text) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  std::string escaped;
+  escaped.reserve(text.size());
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    switch (c) {
+      case '"':
+        escaped += "\\\"";
+        break;
+      case '\\':
+        escaped += "\\\\";
+        break;
+      case '\b':
+        escaped += "\\b";
+        break;
+      case '\f':
+        escaped += "\\f";
+        break;
+      case '\n':
+        escaped += "\\n";
+        break;
+      case '\r':
+        escaped += "\\r";
+        break;
+      case '\t':
+        escaped += "\\t";
+        break;
+      default:
+        if (byte >= 0x20) {
+          escaped += c;
+        } else {
+          escaped += {'\\', 'u', '0', '0', kHex[byte >> 4], kHex[byte & 15]};
+        }
+    }
+  }
+  return escaped;
+}

@@ -137,4 +137,14 @@ VORN_NATIVE void* vorn_collections_Array_concat(void* array, void* other);
 VORN_NATIVE void* Vorn_stringFromCharArray(void* array);
 VORN_NATIVE void* Vorn_stringFromCodeUnitArray(void* array);
 
+/* The display as a new String: "f:[", or "fs:[" for a synchronised array, the elements' display texts separated by ",
+ * ",
+ * "]"; "f:[]" for null, and "f:[...]" where the array contains itself. The lock is held throughout. Runs the toString
+ * of user classes. Allocates. */
+VORN_NATIVE void* vorn_collections_Array_toString(void* array);
+
+/* The language texts of the elements with the separator between neighbours, as a new String; a null separator is empty,
+ * a null element "null", null arrays give "". The lock is held throughout. Runs user code, allocates. */
+VORN_NATIVE void* vorn_collections_Array_join(void* array, const char* separator);
+
 #endif

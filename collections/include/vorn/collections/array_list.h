@@ -272,4 +272,19 @@ VORN_NATIVE long long vorn_collections_ArrayList_sumI64Fast(void* list);
 /* The sum of the elements as a double, floating elements added in index order. Null elements as in sumInt. */
 VORN_NATIVE double vorn_collections_ArrayList_sumF64Fast(void* list);
 
+/* ---- Text ------------------------------------------------------------------------------------------------------- */
+
+/* The list's display as a new String: its elements by their display texts (texts quoted and escaped), separated by ",
+ * ", between "[" and "]"; linked lists open with "l:[" and "ls:[", a synchronised array list that is not empty with
+ * "s:[".
+ * "[]" for null. A list that contains itself shows "[...]" there. A list in boxed storage is locked only while its
+ * handles are copied, an unboxed one throughout. Runs the toString of user classes, whose errors stay pending. Nesting
+ * beyond the thread's stack throws std::runtime_error. Allocates. */
+VORN_NATIVE void* vorn_collections_ArrayList_toString(void* list);
+
+/* The language texts of the elements (texts as they are), with the separator between neighbours, as a new String; a
+ * null separator is empty, a null element "null", null lists give "". A toString that joins or changes the same
+ * synchronised list waits for ever: the lock is held throughout. Runs user code, allocates. */
+VORN_NATIVE void* vorn_collections_ArrayList_join(void* list, const char* separator);
+
 #endif

@@ -33,4 +33,8 @@ VORN_NATIVE long long vorn_collections_ImmutableList_lastIndexOf(void* list, voi
  * the elements in some order. Allocates. */
 VORN_NATIVE void* vorn_collections_ImmutableList_sortNew(void* list);
 
+/* The display as a new String: "i:[", the elements as in array_list.h, "]"; "i:[]" for null, and "i:[...]" where the
+ * list contains itself. */
+VORN_NATIVE void* vorn_collections_ImmutableList_toString(void* list);
+
 #endif

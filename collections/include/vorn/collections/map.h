@@ -80,4 +80,12 @@ VORN_NATIVE void* vorn_collections_Map_values(void* map);
  * keys, V the one type of all values, or else the type recorded for them; "Object" where there is none. */
 VORN_NATIVE void* vorn_collections_Map_items(void* map);
 
+/* ---- Text ------------------------------------------------------------------------------------------------------- */
+
+/* The display as a new String: entries in storage order as "key: value", by their display texts, separated by ", ",
+ * between "{" and "}"; HashMapSync opens with "s:{", SortedMap with "t:{", SortedMapSync with "ts:{". "{}" for null;
+ * where the map contains itself, its opening and "...}". The map is locked only while its entries are copied. Runs the
+ * toString of user classes. Allocates. */
+VORN_NATIVE void* vorn_collections_Map_toString(void* map);
+
 #endif

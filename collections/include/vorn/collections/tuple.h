@@ -23,4 +23,8 @@ VORN_NATIVE void* vorn_collections_Tuple_operator_index(void* tuple, long long i
 /* Raises ReadOnlyException "Tuple is read-only", for null too. */
 VORN_NATIVE void vorn_collections_Tuple_operator_index_eq(void* tuple, long long index, void* value);
 
+/* The display as a new String: the items' display texts between "(" and ")", separated by ", ", a single one followed
+ * by ","; "()" for null, and "(...)" where the tuple contains itself. Runs the toString of user classes. Allocates. */
+VORN_NATIVE void* vorn_collections_Tuple_toString(void* tuple);
+
 #endif

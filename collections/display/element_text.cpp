@@ -1,0 +1,89 @@
+#include "collections/display/element_text.h"
+
+#include <cstring>
+
+#include "collections/core/element_access.h"
+#include "collections/core/primitive_conversions.h"
+#include "collections/core/primitive_kinds.h"
+#include "collections/core/roots.h"
+#include "collections/core/runtime_interface.h"
+#include "collections/display/value_display.h"
+
+namespace vorn::collections {
+
+namespace {
+
+bool isSignedIntegerName(std::string_view name) {
+  // "Int" is what an element without a name is boxed as. Values of the narrower unsigned types are never negative.
+  return name.empty() || name == "Int" || name == "Long" || name == "Short" || name == "Byte" || name == "SByte" ||
+         name == "UInt" || name == "UShort";
+}
+
+// Writes element after element, separated, into room for the longest that they can be.
+template <class Write>
+void appendSeparated(DisplayBuffer& text, std::uint64_t n, std::size_t longest, std::string_view separator,
+                     Write write) {
+  for (std::uint64_t i = 0; i < n; ++i) {
+    char* at = text.room(longest + separator.size());
+    if (i != 0) {
+      std::memcpy(at, separator.data(), separator.size());
+      at += separator.size();
+    }
+    text.writtenTo(write(at, i));
+  }
+}
+
+char* writeText(char* at, std::string_view text) {
+  std::memcpy(at, text.data(), text.size());
+  return at + text.size();
+}
+
+}  // namespace
+
+ElementText elementTextOf(PrimitiveKind kind, std::string_view typeName) {
+  if (isFloatingKind(kind)) return ElementText::Floating;
+  if (kind == PrimitiveKind::Boolean) return ElementText::Boolean;
+  if (typeName == "ULong") return ElementText::Unsigned;
+  return isSignedIntegerName(typeName) ? ElementText::Signed : ElementText::Boxed;
+}
+
+void appendElements(DisplayBuffer& text, ElementText form, PrimitiveKind kind, const unsigned char* data,
+                    std::uint64_t n, std::string_view separator) {
+  constexpr std::size_t kInteger = DisplayBuffer::kIntegerText;
+  visitKind(kind, [&](auto tag) {
+    if constexpr (isFloatingKind(decltype(tag)::kind)) {
+      for (std::uint64_t i = 0; i < n; ++i) {
+        if (i != 0) text.append(separator);
+        text.append(formatVornFloat(readElementF64(tag, data, i)));
+      }
+    } else if constexpr (decltype(tag)::kind == PrimitiveKind::Boolean) {
+      appendSeparated(text, n, 5, separator, [&](char* at, std::uint64_t i) {
+        return writeText(at, readElementI64(tag, data, i) != 0 ? "true" : "false");
+      });
+    } else if (form == ElementText::Unsigned) {
+      appendSeparated(text, n, kInteger, separator, [&](char* at, std::uint64_t i) {
+        return std::to_chars(at, at + kInteger, static_cast<std::uint64_t>(readElementI64(tag, data, i))).ptr;
+      });
+    } else {
+      appendSeparated(text, n, kInteger, separator, [&](char* at, std::uint64_t i) {
+        return std::to_chars(at, at + kInteger, readElementI64(tag, data, i)).ptr;
+      });
+    }
+  });
+}
+
+void appendUnboxedElements(DisplayBuffer& text, const ListData& list, std::string_view separator) {
+  const ElementText form = elementTextOf(list.primitiveKind, list.elementType.get());
+  if (form != ElementText::Boxed) {
+    return appendElements(text, form, list.primitiveKind, list.primitive.data, list.primitive.size, separator);
+  }
+  RootedHandle box;
+  for (std::uint64_t i = 0; i < list.primitive.size; ++i) {
+    if (i != 0) text.append(separator);
+    box = boxPrimitiveListValue(list.primitiveKind, list.elementType.get(), primitiveListReadI64(list, i),
+                                primitiveListReadF64(list, i));
+    appendValueDisplay(text, box.get());
+  }
+}
+
+}  // namespace vorn::collections

@@ -1,0 +1,62 @@
+// Displays of maps.
+#include <vorn/collections/map.h>
+
+#include <string_view>
+
+#include "collections/core/runtime_interface.h"
+#include "collections/display/display_buffer.h"
+#include "collections/display/display_guard.h"
+#include "collections/display/value_display.h"
+#include "collections/keyed/map_snapshot.h"
+
+namespace vorn::collections {
+
+namespace {
+
+std::string_view prefixOf(void* map) {
+  const std::string_view base = runtimeCollectionBaseName(Vorn_objectTypeName(map));
+  if (base == "SortedMap") return "t:{";
+  if (base == "SortedMapSync") return "ts:{";
+  return base == "HashMapSync" ? "s:{" : "{";
+}
+
+void appendKey(DisplayBuffer& text, void* key) {
+  const char* type = key != nullptr ? Vorn_objectTypeName(key) : nullptr;
+  if (type != nullptr && isFloatingNumberShortType(shortTypeName(type))) return text.append(mapKeyString(key));
+  appendValueDisplay(text, key);
+}
+
+}  // namespace
+
+void appendMapDisplay(DisplayBuffer& text, void* map, void** string) {
+  if (map == nullptr) {
+    text.append("{}");
+    return finishDisplay(text, string);
+  }
+  text.append(prefixOf(map));
+  // Unlike that of lists and sets, the marker keeps the tag.
+  if (CollectionDisplayGuard::isDisplaying(map)) {
+    text.append("...}");
+    return finishDisplay(text, string);
+  }
+  const CollectionDisplayGuard guard(map);
+  MapEntryVector entries;
+  *entries = snapshotMapEntries(*getMapData(map));
+  for (std::size_t i = 0; i < entries->size(); ++i) {
+    if (i != 0) text.append(", ");
+    appendKey(text, (*entries)[i].key);
+    text.append(": ");
+    appendValueDisplay(text, (*entries)[i].value);
+  }
+  text.append("}");
+  finishDisplay(text, string);
+}
+
+}  // namespace vorn::collections
+
+void* vorn_collections_Map_toString(void* map) {
+  vorn::collections::DisplayBuffer text;
+  void* string = nullptr;
+  vorn::collections::appendMapDisplay(text, map, &string);
+  return string;
+}
