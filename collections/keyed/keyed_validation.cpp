@@ -97,7 +97,7 @@ std::string validateSubtree(const OrderedTable::Node* node, NodeSet<OrderedTable
     return {};
   }
   if (inUse.erase(node) == 0) return "the tree has a node that is not in use, or has it twice";
-  int heights[2];
+  int heights[2] = {};
   for (const auto side : {OrderedTable::Left, OrderedTable::Right}) {
     const OrderedTable::Node* const child = node->children[side];
     if (child != nullptr && child->parent() != node) return "a node's child names another parent";

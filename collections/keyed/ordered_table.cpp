@@ -1,5 +1,7 @@
 #include "collections/keyed/ordered_table.h"
 
+#include <cassert>
+
 #include "collections/core/pending_error_watch.h"
 #include "collections/keyed/key_words.h"
 #include "collections/keyed/user_compared_key.h"
@@ -141,7 +143,8 @@ void OrderedTable::remove(Node* node) {
 void OrderedTable::rebalanceAfterRemove(Node* parent, Side side) {
   while (parent != nullptr) {
     const Side other = opposite(side);
-    Node* sibling = parent->children[other];  // there is one, since its ways are longer
+    Node* sibling = parent->children[other];
+    assert(sibling != nullptr && "its ways are longer");
     if (sibling->red()) {
       makeBlack(sibling);
       makeRed(parent);
