@@ -1,10 +1,12 @@
 // Synchronised arrays under several threads at once. All collected memory that the threads cause to be allocated is
 // allocated under the array's lock, so that these tests hold under an exact collector as well.
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
 #include "collections/array/byte_conversions.h"
 #include "tests/array/array_cases.h"
+#include "tests/support/watchdog.h"
 
 namespace vorn::tests {
 namespace {
@@ -97,6 +99,64 @@ TEST_F(ArrayThreads, Construction_IsNeverSeenHalfDone) {
     }
   });
   EXPECT_ARRAY_AT_REST(array);
+}
+
+// ---- Two arrays -----------------------------------------------------------------------------------------------------
+
+// The source is locked before the target, and both are while the slots are copied.
+TEST_F(ArrayThreads, CopyCtor_HoldsTheSourceWhileItWaitsForTheTarget) {
+  const Handle source = intArray("ArraySync<Int>", {1, 2});
+  const Handle target = intArray("ArraySync<Int>", {7});
+  const Watchdog watchdog;
+  pthread_mutex_lock(recordOf(target).mutex);
+  std::thread copying([&] {
+    vorn_thread_attach();
+    vorn_collections_Array_copyCtor(target, source);
+  });
+  while (isUnlockedArray(source)) std::this_thread::yield();  // the size is read under the lock as well, but briefly
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_FALSE(isUnlockedArray(source));
+  EXPECT_EQ(arrayLogicalSize(recordOf(target)), 1U);
+  pthread_mutex_unlock(recordOf(target).mutex);
+  copying.join();
+  EXPECT_EQ(integersOf(target), (Integers{1, 2}));
+  EXPECT_ARRAY_AT_REST(source);
+  EXPECT_ARRAY_AT_REST(target);
+}
+
+// Both threads run operation(mine, theirs) with the arrays swapped. Short arrays: what counts is how often they meet.
+template <class Operation>
+void crossOver(Operation operation) {
+  if (onStressHeap()) GTEST_SKIP() << "threads that allocate at the same time need scanned stacks";
+  const Handle first = intArray("ArraySync<Int>", {1, 2, 3});
+  const Handle second = intArray("ArraySync<Int>", {4, 5, 6});
+  const Watchdog watchdog;
+  const auto work = [&](void* mine, void* theirs) {
+    vorn_thread_attach();
+    for (int i = 0; i < 20'000; ++i) operation(mine, theirs);
+    EXPECT_EQ(vorn_error_count(), 0U);
+  };
+  std::thread left([&] { work(first, second); });
+  std::thread right([&] { work(second, first); });
+  left.join();
+  right.join();
+  EXPECT_ARRAY_AT_REST(first);
+  EXPECT_ARRAY_AT_REST(second);
+}
+
+TEST_F(ArrayThreads, TwoArraysConcatenatedWithEachOther_NeverDeadlock) {
+  crossOver([](void* mine, void* theirs) {
+    const Handle result = vorn_collections_Array_concat(mine, theirs);
+    EXPECT_EQ(vorn_collections_Array_sumI64Fast(result), 21);
+  });
+}
+
+TEST_F(ArrayThreads, TwoArraysSliceAssignedToEachOther_NeverDeadlock) {
+  crossOver([](void* mine, void* theirs) { arraySliceAssign(mine, kOmitted, kOmitted, 1, theirs); });
+}
+
+TEST_F(ArrayThreads, TwoArraysComparedWithEachOther_NeverDeadlock) {
+  crossOver([](void* mine, void* theirs) { EXPECT_FALSE(vorn_collections_Array_operator_eq(mine, theirs)); });
 }
 
 }  // namespace
