@@ -1,5 +1,6 @@
 #include "collections/array/array_data.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "collections/array/slot_access.h"
@@ -45,7 +46,12 @@ void copySlots(const ArrayData& source, long long first, long long step, std::ui
     return;
   }
   const std::uint64_t width = source.primitive.elementSize;
-  gatherElements(source.primitive.data, first, step, count, width, target.primitive.data + at * width);
+  unsigned char* const copies = target.primitive.data + at * width;
+  gatherElements(source.primitive.data, first, step, count, width, copies);
+  // Compiled code may have left any non-zero byte for true; a copied slot is written as a value, 0 or 1.
+  if (source.slotKind == ArraySlotKind::Bool) {
+    std::transform(copies, copies + count, copies, [](unsigned char byte) { return byte != 0 ? 1 : 0; });
+  }
 }
 
 }  // namespace vorn::collections
@@ -66,6 +72,7 @@ void resizeArrayStorage(ArrayData& array, std::uint64_t n) {
 }
 
 void copyArrayStorage(const ArrayData& source, ArrayData& target) {
+  if (&source == &target) return;
   const std::uint64_t n = arrayLogicalSize(source);
   // A record that compiled code prepared may keep its slots at another width than the kind's own.
   const bool ownWidth = holdsHandles(source.slotKind) || n == 0;

@@ -46,8 +46,8 @@ VORN_EXPORT void clearArrayStorage(ArrayData& array);
 // nothing changed. Allocates.
 VORN_EXPORT void resizeArrayStorage(ArrayData& array, std::uint64_t n);
 
-// Makes the target an element-for-element copy of the source: element type, slot kind, slots. Throws std::bad_alloc
-// with nothing changed. Allocates.
+// Makes the target an element-for-element copy of the source: element type, slot kind, slots. A record copied to itself
+// stays as it is. Throws std::bad_alloc with nothing changed. Allocates.
 VORN_EXPORT void copyArrayStorage(const ArrayData& source, ArrayData& target);
 
 // The slot as a signed 64-bit integer: sign- or zero-extended, the same bits for UInt64, truncated toward zero for

@@ -11,7 +11,8 @@ namespace {
 // Nesting beyond this is no type that anyone wrote, and the comparison recurses.
 constexpr int kDeepestNesting = 64;
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
+// The ASCII white space, as in the names that the library reads by itself.
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 bool plainNamesSameType(std::string_view left, std::string_view right) {
   if (left == right) return true;

@@ -1,16 +1,13 @@
 // Locks of the whole-list operations: which ones lock, that every lock is released, and that two lists never wait for
 // each other.
 #include <cerrno>
-#include <chrono>
-#include <condition_variable>
-#include <cstdlib>
-#include <mutex>
 #include <system_error>
 #include <thread>
 
 #include "collections/arraylist/snapshots.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/arraylist/held_mutex.h"
+#include "tests/support/watchdog.h"
 
 namespace vorn::tests {
 namespace {
@@ -134,35 +131,6 @@ TEST_F(BulkLock, IsReleasedAfterEveryRaise) {
 }
 
 // ---- Two lists from two threads -------------------------------------------------------------------------------------
-
-// Ends the process when the scope lasts longer than five minutes: a deadlock cannot be reported otherwise.
-class Watchdog {
- public:
-  Watchdog() : thread_([this] { watch(); }) {}
-  ~Watchdog() {
-    {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      done_ = true;
-    }
-    changed_.notify_one();
-    thread_.join();
-  }
-  Watchdog(const Watchdog&) = delete;
-  Watchdog& operator=(const Watchdog&) = delete;
-
- private:
-  void watch() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    if (changed_.wait_for(lock, std::chrono::minutes(5), [this] { return done_; })) return;
-    std::fputs("two lists wait for each other\n", stderr);
-    std::abort();
-  }
-
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool done_ = false;
-  std::thread thread_;  // last, so that it starts when the rest exists
-};
 
 // Each thread runs operation(mine, theirs) 100,000 times with the lists swapped. Short lists: what counts is how often
 // the threads meet.

@@ -69,6 +69,58 @@ TEST_F(ErrorTexts, TupleReadOnly) {
   EXPECT_RAISED("ReadOnlyException: Tuple is read-only");
 }
 
+TEST_F(ErrorTexts, ArraySizeNegative) {
+  errors::raiseArraySizeNegative();
+  EXPECT_RAISED("ValueException: Array size cannot be negative");
+}
+
+TEST_F(ErrorTexts, InvalidArrayElement) {
+  errors::raiseInvalidArrayElement();
+  EXPECT_RAISED("TypeError: Invalid array element type");
+}
+
+TEST_F(ErrorTexts, ExpectedIntegerArrayItem) {
+  errors::raiseExpectedIntegerArrayItem();
+  EXPECT_RAISED("TypeError: Expected integer array item");
+}
+
+TEST_F(ErrorTexts, ExpectedFloatingArrayItem) {
+  errors::raiseExpectedFloatingArrayItem();
+  EXPECT_RAISED("TypeError: Expected floating array item");
+}
+
+TEST_F(ErrorTexts, ArrayCopyOfNull) {
+  errors::raiseArrayCopyOfNull();
+  EXPECT_RAISED("TypeError: Array copy constructor expects a non-null ordered collection");
+}
+
+TEST_F(ErrorTexts, ArrayCopySource) {
+  errors::raiseArrayCopySource();
+  EXPECT_RAISED("TypeError: Array copy constructor expects an ordered collection");
+}
+
+TEST_F(ErrorTexts, FixedSliceCount) {
+  errors::raiseFixedSliceCount();
+  EXPECT_RAISED("ValueException: fixed array slice assignment requires the same number of values");
+}
+
+TEST_F(ErrorTexts, ArrayConcatSource) {
+  errors::raiseArrayConcatSource();
+  EXPECT_RAISED("TypeError: array concatenation expects an ordered collection");
+}
+
+TEST_F(ErrorTexts, NulInString) {
+  errors::raiseNulInString();
+  EXPECT_RAISED("ValueException: U+0000 cannot be stored in a String");
+}
+
+TEST_F(ErrorTexts, UnpairedSurrogates) {
+  errors::raiseUnpairedHighSurrogate();
+  EXPECT_RAISED("ValueException: Unpaired high surrogate in CodeUnit[]");
+  errors::raiseUnpairedLowSurrogate();
+  EXPECT_RAISED("ValueException: Unpaired low surrogate in CodeUnit[]");
+}
+
 TEST_F(ErrorTexts, ElementTypeRefused) {
   errors::raiseElementTypeRefused("Int", "vorn.String");
   EXPECT_RAISED("TypeError: ArrayList<Int> cannot accept vorn.String");

@@ -1,0 +1,191 @@
+// Memory exhaustion at every allocation of every native, and what an array keeps alive.
+#include "tests/array/array_cases.h"
+#include "tests/arraylist/ranked_item.h"
+#include "tests/support/sequences.h"
+
+namespace vorn::tests {
+namespace {
+
+class ArrayAllocation : public RuntimeTest {};
+class ArrayNativeAllocation : public RuntimeTest, public ::testing::WithParamInterface<ArrayNative> {
+ protected:
+  static bool makesAnObject() {
+    const std::string name = GetParam().name;
+    return name == "slice" || name.ends_with("New") || name.starts_with("concat");
+  }
+};
+
+TEST_P(ArrayNativeAllocation, EveryFailure_LeavesTheArrayAsItWas) {
+  for (const bool synchronised : {false, true}) {
+    for (const SlotCase& slots : kSlotCases) {
+      SCOPED_TRACE(arrayType(slots.element, synchronised));
+      const Handle array = sampleArray(slots.element, synchronised, 3);
+      const Handle value = sample(slots.element, 1);
+      for (const Handle& other : {intArray("Array<Int>", Integers(40, 1)), newArray("Array", 40)}) {
+        const ArrayState before(array);
+        const ArrayState otherBefore(other);
+        bool nullResults = false;
+        for (int failing = 0; failing < 500; ++failing) {
+          vorn_heap_fail_allocation(failing);
+          bool thrown = false;
+          try {
+            GetParam().call(array, value, other);
+          } catch (const std::bad_alloc&) {
+            thrown = true;
+          }
+          const bool happened = vorn_heap_failure_happened() != 0;
+          vorn_heap_fail_allocation(-1);
+          takeErrors();  // an element type may refuse a value
+          ASSERT_EQ(faultOfArray(array), "");
+          ASSERT_EQ(faultOfArray(other), "");
+          if (!happened) break;
+          if (!thrown) nullResults = true;
+          ASSERT_TRUE(ArrayState(array) == before);
+          ASSERT_TRUE(ArrayState(other) == otherBefore);
+        }
+        // A new object that cannot be had is a null result, every other failure is std::bad_alloc.
+        EXPECT_TRUE(!nullResults || makesAnObject()) << GetParam().name;
+        vorn_collections_Array_ctor(array, 3);
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Natives, ArrayNativeAllocation, ::testing::ValuesIn(arrayNatives()),
+                         [](const auto& param) { return std::string(param.param.name); });
+
+// How many allocations the natives make: each fails as std::bad_alloc or as a null result.
+TEST_F(ArrayAllocation, Failures_AreCounted) {
+  const auto sweep = [](const Handle& array, auto operation) {
+    const ArrayState before(array);
+    return sweepArrayFailures(operation, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); });
+  };
+  const Handle ints = intArray("ArraySync<Int>", Integers(40, 7));
+  EXPECT_EQ(sweep(ints, [&] { vorn_collections_Array_sort(ints); }), 0);
+  EXPECT_EQ(sweep(ints, [&] { vorn_collections_Array_reverse(ints); }), 0);
+  EXPECT_EQ(sweep(ints, [&] { vorn_collections_Array_setInt(ints, 0, 7); }), 0);
+  EXPECT_EQ(sweep(ints, [&] { return vorn_collections_Array_operator_index(ints, 0); }), 1);
+  EXPECT_EQ(sweep(ints, [&] { return vorn_collections_Array_sortNew(ints); }), 2) << "the object and its block";
+  EXPECT_EQ(sweep(ints, [&] { return vorn_collections_Array_reverseNew(ints); }), 2);
+  EXPECT_EQ(sweep(ints, [&] { return static_cast<void*>(arraySlice(ints, kOmitted, kOmitted)); }), 2);
+  EXPECT_EQ(sweep(ints, [&] { return static_cast<void*>(arraySlice(ints, 0, 5)); }), 1) << "five slots need no block";
+  const Handle tuple = tupleOf({integer("Int", 1)});
+  const Handle seven = tupleOf({integer("Int", 7)});
+  EXPECT_EQ(sweep(ints, [&] { return vorn_collections_Array_concat(ints, tuple); }), 3);
+  EXPECT_EQ(sweep(ints, [&] { arraySliceAssign(ints, 0, 1, 1, seven); }), 1) << "the gathered values";
+  const Handle objects = newArray("Array", 1);
+  EXPECT_EQ(sweepArrayFailures([&] { vorn_collections_Array_setInt(objects, 0, 7); },
+                               [&] { EXPECT_EQ(itemsOf(objects), Elements{"null"}); }),
+            1);
+}
+
+TEST_F(ArrayAllocation, Ctor_FailureLeavesTheOldElements) {
+  for (const bool synchronised : {false, true}) {
+    for (const SlotCase& slots : kSlotCases) {
+      const Handle array = sampleArray(slots.element, synchronised, 3);
+      const ArrayState before(array);
+      EXPECT_EQ(sweepArrayFailures([&] { vorn_collections_Array_ctor(array, 500); },
+                                   [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
+                1);
+      EXPECT_EQ(vorn_collections_Array_size(array), 500);
+    }
+  }
+}
+
+TEST_F(ArrayAllocation, CopyCtor_FailureLeavesTheTargetAndItsSizeField) {
+  for (const bool synchronised : {false, true}) {
+    for (const SlotCase& slots : kSlotCases) {
+      const Handle source = sampleArray(slots.element, synchronised, 200);
+      const Handle target = sampleArray("Int", synchronised, 3);
+      const ArrayState before(target);
+      EXPECT_EQ(sweepArrayFailures([&] { vorn_collections_Array_copyCtor(target, source); },
+                                   [&] { EXPECT_ARRAY_UNTOUCHED(target, before); }),
+                1);
+      EXPECT_EQ(arraySizeField(target), 200);
+      EXPECT_EQ(itemsOf(target), itemsOf(source));
+    }
+  }
+}
+
+TEST_F(ArrayAllocation, CopyCtorOfAList_FailureLeavesAWholeArray) {
+  const Handle source = intList("ArrayListSync<Int>", Integers(50, 3));
+  const Handle target = sampleArray("Int", true, 3);
+  EXPECT_GE(sweepArrayFailures([&] { vorn_collections_Array_copyCtor(target, source); },
+                               [&] {
+                                 EXPECT_ARRAY_AT_REST(target);
+                                 EXPECT_LE(vorn_collections_Array_size(target), 50);
+                               }),
+            50);
+  EXPECT_EQ(integersOf(target), Integers(50, 3));
+}
+
+TEST_F(ArrayAllocation, SortOfHandles_FailureLeavesTheOrder) {
+  const Handle array = newArray("ArraySync", 20);
+  for (long long i = 0; i < 20; ++i) vorn_collections_Array_operator_index_eq(array, i, ranked((i * 7) % 20));
+  const ArrayState before(array);
+  EXPECT_GE(
+      sweepArrayFailures([&] { vorn_collections_Array_sort(array); }, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
+      1);
+}
+
+// ---- Liveness -------------------------------------------------------------------------------------------------------
+
+constexpr std::uint64_t kBig = 100000;
+
+Handle bigText() { return string(std::string(kBig, 'x')); }
+
+std::uint64_t liveBytes() {
+  vorn_heap_collect();
+  vorn_heap_statistics statistics;
+  vorn_heap_get_statistics(&statistics);
+  return statistics.bytes_live;
+}
+
+class ArrayLiveness : public RuntimeTest {
+ protected:
+  void SetUp() override {
+    if (!onStressHeap()) GTEST_SKIP() << "only the stress heap frees at once what no root reaches";
+  }
+};
+
+TEST_F(ArrayLiveness, Handles_AreKeptUntilTheyAreReplaced) {
+  for (const long long size : {3, 50}) {
+    for (const bool synchronised : {false, true}) {
+      const Handle array = newArray(arrayType("String", synchronised), size);
+      const std::uint64_t before = liveBytes();
+      vorn_collections_Array_operator_index_eq(array, size - 1, bigText());
+      EXPECT_GE(liveBytes(), before + kBig);
+      vorn_collections_Array_operator_index_eq(array, size - 1, nullptr);
+      EXPECT_LT(liveBytes(), before + kBig);
+      vorn_collections_Array_operator_index_eq(array, size - 1, bigText());
+      vorn_collections_Array_ctor(array, size);
+      EXPECT_LT(liveBytes(), before + kBig);
+      vorn_collections_Array_operator_index_eq(array, size - 1, bigText());
+      vorn_collections_Array_copyCtor(array, newArray("Array<Int>", 1));
+      EXPECT_LT(liveBytes(), before + kBig);
+    }
+  }
+}
+
+TEST_F(ArrayLiveness, Results_KeepTheirHandlesWithoutTheReceiver) {
+  for (int native = 0; native < 5; ++native) {
+    SCOPED_TRACE(native);
+    Handle result;
+    {
+      const Handle array = arrayOf("Array", {bigText(), bigText(), bigText(), bigText(), bigText(), bigText()});
+      if (native == 0) result = vorn_collections_Array_sortNew(array);
+      if (native == 1) result = vorn_collections_Array_reverseNew(array);
+      if (native == 2) result = arraySlice(array, kOmitted, kOmitted);
+      if (native == 3) result = vorn_collections_Array_concat(array, tupleOf({}));
+      if (native == 4) {
+        result = object("Array");
+        vorn_collections_Array_copyCtor(result, array);
+      }
+    }
+    EXPECT_GE(liveBytes(), 6 * kBig);
+    EXPECT_EQ(itemsOf(result), Elements(6, "String " + std::string(kBig, 'x')));
+  }
+}
+
+}  // namespace
+}  // namespace vorn::tests

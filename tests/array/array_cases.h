@@ -1,0 +1,290 @@
+// What the tests of fixed arrays share: the slot kinds, makers, checks of whole objects, readable elements.
+#pragma once
+
+#include <vorn/collections/array.h>
+
+#include <climits>
+#include <cstring>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "collections/array/array_data.h"
+#include "collections/array/array_validation.h"
+#include "collections/array/slot_values.h"
+#include "tests/arraylist/bulk_cases.h"
+#include "tests/support/held_mutex.h"
+
+namespace vorn::tests {
+
+using SlotKind = ArrayData::SlotKind;
+using HeldArrayMutex = HeldRecordMutex<ArrayData>;
+
+inline constexpr const char* kArraySizeError = "ValueException: Array size cannot be negative";
+inline constexpr const char* kArrayElementError = "TypeError: Invalid array element type";
+inline constexpr const char* kIntegerItemError = "TypeError: Expected integer array item";
+inline constexpr const char* kFloatingArrayItemError = "TypeError: Expected floating array item";
+inline constexpr const char* kArraySliceCountError =
+    "ValueException: fixed array slice assignment requires the same number of values";
+inline constexpr const char* kArrayConcatError = "TypeError: array concatenation expects an ordered collection";
+
+constexpr long long kLowest = LLONG_MIN;
+constexpr long long kHighest = LLONG_MAX;
+
+// ---- Slot kinds -----------------------------------------------------------------------------------------------------
+
+struct SlotCase {
+  const char* element;
+  SlotKind kind;
+  std::uint64_t width;
+};
+
+// The thirteen primitive element types with what is documented of their slots, and one type of handles.
+inline constexpr SlotCase kSlotCases[] = {
+    {"SByte", SlotKind::Int8, 1},    {"Byte", SlotKind::UInt8, 1},      {"Short", SlotKind::Int16, 2},
+    {"UShort", SlotKind::UInt16, 2}, {"CodeUnit", SlotKind::UInt16, 2}, {"Int", SlotKind::Int32, 4},
+    {"UInt", SlotKind::UInt32, 4},   {"Char", SlotKind::UInt32, 4},     {"Long", SlotKind::Int64, 8},
+    {"ULong", SlotKind::UInt64, 8},  {"Float", SlotKind::Float32, 4},   {"Double", SlotKind::Float64, 8},
+    {"Boolean", SlotKind::Bool, 1},  {"Object", SlotKind::Object, 1}};
+
+inline bool isFloatingElement(const std::string& element) { return element == "Float" || element == "Double"; }
+
+// A class name: "Array<Int>", "ArraySync<Int>", "Array".
+inline std::string arrayType(const std::string& element, bool synchronised = false) {
+  const std::string base = synchronised ? "ArraySync" : "Array";
+  return element.empty() ? base : base + "<" + element + ">";
+}
+
+// A value of the element type: a box, or for handles a text.
+inline Handle sample(const std::string& element, long long value) {
+  return element == "Object" ? string("s" + std::to_string(value)) : box(element, value);
+}
+
+// ---- Makers ---------------------------------------------------------------------------------------------------------
+
+inline ArrayData& recordOf(void* array) { return *getArrayData(array); }
+
+inline Handle newArray(const std::string& type, long long size) {
+  Handle array = object(type);
+  EXPECT_NE(array.get(), nullptr) << type;
+  vorn_collections_Array_ctor(array, size);
+  return array;
+}
+
+inline Handle arrayOf(const std::string& type, const std::vector<Handle>& values) {
+  Handle array = newArray(type, static_cast<long long>(values.size()));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    vorn_collections_Array_operator_index_eq(array, static_cast<long long>(i), values[i]);
+  }
+  return array;
+}
+
+inline Handle intArray(const std::string& type, const std::vector<long long>& values) {
+  Handle array = newArray(type, static_cast<long long>(values.size()));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    vorn_collections_Array_setInt(array, static_cast<long long>(i), values[i]);
+  }
+  return array;
+}
+
+inline Handle doubleArray(const std::string& type, const std::vector<double>& values) {
+  Handle array = newArray(type, static_cast<long long>(values.size()));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    vorn_collections_Array_setDouble(array, static_cast<long long>(i), values[i]);
+  }
+  return array;
+}
+
+// An array of one of the slot cases with the samples 1, 0, 1, 0, ... for Boolean and 1, 2, 3, ... for all others.
+inline Handle sampleArray(const std::string& element, bool synchronised, long long size) {
+  Handle array = newArray(arrayType(element, synchronised), size);
+  for (long long i = 0; i < size; ++i) {
+    vorn_collections_Array_operator_index_eq(array, i, sample(element, element == "Boolean" ? (i + 1) % 2 : i + 1));
+  }
+  return array;
+}
+
+// Runs check(array, element type, synchronised) for a sample array of every slot case, plain and synchronised.
+template <class Check>
+void forEachArray(long long size, Check check) {
+  for (const SlotCase& slots : kSlotCases) {
+    for (const bool synchronised : {false, true}) {
+      SCOPED_TRACE(arrayType(slots.element, synchronised));
+      const Handle array = sampleArray(slots.element, synchronised, size);
+      check(array, std::string(slots.element), synchronised);
+    }
+  }
+}
+
+// ---- Checks ---------------------------------------------------------------------------------------------------------
+
+inline bool isUnlockedArray(void* array) {
+  const ArrayData& data = recordOf(array);
+  if (!data.synchronized) return true;
+  if (pthread_mutex_trylock(data.mutex) != 0) return false;
+  pthread_mutex_unlock(data.mutex);
+  return true;
+}
+
+// What is wrong with the record, or whether it is locked; else nothing.
+inline std::string faultOfArray(void* array) {
+  if (!isUnlockedArray(array)) return "the array is locked";
+  return collections::validateArrayData(recordOf(array));
+}
+#define EXPECT_ARRAY_AT_REST(array) EXPECT_EQ(::vorn::tests::faultOfArray(array), "")
+
+inline long long arraySizeField(void* array) {
+  std::int64_t size = -1;
+  EXPECT_NE(vorn_field_get_integer(array, "size", &size), 0);
+  return size;
+}
+
+// Everything that a native which refuses must leave alone. Handles are kept for comparison only.
+struct ArrayState {
+  explicit ArrayState(void* array) : ArrayState(recordOf(array)) { sizeField = arraySizeField(array); }
+  explicit ArrayState(const ArrayData& data)
+      : kind(data.slotKind), synchronised(data.synchronized), elementType(data.elementType.get()) {
+    const SmallPrimitiveBuffer& slots = data.primitive;
+    bytes.assign(slots.data, slots.data + slots.size * slots.elementSize);
+    handles.assign(data.objects.data, data.objects.data + data.objects.size);
+  }
+  SlotKind kind;
+  bool synchronised;
+  std::string elementType;
+  std::vector<unsigned char> bytes;
+  std::vector<const void*> handles;
+  long long sizeField = 0;
+  friend bool operator==(const ArrayState&, const ArrayState&) = default;
+};
+#define EXPECT_ARRAY_UNTOUCHED(array, before)                               \
+  do {                                                                      \
+    EXPECT_EQ(::vorn::tests::faultOfArray(array), "");                      \
+    EXPECT_TRUE(::vorn::tests::ArrayState(array) == (before)) << "changed"; \
+  } while (false)
+
+// The elements as operator_index gives them, described.
+inline Elements itemsOf(void* array) {
+  Elements items;
+  for (long long i = 0, size = vorn_collections_Array_size(array); i < size; ++i) {
+    const Handle item = vorn_collections_Array_operator_index(array, i);
+    items.push_back(describe(item));
+  }
+  return items;
+}
+inline std::vector<long long> integersOf(void* array) {
+  std::vector<long long> values;
+  for (long long i = 0, size = vorn_collections_Array_size(array); i < size; ++i) {
+    values.push_back(vorn_collections_Array_getInt(array, i));
+  }
+  return values;
+}
+inline std::vector<double> doublesOf(void* array) {
+  std::vector<double> values;
+  for (long long i = 0, size = vorn_collections_Array_size(array); i < size; ++i) {
+    values.push_back(vorn_collections_Array_getDouble(array, i));
+  }
+  return values;
+}
+
+using Integers = std::vector<long long>;
+using Doubles = std::vector<double>;
+
+// ---- Ranges ---------------------------------------------------------------------------------------------------------
+
+inline Handle arraySlice(void* array, Bound start, Bound stop, long long step = 1) {
+  void* const written = vorn_box_boolean(true);  // one of the two shared boxes
+  return vorn_collections_Array_slice(array, start.value_or(2), stop.value_or(2), step, start ? written : nullptr,
+                                      stop ? written : nullptr);
+}
+
+inline void arraySliceAssign(void* array, Bound start, Bound stop, long long step, void* source) {
+  void* const written = vorn_box_boolean(true);
+  vorn_collections_Array_sliceAssign(array, start.value_or(2), stop.value_or(2), step, start ? written : nullptr,
+                                     stop ? written : nullptr, source);
+}
+
+// ---- Natives --------------------------------------------------------------------------------------------------------
+
+struct ArrayNative {
+  const char* name;
+  bool locks;
+  // Called with an array of at least one element, a value that its elements can equal, and another collection.
+  void (*call)(void* array, void* value, void* other);
+};
+inline std::ostream& operator<<(std::ostream& out, const ArrayNative& native) { return out << native.name; }
+
+inline const std::vector<ArrayNative>& arrayNatives() {
+  static const std::vector<ArrayNative> natives = {
+      {"ctor", true, [](void* array, void*, void*) { vorn_collections_Array_ctor(array, 2); }},
+      {"copyCtor_Array", true, [](void* array, void*, void* other) { vorn_collections_Array_copyCtor(array, other); }},
+      {"copyCtor_AsSource", true,
+       [](void* array, void*, void* other) { vorn_collections_Array_copyCtor(other, array); }},
+      {"size", true, [](void* array, void*, void*) { vorn_collections_Array_size(array); }},
+      {"rawSize", false, [](void* array, void*, void*) { vorn_collections_Array_rawSize(array); }},
+      {"rawDataPtr", false, [](void* array, void*, void*) { vorn_collections_Array_rawDataPtr(array); }},
+      {"i64DataPtr", false, [](void* array, void*, void*) { vorn_collections_Array_i64DataPtr(array); }},
+      {"f64DataPtr", false, [](void* array, void*, void*) { vorn_collections_Array_f64DataPtr(array); }},
+      {"getInt", true, [](void* array, void*, void*) { vorn_collections_Array_getInt(array, 0); }},
+      {"getDouble", true, [](void* array, void*, void*) { vorn_collections_Array_getDouble(array, 0); }},
+      {"setInt", true, [](void* array, void*, void*) { vorn_collections_Array_setInt(array, 0, 1); }},
+      {"setDouble", true, [](void* array, void*, void*) { vorn_collections_Array_setDouble(array, 0, 1.5); }},
+      {"setBool", true, [](void* array, void*, void*) { vorn_collections_Array_setBool(array, 0, true); }},
+      {"operator_index", true, [](void* array, void*, void*) { vorn_collections_Array_operator_index(array, 0); }},
+      {"operator_index_eq", true,
+       [](void* array, void* value, void*) { vorn_collections_Array_operator_index_eq(array, 0, value); }},
+      {"count", true, [](void* array, void* value, void*) { vorn_collections_Array_count(array, value); }},
+      {"indexOf", true, [](void* array, void* value, void*) { vorn_collections_Array_indexOf(array, value, 0); }},
+      {"lastIndexOf", true,
+       [](void* array, void* value, void*) { vorn_collections_Array_lastIndexOf(array, value, -1); }},
+      {"operator_in", true, [](void* array, void* value, void*) { vorn_collections_Array_operator_in(array, value); }},
+      {"sumI64Fast", true, [](void* array, void*, void*) { vorn_collections_Array_sumI64Fast(array); }},
+      {"sumF64Fast", true, [](void* array, void*, void*) { vorn_collections_Array_sumF64Fast(array); }},
+      {"sort", true, [](void* array, void*, void*) { vorn_collections_Array_sort(array); }},
+      {"sortNew", true, [](void* array, void*, void*) { vorn_collections_Array_sortNew(array); }},
+      {"reverse", true, [](void* array, void*, void*) { vorn_collections_Array_reverse(array); }},
+      {"reverseNew", true, [](void* array, void*, void*) { vorn_collections_Array_reverseNew(array); }},
+      {"slice", true, [](void* array, void*, void*) { arraySlice(array, 0, 1); }},
+      {"sliceAssign", true, [](void* array, void*, void* other) { arraySliceAssign(array, 0, 1, 1, other); }},
+      {"sliceAssign_AsSource", true, [](void* array, void*, void* other) { arraySliceAssign(other, 0, 1, 1, array); }},
+      {"concat", true, [](void* array, void*, void* other) { vorn_collections_Array_concat(array, other); }},
+      {"concat_AsOther", true, [](void* array, void*, void* other) { vorn_collections_Array_concat(other, array); }},
+      {"stringFromCharArray", true, [](void* array, void*, void*) { Vorn_stringFromCharArray(array); }},
+      {"stringFromCodeUnitArray", true, [](void* array, void*, void*) { Vorn_stringFromCodeUnitArray(array); }},
+  };
+  return natives;
+}
+
+// ---- Failures -------------------------------------------------------------------------------------------------------
+
+// Runs the operation with its first, second, ... allocation failing until it succeeds; each failure must leave as
+// std::bad_alloc, or as a null result, and `check` runs after each. Returns how many allocations failed.
+template <class Operation, class Check>
+int sweepArrayFailures(Operation operation, Check check) {
+  for (int failing = 0; failing < 500; ++failing) {
+    SCOPED_TRACE("failing allocation " + std::to_string(failing));
+    bool thrown = false;
+    vorn_heap_fail_allocation(failing);
+    try {
+      if constexpr (std::is_void_v<decltype(operation())>) {
+        operation();
+      } else {
+        thrown = static_cast<void*>(operation()) == nullptr;
+      }
+    } catch (const std::bad_alloc&) {
+      thrown = true;
+    }
+    const bool happened = vorn_heap_failure_happened() != 0;
+    vorn_heap_fail_allocation(-1);
+    EXPECT_EQ(thrown, happened);
+    EXPECT_NOTHING_RAISED();
+    if (!thrown) return failing;
+    check();
+    if (::testing::Test::HasFailure()) return failing;
+  }
+  ADD_FAILURE() << "the operation never succeeds";
+  return 500;
+}
+
+using ArrayTest = RuntimeTest;
+
+}  // namespace vorn::tests
