@@ -46,7 +46,7 @@ def demangled(symbol):
 
 def name_of(symbol):
     """The unqualified function or variable name of a symbol."""
-    return demangled(symbol).split("(")[0].split("::")[-1]
+    return demangled(symbol).split("(")[0].split("[abi:")[0].split("::")[-1]
 
 
 class Library:
