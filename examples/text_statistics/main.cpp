@@ -43,6 +43,7 @@ int reportText(const std::string& path, const std::string& text, std::span<const
   CharacterArrays arrays;
   fillArrays(text, arrays);
   reportArrays(arrays);
+  reportDisplays(lists, arrays);
   reportSearchHeading();
   for (const char* word : words) reportSearch(lists, lowerCased(word));
   reportLastWords(lists);

@@ -25,6 +25,9 @@ void reportIndex(const WordIndex& index);
 // The text's bytes, characters, code units and letters.
 void reportArrays(const CharacterArrays& arrays);
 
+// The display texts of collections of every family, filled with the first words.
+void reportDisplays(const WordLists& lists, const CharacterArrays& arrays);
+
 // How often a word occurs, and where first and last.
 void reportSearchHeading();
 void reportSearch(const WordLists& lists, const std::string& word);

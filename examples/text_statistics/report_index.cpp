@@ -1,5 +1,6 @@
 // The parts of the report that come from maps, sets, tuples and arrays.
 #include <vorn/collections/array.h>
+#include <vorn/collections/array_list.h>
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
@@ -36,6 +37,39 @@ void reportEntries(void* words, void* positions, long long begin, long long end)
   }
 }
 
+// A line of two columns, joined from its cells.
+void* newRow(long long number, const std::string& text) {
+  char digits[24];
+  std::snprintf(digits, sizeof(digits), "%9lld", number);
+  const Rooted left(newString(digits));
+  const Rooted right(newString(text));
+  const Rooted cells(vorn_collections_ArrayList_literal(2, left.get(), right.get()));
+  return vorn_collections_ArrayList_join(cells, " ");
+}
+
+// A list of lines about the most frequent words.
+void* mostFrequent(const WordIndex& index, long long most) {
+  const Rooted rows(newObject("ArrayList<String>"));
+  const long long shown = std::min(vorn_collections_ImmutableList_size(index.frequencies), most);
+  Rooted row;
+  for (long long i = 0; i < shown; ++i) {
+    const Rooted pair(vorn_collections_ImmutableList_operator_index(index.frequencies, i));
+    const Rooted word(vorn_collections_Tuple_operator_index(pair, 1));
+    // The map is asked again: what the tuple holds is the negative count.
+    const Rooted count(vorn_collections_Map_operator_index(index.counts, word));
+    row = newRow(integerOf(count), textOf(word));
+    vorn_collections_ArrayList_add(rows, row);
+  }
+  return rows;
+}
+
+void printRows(void* rows) {
+  if (vorn_collections_ArrayList_size(rows) == 0) return;
+  const Rooted kept(rows);
+  const Rooted table(vorn_collections_ArrayList_join(kept, "\n  "));
+  std::printf("  %s\n", vorn_string_text(table));
+}
+
 }  // namespace
 
 void reportIndex(const WordIndex& index) {
@@ -45,14 +79,7 @@ void reportIndex(const WordIndex& index) {
   const long long distinct = vorn_collections_Map_size(index.counts);
   std::printf("  %9lld distinct words\n", distinct);
   std::printf("  %9lld occur once\n", vorn_collections_HashSet_size(index.once));
-  const long long shown = std::min(vorn_collections_ImmutableList_size(index.frequencies), kMostFrequent);
-  for (long long i = 0; i < shown; ++i) {
-    const Rooted pair(vorn_collections_ImmutableList_operator_index(index.frequencies, i));
-    const Rooted word(vorn_collections_Tuple_operator_index(pair, 1));
-    // The map is asked again: what the tuple holds is the negative count.
-    const Rooted count(vorn_collections_Map_operator_index(index.counts, word));
-    std::printf("  %9lld %s\n", integerOf(count), textOf(word).c_str());
-  }
+  printRows(mostFrequent(index, kMostFrequent));
   if (distinct == 0) return;
   std::printf("In alphabetical order\n");
   const Rooted words(vorn_collections_Map_keys(index.firsts));

@@ -1,6 +1,7 @@
 """Runs the text statistics program and compares its figures with an independent computation."""
 
 import collections
+import hashlib
 import os
 import re
 import statistics
@@ -11,6 +12,7 @@ import unittest
 
 PROGRAM = os.environ['VORN_TEXT_STATISTICS']
 GPL = '/usr/share/common-licenses/GPL-3'
+GPL_SHA256 = '3972dc9744f6499f0f9b2dbf76696f2ae7ad8af9b23dde66d6af86c9dfb36986'
 WATCHED = ('the', 'freedom', 'zebra')
 
 
@@ -79,6 +81,7 @@ class TextStatisticsTest(unittest.TestCase):
         self.check_parts(words, report)
         self.check_index(words, report)
         self.check_arrays(data, report)
+        self.check_displays(words, report)
         last = [printed(word) for word in words[:-6:-1]]
         self.assertEqual(re.findall(r'words\[-\d\] = ([^ \n]+) ', report), last)
         self.assertEqual(re.findall(r'recent\[-\d\] = ([^ \n]+)$', report, re.MULTILINE), last)
@@ -166,6 +169,40 @@ class TextStatisticsTest(unittest.TestCase):
         self.assertEqual(re.findall(r'([a-z]) (\d+)', lines[4].split(':', 1)[1]),
                          [(letter, str(letters[letter])) for letter in sorted(letters)])
 
+    def check_displays(self, words, report):
+        def quoted(word):
+            return '"' + printed(word) + '"'
+
+        lines = {name.strip(): text for name, text in
+                 (re.fullmatch(r'  (.{14}) (.*)', line).groups() for line in self.block(report, 'Displays'))}
+        some = words[:4]
+        listed = ', '.join(map(quoted, some))
+        synchronised = 's:[' if some else '['
+        first = dict.fromkeys(some)
+        entries = [f'{quoted(word)}: {len(word)}' for word in first]
+        ascending = [f'{quoted(word)}: {len(word)}' for word in sorted(first)]
+        expected = {
+            'ArrayList': f'[{listed}]',
+            'ArrayListSync': f'{synchronised}{listed}]',
+            'LinkedList': f'l:[{listed}]',
+            'LinkedListSync': f'ls:[{listed}]',
+            'of Int': f'[{", ".join(str(characters_of(word)) for word in some)}]',
+            'ImmutableList': f'i:[{listed}]',
+            'Tuple': f'({listed}{"," if len(some) == 1 else ""})',
+            'Map': '{' + ', '.join(entries) + '}',
+            'HashMapSync': 's:{' + ', '.join(entries) + '}',
+            'SortedMap': 't:{' + ', '.join(ascending) + '}',
+            'SortedMapSync': 'ts:{' + ', '.join(ascending) + '}',
+            # Elements of sets show as they are.
+            'HashSet': '{' + ', '.join(map(printed, first)) + '}',
+            'HashSetSync': 's:{' + ', '.join(map(printed, first)) + '}',
+            'holding itself': f'[{listed}{", " if some else ""}[...]]',
+            'joined': ' | '.join(printed(word) for word in words[-5:]),
+        }
+        self.assertEqual({name: lines[name] for name in expected}, expected)
+        letters = collections.Counter(c for word in words for c in printed(word) if c in string.ascii_lowercase)
+        self.assertEqual(lines['Array'], f'f:[{", ".join(str(letters[c]) for c in string.ascii_lowercase)}]')
+
     def check_changes(self, words, watched, report):
         position = min(len(words), 1)
         count = len(words)
@@ -223,6 +260,15 @@ class TextStatisticsTest(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ''))
         self.check_report(data, done.stdout)
         self.assertEqual(run(GPL).stdout, done.stdout)
+
+    @unittest.skipUnless(os.path.exists(GPL), f'{GPL} is not installed')
+    def test_the_whole_report_of_the_default_text(self):
+        with open(GPL, 'rb') as file:
+            if hashlib.sha256(file.read()).hexdigest() != GPL_SHA256:
+                self.skipTest(f'{GPL} is another edition than the one that the expected report is of')
+        with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), 'text_statistics.expected'),
+                  encoding='utf-8') as file:
+            self.assertEqual(run().stdout, file.read())
 
     def test_words(self):
         self.check_text(b"The cat, the DOG and 2 zebras; isn't it? 'Quoted' words' end. rock''n''roll'\n")
