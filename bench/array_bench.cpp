@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,13 @@ void* makeInts(Rooted& array, const char* type, std::int64_t elements) {
 std::vector<std::int32_t> plainInts(std::int64_t elements) {
   std::vector<std::int32_t> values(static_cast<std::size_t>(elements));
   for (std::int64_t i = 0; i < elements; ++i) values[static_cast<std::size_t>(i)] = elementAt(i);
+  return values;
+}
+
+// In no order at all: the sorts would recognise runs.
+std::vector<std::int32_t> unorderedInts(std::int64_t elements) {
+  std::vector<std::int32_t> values = plainInts(elements);
+  std::shuffle(values.begin(), values.end(), std::mt19937(1));
   return values;
 }
 
@@ -138,7 +146,7 @@ void loopPlain(benchmark::State& state, std::int64_t elements) {
 void sortInts(benchmark::State& state, std::int64_t elements) {
   Rooted array;
   void* const handle = makeInts(array, "Array<Int>", elements);
-  const std::vector<std::int32_t> values = plainInts(elements);
+  const std::vector<std::int32_t> values = unorderedInts(elements);
   void* const slots = vorn_collections_Array_rawDataPtr(handle);
   for (auto _ : state) {
     std::memcpy(slots, values.data(), values.size() * sizeof(values[0]));  // a small part of the whole
@@ -148,7 +156,7 @@ void sortInts(benchmark::State& state, std::int64_t elements) {
 }
 
 void sortPlain(benchmark::State& state, std::int64_t elements) {
-  const std::vector<std::int32_t> values = plainInts(elements);
+  const std::vector<std::int32_t> values = unorderedInts(elements);
   std::vector<std::int32_t> sorted = values;
   for (auto _ : state) {
     sorted = values;

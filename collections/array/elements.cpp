@@ -18,8 +18,13 @@ using SlotKind = ArrayData::SlotKind;
 
 namespace {
 
-// The common case of a typed access: an index inside unboxed slots. Kept free of calls, so that the natives need no
-// frame for it; everything else goes the long way.
+// The commonest access of all, an index from the start into slots of Int: kept free of calls, so that the natives need
+// no frame for it, and of the arithmetic of negative indexes. Everything else goes the long way.
+inline bool isPlainIntIndex(const ArrayData& array, long long index) {
+  return array.slotKind == SlotKind::Int32 && static_cast<std::uint64_t>(index) < array.primitive.size;
+}
+
+// The common case of a typed access: an index inside unboxed slots.
 inline bool isUnboxedIndex(const ArrayData& array, long long index, std::uint64_t& at) {
   const std::uint64_t size = array.primitive.size;
   at = static_cast<std::uint64_t>(index) + (index < 0 ? size : 0);
@@ -143,10 +148,9 @@ long long vorn_collections_Array_getInt(void* array, long long index) {
   const ArrayData& data = *getArrayData(array);
   if (data.synchronized) [[unlikely]]
     return lockedIntAtOrRaise(data, index);
-  std::uint64_t at = 0;
-  if (data.slotKind == SlotKind::Int32 && isUnboxedIndex(data, index, at)) [[likely]]
-    return vc::loadElement<std::int32_t>(data.primitive.data, at);
-  return intAtOrRaise(data, index);
+  if (!isPlainIntIndex(data, index)) [[unlikely]]
+    return intAtOrRaise(data, index);
+  return vc::loadElement<std::int32_t>(data.primitive.data, static_cast<std::uint64_t>(index));
 }
 
 double vorn_collections_Array_getDouble(void* array, long long index) {
@@ -161,14 +165,11 @@ void vorn_collections_Array_setInt(void* array, long long index, long long value
   ArrayData& data = *getArrayData(array);
   if (data.synchronized) [[unlikely]]
     return lockedSetIntOrRaise(data, index, value);
-  std::uint64_t at = 0;
   // No character type has slots of this kind.
-  if (data.slotKind == SlotKind::Int32 && isUnboxedIndex(data, index, at)) [[likely]] {
-    const auto element = static_cast<std::int32_t>(value);
-    std::memcpy(data.primitive.data + at * sizeof(element), &element, sizeof(element));
-    return;
-  }
-  setIntOrRaise(data, index, value);
+  if (!isPlainIntIndex(data, index)) [[unlikely]]
+    return setIntOrRaise(data, index, value);
+  const auto element = static_cast<std::int32_t>(value);
+  std::memcpy(data.primitive.data + static_cast<std::uint64_t>(index) * sizeof(element), &element, sizeof(element));
 }
 
 void vorn_collections_Array_setDouble(void* array, long long index, double value) {
