@@ -134,9 +134,7 @@ TEST_F(Tuples, Embedding_RootsTheItemsAndSurvivesMissingMemory) {
   EXPECT_STREQ(vorn_string_text(vorn_collections_Tuple_operator_index(tuple, -1)), "kept");
 }
 
-TEST_F(Tuples, Text_IsTheDisplay) {
-  EXPECT_STREQ(Vorn_objectToString(tupleOf({integer("Int", 1)})), "(1,)");
-}
+TEST_F(Tuples, Text_IsTheDisplay) { EXPECT_STREQ(Vorn_objectToString(tupleOf({integer("Int", 1)})), "(1,)"); }
 
 }  // namespace
 }  // namespace vorn::tests
