@@ -36,8 +36,12 @@ inline std::vector<std::size_t> shuffledOrder(std::int64_t elements, std::uint64
 inline std::string textKey(std::size_t number, bool absent) {
   std::string digits = std::to_string(number * 2654435761U % 1000000007U);
   digits.resize(7 + number % 5, 'x');
-  return (absent ? "?" : "k") + digits.substr(0, 3) +
-         std::to_string(number).append(digits).substr(0, digits.size() - 3);
+  std::string rest = std::to_string(number);
+  rest += digits;
+  std::string text(1, absent ? '?' : 'k');
+  text.append(digits, 0, 3);
+  text.append(rest, 0, digits.size() - 3);
+  return text;
 }
 
 // Keys are looked up in another order than they were put in.

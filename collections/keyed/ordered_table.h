@@ -110,22 +110,14 @@ class OrderedTable {
 
   // The place of a key that compares without user code. Does not allocate.
   [[nodiscard]] Place findPlain(const NativeCollectionKey& key) const {
+    if (key.tag == NativeCollectionKey::Tag::Integer) return findInteger(key);
     Node* parent = nullptr;
     Side side = Left;
-    Node* node = root_;
-    while (node != nullptr) {
+    for (Node* node = root_; node != nullptr; node = node->children[side]) {
       const int order = orderOfKeys(key, node->key);
       if (order == 0) return {node, nullptr, Left, false};
       parent = node;
-      // Branches on purpose: the processor follows the side it expects while the other node is still on its way from
-      // memory, where a computed index would make it wait at each level.
-      if (order > 0) {
-        side = Right;
-        node = node->children[Right];
-      } else {
-        side = Left;
-        node = node->children[Left];
-      }
+      side = order > 0 ? Right : Left;
     }
     return {nullptr, parent, side, false};
   }
@@ -159,6 +151,29 @@ class OrderedTable {
   [[nodiscard]] const NodePool<Node>& pool() const { return pool_; }
 
  private:
+  // The same for an integer, which maps have most often and almost always among integers. No branch depends on which
+  // side a level takes: half of them would be mispredicted, and searches that follow each other could not overlap. With
+  // a branch, a million entries took up to twice as long.
+  [[nodiscard]] Place findInteger(const NativeCollectionKey& key) const {
+    const auto wanted = static_cast<std::int64_t>(key.words[0]);
+    Node* parent = nullptr;
+    unsigned side = Left;
+    for (Node* node = root_; node != nullptr; node = node->children[side]) {
+      if (node->key.tag != NativeCollectionKey::Tag::Integer) [[unlikely]] {
+        const int order = orderOfKeys(key, node->key);
+        if (order == 0) return {node, nullptr, Left, false};
+        side = order > 0 ? Right : Left;
+      } else {
+        const auto number = static_cast<std::int64_t>(node->key.words[0]);
+        if (number == wanted) [[unlikely]]
+          return {node, nullptr, Left, false};
+        side = static_cast<unsigned>(wanted > number);
+      }
+      parent = node;
+    }
+    return {nullptr, parent, static_cast<Side>(side), false};
+  }
+
   [[nodiscard]] static Node* outermost(Node* node, Side side) {
     while (node->children[side] != nullptr) node = node->children[side];
     return node;
