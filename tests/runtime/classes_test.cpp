@@ -210,11 +210,5 @@ TEST_F(Classes, NamesDefinedLate_AreFoundThen) {
   EXPECT_EQ(vorn_collections_ArrayList_size(list), 1);
 }
 
-TEST_F(Classes, FamiliesWithoutARecord_HaveNoInstancesYet) {
-  for (const char* name : {"Array", "Array<Int>", "ArraySync"}) {
-    EXPECT_EQ(object(name).get(), nullptr) << name;
-  }
-}
-
 }  // namespace
 }  // namespace vorn::tests
