@@ -45,7 +45,8 @@ void copySlots(const ArrayData& source, long long first, long long step, std::ui
     }
     return;
   }
-  const std::uint64_t width = source.primitive.elementSize;
+  // The kind's own width, as every read of a slot has it, even when a prepared record claims another.
+  const std::uint64_t width = slotWidth(source.slotKind);
   unsigned char* const copies = target.primitive.data + at * width;
   gatherElements(source.primitive.data, first, step, count, width, copies);
   // Compiled code may have left any non-zero byte for true; a copied slot is written as a value, 0 or 1.

@@ -249,6 +249,21 @@ TEST_F(ArrayStorage, Copy_SourceOfAnotherWidthThanItsKind_CopiesItsBytes) {
   EXPECT_EQ(std::memcmp(to.primitive.data, slots, sizeof(slots)), 0);
 }
 
+// The slots are read by their kind, so that a width that is too large never leads out of the new array.
+TEST_F(ArrayStorage, Slice_SourceOfAnotherWidthThanItsKind_StaysInBounds) {
+  const Handle source = ofKind("Int", 0);
+  ArrayData& from = recordOf(source);
+  from.primitive.resetFor(8, 20);
+  from.primitive.size = 20;
+  for (std::uint64_t i = 0; i < 20; ++i) arrayWrite(from, i, static_cast<long long>(i), 0.0);
+  const Handle all = arraySlice(source, kOmitted, kOmitted);
+  EXPECT_EQ(integersOf(all), integersOf(source));
+  EXPECT_ARRAY_AT_REST(all);
+  const Handle twice = vorn_collections_Array_concat(source, newArray("Array<Int>", 1));
+  EXPECT_EQ(vorn_collections_Array_size(twice), 21);
+  EXPECT_ARRAY_AT_REST(twice);
+}
+
 TEST_F(ArrayStorage, Copy_OntoItself_ChangesNothing) {
   for (const SlotCase& slots : kSlotCases) {
     SCOPED_TRACE(slots.element);
