@@ -18,10 +18,10 @@ using SlotKind = ArrayData::SlotKind;
 
 namespace {
 
-// The commonest access of all, an index from the start into slots of Int: kept free of calls, so that the natives need
-// no frame for it, and of the arithmetic of negative indexes. Everything else goes the long way.
-inline bool isPlainIntIndex(const ArrayData& array, long long index) {
-  return array.slotKind == SlotKind::Int32 && static_cast<std::uint64_t>(index) < array.primitive.size;
+// The commonest accesses of all, an index from the start into slots of Int or Double: kept free of calls, so that the
+// natives need no frame for them, and of the arithmetic of negative indexes. Everything else goes the long way.
+inline bool isPlainIndex(const ArrayData& array, SlotKind kind, long long index) {
+  return array.slotKind == kind && static_cast<std::uint64_t>(index) < array.primitive.size;
 }
 
 // The common case of a typed access: an index inside unboxed slots.
@@ -58,11 +58,16 @@ double floatingItem(void* element) {
   return floating ? Vorn_getField_double(element, "_value") : static_cast<double>(readListItemI64(element));
 }
 
-double doubleAtOrRaise(const ArrayData& array, long long index) {
+[[gnu::noinline]] double doubleAtOrRaise(const ArrayData& array, long long index) {
   std::uint64_t at = 0;
   if (isUnboxedIndex(array, index, at)) return arrayReadF64(array, at);
   void* element = objectAtOrRaise(array, index, vc::errors::raiseExpectedFloatingArrayItem);
   return element != nullptr ? floatingItem(element) : 0.0;
+}
+
+[[gnu::noinline]] double lockedDoubleAtOrRaise(const ArrayData& array, long long index) {
+  const ArrayDataLock lock(array);
+  return doubleAtOrRaise(array, index);
 }
 
 void assignOrRaise(ArrayData& array, std::uint64_t index, void* value) {
@@ -148,7 +153,7 @@ long long vorn_collections_Array_getInt(void* array, long long index) {
   const ArrayData& data = *getArrayData(array);
   if (data.synchronized) [[unlikely]]
     return lockedIntAtOrRaise(data, index);
-  if (!isPlainIntIndex(data, index)) [[unlikely]]
+  if (!isPlainIndex(data, SlotKind::Int32, index)) [[unlikely]]
     return intAtOrRaise(data, index);
   return vc::loadElement<std::int32_t>(data.primitive.data, static_cast<std::uint64_t>(index));
 }
@@ -156,8 +161,11 @@ long long vorn_collections_Array_getInt(void* array, long long index) {
 double vorn_collections_Array_getDouble(void* array, long long index) {
   if (array == nullptr) return 0.0;
   const ArrayData& data = *getArrayData(array);
-  const ArrayDataLock lock(data);
-  return doubleAtOrRaise(data, index);
+  if (data.synchronized) [[unlikely]]
+    return lockedDoubleAtOrRaise(data, index);
+  if (!isPlainIndex(data, SlotKind::Float64, index)) [[unlikely]]
+    return doubleAtOrRaise(data, index);
+  return vc::loadElement<double>(data.primitive.data, static_cast<std::uint64_t>(index));
 }
 
 void vorn_collections_Array_setInt(void* array, long long index, long long value) {
@@ -166,7 +174,7 @@ void vorn_collections_Array_setInt(void* array, long long index, long long value
   if (data.synchronized) [[unlikely]]
     return lockedSetIntOrRaise(data, index, value);
   // No character type has slots of this kind.
-  if (!isPlainIntIndex(data, index)) [[unlikely]]
+  if (!isPlainIndex(data, SlotKind::Int32, index)) [[unlikely]]
     return setIntOrRaise(data, index, value);
   const auto element = static_cast<std::int32_t>(value);
   std::memcpy(data.primitive.data + static_cast<std::uint64_t>(index) * sizeof(element), &element, sizeof(element));
