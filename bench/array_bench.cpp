@@ -273,44 +273,19 @@ constexpr ArrayOperation kOperations[] = {
     {"writeByteArrayData", writeBytes, copyPlainBytes, 0},
 };
 
-void registerBenchmark(const ArrayOperation& operation, const char* library, Measured measured, std::int64_t size) {
-  if (measured == nullptr) return;
-  const std::string name = std::string(operation.name) + "/" + library + "/" + std::to_string(size);
-  // The CPU time of the whole process: a collector's threads would count, other programs on the machine do not.
-  benchmark::RegisterBenchmark(name.c_str(), [measured, size](benchmark::State& state) {
-    measured(state, size);
-  })->MeasureProcessCPUTime();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  keepFreedMemory();
-  const bool ownOutput = choosesItsOwnOutput(argc, argv);
-  std::vector<char*> arguments = withDefaults(argc, argv);
-  int count = static_cast<int>(arguments.size()) - 1;
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-  if (vorn_runtime_start(nullptr) == 0) {
-    std::fprintf(stderr, "array_bench: cannot start the runtime\n");
-    return 1;
-  }
-  std::vector<ComparisonTable::Row> rows;
-  for (const ArrayOperation& operation : kOperations) {
-    for (const std::int64_t size : {kSmall, kLarge}) {
-      registerBenchmark(operation, "vorn", operation.vorn, size);
-      registerBenchmark(operation, "C++", operation.plain, size);
-      rows.push_back({operation.name, size, operation.limit});
-    }
-  }
-  if (ownOutput) {
-    benchmark::RunSpecifiedBenchmarks();
-  } else {
-    ComparisonTable table;
-    if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
-    table.print(rows, {"vorn", "C++"});
-    printMemory(kLarge);
-  }
-  benchmark::Shutdown();
-  return 0;
+  return runBenchmarks(
+      argc, argv, {"vorn", "C++"},
+      [](std::vector<ComparisonTable::Row>& rows) {
+        for (const ArrayOperation& operation : kOperations) {
+          for (const std::int64_t size : {kSmall, kLarge}) {
+            registerBenchmark(operation.name, "vorn", operation.vorn, size);
+            registerBenchmark(operation.name, "C++", operation.plain, size);
+            rows.push_back({operation.name, size, operation.limit});
+          }
+        }
+      },
+      [] { printMemory(kLarge); });
 }

@@ -3,11 +3,7 @@
 //
 // Prints the benchmarks as they run and then one table. All options of Google Benchmark work; with --benchmark_format
 // set, only that output appears.
-#include <benchmark/benchmark.h>
-#include <vorn/runtime.h>
 
-#include <cstdio>
-#include <string>
 #include <vector>
 
 #include "bench/comparison_table.h"
@@ -37,46 +33,21 @@ constexpr KeyedOperation kOperations[] = {
     {"sorted walk", natives::walkSorted, standard::walkSorted, glib::walkSorted, abseil::walkSorted, 15, 0},
 };
 
-void registerBenchmark(const KeyedOperation& operation, const char* library, Measured measured, std::int64_t size) {
-  if (measured == nullptr) return;
-  const std::string name = std::string(operation.name) + "/" + library + "/" + std::to_string(size);
-  // The CPU time of the whole process: a collector's threads would count, other programs on the machine do not.
-  benchmark::RegisterBenchmark(name.c_str(), [measured, size](benchmark::State& state) {
-    measured(state, size);
-  })->MeasureProcessCPUTime();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  keepFreedMemory();
-  const bool ownOutput = choosesItsOwnOutput(argc, argv);
-  std::vector<char*> arguments = withDefaults(argc, argv);
-  int count = static_cast<int>(arguments.size()) - 1;
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-  if (vorn_runtime_start(nullptr) == 0) {
-    std::fprintf(stderr, "keyed_bench: cannot start the runtime\n");
-    return 1;
-  }
-  std::vector<ComparisonTable::Row> rows;
-  for (const KeyedOperation& operation : kOperations) {
-    for (const std::int64_t size : {kSmall, kLarge}) {
-      registerBenchmark(operation, "vorn", operation.vorn, size);
-      registerBenchmark(operation, "C++", operation.standard, size);
-      registerBenchmark(operation, "GLib", operation.glib, size);
-      registerBenchmark(operation, "Abseil", operation.abseil, size);
-      rows.push_back({operation.name, size, size == kSmall ? operation.smallLimit : operation.largeLimit});
-    }
-  }
-  if (ownOutput) {
-    benchmark::RunSpecifiedBenchmarks();
-  } else {
-    ComparisonTable table;
-    if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
-    table.print(rows, {"vorn", "C++", "GLib", "Abseil"});
-    natives::printMemory(kLarge);
-  }
-  benchmark::Shutdown();
-  return 0;
+  return runBenchmarks(
+      argc, argv, {"vorn", "C++", "GLib", "Abseil"},
+      [](std::vector<ComparisonTable::Row>& rows) {
+        for (const KeyedOperation& operation : kOperations) {
+          for (const std::int64_t size : {kSmall, kLarge}) {
+            registerBenchmark(operation.name, "vorn", operation.vorn, size);
+            registerBenchmark(operation.name, "C++", operation.standard, size);
+            registerBenchmark(operation.name, "GLib", operation.glib, size);
+            registerBenchmark(operation.name, "Abseil", operation.abseil, size);
+            rows.push_back({operation.name, size, size == kSmall ? operation.smallLimit : operation.largeLimit});
+          }
+        }
+      },
+      [] { natives::printMemory(kLarge); });
 }

@@ -3,12 +3,8 @@
 // Prints the benchmarks as they run and then one table. All options of Google Benchmark work (for instance
 // --benchmark_filter=sort, or =-sort to leave the sorts out, which take most of the time); with --benchmark_format set,
 // only that output appears.
-#include <benchmark/benchmark.h>
-#include <vorn/runtime.h>
 
-#include <cstdio>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "bench/bulk_operations.h"
@@ -68,22 +64,13 @@ constexpr Operation kBulkOperations[] = {
     {"write through newPrimitiveData", natives::writeThroughPointer, standard::writeThroughPointer, nullptr, 0},
 };
 
-void registerBenchmark(const Operation& operation, const char* library, Measured measured, std::int64_t size) {
-  if (measured == nullptr) return;
-  const std::string name = std::string(operation.name) + "/" + library + "/" + std::to_string(size);
-  // The CPU time of the whole process: a collector's threads would count, other programs on the machine do not.
-  benchmark::RegisterBenchmark(name.c_str(), [measured, size](benchmark::State& state) {
-    measured(state, size);
-  })->MeasureProcessCPUTime();
-}
-
 void registerOperations(std::span<const Operation> operations, std::span<const std::int64_t> sizes,
                         std::vector<ComparisonTable::Row>& rows) {
   for (const Operation& operation : operations) {
     for (const std::int64_t size : sizes) {
-      registerBenchmark(operation, "vorn", operation.vorn, size);
-      registerBenchmark(operation, "C++", operation.standard, size);
-      registerBenchmark(operation, "GLib", operation.glib, size);
+      registerBenchmark(operation.name, "vorn", operation.vorn, size);
+      registerBenchmark(operation.name, "C++", operation.standard, size);
+      registerBenchmark(operation.name, "GLib", operation.glib, size);
       rows.push_back({operation.name, size, size <= operation.limitUpTo ? operation.limit : 0});
     }
   }
@@ -92,29 +79,15 @@ void registerOperations(std::span<const Operation> operations, std::span<const s
 }  // namespace
 
 int main(int argc, char** argv) {
-  keepFreedMemory();
-  const bool ownOutput = choosesItsOwnOutput(argc, argv);
-  std::vector<char*> arguments = withDefaults(argc, argv);
-  int count = static_cast<int>(arguments.size()) - 1;
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-  if (vorn_runtime_start(nullptr) == 0) {
-    std::fprintf(stderr, "list_bench: cannot start the runtime\n");
-    return 1;
-  }
-  std::vector<ComparisonTable::Row> rows;
-  registerOperations(kOperations, kSizes, rows);
-  registerOperations(kBulkOperations, kBulkSizes, rows);
-  registerSorts(rows);
-  if (ownOutput) {
-    benchmark::RunSpecifiedBenchmarks();
-  } else {
-    ComparisonTable table;
-    if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
-    table.print(rows, {"vorn", "C++", "GLib", "vqsort"});
-    natives::printMemory(1000000);
-    natives::printCallFloor();
-  }
-  benchmark::Shutdown();
-  return 0;
+  return runBenchmarks(
+      argc, argv, {"vorn", "C++", "GLib", "vqsort"},
+      [](std::vector<ComparisonTable::Row>& rows) {
+        registerOperations(kOperations, kSizes, rows);
+        registerOperations(kBulkOperations, kBulkSizes, rows);
+        registerSorts(rows);
+      },
+      [] {
+        natives::printMemory(1000000);
+        natives::printCallFloor();
+      });
 }

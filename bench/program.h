@@ -1,11 +1,17 @@
 // What the benchmark programs share: their defaults and how they treat memory.
 #pragma once
 
+#include <benchmark/benchmark.h>
 #include <malloc.h>
+#include <vorn/runtime.h>
 
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "bench/comparison_table.h"
+#include "bench/measurement.h"
 
 namespace vorn::bench {
 
@@ -33,6 +39,45 @@ inline std::vector<char*> withDefaults(int argc, char** argv) {
 inline void keepFreedMemory() {
   mallopt(M_MMAP_THRESHOLD, 1 << 30);
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
+}
+
+// Registers one benchmark as "operation/library/size"; nothing for a library that has no such operation.
+inline void registerBenchmark(const char* operation, const char* library, Measured measured, std::int64_t size) {
+  if (measured == nullptr) return;
+  const std::string name = std::string(operation) + "/" + library + "/" + std::to_string(size);
+  // The CPU time of the whole process: a collector's threads would count, other programs on the machine do not.
+  benchmark::RegisterBenchmark(name.c_str(), [measured, size](benchmark::State& state) {
+    measured(state, size);
+  })->MeasureProcessCPUTime();
+}
+
+// The main function of a benchmark program. `registerAll(rows)` registers the benchmarks and their rows; when all ran
+// and the table is printed, `printMore()` follows.
+template <class RegisterAll, class PrintMore>
+int runBenchmarks(int argc, char** argv, const std::vector<std::string>& libraries, RegisterAll registerAll,
+                  PrintMore printMore) {
+  keepFreedMemory();
+  const bool ownOutput = choosesItsOwnOutput(argc, argv);
+  std::vector<char*> arguments = withDefaults(argc, argv);
+  int count = static_cast<int>(arguments.size()) - 1;
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
+  if (vorn_runtime_start(nullptr) == 0) {
+    std::fprintf(stderr, "%s: cannot start the runtime\n", argv[0]);
+    return 1;
+  }
+  std::vector<ComparisonTable::Row> rows;
+  registerAll(rows);
+  if (ownOutput) {
+    benchmark::RunSpecifiedBenchmarks();
+  } else {
+    ComparisonTable table;
+    if (benchmark::RunSpecifiedBenchmarks(&table) == 0) return 0;
+    table.print(rows, libraries);
+    printMore();
+  }
+  benchmark::Shutdown();
+  return 0;
 }
 
 }  // namespace vorn::bench

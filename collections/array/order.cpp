@@ -38,14 +38,10 @@ void reverseSlots(ArrayData& array) {
 
 // A new array of the receiver's type with its slots; null when it cannot be had.
 void* copyOf(void* array) {
-  ArrayData* target = nullptr;
-  const vc::RootedHandle result(vc::allocateArrayLike(array, &target));
-  if (target == nullptr) return nullptr;
-  const ArrayData& source = *getArrayData(array);
-  const ArrayDataLock lock(source);
-  const ArrayDataLock lockResult(*target);
-  copyArrayStorage(source, *target);
-  return result.get();
+  return vc::filledArrayLike(array, [](const ArrayData& source, ArrayData& target) {
+    copyArrayStorage(source, target);
+    return true;
+  });
 }
 
 }  // namespace

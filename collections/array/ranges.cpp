@@ -54,16 +54,12 @@ void* vorn_collections_Array_slice(void* array, long long start, long long stop,
     vc::errors::raiseSliceStepZero();
     return nullptr;
   }
-  ArrayData* target = nullptr;
-  const vc::RootedHandle result(vc::allocateArrayLike(array, &target));
-  if (target == nullptr) return nullptr;
-  const ArrayData& source = *getArrayData(array);
-  const ArrayDataLock lock(source);
-  const ArrayDataLock lockResult(*target);
-  const vc::SliceSequence slice = sliceOf(source, start, stop, step, hasStart, hasStop);
-  vc::recreateArrayStorage(*target, source.elementType, source.slotKind, slice.count);
-  vc::copySlots(source, slice.first, slice.step, slice.count, *target, 0);
-  return result.get();
+  return vc::filledArrayLike(array, [&](const ArrayData& source, ArrayData& target) {
+    const vc::SliceSequence slice = sliceOf(source, start, stop, step, hasStart, hasStop);
+    vc::recreateArrayStorage(target, source.elementType, source.slotKind, slice.count);
+    vc::copySlots(source, slice.first, slice.step, slice.count, target, 0);
+    return true;
+  });
 }
 
 void vorn_collections_Array_sliceAssign(void* array, long long start, long long stop, long long step, void* hasStart,
@@ -86,15 +82,10 @@ void* vorn_collections_Array_concat(void* array, void* other) {
     vc::errors::raiseArrayConcatSource();
     return nullptr;
   }
-  ArrayData* target = nullptr;
-  const vc::RootedHandle result(vc::allocateArrayLike(array, &target));
-  if (target == nullptr) return nullptr;
-  const ArrayData& source = *getArrayData(array);
-  const ArrayDataLock lock(source);
-  const ArrayDataLock lockResult(*target);
-  const std::uint64_t size = arrayLogicalSize(source);
-  vc::recreateArrayStorage(*target, source.elementType, source.slotKind, size + values->size());
-  vc::copySlots(source, 0, 1, size, *target, 0);
-  const vc::SliceSequence behind{static_cast<long long>(size), 1, values->size()};
-  return assignValuesOrRaise(*target, behind, *values) ? result.get() : nullptr;
+  return vc::filledArrayLike(array, [&](const ArrayData& source, ArrayData& target) {
+    const std::uint64_t size = arrayLogicalSize(source);
+    vc::recreateArrayStorage(target, source.elementType, source.slotKind, size + values->size());
+    vc::copySlots(source, 0, 1, size, target, 0);
+    return assignValuesOrRaise(target, {static_cast<long long>(size), 1, values->size()}, *values);
+  });
 }

@@ -58,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(Natives, ArrayNativeAllocation, ::testing::ValuesIn(arr
 TEST_F(ArrayAllocation, Failures_AreCounted) {
   const auto sweep = [](const Handle& array, auto operation) {
     const ArrayState before(array);
-    return sweepArrayFailures(operation, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); });
+    return sweepAllocationFailures(operation, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); });
   };
   const Handle ints = intArray("ArraySync<Int>", Integers(40, 7));
   EXPECT_EQ(sweep(ints, [&] { vorn_collections_Array_sort(ints); }), 0);
@@ -74,8 +74,8 @@ TEST_F(ArrayAllocation, Failures_AreCounted) {
   EXPECT_EQ(sweep(ints, [&] { return vorn_collections_Array_concat(ints, tuple); }), 3);
   EXPECT_EQ(sweep(ints, [&] { arraySliceAssign(ints, 0, 1, 1, seven); }), 1) << "the gathered values";
   const Handle objects = newArray("Array", 1);
-  EXPECT_EQ(sweepArrayFailures([&] { vorn_collections_Array_setInt(objects, 0, 7); },
-                               [&] { EXPECT_EQ(itemsOf(objects), Elements{"null"}); }),
+  EXPECT_EQ(sweepAllocationFailures([&] { vorn_collections_Array_setInt(objects, 0, 7); },
+                                    [&] { EXPECT_EQ(itemsOf(objects), Elements{"null"}); }),
             1);
 }
 
@@ -84,8 +84,8 @@ TEST_F(ArrayAllocation, Ctor_FailureLeavesTheOldElements) {
     for (const SlotCase& slots : kSlotCases) {
       const Handle array = sampleArray(slots.element, synchronised, 3);
       const ArrayState before(array);
-      EXPECT_EQ(sweepArrayFailures([&] { vorn_collections_Array_ctor(array, 500); },
-                                   [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
+      EXPECT_EQ(sweepAllocationFailures([&] { vorn_collections_Array_ctor(array, 500); },
+                                        [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
                 1);
       EXPECT_EQ(vorn_collections_Array_size(array), 500);
     }
@@ -98,8 +98,8 @@ TEST_F(ArrayAllocation, CopyCtor_FailureLeavesTheTargetAndItsSizeField) {
       const Handle source = sampleArray(slots.element, synchronised, 200);
       const Handle target = sampleArray("Int", synchronised, 3);
       const ArrayState before(target);
-      EXPECT_EQ(sweepArrayFailures([&] { vorn_collections_Array_copyCtor(target, source); },
-                                   [&] { EXPECT_ARRAY_UNTOUCHED(target, before); }),
+      EXPECT_EQ(sweepAllocationFailures([&] { vorn_collections_Array_copyCtor(target, source); },
+                                        [&] { EXPECT_ARRAY_UNTOUCHED(target, before); }),
                 1);
       EXPECT_EQ(arraySizeField(target), 200);
       EXPECT_EQ(itemsOf(target), itemsOf(source));
@@ -110,11 +110,11 @@ TEST_F(ArrayAllocation, CopyCtor_FailureLeavesTheTargetAndItsSizeField) {
 TEST_F(ArrayAllocation, CopyCtorOfAList_FailureLeavesAWholeArray) {
   const Handle source = intList("ArrayListSync<Int>", Integers(50, 3));
   const Handle target = sampleArray("Int", true, 3);
-  EXPECT_GE(sweepArrayFailures([&] { vorn_collections_Array_copyCtor(target, source); },
-                               [&] {
-                                 EXPECT_ARRAY_AT_REST(target);
-                                 EXPECT_LE(vorn_collections_Array_size(target), 50);
-                               }),
+  EXPECT_GE(sweepAllocationFailures([&] { vorn_collections_Array_copyCtor(target, source); },
+                                    [&] {
+                                      EXPECT_ARRAY_AT_REST(target);
+                                      EXPECT_LE(vorn_collections_Array_size(target), 50);
+                                    }),
             50);
   EXPECT_EQ(integersOf(target), Integers(50, 3));
 }
@@ -123,9 +123,9 @@ TEST_F(ArrayAllocation, SortOfHandles_FailureLeavesTheOrder) {
   const Handle array = newArray("ArraySync", 20);
   for (long long i = 0; i < 20; ++i) vorn_collections_Array_operator_index_eq(array, i, ranked((i * 7) % 20));
   const ArrayState before(array);
-  EXPECT_GE(
-      sweepArrayFailures([&] { vorn_collections_Array_sort(array); }, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
-      1);
+  EXPECT_GE(sweepAllocationFailures([&] { vorn_collections_Array_sort(array); },
+                                    [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
+            1);
 }
 
 // ---- Liveness -------------------------------------------------------------------------------------------------------

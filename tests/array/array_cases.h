@@ -13,6 +13,7 @@
 #include "collections/array/array_validation.h"
 #include "collections/array/slot_values.h"
 #include "tests/arraylist/bulk_cases.h"
+#include "tests/support/allocation_failure.h"
 #include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
@@ -252,37 +253,6 @@ inline const std::vector<ArrayNative>& arrayNatives() {
       {"stringFromCodeUnitArray", true, [](void* array, void*, void*) { Vorn_stringFromCodeUnitArray(array); }},
   };
   return natives;
-}
-
-// ---- Failures -------------------------------------------------------------------------------------------------------
-
-// Runs the operation with its first, second, ... allocation failing until it succeeds; each failure must leave as
-// std::bad_alloc, or as a null result, and `check` runs after each. Returns how many allocations failed.
-template <class Operation, class Check>
-int sweepArrayFailures(Operation operation, Check check) {
-  for (int failing = 0; failing < 500; ++failing) {
-    SCOPED_TRACE("failing allocation " + std::to_string(failing));
-    bool thrown = false;
-    vorn_heap_fail_allocation(failing);
-    try {
-      if constexpr (std::is_void_v<decltype(operation())>) {
-        operation();
-      } else {
-        thrown = static_cast<void*>(operation()) == nullptr;
-      }
-    } catch (const std::bad_alloc&) {
-      thrown = true;
-    }
-    const bool happened = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(thrown, happened);
-    EXPECT_NOTHING_RAISED();
-    if (!thrown) return failing;
-    check();
-    if (::testing::Test::HasFailure()) return failing;
-  }
-  ADD_FAILURE() << "the operation never succeeds";
-  return 500;
 }
 
 using ArrayTest = RuntimeTest;

@@ -277,8 +277,8 @@ TEST_F(ArrayText, MemoryExhaustion_ReleasesTheLock) {
   for (const auto conversion : {Vorn_stringFromCharArray, Vorn_stringFromCodeUnitArray}) {
     const Handle array = intArray("ArraySync<Int>", {65, 66});
     const ArrayState before(array);
-    EXPECT_GE(sweepArrayFailures([&] { Handle(conversion(array)); }, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }),
-              1);
+    EXPECT_GE(
+        sweepAllocationFailures([&] { Handle(conversion(array)); }, [&] { EXPECT_ARRAY_UNTOUCHED(array, before); }), 1);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/allocation_failure.h"
 
 namespace vorn::tests {
 namespace {
@@ -103,24 +104,11 @@ TEST_P(AllocationFailure, EveryAllocationOfTheCall) {
                                                    : integer(failure.value.c_str(), 1);
   const Snapshot before(target);
   const Elements elements = elementsOf(target);
-  int failures = 0;
-  for (; failures < 50; ++failures) {
-    SCOPED_TRACE("failing allocation " + std::to_string(failures));
-    bool thrown = false;
-    vorn_heap_fail_allocation(failures);
-    try {
-      failure.operation(target, value);
-    } catch (const std::bad_alloc&) {
-      thrown = true;
-    }
-    const bool happened = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(thrown, happened);
-    EXPECT_NOTHING_RAISED();
-    if (!thrown) break;
-    EXPECT_UNTOUCHED(target, before);
-    ASSERT_EQ(elementsOf(target), elements);
-  }
+  const int failures = sweepAllocationFailures([&] { failure.operation(target, value); },
+                                               [&] {
+                                                 EXPECT_UNTOUCHED(target, before);
+                                                 EXPECT_EQ(elementsOf(target), elements);
+                                               });
   EXPECT_LE(failures, failure.allocations);
   EXPECT_EQ(failures == 0, failure.allocations == 0);
   EXPECT_AT_REST(target);

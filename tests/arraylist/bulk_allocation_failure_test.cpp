@@ -25,7 +25,7 @@ template <class Operation>
 void sweepEveryStorage(Operation operation, int leastFailures = 1) {
   for (const Handle& target : longLists()) {
     SCOPED_TRACE(vorn_type_name(target));
-    const int failures = sweepAllocationFailures(target, [&] { return operation(target); });
+    const int failures = sweepFailuresOnList(target, [&] { return operation(target); });
     EXPECT_GE(failures, leastFailures);
     EXPECT_AT_REST(target);
   }
@@ -46,7 +46,7 @@ TEST_F(BulkAllocationFailure, AddAllThatMaterialises) {
     for (const bool synchronised : {false, true}) {
       const Handle target = object(className(false, synchronised));
       for (int i = 0; i < count; ++i) vorn_collections_ArrayList_addInt(target, i);
-      sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_addAllAt(target, count / 2, words); });
+      sweepFailuresOnList(target, [&] { vorn_collections_ArrayList_addAllAt(target, count / 2, words); });
       EXPECT_EQ(vorn_collections_ArrayList_size(target), count + 3);
       EXPECT_AT_REST(target);
     }
@@ -56,7 +56,7 @@ TEST_F(BulkAllocationFailure, AddAllThatMaterialises) {
 TEST_F(BulkAllocationFailure, AddAllThatAdoptsAKind) {
   const Handle source = rawList("ArrayList", "Long", std::vector<long long>(40, 1));
   const Handle target = object("ArrayList");
-  EXPECT_GT(sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_addAll(target, source); }), 0);
+  EXPECT_GT(sweepFailuresOnList(target, [&] { vorn_collections_ArrayList_addAll(target, source); }), 0);
   EXPECT_EQ(storageOf(target), "Long");
   EXPECT_AT_REST(target);
 }
@@ -88,7 +88,7 @@ TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCount) {
 TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCountThatMaterialises) {
   const Handle words = list("ArrayList", {string("a"), string("b")});
   const Handle target = rawList("ArrayListSync", "Int", {1, 2, 3, 4, 5, 6});
-  EXPECT_GT(sweepAllocationFailures(target, [&] { sliceAssign(target, 0, 2, 1, words); }), 0);
+  EXPECT_GT(sweepFailuresOnList(target, [&] { sliceAssign(target, 0, 2, 1, words); }), 0);
   EXPECT_EQ(storageOf(target), "objects");
   EXPECT_AT_REST(target);
 }
@@ -97,7 +97,7 @@ TEST_F(BulkAllocationFailure, SliceAssignOfAnotherCount) {
   const Handle source = list("ArrayList", {string("a"), integer("Int", 1), nullptr});
   sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 2, 1, source); });
   const Handle target = intList("ArrayListSync<Int>", {1, 2, 3});
-  sweepAllocationFailures(target, [&] { sliceAssign(target, 0, 1, 1, target); });
+  sweepFailuresOnList(target, [&] { sliceAssign(target, 0, 1, 1, target); });
   EXPECT_EQ(storageOf(target), "objects");
 }
 
@@ -110,7 +110,7 @@ TEST_F(BulkAllocationFailure, SortOfObjects) {
           vorn_collections_ArrayList_add(
               target, numbers ? box(i % 2 == 0 ? "Int" : "Long", 100 - i) : string(std::to_string(100 - i)));
         }
-        sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_sort(target); });
+        sweepFailuresOnList(target, [&] { vorn_collections_ArrayList_sort(target); });
         EXPECT_EQ(vorn_collections_ArrayList_size(target), count);
         EXPECT_AT_REST(target);
       }
@@ -125,8 +125,8 @@ TEST_F(BulkAllocationFailure, ReverseNewAndSortNew) {
 
 TEST_F(BulkAllocationFailure, ShuffleAndReverseInPlace) {
   for (const Handle& target : longLists()) {
-    sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_shuffle(target); });
-    sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_reverse(target); });
+    sweepFailuresOnList(target, [&] { vorn_collections_ArrayList_shuffle(target); });
+    sweepFailuresOnList(target, [&] { vorn_collections_ArrayList_reverse(target); });
     EXPECT_AT_REST(target);
   }
 }

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/allocation_failure.h"
 
 namespace vorn::tests {
 
@@ -110,37 +111,15 @@ inline std::vector<const void*> handlesOf(void* list) { return Snapshot(list).ha
 
 // ---- Failures -------------------------------------------------------------------------------------------------------
 
-// Runs the operation with its first, second, ... allocation failing until it succeeds. Every failure is a
-// std::bad_alloc, or a null result, that leaves the receiver as it was. Returns how many allocations failed.
+// The same for an operation on a list, which each failure must leave as it was.
 template <class Operation>
-int sweepAllocationFailures(void* receiver, Operation operation) {
+int sweepFailuresOnList(void* receiver, Operation operation) {
   const Snapshot before(receiver);
   const Elements elements = elementsOf(receiver);
-  for (int failing = 0; failing < 500; ++failing) {
-    SCOPED_TRACE("failing allocation " + std::to_string(failing));
-    bool thrown = false;
-    vorn_heap_fail_allocation(failing);
-    try {
-      // A native that makes its result from scratch may give null instead.
-      if constexpr (std::is_void_v<decltype(operation())>) {
-        operation();
-      } else {
-        thrown = static_cast<void*>(operation()) == nullptr;
-      }
-    } catch (const std::bad_alloc&) {
-      thrown = true;
-    }
-    const bool happened = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(thrown, happened);
-    EXPECT_NOTHING_RAISED();
-    if (!thrown) return failing;
+  return sweepAllocationFailures(operation, [&] {
     EXPECT_UNTOUCHED(receiver, before);
     EXPECT_EQ(elementsOf(receiver), elements);
-    if (::testing::Test::HasFailure()) return failing;
-  }
-  ADD_FAILURE() << "the operation never succeeds";
-  return 500;
+  });
 }
 
 }  // namespace vorn::tests

@@ -13,27 +13,9 @@ class DataBufferAllocationFailure : public RuntimeTest {};
 template <class Operation>
 int sweepListFailures(void* target, const Operation& operation) {
   const Snapshot before(target);
-  for (int failures = 0; failures < 50; ++failures) {
-    SCOPED_TRACE("failing allocation " + std::to_string(failures));
-    bool thrown = false;
-    vorn_heap_fail_allocation(failures);
-    try {
-      operation();
-    } catch (const std::bad_alloc&) {
-      thrown = true;
-    }
-    const bool happened = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(thrown, happened);
-    EXPECT_NOTHING_RAISED();
-    if (!thrown) {
-      EXPECT_AT_REST(target);
-      return failures;
-    }
-    EXPECT_UNTOUCHED(target, before);
-  }
-  ADD_FAILURE() << "the operation never succeeded";
-  return -1;
+  const int failures = sweepAllocationFailures([&] { operation(); }, [&] { EXPECT_UNTOUCHED(target, before); });
+  EXPECT_AT_REST(target);
+  return failures;
 }
 
 TEST_F(DataBufferAllocationFailure, CommitIntDataSize_MemoryExhaustion_LeavesTheListUnchanged) {

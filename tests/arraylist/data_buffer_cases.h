@@ -8,6 +8,7 @@
 
 #include "collections/core/primitive_kinds.h"
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/allocation_failure.h"
 
 namespace vorn::tests {
 

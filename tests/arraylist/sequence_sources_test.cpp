@@ -129,7 +129,7 @@ TEST_F(SequenceSources, Slice_OfAnImmutableListIsAnArrayList) {
 TEST_F(SequenceSources, AllocationFailures_LeaveTheListUnchanged) {
   for (const Handle& source : {tupleOf({integer("Int", 1), string("a")}), boxedImmutable({string("a"), nullptr})}) {
     const Handle target = intList("ArrayListSync", {7, 8, 9});
-    EXPECT_GE(sweepAllocationFailures(target, [&] { vorn_collections_ArrayList_addAll(target, source); }), 1);
+    EXPECT_GE(sweepFailuresOnList(target, [&] { vorn_collections_ArrayList_addAll(target, source); }), 1);
     EXPECT_EQ(vorn_collections_ArrayList_size(target), 5);
   }
 }

@@ -16,6 +16,7 @@
 #include "collections/core/list_data.h"
 #include "collections/core/primitive_conversions.h"
 #include "collections/core/primitive_elements.h"
+#include "tests/support/allocation_failure.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
@@ -161,27 +162,14 @@ inline std::string describeList(const ListData& list) {
   return result;
 }
 
-// Runs `attempt` with its first, second, third ... allocation failing until it gets through, and `check` after every
-// failure. Returns how many attempts failed. `prepare` makes a fresh start before each attempt.
+// The same with a fresh start made before each attempt.
 template <class Prepare, class Attempt, class Check>
 int sweepAllocationFailures(Prepare prepare, Attempt attempt, Check check) {
-  for (int failures = 0; failures < 200; ++failures) {
-    prepare();
-    vorn_heap_fail_allocation(failures);
-    bool threw = false;
-    try {
-      attempt();
-    } catch (const std::bad_alloc&) {
-      threw = true;
-    }
-    const bool failed = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(threw, failed) << "an allocation that fails must leave as std::bad_alloc";
-    if (!failed) return failures;
+  prepare();
+  return sweepAllocationFailures(attempt, [&] {
     check();
-  }
-  ADD_FAILURE() << "200 allocations were not enough";
-  return 200;
+    prepare();
+  });
 }
 
 }  // namespace vorn::tests

@@ -167,14 +167,14 @@ TEST_F(ImmutableList, Ctor_WithoutMemory_LeavesAnEmptyList) {
   for (const Handle& source : {large, words}) {
     const Elements elements = elementsOf(source);
     const Handle target = object("ImmutableList");
-    const int failures = sweepFailures([&] { vorn_collections_ImmutableList_ctor(target, source); },
-                                       [&] {
-                                         EXPECT_EQ(vorn_collections_ImmutableList_size(target), 0);
-                                         EXPECT_EQ(storageOf(target), "objects");
-                                         EXPECT_EQ(declaredTypeOf(target), "");
-                                         EXPECT_VALID_LIST(target);
-                                         EXPECT_EQ(elementsOf(source), elements);
-                                       });
+    const int failures = sweepAllocationFailures([&] { vorn_collections_ImmutableList_ctor(target, source); },
+                                                 [&] {
+                                                   EXPECT_EQ(vorn_collections_ImmutableList_size(target), 0);
+                                                   EXPECT_EQ(storageOf(target), "objects");
+                                                   EXPECT_EQ(declaredTypeOf(target), "");
+                                                   EXPECT_VALID_LIST(target);
+                                                   EXPECT_EQ(elementsOf(source), elements);
+                                                 });
     EXPECT_GE(failures, 1);
     EXPECT_EQ(elementsOf(target), elements);
   }
@@ -326,11 +326,11 @@ TEST_F(ImmutableList, SortNew_WithoutMemory_LeavesTheSourceAlone) {
     const Handle list = immutableFrom(source);
     const Elements elements = elementsOf(list);
     LentMutex mutex(list);
-    const int failures = sweepFailures([&] { Handle(vorn_collections_ImmutableList_sortNew(list)); },
-                                       [&] {
-                                         EXPECT_EQ(elementsOf(list), elements);
-                                         EXPECT_FALSE(mutex.isHeld());
-                                       });
+    const int failures = sweepAllocationFailures([&] { Handle(vorn_collections_ImmutableList_sortNew(list)); },
+                                                 [&] {
+                                                   EXPECT_EQ(elementsOf(list), elements);
+                                                   EXPECT_FALSE(mutex.isHeld());
+                                                 });
     EXPECT_GE(failures, 2);
   }
 }

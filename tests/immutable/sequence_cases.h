@@ -7,6 +7,7 @@
 
 #include "tests/arraylist/held_mutex.h"
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/allocation_failure.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
@@ -58,30 +59,5 @@ class LentMutex {
   ListData& data_;
   pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
 };
-
-// Runs the operation with its first, second, ... allocation failing until it succeeds, and check() after each failure.
-// Every failure is a std::bad_alloc. Returns how many allocations failed.
-template <class Operation, class Check>
-int sweepFailures(Operation operation, Check check) {
-  for (int failing = 0; failing < 500; ++failing) {
-    SCOPED_TRACE("failing allocation " + std::to_string(failing));
-    bool thrown = false;
-    vorn_heap_fail_allocation(failing);
-    try {
-      operation();
-    } catch (const std::bad_alloc&) {
-      thrown = true;
-    }
-    const bool happened = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(thrown, happened);
-    EXPECT_NOTHING_RAISED();
-    if (!thrown) return failing;
-    check();
-    if (::testing::Test::HasFailure()) return failing;
-  }
-  ADD_FAILURE() << "the operation never succeeds";
-  return 500;
-}
 
 }  // namespace vorn::tests

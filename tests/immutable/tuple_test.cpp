@@ -117,12 +117,12 @@ TEST_F(TupleNatives, Ctor_WithoutMemory_TheSizeStays) {
   }
   for (const Handle& packed : {numbers, words}) {
     const Handle tuple = object("Tuple");
-    const int failures = sweepFailures([&] { vorn_collections_Tuple_ctor(tuple, packed); },
-                                       [&] {
-                                         EXPECT_EQ(vorn_collections_Tuple_size(tuple), 0);
-                                         EXPECT_EQ(pthread_mutex_trylock(getListData(packed)->mutex), 0);
-                                         pthread_mutex_unlock(getListData(packed)->mutex);
-                                       });
+    const int failures = sweepAllocationFailures([&] { vorn_collections_Tuple_ctor(tuple, packed); },
+                                                 [&] {
+                                                   EXPECT_EQ(vorn_collections_Tuple_size(tuple), 0);
+                                                   EXPECT_EQ(pthread_mutex_trylock(getListData(packed)->mutex), 0);
+                                                   pthread_mutex_unlock(getListData(packed)->mutex);
+                                                 });
     EXPECT_GE(failures, 1);
     EXPECT_EQ(itemsOf(tuple), elementsOf(packed));
   }

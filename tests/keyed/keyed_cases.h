@@ -13,6 +13,7 @@
 #include "collections/keyed/keyed_validation.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
+#include "tests/support/allocation_failure.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
@@ -192,28 +193,5 @@ class SetTest : public KeyedTest, public ::testing::WithParamInterface<const cha
 #define INSTANTIATE_SET_TESTS(suite)                                                    \
   INSTANTIATE_TEST_SUITE_P(Kinds, suite, ::testing::ValuesIn(::vorn::tests::kSetTypes), \
                            [](const auto& param) { return std::string(param.param); })
-
-// Runs `attempt` with its first, second, third ... allocation failing until it gets through, and `check` after every
-// failure. Returns how many attempts failed.
-template <class Attempt, class Check>
-int sweepAllocationFailures(Attempt attempt, Check check) {
-  for (int failures = 0; failures < 200; ++failures) {
-    SCOPED_TRACE("failing allocation " + std::to_string(failures));
-    vorn_heap_fail_allocation(failures);
-    bool threw = false;
-    try {
-      attempt();
-    } catch (const std::bad_alloc&) {
-      threw = true;
-    }
-    const bool failed = vorn_heap_failure_happened() != 0;
-    vorn_heap_fail_allocation(-1);
-    EXPECT_EQ(threw, failed) << "an allocation that fails must leave as std::bad_alloc";
-    if (!failed) return failures;
-    check();
-  }
-  ADD_FAILURE() << "200 allocations were not enough";
-  return 200;
-}
 
 }  // namespace vorn::tests

@@ -7,6 +7,7 @@
 #include "collections/keyed/map_lookup.h"
 #include "collections/keyed/map_snapshot.h"
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
@@ -45,34 +46,6 @@ class Before {
  private:
   std::function<void()> action_;
   std::function<void()>*& place_;
-};
-
-// Gives a record an error-checking mutex that this thread holds, for a scope: another lock call by this thread fails
-// with EDEADLK.
-template <class Record>
-class HeldMutex {
- public:
-  explicit HeldMutex(Record& record) : record_(record), original_(record.mutex) {
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-    pthread_mutex_init(&mutex_, &attributes);
-    pthread_mutexattr_destroy(&attributes);
-    pthread_mutex_lock(&mutex_);
-    record_.mutex = &mutex_;
-  }
-  ~HeldMutex() {
-    record_.mutex = original_;
-    EXPECT_EQ(pthread_mutex_unlock(&mutex_), 0) << "somebody else unlocked the mutex";
-    pthread_mutex_destroy(&mutex_);
-  }
-  HeldMutex(const HeldMutex&) = delete;
-  HeldMutex& operator=(const HeldMutex&) = delete;
-
- private:
-  Record& record_;
-  pthread_mutex_t* original_;
-  pthread_mutex_t mutex_;
 };
 
 struct NamedCall {
@@ -127,7 +100,7 @@ class Locks : public KeyedTest {};
 template <class Record>
 void expectDeadlock(const NamedCall& call, void* target, void* value, Record& record) {
   SCOPED_TRACE(call.name);
-  const HeldMutex<Record> held(record);
+  const HeldRecordMutex<Record> held(record);
   try {
     call.call(target, value);
     ADD_FAILURE() << "did not lock";
@@ -178,12 +151,12 @@ TEST_F(Locks, EveryNativeUnlocks) {
 TEST_F(Locks, PlainRecords_IgnoreTheirMutex) {
   for (const char* type : {"Map", "SortedMap"}) {
     const Handle map = countingMap(type, 3);
-    const HeldMutex held(*getMapData(map));
+    const HeldRecordMutex held(*getMapData(map));
     for (const NamedCall& call : mapCalls()) EXPECT_NO_THROW(call.call(map, number(1))) << call.name;
     takeErrors();
   }
   const Handle set = countingSet("HashSet", 3);
-  const HeldMutex held(*getSetData(set));
+  const HeldRecordMutex held(*getSetData(set));
   for (const NamedCall& call : setCalls()) EXPECT_NO_THROW(call.call(set, number(1))) << call.name;
   takeErrors();
 }
