@@ -16,7 +16,6 @@ constexpr std::size_t kReserve = std::size_t{128} << 10;
 // The part of the thread's stack that displays may use. A thread that runs on a stack of its own making is not limited.
 struct StackBounds {
   std::uintptr_t lowest = 0;
-  std::uintptr_t end = 0;
 
   StackBounds() {
     pthread_attr_t attributes;
@@ -24,7 +23,6 @@ struct StackBounds {
     void* start = nullptr;
     std::size_t size = 0;
     if (pthread_attr_getstack(&attributes, &start, &size) == 0) {
-      end = reinterpret_cast<std::uintptr_t>(start) + size;
       // A small stack leaves a quarter of itself.
       lowest = reinterpret_cast<std::uintptr_t>(start) + (size / 4 < kReserve ? size / 4 : kReserve);
     }

@@ -20,9 +20,16 @@ std::string_view prefixOf(void* map) {
   return base == "HashMapSync" ? "s:{" : "{";
 }
 
+// Whether the runtime has a text of its own for the key. A user class may bear the short name of a floating type.
+bool isFloatingKey(void* key) {
+  const ObjectRecord* object = getObject(key);
+  if (object == nullptr || object->kind() == ObjectKind::Instance) return false;
+  const char* type = Vorn_objectTypeName(key);
+  return type != nullptr && isFloatingNumberShortType(shortTypeName(type));
+}
+
 void appendKey(DisplayBuffer& text, void* key) {
-  const char* type = key != nullptr ? Vorn_objectTypeName(key) : nullptr;
-  if (type != nullptr && isFloatingNumberShortType(shortTypeName(type))) return text.append(mapKeyString(key));
+  if (isFloatingKey(key)) return text.append(mapKeyString(key));
   appendValueDisplay(text, key);
 }
 
