@@ -114,8 +114,9 @@ void* boxFloatingLikeLocal(std::string_view typeName, double value);
 // A new String object. Allocates.
 void* Vorn_allocString(std::string_view text);
 
-// The text of a String object or of a bare text.
+// The text of a String object or of a bare text; the view holds while the handle is alive.
 std::string stringValueFromPtr(void* handle);
+std::string_view stringTextFromPtr(void* handle);
 
 // ---- Array slots and characters
 // ----------------------------------------------------------------------------------------
@@ -245,7 +246,8 @@ std::string integerLikeToDisplayString(std::string_view shortName, long long val
 // "-Infinity".
 std::string formatVornFloat(double value);
 
-// A text as it stands between double quotes: quotes, backslashes and control characters escaped as in JSON.
+// A text as it stands between double quotes: quotes, backslashes and control characters (below U+0020) escaped as in
+// JSON, and all else as it is.
 std::string escapeDisplayString(std::string_view text);
 
 // The default text of an object that is no number, text or collection, under the given class name: a character's own

@@ -19,7 +19,6 @@
 
 namespace {
 
-using vorn::runtime::builtinClass;
 using vorn::runtime::BuiltinClass;
 
 std::string boxText(const RegisteredObject& box) {

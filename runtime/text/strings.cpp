@@ -43,9 +43,11 @@ void* Vorn_allocString(std::string_view text) {
   return string;
 }
 
-std::string stringValueFromPtr(void* handle) {
+std::string stringValueFromPtr(void* handle) { return std::string(stringTextFromPtr(handle)); }
+
+std::string_view stringTextFromPtr(void* handle) {
   std::string_view text;
-  return vorn::runtime::readText(handle, text) ? std::string(text) : std::string();
+  return vorn::runtime::readText(handle, text) ? text : std::string_view();
 }
 
 extern "C" int Vorn_strEquals(const char* left, const char* right) {

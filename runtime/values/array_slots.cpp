@@ -10,7 +10,6 @@
 
 namespace {
 
-using vorn::runtime::builtinClass;
 using vorn::runtime::BuiltinClass;
 
 // The box behind a value, when its kind is that one.

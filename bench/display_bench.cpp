@@ -1,0 +1,166 @@
+// Displays and joins beside std::to_chars into a std::string, at a size that stays in the caches and at a million.
+//
+// Prints the benchmarks as they run and then one table. All options of Google Benchmark work; with --benchmark_format
+// set, only that output appears.
+#include <vorn/collections/array_list.h>
+#include <vorn/collections/map.h>
+#include <vorn/runtime.h>
+
+#include <charconv>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "bench/native_support.h"
+#include "bench/program.h"
+
+namespace {
+
+using namespace vorn::bench;  // NOLINT(google-build-using-namespace): the program's own namespace
+using natives::requireNoErrors;
+using natives::Rooted;
+
+constexpr std::int64_t kSizes[] = {1'000, 1'000'000};
+
+// Runs the native once per iteration; what it makes must be text.
+template <class MakeText>
+void makeTexts(benchmark::State& state, std::int64_t elements, MakeText makeText) {
+  Rooted text;
+  for (auto _ : state) text = makeText();
+  requireNoErrors();
+  if (vorn_string_text(text) == nullptr) std::exit(1);
+  countElements(state, elements);
+}
+
+template <class Fill>
+void displayList(benchmark::State& state, std::int64_t elements, const char* className, Fill fill) {
+  const Rooted list(vorn_object_new(className));
+  fill(list, elements);
+  makeTexts(state, elements, [&] { return vorn_collections_ArrayList_toString(list); });
+}
+
+std::string wordAt(std::int64_t index) {
+  std::string word = "word";
+  word += std::to_string(elementAt(index));
+  return word;
+}
+
+void fillStrings(void* list, std::int64_t elements) {
+  Rooted text;
+  for (std::int64_t i = 0; i < elements; ++i) {
+    const std::string word = wordAt(i);
+    text = vorn_string_new(word.data(), word.size());
+    vorn_collections_ArrayList_add(list, text);
+  }
+}
+
+// Lists of ten numbers each.
+void fillLists(void* list, std::int64_t elements) {
+  Rooted inner;
+  for (std::int64_t i = 0; i < elements; i += 10) {
+    inner = vorn_object_new("ArrayList<Int>");
+    natives::fillInts(inner, 10);
+    vorn_collections_ArrayList_add(list, inner);
+  }
+}
+
+void displayInts(benchmark::State& state, std::int64_t elements) {
+  displayList(state, elements, "ArrayList<Int>", natives::fillInts);
+}
+void displayBoxes(benchmark::State& state, std::int64_t elements) {
+  displayList(state, elements, "ArrayList<Object>", natives::fillBoxes);
+}
+void displayDoubles(benchmark::State& state, std::int64_t elements) {
+  displayList(state, elements, "ArrayList<Double>", natives::fillDoubles);
+}
+void displayStrings(benchmark::State& state, std::int64_t elements) {
+  displayList(state, elements, "ArrayList<String>", fillStrings);
+}
+void displayLists(benchmark::State& state, std::int64_t elements) {
+  displayList(state, elements, "ArrayList", fillLists);
+}
+
+void displayMap(benchmark::State& state, std::int64_t elements) {
+  const Rooted map(vorn_object_new("Map<Int,Int>"));
+  Rooted box;
+  for (std::int64_t i = 0; i < elements; ++i) {
+    box = vorn_box_integer("Int", i);
+    vorn_collections_Map_put(map, box, box);
+  }
+  makeTexts(state, elements, [&] { return vorn_collections_Map_toString(map); });
+}
+
+void joinInts(benchmark::State& state, std::int64_t elements) {
+  const Rooted list(vorn_object_new("ArrayList<Int>"));
+  natives::fillInts(list, elements);
+  makeTexts(state, elements, [&] { return vorn_collections_ArrayList_join(list, ", "); });
+}
+
+void joinStrings(benchmark::State& state, std::int64_t elements) {
+  const Rooted list(vorn_object_new("ArrayList<String>"));
+  fillStrings(list, elements);
+  makeTexts(state, elements, [&] { return vorn_collections_ArrayList_join(list, ", "); });
+}
+
+// The plain C++ way: each text appended to a growing string.
+template <class Element>
+void appendTexts(benchmark::State& state, std::int64_t elements) {
+  std::vector<Element> values;
+  for (std::int64_t i = 0; i < elements; ++i) values.push_back(static_cast<Element>(elementAt(i)));
+  for (auto _ : state) {
+    std::string text = "[";
+    char digits[32];
+    for (const Element value : values) {
+      if (text.size() > 1) text += ", ";
+      text.append(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
+    }
+    text += ']';
+    keep(text.data());
+  }
+  countElements(state, elements);
+}
+
+void appendStrings(benchmark::State& state, std::int64_t elements) {
+  std::vector<std::string> words;
+  for (std::int64_t i = 0; i < elements; ++i) words.push_back(wordAt(i));
+  for (auto _ : state) {
+    std::string text;
+    for (const std::string& word : words) {
+      if (!text.empty()) text += ", ";
+      text += word;
+    }
+    keep(text.data());
+  }
+  countElements(state, elements);
+}
+
+struct DisplayOperation {
+  const char* name;
+  Measured vorn;
+  Measured standard;
+  double limit;  // nanoseconds per element that the native may take; 0 when none is set
+};
+
+constexpr DisplayOperation kOperations[] = {
+    {"display Int", displayInts, appendTexts<std::int32_t>, 12}, {"display boxed Int", displayBoxes, nullptr, 0},
+    {"display Double", displayDoubles, appendTexts<double>, 0},  {"display String", displayStrings, appendStrings, 0},
+    {"display lists of 10 Int", displayLists, nullptr, 0},       {"display Map of Int", displayMap, nullptr, 0},
+    {"join Int", joinInts, appendTexts<std::int32_t>, 9},        {"join String", joinStrings, appendStrings, 0},
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return runBenchmarks(
+      argc, argv, {"vorn", "C++"},
+      [](std::vector<ComparisonTable::Row>& rows) {
+        for (const DisplayOperation& operation : kOperations) {
+          for (const std::int64_t size : kSizes) {
+            registerBenchmark(operation.name, "vorn", operation.vorn, size);
+            registerBenchmark(operation.name, "C++", operation.standard, size);
+            rows.push_back({operation.name, size, operation.limit});
+          }
+        }
+      },
+      [] {});
+}
