@@ -134,11 +134,5 @@ TEST_F(Tuples, Embedding_RootsTheItemsAndSurvivesMissingMemory) {
   EXPECT_STREQ(vorn_string_text(vorn_collections_Tuple_operator_index(tuple, -1)), "kept");
 }
 
-TEST_F(Tuples, Text_IsTheClassName) {
-  EXPECT_STREQ(Vorn_objectToString(tupleOf({integer("Int", 1)})), "Tuple");
-  EXPECT_STREQ(Vorn_objectToString(object("Map")), "Map");
-  EXPECT_STREQ(Vorn_objectToString(object("HashSet")), "HashSet");
-}
-
 }  // namespace
 }  // namespace vorn::tests

@@ -225,7 +225,6 @@ TEST_F(Values, TextOfCharacters_IsTheCharacter) {
 TEST_F(Values, TextOfObjects_IsClassNameAndFields) {
   EXPECT_EQ(textOf(nullptr), "(null)");
   EXPECT_EQ(textOf(object("Object")), "Object");
-  EXPECT_EQ(textOf(object("ArrayList<Int>")), "ArrayList<Int>");
   const Handle node = plain(4);
   EXPECT_EQ(textOf(node), "Plain(key=4, next=null)");
   Vorn_setField_ptr(node, "next", string("text"));
