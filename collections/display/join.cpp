@@ -23,9 +23,8 @@ namespace {
 // Most numbers are short; what is longer makes the buffer grow.
 constexpr std::size_t kExpectedText = 4;
 
-std::string_view separatorOf(const char* separator) {
-  return separator != nullptr ? std::string_view(separator) : std::string_view();
-}
+// Never a view of null, which memcpy must not see even for no bytes.
+std::string_view separatorOf(const char* separator) { return separator != nullptr ? separator : ""; }
 
 // A bare text is joined as it is, where the display form would quote it.
 void appendHandle(DisplayBuffer& text, void* handle) {

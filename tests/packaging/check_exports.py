@@ -46,7 +46,8 @@ def demangled(symbol):
 
 def name_of(symbol):
     """The unqualified function or variable name of a symbol."""
-    return demangled(symbol).split("(")[0].split("[abi:")[0].split("::")[-1]
+    # A function that returns a std::string bears the tag of the library's string type.
+    return demangled(symbol).split("(")[0].split("::")[-1].removesuffix("[abi:cxx11]")
 
 
 class Library:

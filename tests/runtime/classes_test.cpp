@@ -210,5 +210,13 @@ TEST_F(Classes, NamesDefinedLate_AreFoundThen) {
   EXPECT_EQ(vorn_collections_ArrayList_size(list), 1);
 }
 
+TEST_F(Classes, Arrays_HaveInstances) {
+  for (const char* name : {"Array", "Array<Int>", "ArraySync"}) {
+    const Handle made = object(name);
+    ASSERT_NE(made.get(), nullptr) << name;
+    EXPECT_EQ(getObject(made)->kind(), ObjectKind::Array);
+  }
+}
+
 }  // namespace
 }  // namespace vorn::tests
