@@ -24,6 +24,13 @@ constexpr std::size_t kUsualStack = std::size_t{64} << 20;
 constexpr std::size_t kUsualStack = std::size_t{8} << 20;
 #endif
 
+// ThreadSanitizer keeps some 200 KB of its own on each thread's stack.
+#ifdef __SANITIZE_THREAD__
+constexpr std::size_t kSmallStack = std::size_t{1} << 20;
+#else
+constexpr std::size_t kSmallStack = std::size_t{256} << 10;
+#endif
+
 Handle nested(const Kind& kind, int depth) {
   Handle inner = collectionFor(kind, 0);
   for (int i = 1; i < depth; ++i) {
@@ -82,7 +89,7 @@ TEST_P(DeepNesting, OnASmallStack_EndsInAnException) {
   const int depth = depthOrLess(20000, 900);
   const Handle deep = nested(kind(), depth);
   const Handle flat = filled(kind(), {integer("Int", 1)});
-  onStack(std::size_t{256} << 10, 4096, [&] {
+  onStack(kSmallStack, 4096, [&] {
     EXPECT_EQ(valueToDisplayString(flat), shown(kind(), {"1"}));
     expectTooDeep(kind(), deep);
     EXPECT_EQ(valueToDisplayString(flat), shown(kind(), {"1"}));
@@ -94,7 +101,7 @@ TEST_P(DeepNesting, OnASmallStack_EndsInAnException) {
 TEST_P(DeepNesting, OnAStackWithALargeGuardArea_EndsInAnException) {
   if (onStressHeap()) return;  // a matter of the stack alone
   const Handle deep = nested(kind(), 20000);
-  onStack(std::size_t{768} << 10, std::size_t{512} << 10, [&] { expectTooDeep(kind(), deep); });
+  onStack(kSmallStack + (std::size_t{512} << 10), std::size_t{512} << 10, [&] { expectTooDeep(kind(), deep); });
 }
 
 TEST_P(DeepNesting, LevelsLeftBehind_ShowInFullAgain) {
@@ -107,7 +114,7 @@ TEST_P(DeepNesting, LevelsLeftBehind_ShowInFullAgain) {
     put(kind(), outer, 0, deep);
     deep = outer;
   }
-  onStack(std::size_t{256} << 10, 4096, [&] {
+  onStack(kSmallStack, 4096, [&] {
     expectTooDeep(kind(), deep);
     EXPECT_EQ(valueToDisplayString(bottom), shownNested(kind(), shallow));
   });
