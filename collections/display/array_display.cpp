@@ -55,8 +55,5 @@ std::string arrayToDisplayStringInternal(void* array) {
 }
 
 void* vorn_collections_Array_toString(void* array) {
-  vorn::collections::DisplayBuffer text;
-  void* string = nullptr;
-  vorn::collections::appendArrayDisplay(text, array, &string);
-  return string;
+  return vorn::collections::displayAsString(vorn::collections::appendArrayDisplay, array);
 }

@@ -83,16 +83,8 @@ void appendImmutableListDisplay(DisplayBuffer& text, void* list, void** string) 
 
 }  // namespace vorn::collections
 
-void* vorn_collections_ArrayList_toString(void* list) {
-  DisplayBuffer text;
-  void* string = nullptr;
-  vc::appendListDisplay(text, list, &string);
-  return string;
-}
+void* vorn_collections_ArrayList_toString(void* list) { return vc::displayAsString(vc::appendListDisplay, list); }
 
 void* vorn_collections_ImmutableList_toString(void* list) {
-  DisplayBuffer text;
-  void* string = nullptr;
-  vc::appendImmutableListDisplay(text, list, &string);
-  return string;
+  return vc::displayAsString(vc::appendImmutableListDisplay, list);
 }

@@ -62,8 +62,5 @@ void appendMapDisplay(DisplayBuffer& text, void* map, void** string) {
 }  // namespace vorn::collections
 
 void* vorn_collections_Map_toString(void* map) {
-  vorn::collections::DisplayBuffer text;
-  void* string = nullptr;
-  vorn::collections::appendMapDisplay(text, map, &string);
-  return string;
+  return vorn::collections::displayAsString(vorn::collections::appendMapDisplay, map);
 }

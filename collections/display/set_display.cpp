@@ -44,8 +44,5 @@ void appendSetDisplay(DisplayBuffer& text, void* set, void** string) {
 }  // namespace vorn::collections
 
 void* vorn_collections_HashSet_toString(void* set) {
-  vorn::collections::DisplayBuffer text;
-  void* string = nullptr;
-  vorn::collections::appendSetDisplay(text, set, &string);
-  return string;
+  return vorn::collections::displayAsString(vorn::collections::appendSetDisplay, set);
 }

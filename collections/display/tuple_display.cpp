@@ -32,8 +32,5 @@ void appendTupleDisplay(DisplayBuffer& text, void* tuple, void** string) {
 }  // namespace vorn::collections
 
 void* vorn_collections_Tuple_toString(void* tuple) {
-  vorn::collections::DisplayBuffer text;
-  void* string = nullptr;
-  vorn::collections::appendTupleDisplay(text, tuple, &string);
-  return string;
+  return vorn::collections::displayAsString(vorn::collections::appendTupleDisplay, tuple);
 }

@@ -93,6 +93,13 @@ void appendLanguageText(DisplayBuffer& text, void* value) {
   text.append(own != nullptr ? own : "null");
 }
 
+void* displayAsString(void (*append)(DisplayBuffer& text, void* collection, void** string), void* collection) {
+  DisplayBuffer text;
+  void* string = nullptr;
+  append(text, collection, &string);
+  return string;
+}
+
 void finishDisplay(const DisplayBuffer& text, void** string) {
   if (string != nullptr) *string = Vorn_allocString(text.view());
 }

@@ -32,6 +32,9 @@ void appendArrayDisplay(DisplayBuffer& text, void* array, void** string = nullpt
 // The language's toString of a value, as join and sets have it: "null" for null, and where toString gives none.
 void appendLanguageText(DisplayBuffer& text, void* value);
 
+// The frame of the toString natives: a new String with what one of the functions above appends for the collection.
+void* displayAsString(void (*append)(DisplayBuffer& text, void* collection, void** string), void* collection);
+
 // The end of a display: makes the String when one is wanted.
 void finishDisplay(const DisplayBuffer& text, void** string);
 

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "collections/core/array_slot_kind.h"
-#include "collections/core/element_types.h"
+#include "collections/core/element_access.h"
 #include "collections/core/runtime_interface.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/values/scalars.h"
@@ -16,11 +16,6 @@ using vorn::runtime::BuiltinClass;
 const RegisteredObject* boxOfKind(const void* value, ObjectKind kind) {
   const RegisteredObject* box = getRegisteredObjectUnsafe(value);
   return box != nullptr && box->kind() == kind ? box : nullptr;
-}
-
-bool isUnicodeScalar(long long value) {
-  const auto bits = static_cast<unsigned long long>(value);
-  return bits <= 0x10FFFF && (bits < 0xD800 || bits > 0xDFFF);
 }
 
 // The UTF-8 texts of all code units. They are to live as long as the process, so all 65,536 stand in one table, which
@@ -107,7 +102,7 @@ bool extractArrayElementBool(void* value, bool& truth) {
 }
 
 extern "C" long long Vorn_intToChar(long long value) {
-  if (isUnicodeScalar(value)) return value;
+  if (vorn::collections::isUnicodeScalar(value)) return value;
   Vorn_raise("ValueException", "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
   return 0;
 }

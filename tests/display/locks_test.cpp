@@ -7,6 +7,7 @@
 
 #include "tests/display/display_cases.h"
 #include "tests/runtime/hooked_objects.h"
+#include "tests/support/before.h"
 
 namespace vorn::tests {
 namespace {
@@ -37,21 +38,6 @@ void* wrapBoxInteger(std::string_view type, long long value) {
 
 namespace vorn::tests {
 namespace {
-
-// Runs code before each call of a function for a scope.
-class Before {
- public:
-  Before(std::function<void()>*& place, std::function<void()> action) : action_(std::move(action)), place_(place) {
-    place_ = &action_;
-  }
-  ~Before() { place_ = nullptr; }
-  Before(const Before&) = delete;
-  Before& operator=(const Before&) = delete;
-
- private:
-  std::function<void()> action_;
-  std::function<void()>*& place_;
-};
 
 // Gives a synchronised collection an error-checking mutex for a scope, which locking twice fails with EDEADLK.
 class ErrorCheckingMutex {

@@ -7,6 +7,7 @@
 #include "collections/keyed/map_lookup.h"
 #include "collections/keyed/map_snapshot.h"
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/before.h"
 #include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
@@ -32,21 +33,6 @@ void __wrap_Vorn_raise(const char* exceptionClass, const char* message) {  // NO
 
 namespace vorn::tests {
 namespace {
-
-// Runs code before each call of a function for a scope.
-class Before {
- public:
-  Before(std::function<void()>*& place, std::function<void()> action) : action_(std::move(action)), place_(place) {
-    place_ = &action_;
-  }
-  ~Before() { place_ = nullptr; }
-  Before(const Before&) = delete;
-  Before& operator=(const Before&) = delete;
-
- private:
-  std::function<void()> action_;
-  std::function<void()>*& place_;
-};
 
 struct NamedCall {
   const char* name;
