@@ -41,7 +41,10 @@ char* writeText(char* at, std::string_view text) {
 }  // namespace
 
 ElementText elementTextOf(PrimitiveKind kind, std::string_view typeName) {
-  if (isFloatingKind(kind)) return ElementText::Floating;
+  // Doubles that are declared as Float lose precision in their boxes.
+  if (isFloatingKind(kind)) {
+    return kind == PrimitiveKind::Double && typeName == "Float" ? ElementText::Boxed : ElementText::Floating;
+  }
   if (kind == PrimitiveKind::Boolean) return ElementText::Boolean;
   if (typeName == "ULong") return ElementText::Unsigned;
   return isSignedIntegerName(typeName) ? ElementText::Signed : ElementText::Boxed;

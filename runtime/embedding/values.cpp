@@ -24,10 +24,11 @@ BuiltinClass boxedTypeNamed(const char* name) {
   return vorn::runtime::boxedTypeOf(text);
 }
 
-// A new box, or null when there is no memory.
-void* boxOrNull(BuiltinClass type, std::int64_t payload) {
+// What make() gives, or null when there is no memory.
+template <class Make>
+void* madeOrNull(Make make) {
   try {
-    return vorn::runtime::newBox(vorn::runtime::builtinClass(type), payload);
+    return make();
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -45,12 +46,14 @@ extern "C" {
 void* vorn_box_integer(const char* type_name, int64_t value) {
   const BuiltinClass type = boxedTypeNamed(type_name);
   if (type == BuiltinClass::Boolean) return Vorn_boxBool(value != 0);
-  return vorn::runtime::isIntegerLikeBox(type) ? boxOrNull(type, value) : nullptr;
+  if (!vorn::runtime::isIntegerLikeBox(type)) return nullptr;
+  return madeOrNull([&] { return vorn::runtime::newBox(vorn::runtime::builtinClass(type), value); });
 }
 
 void* vorn_box_floating(const char* type_name, double value) {
   const BuiltinClass type = boxedTypeNamed(type_name);
-  return vorn::runtime::isFloatingBox(type) ? boxOrNull(type, std::bit_cast<std::int64_t>(value)) : nullptr;
+  if (!vorn::runtime::isFloatingBox(type)) return nullptr;
+  return madeOrNull([&] { return vorn::runtime::newFloatingBox(type, value); });
 }
 
 void* vorn_box_boolean(bool value) { return Vorn_boxBool(value); }
@@ -78,20 +81,12 @@ int vorn_unbox_boolean(void* handle, bool* value) {
 
 void* vorn_string_new(const char* text, size_t length) {
   if (text == nullptr) return nullptr;
-  try {
-    return Vorn_allocString({text, length == SIZE_MAX ? std::strlen(text) : length});
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return madeOrNull([&] { return Vorn_allocString({text, length == SIZE_MAX ? std::strlen(text) : length}); });
 }
 
 void* vorn_text_new(const char* text) {
   if (text == nullptr) return nullptr;
-  try {
-    return vorn::runtime::newText(text);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return madeOrNull([&] { return vorn::runtime::newText(text); });
 }
 
 const char* vorn_string_text(void* handle) {

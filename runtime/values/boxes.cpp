@@ -1,6 +1,5 @@
 #include "runtime/values/boxes.h"
 
-#include <bit>
 #include <limits>
 #include <string_view>
 
@@ -61,6 +60,5 @@ void* boxIntegerLikeLocal(std::string_view typeName, long long value) {
 
 void* boxFloatingLikeLocal(std::string_view typeName, double value) {
   const bool isFloat = typeName == "Float" || typeName == "vorn.Float";
-  return vorn::runtime::newBox(builtinClass(isFloat ? BuiltinClass::Float : BuiltinClass::Double),
-                               std::bit_cast<std::int64_t>(value));
+  return vorn::runtime::newFloatingBox(isFloat ? BuiltinClass::Float : BuiltinClass::Double, value);
 }

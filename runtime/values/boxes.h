@@ -1,9 +1,11 @@
 // Boxed values.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 #include "runtime/heap/heap.h"
+#include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/runtime_class.h"
 
 namespace vorn::runtime {
@@ -13,8 +15,8 @@ static_assert(ObjectKind::CharacterBox < ObjectKind::String, "the four box kinds
 // Whether objects of the kind are RegisteredObjects.
 inline bool isBoxKind(ObjectKind kind) { return kind <= ObjectKind::CharacterBox; }
 
-// A new box of a boxed type other than Boolean; `payload` is the integer or the double's bits. Every word is written,
-// since pointer-free blocks come as they are. Allocates; std::bad_alloc.
+// A new box of a boxed type other than Boolean; `payload` is the integer or the double's bits (newFloatingBox, below).
+// Every word is written, since pointer-free blocks come as they are. Allocates; std::bad_alloc.
 inline RegisteredObject* newBox(const RuntimeClass& type, std::int64_t payload) {
   auto* box = static_cast<RegisteredObject*>(allocateAtomic(sizeof(RegisteredObject)));
   box->header = objectHeaderFor(box, type.kind);
@@ -22,6 +24,12 @@ inline RegisteredObject* newBox(const RuntimeClass& type, std::int64_t payload) 
   box->nativeRecord = nullptr;
   box->integer = payload;
   return box;
+}
+
+// A new Float or Double box; a Float is single precision here as in unboxed storage. Allocates; std::bad_alloc.
+inline RegisteredObject* newFloatingBox(BuiltinClass type, double value) {
+  const double kept = type == BuiltinClass::Float ? static_cast<float>(value) : value;
+  return newBox(builtinClass(type), std::bit_cast<std::int64_t>(kept));
 }
 
 }  // namespace vorn::runtime

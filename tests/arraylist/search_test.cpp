@@ -307,5 +307,26 @@ TEST_F(Search, EmptyLists) {
   }
 }
 
+TEST_F(Search, AFloatBox_IsFoundInTheListThatTookIt) {
+  const Handle box = floating("Float", 0.1);
+  for (const char* type : {"ArrayList<Float>", "ArrayList", "LinkedList<Float>"}) {
+    const Handle target = list(type, {floating("Float", 7.5), box});
+    EXPECT_EQ(vorn_collections_ArrayList_indexOf(target, box, 0), 1) << type;
+    EXPECT_EQ(vorn_collections_ArrayList_getDouble(target, 1), double{0.1F}) << type;
+    vorn_collections_ArrayList_add(target, nullptr);
+    vorn_errors_clear();
+    EXPECT_EQ(vorn_collections_ArrayList_count(target, box), 1) << type;
+  }
+}
+
+TEST_F(Search, AFloatThatLeavesUnboxedStorage_KeepsItsValue) {
+  const Handle target = list("ArrayList", {floating("Float", 0.1)});
+  vorn_collections_ArrayList_addPrimitiveDouble(target, 0.3, "Double");  // another kind: boxes from here on
+  EXPECT_EQ(vorn_collections_ArrayList_getDouble(target, 0), double{0.1F});
+  EXPECT_EQ(vorn_collections_ArrayList_getDouble(target, 1), 0.3);
+  vorn_collections_ArrayList_addPrimitiveDouble(target, 0.2, "Float");
+  EXPECT_EQ(vorn_collections_ArrayList_getDouble(target, 2), double{0.2F});
+}
+
 }  // namespace
 }  // namespace vorn::tests

@@ -223,5 +223,12 @@ TEST_F(Unboxed, NewArrays_ShowTheirZeros) {
   EXPECT_EQ(textOf(vorn_collections_Array_toString(object("Array<Int>"))), "f:[]") << "not constructed yet";
 }
 
+TEST_F(Unboxed, FloatsShowAsTheyDoBoxed) {
+  const Handle unboxed = list("ArrayList<Float>", {floating("Float", 0.1), floating("Double", 1e-7)});
+  const Handle boxed = list("LinkedList", {floating("Float", 0.1), floating("Float", 1e-7)});
+  EXPECT_EQ("l:" + textOf(vorn_collections_ArrayList_toString(unboxed)),
+            textOf(vorn_collections_ArrayList_toString(boxed)));
+}
+
 }  // namespace
 }  // namespace vorn::tests

@@ -121,7 +121,7 @@ TEST_F(Numbers, IntegerBoxes_ReadAsSignedAndULongAsUnsigned) {
 
 TEST_F(Numbers, FloatingBoxes_ReadAsTheirDouble) {
   for (const char* type : {"Float", "Double"}) {
-    for (const double value : {0.1, -0.0, kInfinity, 1e300}) {
+    for (const double value : {0.5, double{0.1F}, -0.0, kInfinity}) {
       NativeNumericValue number{};
       ASSERT_TRUE(tryReadNativeNumericValue(floating(type, value), number)) << type;
       EXPECT_EQ(number.kind, Kind::Floating);

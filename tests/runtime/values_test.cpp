@@ -56,12 +56,16 @@ TEST_F(Values, FullNames_BoxAsTheirShortOnes) {
   EXPECT_STREQ(vorn_type_name(Handle(boxFloatingLikeLocal("vorn.Float", 1))), "vorn.Float");
 }
 
-TEST_F(Values, FloatingBoxes_KeepTheDouble) {
-  for (const double value : {0.0, -0.0, 0.1, 1e308, std::numeric_limits<double>::infinity()}) {
-    for (const char* type : {"Float", "Double"}) {
-      const Handle box = boxFloatingLikeLocal(type, value);
-      EXPECT_EQ(vorn_type_name(box), std::string("vorn.") + type);
-      EXPECT_EQ(std::bit_cast<std::uint64_t>(Vorn_getField_double(box, "_value")), std::bit_cast<std::uint64_t>(value));
+TEST_F(Values, FloatingBoxes_KeepADoubleWholeAndAFloatInSinglePrecision) {
+  for (const double value : {0.0, -0.0, 0.1, 1e308, 1e-320, std::numeric_limits<double>::infinity()}) {
+    for (const bool isFloat : {false, true}) {
+      const char* const type = isFloat ? "Float" : "Double";
+      const double kept = isFloat ? static_cast<float>(value) : value;
+      for (const Handle& box : {Handle(boxFloatingLikeLocal(type, value)), Handle(vorn_box_floating(type, value))}) {
+        EXPECT_EQ(vorn_type_name(box), std::string("vorn.") + type);
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(Vorn_getField_double(box, "_value")),
+                  std::bit_cast<std::uint64_t>(kept));
+      }
     }
   }
   for (const char* type : {"", "Int", "app.Float"}) {
