@@ -6,8 +6,10 @@
 namespace vorn::runtime {
 
 void raiseError(const char* className, const char* message) {
-  PendingErrors& errors = attachedThread().errors;
+  ThreadState& thread = attachedThread();
+  PendingErrors& errors = thread.errors;
   errors.push_back({className != nullptr ? className : "", message != nullptr ? message : ""});
+  ++thread.errorsRaised;
   if (errors.size() == 1) Vorn_threadsWithPendingErrors.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -43,3 +45,8 @@ constinit std::atomic<std::uint32_t> Vorn_threadsWithPendingErrors = 0;
 void Vorn_raise(const char* exceptionClass, const char* message) { vorn::runtime::raiseError(exceptionClass, message); }
 
 int Vorn_hasPendingError() { return vorn::runtime::hasPendingErrors() ? 1 : 0; }
+
+unsigned long long Vorn_raisedErrorCount() {
+  const vorn::runtime::ThreadState* thread = vorn::runtime::currentThread;
+  return thread != nullptr ? thread->errorsRaised : 0;
+}

@@ -1,20 +1,11 @@
 // What every call of a user class's hook has in common.
 #pragma once
 
-#include <vorn/runtime.h>
-
-#include <cstddef>
+#include "collections/core/pending_error_watch.h"
 
 namespace vorn::runtime {
 
-// Tells whether a hook raised. Errors that were pending before it was called do not count, and one more may be raised
-// on top of them, so that their number is compared.
-class HookErrors {
- public:
-  [[nodiscard]] bool raised() const { return vorn_error_count() > before_; }
-
- private:
-  std::size_t before_ = vorn_error_count();
-};
+// Tells whether a hook raised.
+using HookErrors = collections::PendingErrorWatch;
 
 }  // namespace vorn::runtime

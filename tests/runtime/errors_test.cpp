@@ -2,6 +2,7 @@
 #include <string>
 #include <thread>
 
+#include "collections/core/pending_error_watch.h"
 #include "runtime/errors/pending_errors.h"
 #include "tests/runtime/heap_probe.h"
 
@@ -33,6 +34,44 @@ TEST_F(ErrorsTest, Raise_ListsErrorsOldestFirst) {
   EXPECT_EQ(vorn_error_message(SIZE_MAX), nullptr);
   EXPECT_EQ(takeErrors(), (std::vector<std::string>{"TypeError: first", "IndexException: second", "Exception: third"}));
   EXPECT_EQ(Vorn_hasPendingError(), 0);
+}
+
+TEST_F(ErrorsTest, RaisedErrors_AreCountedForGood) {
+  const unsigned long long before = Vorn_raisedErrorCount();
+  Vorn_raise("A", "first");
+  Vorn_raise("B", "second");
+  vorn_errors_clear();
+  EXPECT_EQ(Vorn_raisedErrorCount(), before + 2);
+  std::thread([] {
+    const unsigned long long own = Vorn_raisedErrorCount();
+    Vorn_raise("C", "elsewhere");
+    EXPECT_EQ(Vorn_raisedErrorCount(), own + 1);
+    vorn_errors_clear();
+  }).join();
+  EXPECT_EQ(Vorn_raisedErrorCount(), before + 2) << "each thread counts its own";
+}
+
+TEST_F(ErrorsTest, AWatch_SeesNewErrorsOnlyAndOnTopOfOlderOnes) {
+  for (const bool olderPending : {false, true}) {
+    SCOPED_TRACE(olderPending);
+    if (olderPending) Vorn_raise("Exception", "older");
+    const collections::PendingErrorWatch watch;
+    EXPECT_FALSE(watch.raised());
+    Vorn_raise("Exception", "new");
+    EXPECT_TRUE(watch.raised());
+    EXPECT_FALSE(collections::PendingErrorWatch().raised());
+    vorn_errors_clear();
+    EXPECT_FALSE(watch.raised()) << "it has been handled";
+  }
+}
+
+TEST_F(ErrorsTest, AWatch_SeesANewErrorThatTakesTheOlderOnesPlace) {
+  Vorn_raise("Exception", "older");
+  const collections::PendingErrorWatch watch;
+  vorn_errors_clear();
+  Vorn_raise("Exception", "new");
+  EXPECT_TRUE(watch.raised());
+  vorn_errors_clear();
 }
 
 TEST_F(ErrorsTest, Raise_CopiesBothTexts) {
