@@ -21,6 +21,10 @@ const RegisteredObject* registeredInteger(void* handle) {
   return record != nullptr && record->kind() == ObjectKind::IntegerBox ? record : nullptr;
 }
 
+bool isStringObject(const void* handle) {
+  return objectHeaderAt(handle) == objectHeaderFor(handle, ObjectKind::String);
+}
+
 bool isFloatLikeObject(void* handle) {
   return isObjectPointer(handle) && isFloatLikeListType(Vorn_objectTypeName(handle));
 }
@@ -156,6 +160,9 @@ bool listValuesEqual(void* left, void* right) {
 
 int compareListValues(void* left, void* right) {
   if (left == right) return 0;
+  // Strings are no numbers and bear no name of one, so that only their texts are left to ask for. Asking at once, and
+  // once, makes sorting them several times faster.
+  if (isStringObject(left) && isStringObject(right)) return signOf(compareStringObjects(left, right));
   NativeNumericValue leftNumber{};
   NativeNumericValue rightNumber{};
   if (tryReadNativeNumericValue(left, leftNumber) && tryReadNativeNumericValue(right, rightNumber)) {

@@ -34,6 +34,10 @@ void Vorn_raise(const char* exceptionClass, const char* message);
 // Nonzero while an error raised on this thread has not been handled.
 int Vorn_hasPendingError();
 
+// How many errors this thread has raised so far, handled ones included. It only grows, so that code which ran user code
+// can tell a new error from one that was pending before.
+unsigned long long Vorn_raisedErrorCount();
+
 // How many threads have a pending error: lets hasPendingError, below, answer no without a call.
 extern std::atomic<std::uint32_t> Vorn_threadsWithPendingErrors;
 }
@@ -226,6 +230,10 @@ extern "C" int Vorn_deepEquals(void* left, void* right);
 // True when both objects could be compared as collections (or by the runtime's own content rule); `equal` then tells
 // the result. May run user code, raise and allocate.
 bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal);
+
+// Negative, zero or positive: the order of two String objects, all at once what the two questions here ask for. Runs
+// no user code and does not allocate.
+int compareStringObjects(void* left, void* right);
 
 // True when the two objects could be ordered; `less` then tells whether left comes first. May run user code, raise and
 // allocate.

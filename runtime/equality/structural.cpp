@@ -51,6 +51,14 @@ bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal) {
   return verdict != Verdict::Incomparable && verdict != Verdict::Raised;
 }
 
+int compareStringObjects(void* left, void* right) {
+  const auto textOf = [](void* string) {
+    const auto* object = static_cast<const vorn::runtime::StringObject*>(string);
+    return std::string_view(object->text, object->length);
+  };
+  return textOf(left).compare(textOf(right));
+}
+
 bool Vorn_collectionObjectsLess(void* left, void* right, bool& less) {
   less = false;
   if (!areSequences(left, right) && !areOrderedByContent(left, right)) return false;
