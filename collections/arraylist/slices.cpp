@@ -77,11 +77,7 @@ void replaceRange(void* list, const SliceExpression& expression, const vc::Handl
 
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  // The room first: without memory the list keeps its storage.
-  if (!data.linked) data.objects.reserve(elements->size());
-  const bool wasPrimitive = data.primitiveKind != PrimitiveKind::None;
-  if (wasPrimitive) clearListStorage(data);
-  data.objectAssign(*elements);
+  replaceWithObjects(data, *elements);
 }
 
 std::uint64_t lockedSize(void* list) { return static_cast<std::uint64_t>(vorn_collections_ArrayList_size(list)); }

@@ -1,5 +1,6 @@
 #include "collections/core/list_data.h"
 
+#include <atomic>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -23,6 +24,17 @@ void emptyObjectStorage(ListData& list) {
   }
 }
 
+// Ends primitive storage once the object storage has taken its place. A size read without the lock asks for the kind,
+// then the size that it selects, then the kind again: as long as the kind leaves before the old size does, it never
+// takes the one for the other.
+void endPrimitiveStorage(ListData& list) {
+  std::atomic_ref(list.primitiveKind).store(ListData::PrimitiveKind::None, std::memory_order_release);
+  std::atomic_ref(list.primitive.size).store(0, std::memory_order_release);
+  list.i64Mirror.size = 0;
+  list.f64Mirror.size = 0;
+  list.primitiveType = {};
+}
+
 }  // namespace
 
 void ListData::objectPushBack(void* handle) {
@@ -42,14 +54,7 @@ void ListData::objectErase(std::uint64_t index) {
 }
 
 void ListData::objectAssign(const HandleVector::Storage& values) {
-  if (!linked) {
-    // Room first: when there is none, the old contents stay.
-    objects.reserve(values.size());
-    objects.clear();
-    if (!values.empty()) std::memcpy(objects.data, values.data(), values.size() * sizeof(void*));
-    objects.size = values.size();
-    return;
-  }
+  if (!linked) return objects.assign(values.data(), values.size());
   // Missing nodes are linked before any handle is overwritten, so that running out of memory changes no element; the
   // nodes added so far are taken back.
   const std::uint64_t before = linkedObjects.count;
@@ -109,12 +114,12 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
     list.objectPushBack(box.get());
   }
   unwind.done = true;
+  endPrimitiveStorage(list);
+}
 
-  list.primitive.size = 0;
-  list.i64Mirror.size = 0;
-  list.f64Mirror.size = 0;
-  list.primitiveKind = ListData::PrimitiveKind::None;
-  list.primitiveType = {};
+void replaceWithObjects(ListData& list, const HandleVector::Storage& values) {
+  list.objectAssign(values);
+  if (list.primitiveKind != ListData::PrimitiveKind::None) endPrimitiveStorage(list);
 }
 
 void copyPrimitiveListStorage(const ListData& source, ListData& target) {
@@ -134,10 +139,6 @@ void copyPrimitiveListStorage(const ListData& source, ListData& target) {
 }
 
 void clearListStorage(ListData& list) {
-  list.primitiveKind = ListData::PrimitiveKind::None;
-  list.primitive.size = 0;
-  list.i64Mirror.size = 0;
-  list.f64Mirror.size = 0;
-  list.primitiveType = {};
+  endPrimitiveStorage(list);
   emptyObjectStorage(list);
 }

@@ -10,6 +10,8 @@
 //   - primitiveType is null while the kind is 0;
 //   - the storages that are not live are empty, and object slots past the size are null;
 //   - the mirrors are derived copies, empty unless the data-buffer protocol filled them.
+// One native reads sizes without the lock (sizeFast), so whoever moves elements from one storage to another fills the
+// new one first, then changes primitiveKind, then empties the old one, and sets a size once, to its final value.
 // The record belongs to its object and lives inside the object's block. Heap blocks and nodes come from the collector
 // (primitive elements from pointer-free memory) and are never freed. Only natives lock; nothing in this file does.
 #pragma once
@@ -94,6 +96,10 @@ void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind);
 // besides clearing. elementType stays. `room` reserves that many object slots more, so that a store that follows cannot
 // fail. Allocates; on an exception the list is as it was.
 void materializePrimitiveList(ListData& list, std::uint64_t room = 0);
+
+// Replaces all contents, in whatever storage, by the given handles in object storage. The caller keeps them rooted.
+// Allocates; on an exception the list is as it was.
+void replaceWithObjects(ListData& list, const vorn::collections::HandleVector::Storage& values);
 
 // Gives the target the same primitive storage as the source. Allocates.
 void copyPrimitiveListStorage(const ListData& source, ListData& target);

@@ -36,6 +36,11 @@ std::string validateObjects(const ListData& list) {
   for (std::uint64_t i = objects.size; i < objects.capacity; ++i) {
     if (objects.data[i] != nullptr) return "an object slot past the size is not null";
   }
+  if (objects.data != objects.inlineSlots) {
+    for (const void* slot : objects.inlineSlots) {
+      if (slot != nullptr) return "an inline object slot is not null although a block has taken its place";
+    }
+  }
   if (list.linked && objects.size != 0) return "a linked list holds objects in its vector";
   return {};
 }

@@ -69,6 +69,8 @@ void SmallObjectVector::grow(std::uint64_t n) {
   std::memcpy(block, data, size * sizeof(void*));
   // The collector may hand out blocks that are not zeroed, and the slack must never show it a stale handle.
   std::memset(block + size, 0, (grown - size) * sizeof(void*));
+  // The inline slots are never used again, but they stay inside the record, where the collector sees them.
+  if (data == inlineSlots) std::memset(inlineSlots, 0, sizeof(inlineSlots));
   data = block;
   capacity = grown;
 }
@@ -76,6 +78,13 @@ void SmallObjectVector::grow(std::uint64_t n) {
 void SmallObjectVector::clear() {
   std::memset(data, 0, size * sizeof(void*));
   size = 0;
+}
+
+void SmallObjectVector::assign(void* const* handles, std::uint64_t n) {
+  reserve(n);
+  if (n != 0) std::memcpy(data, handles, n * sizeof(void*));
+  if (n < size) std::memset(data + n, 0, (size - n) * sizeof(void*));
+  size = n;
 }
 
 void SmallObjectVector::insertAt(std::uint64_t index, void* handle) { insertAllAt(index, &handle, 1); }

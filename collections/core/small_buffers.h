@@ -46,8 +46,8 @@ struct SmallPrimitiveBuffer {
   void grow(std::uint64_t n);
 };
 
-// Element handles. Heap blocks come from scanned memory; slots from size to capacity are null, so that the collector
-// never sees a stale handle.
+// Element handles. Heap blocks come from scanned memory; slots from size to capacity are null, and so are the inline
+// slots once a block has taken their place, so that the collector never sees a stale handle.
 struct SmallObjectVector {
   static constexpr std::uint64_t kInlineSlots = 4;
 
@@ -68,6 +68,10 @@ struct SmallObjectVector {
 
   // Nulls the used slots and makes the vector empty.
   void clear();
+
+  // Replaces the contents by n handles, which must not be this vector's own. Throws as reserve does, with nothing
+  // changed. Allocates when there is no room.
+  void assign(void* const* handles, std::uint64_t n);
 
   // Appends one handle. Allocates when full.
   void pushBack(void* handle) {

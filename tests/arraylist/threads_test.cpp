@@ -117,6 +117,37 @@ TEST_F(Threads, ReplacementsAndClear_LeaveAWholeList) {
   }
 }
 
+TEST_F(Threads, SizeFast_NeverGivesASizeThatTheListDidNotHave) {
+  // The owner moves the elements between storages; the list always has 20 of them, or 21 after the slice assignment.
+  const Handle word = string("word");
+  const Handle three = list("ArrayList", {word, word, word});
+  const int rounds = onStressHeap() ? 30 : 3000;
+  std::atomic<void*> current = nullptr;
+  std::atomic<int> round = 0;
+  std::atomic<long long> wrong = 0;
+  std::thread reader([&] {
+    vorn_thread_attach();
+    while (round.load() < rounds) {
+      void* target = current.load();
+      if (target == nullptr) continue;
+      const long long size = vorn_collections_ArrayList_sizeFast(target);
+      if (size != 20 && size != 21) wrong.store(size != 0 ? size : -1);
+    }
+  });
+  Handle kept[2];  // the reader may still look at the list before the last
+  for (; round.load() < rounds; ++round) {
+    Handle& target = kept[round.load() % 2];
+    Handle fresh = object("ArrayListSync");
+    for (int i = 0; i < 20; ++i) vorn_collections_ArrayList_addInt(fresh, i);
+    current.store(fresh.get());
+    target = fresh;
+    if (round.load() % 2 == 0) vorn_collections_ArrayList_operator_in(target, word);
+    vorn_collections_ArrayList_sliceAssign(target, 0, 2, 1, word, word, three);
+  }
+  reader.join();
+  EXPECT_EQ(wrong.load(), 0);
+}
+
 TEST_F(Threads, PendingErrors_BelongToTheThreadThatCausedThem) {
   const Handle target = list("ArrayListSync<Int>", {integer("Int", 1)});
   std::vector<std::string> errors;

@@ -56,6 +56,11 @@ TEST_F(ListValidation, ElementSizeOtherThanTheKindsWidth) {
   }
 }
 
+TEST_F(ListValidation, HandleLeftInTheInlineSlots) {
+  Handle list = objectList("ArrayList", 5);
+  expectBroken<void*>(record(list), record(list).objects.inlineSlots[2], list.get(), "an inline slot after growth");
+}
+
 TEST_F(ListValidation, PrimitiveTypeWithoutPrimitiveKind) {
   Handle list = object("ArrayList");
   expectBroken(record(list), record(list).primitiveType, internRuntimeTypeName("Int"), "type without kind");

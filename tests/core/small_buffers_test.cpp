@@ -371,5 +371,30 @@ TEST_F(SmallBuffers, Mirrors_StartEmptyWithTheirInlineCapacity) {
   EXPECT_EQ(floats.capacity, 8u);
 }
 
+TEST_F(SmallBuffers, Objects_GrowthLeavesNoHandleInTheInlineSlots) {
+  Rooted<SmallObjectVector> vector;
+  const Handle word = string("word");
+  for (int i = 0; i < 4; ++i) vector->pushBack(word);
+  EXPECT_EQ(vector->inlineSlots[3], word.get());
+  vector->pushBack(word);
+  for (const void* slot : vector->inlineSlots) EXPECT_EQ(slot, nullptr);
+  for (std::uint64_t i = 0; i < 5; ++i) EXPECT_EQ(vector->data[i], word.get());
+}
+
+TEST_F(SmallBuffers, Objects_AssignReplacesAllAndNullsTheRest) {
+  Rooted<SmallObjectVector> vector;
+  const Handle one = string("one");
+  const Handle two = string("two");
+  for (int i = 0; i < 7; ++i) vector->pushBack(one);
+  void* const two_[] = {two.get(), two.get()};
+  vector->assign(two_, 2);
+  EXPECT_EQ(vector->size, 2U);
+  EXPECT_EQ(vector->data[1], two.get());
+  for (std::uint64_t i = 2; i < vector->capacity; ++i) EXPECT_EQ(vector->data[i], nullptr);
+  vector->assign(nullptr, 0);
+  EXPECT_EQ(vector->size, 0U);
+  EXPECT_EQ(vector->data[0], nullptr);
+}
+
 }  // namespace
 }  // namespace vorn::tests
