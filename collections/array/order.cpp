@@ -16,16 +16,19 @@ using vc::primitiveKindOf;
 
 namespace {
 
-// Sorts a copy, because user ordering may write to the array meanwhile, and puts back as much as it then has room for.
-void sortObjectSlots(SmallObjectVector& objects) {
+// Sorts a copy, because user ordering may write to the array meanwhile, and puts back as much as it then has room for;
+// nothing when the array was constructed anew with elements of another type, which need not take these.
+void sortObjectSlots(ArrayData& array) {
+  const RuntimeTypeName elementType = array.elementType;
   vc::HandleVector handles;
-  handles->assign(objects.data, objects.data + objects.size);
+  handles->assign(array.objects.data, array.objects.data + array.objects.size);
   vc::sortHandlesThroughErrors(handles->data(), handles->size());
-  std::copy_n(handles->data(), std::min<std::uint64_t>(handles->size(), objects.size), objects.data);
+  if (array.slotKind != ArraySlotKind::Object || array.elementType != elementType) return;
+  std::copy_n(handles->data(), std::min<std::uint64_t>(handles->size(), array.objects.size), array.objects.data);
 }
 
 void sortSlots(ArrayData& array) {
-  if (array.slotKind == ArraySlotKind::Object) return sortObjectSlots(array.objects);
+  if (array.slotKind == ArraySlotKind::Object) return sortObjectSlots(array);
   vc::sortElements(primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size);
 }
 

@@ -62,11 +62,14 @@ bool sortManyNumbers(SmallObjectVector& objects) {
   return true;
 }
 
-// Sorts a copy, because user code may change the list meanwhile, and puts back as much as the list then has room for.
+// Sorts a copy, because user code may change the list meanwhile, and puts back as much as the list then has room for;
+// nothing when the list was declared anew with another element type, which need not take these elements.
 void sortByElementOrder(ListData& list) {
+  const RuntimeTypeName elementType = list.elementType;
   HandleVector handles;
   list.copyObjectsTo(*handles);
   if (!sortHandles(handles->data(), handles->size())) return;
+  if (list.primitiveKind != PrimitiveKind::None || list.elementType != elementType) return;
   ObjectCursor cursor(list);
   const std::uint64_t count = std::min<std::uint64_t>(handles->size(), list.objectCount());
   for (std::uint64_t i = 0; i < count; ++i) cursor.replace(i, (*handles)[i]);

@@ -235,6 +235,33 @@ TEST_F(ArrayOrder, Sort_AnOrderingThatChangesTheArray_NeverLeavesItsBounds) {
   }
 }
 
+TEST_F(ArrayOrder, Sort_AnOrderingThatConstructsTheArrayAnew_PutsNoForeignElementsBack) {
+  const Handle typed = rankedArray("Array<app.Ranked>", {10, 20, 30});
+  for (const bool synchronised : {false, true}) {
+    const Handle array = arrayOf(arrayType("", synchronised), {ranked(2), ranked(1), object("ArrayList")});
+    bool constructed = false;
+    const ScopedOrdering ordering([&](void* self, void* other) {
+      if (!constructed) vorn_collections_Array_copyCtor(array, typed);
+      constructed = true;
+      return idOf(self) < idOf(other) ? -1 : idOf(self) > idOf(other) ? 1 : 0;
+    });
+    vorn_collections_Array_sort(array);
+    EXPECT_TRUE(constructed);
+    EXPECT_EQ(idsOf(array), (Integers{10, 20, 30}));
+    EXPECT_ARRAY_AT_REST(array);
+  }
+}
+
+TEST_F(ArrayOrder, Sort_AnArrayThatHoldsItself) {
+  const Handle array = object("ArraySync");
+  vorn_collections_Array_ctor(array, 2);
+  vorn_collections_Array_operator_index_eq(array, 0, array);
+  vorn_collections_Array_operator_index_eq(array, 1, object("ArraySync"));
+  vorn_collections_Array_sort(array);
+  EXPECT_EQ(vorn_collections_Array_indexOf(array, object("ArrayList"), 0), -1);
+  EXPECT_ARRAY_AT_REST(array);
+}
+
 // ---- Reverse --------------------------------------------------------------------------------------------------------
 
 TEST_F(ArrayOrder, Reverse_EveryKind) {
