@@ -52,14 +52,25 @@ Object* newBlock(const RuntimeClass& type) {
   return object;
 }
 
+// Mutexes are recursive: user code that a native runs under its collection's lock, and a collection that holds itself,
+// see the synchronised collection as they would see a plain one, instead of waiting for themselves.
+void initRecursiveMutex(pthread_mutex_t& mutex) {
+  pthread_mutexattr_t attributes;
+  int error = pthread_mutexattr_init(&attributes);
+  if (error == 0) {
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    error = pthread_mutex_init(&mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+  }
+  if (error != 0) throw std::system_error(error, std::generic_category());
+}
+
 // An object of the class, with a mutex when the class is synchronised.
 template <class Object>
 Object* newCollection(const RuntimeClass& type) {
   if (!type.traits.isSynchronised) return newBlock<Object>(type);
   auto* object = newBlock<Synchronised<Object>>(type);
-  if (const int error = pthread_mutex_init(&object->mutex, nullptr); error != 0) {
-    throw std::system_error(error, std::generic_category());
-  }
+  initRecursiveMutex(object->mutex);
   object->record.mutex = &object->mutex;
   object->record.synchronized = true;
   return object;

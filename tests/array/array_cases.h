@@ -119,13 +119,7 @@ void forEachArray(long long size, Check check) {
 
 // ---- Checks ---------------------------------------------------------------------------------------------------------
 
-inline bool isUnlockedArray(void* array) {
-  const ArrayData& data = recordOf(array);
-  if (!data.synchronized) return true;
-  if (pthread_mutex_trylock(data.mutex) != 0) return false;
-  pthread_mutex_unlock(data.mutex);
-  return true;
-}
+inline bool isUnlockedArray(void* array) { return !isRecordLocked(recordOf(array)); }
 
 // What is wrong with the record, or whether it is locked; else nothing.
 inline std::string faultOfArray(void* array) {

@@ -3,6 +3,7 @@
 
 #include "collections/array/array_data.h"
 #include "tests/arraylist/bulk_cases.h"
+#include "tests/support/held_mutex.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
@@ -91,9 +92,7 @@ TEST_F(ArraySources, TheSourceIsUnlockedAfterwards) {
   vorn_collections_ArrayList_addAll(target, source);
   sliceAssign(target, 0, 2, 1, source);
   EXPECT_AT_REST(target);
-  pthread_mutex_t* const mutex = getArrayData(source)->mutex;
-  EXPECT_EQ(pthread_mutex_trylock(mutex), 0);
-  pthread_mutex_unlock(mutex);
+  EXPECT_FALSE(isRecordLocked(*getArrayData(source)));
 }
 
 TEST_F(ArraySources, AllocationFailures_LeaveTheListUnchanged) {

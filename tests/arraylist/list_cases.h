@@ -13,6 +13,7 @@
 
 #include "collections/core/primitive_kinds.h"
 #include "tests/arraylist/user_item.h"
+#include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
@@ -138,13 +139,7 @@ struct Snapshot {
 };
 
 // Whether nobody holds the list's lock. True for an unsynchronised list.
-inline bool isUnlocked(void* list) {
-  const ListData& data = *getListData(list);
-  if (!data.synchronized) return true;
-  if (data.mutex == nullptr || pthread_mutex_trylock(data.mutex) != 0) return false;
-  pthread_mutex_unlock(data.mutex);
-  return true;
-}
+inline bool isUnlocked(void* list) { return !isRecordLocked(*getListData(list)); }
 
 // The list is whole and nobody holds its lock.
 #define EXPECT_AT_REST(list)                      \

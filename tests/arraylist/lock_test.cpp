@@ -155,7 +155,7 @@ TEST_F(Lock, IsHeldWhileUserEqualityRuns) {
     int calls = 0;
     const ScopedEquality equality([&](void* self, void* other) {
       ++calls;
-      EXPECT_EQ(pthread_mutex_trylock(getListData(target)->mutex), EBUSY);
+      EXPECT_TRUE(isRecordLocked(*getListData(target)));
       return idOf(self) == idOf(other);
     });
     EXPECT_EQ(vorn_collections_ArrayList_count(target, wanted), 1);

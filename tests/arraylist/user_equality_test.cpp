@@ -331,6 +331,56 @@ TEST_P(UserEquality, AllocatesAndCollects) {
                                     : (Elements{"Item 1", "Item 2", "Item 3", "Item 4", "Item 5"}));
 }
 
+TEST_P(UserEquality, RaisesOnTopOfAnOlderError_EndsTheSearchAllTheSame) {
+  const Handle target = makeSynchronisedList();
+  const Handle wanted = item(3);
+  const Snapshot before(target);
+  int calls = 0;
+  const ScopedEquality equality([&](void*, void*) {
+    if (++calls == 1) vorn_raise("Exception", "from equality");
+    return true;
+  });
+  vorn_raise("Exception", "older");
+  EXPECT_EQ(search().run(target, wanted), search().neutral);
+  EXPECT_EQ(takeErrors(), (Elements{"Exception: older", "Exception: from equality"}));
+  EXPECT_EQ(calls, 1);
+  EXPECT_UNTOUCHED(target, before);
+}
+
+TEST_P(UserEquality, AnOlderErrorAlone_StopsNothing) {
+  const Handle target = makeSynchronisedList();
+  const Handle wanted = item(3);
+  vorn_raise("Exception", "older");
+  EXPECT_GT(search().run(target, wanted), search().neutral);
+  EXPECT_RAISED("Exception: older");
+}
+
+TEST_P(UserEquality, UsesTheSynchronisedListItIsCalledFrom) {
+  // The lock lets its own thread in again, so that the list behaves as a plain one.
+  const Handle target = makeSynchronisedList();
+  const Handle wanted = item(3);
+  int calls = 0;
+  {
+    const ScopedEquality equality([&](void* self, void* other) {
+      if (++calls == 1) vorn_collections_ArrayList_removeAt(target, -1);
+      return idOf(self) == idOf(other);
+    });
+    EXPECT_GT(search().run(target, wanted), search().neutral);
+  }
+  EXPECT_EQ(vorn_collections_ArrayList_size(target), std::string(search().name) == "remove" ? 3 : 4);
+  EXPECT_AT_REST(target);
+}
+
+TEST_P(UserEquality, AListThatHoldsItself_IsSearchedToTheEnd) {
+  for (const char* type : {"ArrayListSync", "LinkedListSync"}) {
+    const Handle target = object(type);
+    vorn_collections_ArrayList_add(target, target);
+    const Handle wanted = list("ArrayListSync", {string("x")});
+    EXPECT_EQ(search().run(target, wanted), search().neutral) << type;
+    EXPECT_AT_REST(target);
+  }
+}
+
 TEST_P(UserEquality, AnswersAtRandom) {
   std::mt19937 random(7);
   for (int round = 0; round < 10; ++round) {

@@ -53,6 +53,60 @@ TEST_F(Sort, UserOrderingThatRaises_LeavesTheListUnchanged) {
   }
 }
 
+TEST_F(Sort, UserOrderingThatRaisesOnTopOfAnOlderError_LeavesTheListUnchanged) {
+  for (const bool linked : {false, true}) {
+    const Handle target = rankedList(className(linked, true), {8, 3, 7, 1, 6, 2, 5, 4});
+    const Snapshot before(target);
+    int calls = 0;
+    const ScopedOrdering ordering([&](void* self, void* other) {
+      if (++calls == 3) vorn_raise("Exception", "from ordering");
+      return idOf(self) < idOf(other) ? -1 : 1;
+    });
+    vorn_raise("Exception", "older");
+    vorn_collections_ArrayList_sort(target);
+    EXPECT_EQ(takeErrors(), (Elements{"Exception: older", "Exception: from ordering"}));
+    EXPECT_UNTOUCHED(target, before);
+  }
+}
+
+TEST_F(Sort, AnOlderErrorAlone_StopsNothing) {
+  const Handle target = rankedList("ArrayList", {3, 1, 2});
+  vorn_raise("Exception", "older");
+  vorn_collections_ArrayList_sort(target);
+  EXPECT_RAISED("Exception: older");
+  EXPECT_EQ(elementsOf(target), (Elements{"Ranked 1", "Ranked 2", "Ranked 3"}));
+}
+
+TEST_F(Sort, UserOrderingThatDeclaresTheListAnew_PutsNoForeignElementsBack) {
+  for (const bool linked : {false, true}) {
+    const Handle target = rankedList(className(linked, true), {8, 3, 7, 1, 6, 2, 5, 4});
+    int calls = 0;
+    const ScopedOrdering ordering([&](void* self, void* other) {
+      if (++calls == 4) {
+        vorn_collections_ArrayList_prepareIntData(target, 8);
+        for (int i = 0; i < 8; ++i) vorn_collections_ArrayList_add(target, integer("Int", i));
+      }
+      return idOf(self) < idOf(other) ? -1 : 1;
+    });
+    vorn_collections_ArrayList_sort(target);
+    EXPECT_GE(calls, 4);
+    EXPECT_EQ(elementsOf(target), (Elements{"Int 0", "Int 1", "Int 2", "Int 3", "Int 4", "Int 5", "Int 6", "Int 7"}));
+    EXPECT_AT_REST(target);
+  }
+}
+
+TEST_F(Sort, AListThatHoldsItself_IsSorted) {
+  for (const char* type : {"ArrayListSync", "LinkedListSync"}) {
+    const Handle target = object(type);
+    const Handle other = list("ArrayListSync", {string("x")});
+    vorn_collections_ArrayList_add(target, target);
+    vorn_collections_ArrayList_add(target, other);
+    vorn_collections_ArrayList_sort(target);
+    EXPECT_EQ(vorn_collections_ArrayList_size(target), 2) << type;
+    EXPECT_AT_REST(target);
+  }
+}
+
 TEST_F(Sort, UserOrderingThatClearsTheList_LeavesAValidRecord) {
   for (const bool linked : {false, true}) {
     for (const int clearingCall : {1, 4, 9}) {

@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "tests/core/core_test_support.h"
+#include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
@@ -159,12 +160,9 @@ TEST_F(RecordLockTest, RealSynchronisedListsLockTheirOwnMutex) {
     ASSERT_NE(record(list).mutex, nullptr);
     {
       const ListDataLock lock(record(list));
-      std::thread([&] { EXPECT_EQ(pthread_mutex_trylock(record(list).mutex), EBUSY); }).join();
+      EXPECT_TRUE(isRecordLocked(record(list)));
     }
-    std::thread([&] {
-      EXPECT_EQ(pthread_mutex_trylock(record(list).mutex), 0);
-      EXPECT_EQ(pthread_mutex_unlock(record(list).mutex), 0);
-    }).join();
+    EXPECT_FALSE(isRecordLocked(record(list)));
   }
 }
 

@@ -19,6 +19,7 @@
 #include "collections/keyed/keyed_validation.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
+#include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
 #include "tests/support/sequences.h"
 
@@ -142,10 +143,7 @@ inline pthread_mutex_t** mutexOf(const Kind& kind, void* collection) {
 // Whether anybody holds the lock of a synchronised collection.
 inline bool isLocked(const Kind& kind, void* collection) {
   if (!kind.synchronised) return false;
-  pthread_mutex_t* mutex = *mutexOf(kind, collection);
-  if (pthread_mutex_trylock(mutex) != 0) return true;
-  pthread_mutex_unlock(mutex);
-  return false;
+  return isLocked(*mutexOf(kind, collection));
 }
 
 // What is wrong with the collection's record, its lock or the marks of running displays, or the empty string.

@@ -2,6 +2,7 @@
 #include <system_error>
 
 #include "tests/immutable/sequence_cases.h"
+#include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
@@ -103,8 +104,7 @@ TEST_F(TupleNatives, Ctor_LocksThePackedListWhileItIsCopiedOnly) {
     }
     EXPECT_EQ(itemsOf(tuple), Elements{"Int 7"});
     vorn_collections_Tuple_ctor(tuple, packed);
-    EXPECT_EQ(pthread_mutex_trylock(getListData(packed)->mutex), 0);
-    pthread_mutex_unlock(getListData(packed)->mutex);
+    EXPECT_FALSE(isRecordLocked(*getListData(packed)));
   }
 }
 
@@ -120,8 +120,7 @@ TEST_F(TupleNatives, Ctor_WithoutMemory_TheSizeStays) {
     const int failures = sweepAllocationFailures([&] { vorn_collections_Tuple_ctor(tuple, packed); },
                                                  [&] {
                                                    EXPECT_EQ(vorn_collections_Tuple_size(tuple), 0);
-                                                   EXPECT_EQ(pthread_mutex_trylock(getListData(packed)->mutex), 0);
-                                                   pthread_mutex_unlock(getListData(packed)->mutex);
+                                                   EXPECT_FALSE(isRecordLocked(*getListData(packed)));
                                                  });
     EXPECT_GE(failures, 1);
     EXPECT_EQ(itemsOf(tuple), elementsOf(packed));

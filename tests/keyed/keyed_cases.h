@@ -14,6 +14,7 @@
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
@@ -27,24 +28,16 @@ inline long long sizeField(void* handle) {
   return size;
 }
 
-template <class Record>
-bool unlocked(const Record& record) {
-  if (!record.synchronized) return true;
-  if (pthread_mutex_trylock(record.mutex) != 0) return false;
-  pthread_mutex_unlock(record.mutex);
-  return true;
-}
-
 // Whether the record is whole and unlocked, and the "size" field tells the number of entries; else what is wrong.
 inline std::string faultOfMap(void* map) {
   const MapData& data = *getMapData(map);
-  if (!unlocked(data)) return "the map is locked";
+  if (isRecordLocked(data)) return "the map is locked";
   if (sizeField(map) != static_cast<long long>(data.count())) return "the size field is not the number of entries";
   return collections::validateMapData(data);
 }
 inline std::string faultOfSet(void* set) {
   const SetData& data = *getSetData(set);
-  if (!unlocked(data)) return "the set is locked";
+  if (isRecordLocked(data)) return "the set is locked";
   if (sizeField(set) != static_cast<long long>(data.count())) return "the size field is not the number of elements";
   return collections::validateSetData(data);
 }

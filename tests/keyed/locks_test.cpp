@@ -157,17 +157,17 @@ TEST_F(Locks, KeysAreMadeBeforeTheLock_AndComparedUnderIt) {
     int comparisons = 0;
     keyHooks.hash = [&](void*) {
       ++hashes;
-      EXPECT_TRUE(unlocked(data));
+      EXPECT_FALSE(isRecordLocked(data));
       return std::uint64_t{1};
     };
     keyHooks.equals = [&](void*, void*) {
       ++comparisons;
-      EXPECT_FALSE(unlocked(data));
+      EXPECT_TRUE(isRecordLocked(data));
       return false;
     };
     keyHooks.compare = [&](void*, void*, bool*) {
       ++comparisons;
-      EXPECT_FALSE(unlocked(data));
+      EXPECT_TRUE(isRecordLocked(data));
       return 1;
     };
     vorn_collections_Map_put(map, userKey(2), nullptr);
@@ -194,7 +194,7 @@ TEST_F(Locks, MapListings_FillTheirResultWithoutTheLock) {
       {
         const Before before(onListAdd, [&] {
           ++additions;
-          ASSERT_TRUE(unlocked(*getMapData(map)));
+          ASSERT_FALSE(isRecordLocked(*getMapData(map)));
           vorn_collections_Map_put(map, key, key);
           EXPECT_TRUE(vorn_collections_Map_remove(map, number(0)) == (additions == 1));
         });
@@ -214,7 +214,7 @@ TEST_F(Locks, SetItems_FillTheirResultUnderTheLock) {
   {
     const Before before(onListAdd, [&] {
       ++additions;
-      EXPECT_FALSE(unlocked(*getSetData(set)));
+      EXPECT_TRUE(isRecordLocked(*getSetData(set)));
     });
     vorn_collections_HashSet_items(set);
   }
@@ -229,8 +229,8 @@ TEST_F(Locks, ErrorsAreRaisedUnlocked) {
   {
     const Before before(onRaise, [&] {
       ++raised;
-      EXPECT_TRUE(unlocked(*getSetData(set)));
-      EXPECT_TRUE(unlocked(*getMapData(map)));
+      EXPECT_FALSE(isRecordLocked(*getSetData(set)));
+      EXPECT_FALSE(isRecordLocked(*getMapData(map)));
     });
     vorn_collections_HashSet_operator_index(set, 3);
     vorn_collections_Map_operator_index(map, number(9));

@@ -5,6 +5,7 @@
 
 #include "collections/keyed/map_data.h"
 #include "tests/runtime/key_support.h"
+#include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
@@ -358,8 +359,7 @@ TEST_F(Keys, SynchronisedLists_AreLockedOnlyWhileTheyAreRead) {
   getListData(list)->synchronized = true;
   int tries = 0;
   hookFunctions.hash = [&](void* self) {
-    EXPECT_EQ(pthread_mutex_trylock(getListData(list)->mutex), 0);
-    pthread_mutex_unlock(getListData(list)->mutex);
+    EXPECT_FALSE(isRecordLocked(*getListData(list)));
     ++tries;
     return static_cast<std::uint64_t>(keyOf(self));
   };

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "tests/runtime/hooked_objects.h"
+#include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
@@ -157,9 +158,8 @@ TEST_F(Objects, NewList_OwnsAMutexOfItsOwn) {
   const Handle first = object("ArrayListSync");
   const Handle second = object("ArrayListSync");
   const vorn::collections::RecordLock<ListData> lock(*getListData(first));
-  EXPECT_EQ(pthread_mutex_trylock(getListData(first)->mutex), EBUSY);
-  EXPECT_EQ(pthread_mutex_trylock(getListData(second)->mutex), 0);
-  pthread_mutex_unlock(getListData(second)->mutex);
+  EXPECT_TRUE(isRecordLocked(*getListData(first)));
+  EXPECT_FALSE(isRecordLocked(*getListData(second)));
 }
 
 TEST_F(Objects, ListMadeFast_IsAnUntypedListOfTheAskedClass) {
