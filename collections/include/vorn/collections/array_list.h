@@ -6,6 +6,8 @@
  * changed nothing. Memory exhaustion and a failing mutex leave a native as C++ exceptions, also with nothing changed.
  *
  * Unless stated otherwise a native locks a synchronised list for its whole body and does nothing for a null list.
+ * Comparisons and texts of elements may lock synchronised elements meanwhile: docs/gc-and-locks.md says when two threads
+ * can wait for each other.
  *
  * "Checked index": a negative index counts from the end; the result must be at least 0 and below the size, else
  * IndexException "Index out of bounds".
@@ -283,8 +285,8 @@ VORN_NATIVE double vorn_collections_ArrayList_sumF64Fast(void* list);
 VORN_NATIVE void* vorn_collections_ArrayList_toString(void* list);
 
 /* The language texts of the elements (texts as they are), with the separator between neighbours, as a new String; a
- * null separator is empty, a null element "null", null lists give "". A toString that joins or changes the same
- * synchronised list waits for ever: the lock is held throughout. Runs user code, allocates. */
+ * null separator is empty, a null element "null", null lists give "". The lock is held throughout. Runs user code,
+ * allocates. */
 VORN_NATIVE void* vorn_collections_ArrayList_join(void* list, const char* separator);
 
 #endif

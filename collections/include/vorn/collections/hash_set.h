@@ -45,8 +45,7 @@ VORN_NATIVE long long vorn_collections_HashSet_size(void* set);
 
 /* The display as a new String: the elements in iteration order by their language texts (Strings are not quoted, bare
  * texts are), separated by ", ", between "{", or "s:{" for a synchronised set, and "}"; "{}" for null, and "{...}"
- * where the set contains itself. The lock is held throughout: a toString that uses the same synchronised set waits for
- * ever. Runs user code, allocates. */
+ * where the set contains itself. The lock is held throughout. Runs user code, allocates. */
 VORN_NATIVE void* vorn_collections_HashSet_toString(void* set);
 
 #endif
