@@ -173,6 +173,54 @@ void registerKind(const char* typeName, std::vector<ComparisonTable::Row>& rows)
   registerCase<Element>(typeName, {", 16 values", Pattern::SixteenValues, 1'000'000}, rows);
 }
 
+// ---- Texts
+// -----------------------------------------------------------------------------------------------------------
+
+// Random texts with a common start, as keys often are; too long for the C++ library to keep inside its strings.
+std::vector<std::string> textsOf(std::size_t length) {
+  std::mt19937_64 random(length);
+  std::vector<std::string> texts(length);
+  for (std::string& text : texts) text = "a-key-" + std::to_string(random());
+  return texts;
+}
+
+void sortStringObjects(benchmark::State& state, std::size_t length) {
+  natives::Rooted unsorted;
+  natives::Rooted list;
+  unsorted = vorn_object_new("ArrayList");
+  list = vorn_object_new("ArrayList");
+  for (const std::string& text : textsOf(length)) {
+    vorn_collections_ArrayList_add(unsorted, vorn_string_new(text.data(), text.size()));
+  }
+  const auto restore = [&] {
+    vorn_collections_ArrayList_clear(list);
+    vorn_collections_ArrayList_addAll(list, unsorted);
+  };
+  measure<void*>(state, length, 1, restore, [&](std::size_t) { vorn_collections_ArrayList_sort(list); });
+  natives::requireSize(list, static_cast<std::int64_t>(length));
+}
+
+void sortStdStrings(benchmark::State& state, std::size_t length) {
+  const std::vector<std::string> unsorted = textsOf(length);
+  std::vector<std::string> texts;
+  measure<std::string>(
+      state, length, 1, [&] { texts = unsorted; }, [&](std::size_t) { std::sort(texts.begin(), texts.end()); });
+}
+
+void registerTexts(std::vector<ComparisonTable::Row>& rows) {
+  for (const std::int64_t length : {1'000, 200'000}) {
+    const auto add = [&](const char* library, auto sort) {
+      const std::string name = "sort String/" + std::string(library) + "/" + std::to_string(length);
+      benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+        sort(state, static_cast<std::size_t>(length));
+      })->MeasureProcessCPUTime();
+    };
+    add("vorn", sortStringObjects);
+    add("C++", sortStdStrings);
+    rows.push_back({"sort String", length, 0});
+  }
+}
+
 }  // namespace
 
 void registerSorts(std::vector<ComparisonTable::Row>& rows) {
@@ -184,6 +232,7 @@ void registerSorts(std::vector<ComparisonTable::Row>& rows) {
   registerKind<std::uint64_t>("ULong", rows);
   registerKind<float>("Float", rows);
   registerKind<double>("Double", rows);
+  registerTexts(rows);
 }
 
 }  // namespace vorn::bench
