@@ -9,8 +9,11 @@
 #include <vorn/collections/map.h>
 #include <vorn/collections/tuple.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -45,6 +48,10 @@ inline constexpr CollectionClass kClasses[] = {
     {"HashMapSync", Kind::Map, true},          {"SortedMap", Kind::Map, false},
     {"SortedMapSync", Kind::Map, true},        {"HashSet", Kind::Set, false},
     {"HashSetSync", Kind::Set, true},          {"Tuple", Kind::Tuple, false}};
+
+inline const CollectionClass& classNamed(std::string_view name) {
+  return *std::find_if(std::begin(kClasses), std::end(kClasses), [&](const auto& type) { return type.name == name; });
+}
 
 // ---- Filling --------------------------------------------------------------------------------------------------------
 

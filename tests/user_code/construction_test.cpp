@@ -68,7 +68,7 @@ TEST_F(TupleConstruction, RootsAreGoneOnEveryPath_FailingAllocationsIncluded) {
                                                  });
     EXPECT_EQ(failures > 0, vorn_collections_ArrayList_size(source) > 0);
     EXPECT_EQ(rootCount(), roots);
-    EXPECT_EQ(contentsOf(kClasses[13], tuple), elementsOfList(source));
+    EXPECT_EQ(contentsOf(classNamed("Tuple"), tuple), elementsOfList(source));
     EXPECT_VALID_LIST(source);
   }
 }
@@ -106,7 +106,7 @@ TEST_F(TupleConstruction, RawValuesAreRootedWhileTheyAreBoxed) {
   }
   EXPECT_EQ(boxes, 5);
   EXPECT_EQ(rootCount(), roots);
-  EXPECT_EQ(contentsOf(kClasses[13], tuple), (Texts{"0", "1", "2", "3", "4"}));
+  EXPECT_EQ(contentsOf(classNamed("Tuple"), tuple), (Texts{"0", "1", "2", "3", "4"}));
 }
 
 // ---- Sorted copies --------------------------------------------------------------------------------------------------
@@ -127,7 +127,7 @@ class SortedCopies : public RuntimeTest {
 
 TEST_F(SortedCopies, ImmutableList_NoObjectToBeHad_IsANullResult) {
   const Handle boxed = object("ImmutableList");
-  fill(kClasses[4], Shape::Direct, boxed, {3, 1, 2});
+  fill(classNamed("ImmutableList"), Shape::Direct, boxed, {3, 1, 2});
   const Handle integers = list("ArrayList<Int>", {integer("Int", 3), integer("Int", 1)});
   const Handle unboxed = object("ImmutableList");
   vorn_collections_ImmutableList_ctor(unboxed, integers);

@@ -44,16 +44,21 @@ inline bool isHostile(void* handle) { return vorn_is_instance(handle, "app.Hosti
 
 inline std::int64_t idOf(void* handle) {
   std::int64_t id = -1;
-  vorn_field_get_integer(handle, "id", &id);
+  if (handle != nullptr) vorn_field_get_integer(handle, "id", &id);
   return id;
 }
 
-// Whether the call is one to be hostile in; what comes first has then run.
+// Whether the call is one to be hostile in; what comes first has then run. Both objects must outlive that, also where
+// the collection held them alone and has been emptied.
 inline bool enter(Hook hook, void* self, void* other) {
   if (inside || active == nullptr) return false;
   ++calls[static_cast<unsigned>(hook)];
   const Inside scope;
+  const std::int64_t selfId = idOf(self);
+  const std::int64_t otherId = idOf(other);
   if (active->during) active->during(hook, self, other);
+  EXPECT_EQ(idOf(self), selfId) << "the object died in its own hook";
+  EXPECT_EQ(idOf(other), otherId) << "the other object died in the hook";
   return true;
 }
 

@@ -313,7 +313,7 @@ TEST_P(ReentrantHooks, AnotherUseInEveryCall_LeavesItSound) {
   ASSERT_TRUE(canReenter()) << "the mutex is not recursive";
   const Ending honest = honestRun();
   const std::vector<Action>& actions = actionsOf(type().kind);
-  for (std::size_t first = 0; first < actions.size(); ++first) {
+  for (std::size_t first = 0; first < actions.size(); first += onStressHeap() ? 4 : 1) {
     SCOPED_TRACE(std::string("from ") + actions[first].name);
     const Scene target = scene();
     std::size_t used = 0;
