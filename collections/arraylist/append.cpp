@@ -2,6 +2,8 @@
 
 #include <vorn/collections/array_list.h>
 
+#include <string_view>
+
 #include "collections/arraylist/store.h"
 #include "collections/core/element_access.h"
 #include "collections/core/element_types.h"
@@ -9,6 +11,7 @@
 #include "collections/core/primitive_conversions.h"
 #include "collections/core/primitive_elements.h"
 #include "collections/core/primitive_kinds.h"
+#include "collections/core/runtime_object_layout.h"
 #include "collections/core/same_type_store.h"
 
 namespace vc = vorn::collections;
@@ -39,10 +42,45 @@ inline bool appendToIntStorage(ListData& list, long long value) {
   return true;
 }
 
+// Whether the list keeps its elements under its kind's own name, and as such takes the integer: the character types,
+// which have their kind's second name, take some only.
+inline bool keptUnderOwnNameTakes(const ListData& list, long long integer) {
+  if (list.primitiveType == vc::elementTypeOf(static_cast<BoxedType>(list.primitiveKind)).name) return true;
+  if (list.primitiveKind == PrimitiveKind::UInt && list.primitiveType == std::string_view("Char")) {
+    return vc::isUnicodeScalar(integer);
+  }
+  return list.primitiveKind == PrimitiveKind::UShort && list.primitiveType == std::string_view("CodeUnit") &&
+         static_cast<unsigned long long>(integer) <= 0xFFFF;
+}
+
+// Equality of names without a call: they are short.
+inline bool sameText(const char* left, const char* right) {
+  while (*left == *right && *left != '\0') {
+    ++left;
+    ++right;
+  }
+  return *left == *right;
+}
+
+// The common case of the other raw appends: a list that keeps values of just that type, declared so or not at all, and
+// room. The low bits are then what gets stored whatever the value. The name is compared as it stands: one under a
+// module takes the ordinary path.
+inline bool appendToStorageOf(ListData& list, const char* typeName, long long integer, double floating) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (list.primitiveKind == PrimitiveKind::None || buffer.size >= buffer.capacity) return false;
+  if (list.elementType.text != nullptr && list.elementType != list.primitiveType) return false;
+  if (buffer.elementSize != vc::primitiveWidth(list.primitiveKind)) return false;
+  if (!keptUnderOwnNameTakes(list, integer) || !sameText(list.primitiveType.text->c_str(), typeName)) return false;
+  vc::visitKind(list.primitiveKind,
+                [&](auto tag) { vc::storeElement(tag, buffer.data, buffer.size, integer, floating); });
+  ++buffer.size;
+  return true;
+}
+
 // The common case of add: a box of the very type that the list keeps unboxed, and room for it.
 inline bool appendToOwnStorage(ListData& list, void* value) {
   SmallPrimitiveBuffer& buffer = list.primitive;
-  if (buffer.size >= buffer.capacity || !vc::storeBoxOfSameType(list, buffer.size, value)) return false;
+  if (buffer.size >= buffer.capacity || !vc::storeBoxOfSameType(list, buffer.data, buffer.size, value)) return false;
   ++buffer.size;
   return true;
 }
@@ -96,16 +134,20 @@ void vorn_collections_ArrayList_addPrimitiveI64(void* list, long long value, con
   if (list == nullptr) return;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
+  const auto floating = static_cast<double>(value);
+  if (appendToStorageOf(data, typeName != nullptr ? typeName : "Int", value, floating)) return;
   const vc::ElementType type = rawElementType(typeName, {PrimitiveKind::Int, "Int"}, PrimitiveKind::Long);
-  appendRawValue(data, {type.kind, type.name, value, static_cast<double>(value)});
+  appendRawValue(data, {type.kind, type.name, value, floating});
 }
 
 void vorn_collections_ArrayList_addPrimitiveDouble(void* list, double value, const char* typeName) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
+  const long long integer = vc::truncateToI64(value);
+  if (appendToStorageOf(data, typeName != nullptr ? typeName : "Double", integer, value)) return;
   const vc::ElementType type = rawElementType(typeName, {PrimitiveKind::Double, "Double"}, PrimitiveKind::Double);
-  appendRawValue(data, {type.kind, type.name, vc::truncateToI64(value), value});
+  appendRawValue(data, {type.kind, type.name, integer, value});
 }
 
 void vorn_collections_ArrayList_addPrimitiveBool(void* list, bool value) {
