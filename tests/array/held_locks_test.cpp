@@ -135,16 +135,24 @@ TEST_F(ArrayHeldLocks, NewArrays_AreMadeBeforeTheLock) {
   EXPECT_EQ(operationsOf(ints, [&] { vorn_collections_Array_concat(ints, source); }), unlocked);
 }
 
-// A source's elements are boxed under its own lock, while the receiver's is free.
-TEST_F(ArrayHeldLocks, OtherCollections_AreGatheredBeforeTheReceiverIsLocked) {
+TEST_F(ArrayHeldLocks, UnboxedSlots_TakeUnboxedElementsWithoutABox) {
   const Handle target = intArray("ArraySync<Int>", {1, 2});
+  const Handle source = intArray("ArraySync<Int>", {3, 4});
+  EXPECT_EQ(operationsOf(target, [&] { vorn_collections_Array_concat(target, source); }),
+            Operations{"object unlocked"});
+  EXPECT_EQ(operationsOf(target, [&] { arraySliceAssign(target, 0, 2, 1, source); }), Operations{});
+}
+
+// The source is copied as it is, and boxes are made for the receiver when the source is free again.
+TEST_F(ArrayHeldLocks, OtherCollections_AreFreeWhileTheReceiverIsLocked) {
+  const Handle target = newArray("ArraySync", 2);
   const Handle source = intArray("ArraySync<Int>", {3, 4});
   const auto concatenate = [&] { vorn_collections_Array_concat(target, source); };
   const auto assign = [&] { arraySliceAssign(target, 0, 2, 1, source); };
-  EXPECT_EQ(operationsOf(target, concatenate), (Operations{"integer box unlocked", "object unlocked"}));
-  EXPECT_EQ(operationsOf(source, concatenate), (Operations{"integer box locked", "object unlocked"}));
-  EXPECT_EQ(operationsOf(target, assign), Operations{"integer box unlocked"});
-  EXPECT_EQ(operationsOf(source, assign), Operations{"integer box locked"});
+  EXPECT_EQ(operationsOf(target, concatenate), (Operations{"object unlocked", "integer box locked"}));
+  EXPECT_EQ(operationsOf(source, concatenate), (Operations{"object unlocked", "integer box unlocked"}));
+  EXPECT_EQ(operationsOf(target, assign), Operations{"integer box locked"});
+  EXPECT_EQ(operationsOf(source, assign), Operations{"integer box unlocked"});
 }
 
 TEST_F(ArrayHeldLocks, Texts_AreMadeAndRefusedUnderTheLock) {

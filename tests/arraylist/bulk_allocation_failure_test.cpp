@@ -81,8 +81,10 @@ TEST_F(BulkAllocationFailure, Slice) {
 }
 
 TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCount) {
-  const Handle source = intList("ArrayList", {1, 2, 3});
-  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, source); });
+  const Handle unboxed = intList("ArrayList", {1, 2, 3});
+  const Handle boxed = list("LinkedList", {integer("Int", 1), integer("Int", 2), integer("Int", 3)});
+  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, unboxed); }, 0);
+  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, boxed); });
 }
 
 TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCountThatMaterialises) {
