@@ -77,12 +77,14 @@ std::vector<std::string> declaredTypes() {
 // Runs operation(target, source) with every source and its boxes on equal targets of every kind.
 template <class Operation>
 void compareRoutes(Operation operation) {
-  const std::vector<SourceCase> sources = unboxedSources();
+  std::vector<SourceCase> sources = unboxedSources();
+  if (onStressHeap()) sources.resize(20);
   int compared = 0;
   for (const std::string& element : declaredTypes()) {
     for (const Filling& filling : kFillings) {
       for (const int flags : {0, 1, 2}) {
-        if (onStressHeap() && (flags != 0 || element > "D")) continue;
+        // Every allocation collects there, with all sources alive.
+        if (onStressHeap() && (flags != 0 || (element != "Char" && element != "Long"))) continue;
         for (const SourceCase& source : sources) {
           const Handle target = filling.make(element, flags == 1, flags == 2);
           const Handle other = filling.make(element, flags == 1, flags == 2);
@@ -99,7 +101,7 @@ void compareRoutes(Operation operation) {
       }
     }
   }
-  EXPECT_GT(compared, 500);
+  EXPECT_GT(compared, onStressHeap() ? 150 : 5000);
 }
 
 TEST_F(UnboxedSources, AddAll_IsTheSameAsFromBoxes) {
