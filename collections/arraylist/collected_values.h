@@ -22,8 +22,8 @@ struct RawRun {
 // collection that keeps its elements under another name than its kind's own has its boxes made when it is collected,
 // because those bear a type of their own.
 //
-// An unsynchronised collection lends its storage: nothing is copied, and the values hold while it is unchanged. Whoever
-// changes it in the meantime names it as the receiver. Nothing here locks.
+// An unsynchronised list or array can lend its storage: nothing is copied, and the values hold while it is unchanged.
+// The four functions that collect lock the collection while they copy it; the others lock nothing.
 class CollectedValues {
  public:
   [[nodiscard]] std::uint64_t size() const { return size_; }
@@ -68,8 +68,8 @@ class CollectedValues {
   // these only.
   void* const* handles(std::uint64_t count, HandleVector& boxes) const;
 
-  // Filling: each replaces what there is. A list, array or set that is no longer to be looked at when it changes is not
-  // `lent`, and is copied under its lock.
+  // Each fills empty values. `lent` allows to look into the collection itself, when it is not synchronised, instead of
+  // a copy. All allocate.
   void collectList(void* list, bool lent);
   void collectArray(void* array, bool lent);
   void collectSet(void* set);

@@ -1,7 +1,7 @@
 // The appends of unboxed values: addInt, addPrimitiveI64, addPrimitiveDouble, addPrimitiveBool and addIntToData.
 #include <limits>
 
-#include "tests/arraylist/list_cases.h"
+#include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {
 namespace {
