@@ -3,6 +3,7 @@
 #include <vorn/collections/hash_set.h>
 
 #include "collections/arraylist/snapshots.h"
+#include "collections/keyed/set_data.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/arraylist/library_hooks.h"
 #include "tests/support/sequences.h"
@@ -185,11 +186,10 @@ TEST_F(SourceCosts, SourceThatShrinksMeanwhile_IsTakenAsItWas) {
       for (const int value : {4, 5, 6}) {
         if (set) vorn_collections_HashSet_add(source, integer("Int", value));
       }
-      const pthread_mutex_t* const mutex = set ? nullptr : getListData(source)->mutex;
+      const pthread_mutex_t* const mutex = set ? getSetData(source)->mutex : getListData(source)->mutex;
       int unlocks = 0;
       std::function<void(pthread_mutex_t*)> shrink = [&](pthread_mutex_t* unlocked) {
-        if (mutex != nullptr && unlocked != mutex) return;
-        if (++unlocks != 1) return;
+        if (unlocked != mutex || ++unlocks != 1) return;
         set ? vorn_collections_HashSet_clear(source) : vorn_collections_ArrayList_clear(source);
       };
       const Handle target = intList("ArrayList<Int>", {1, 2, 3});
