@@ -1,3 +1,5 @@
+#include <vorn/collections/hash_set.h>
+
 #include <cstring>
 
 #include "bench/bulk_operations.h"
@@ -31,6 +33,25 @@ void makingLists(benchmark::State& state, std::int64_t elements, std::int64_t re
   for (auto _ : state) result = make(list.operator void*());
   requireSize(result, results);
   countElements(state, results);
+}
+
+// A source of the class added to an empty list over and over.
+template <class Fill>
+void addingAll(benchmark::State& state, std::int64_t elements, const char* targetClass, const char* sourceClass,
+               Fill fill) {
+  const Rooted source(vorn_object_new(sourceClass));
+  const Rooted target(vorn_object_new(targetClass));
+  fill(source, elements);
+  for (auto _ : state) {
+    vorn_collections_ArrayList_clear(target);
+    vorn_collections_ArrayList_addAll(target, source);
+  }
+  requireSize(target, elements);
+  countElements(state, elements);
+}
+
+void assignWhole(void* list, void* source) {
+  vorn_collections_ArrayList_sliceAssign(list, 0, 0, 1, nullptr, nullptr, source);
 }
 
 }  // namespace
@@ -74,15 +95,49 @@ void repeat(benchmark::State& state, std::int64_t elements) {
 }
 
 void addAll(benchmark::State& state, std::int64_t elements) {
+  addingAll(state, elements, "ArrayList<Int>", "ArrayList<Int>", fillInts);
+}
+
+void addAllWidening(benchmark::State& state, std::int64_t elements) {
+  addingAll(state, elements, "ArrayList<Long>", "ArrayList<Int>", fillInts);
+}
+
+void addAllSynchronised(benchmark::State& state, std::int64_t elements) {
+  addingAll(state, elements, "ArrayListSync<Int>", "ArrayListSync<Int>", fillInts);
+}
+
+void addAllBoxed(benchmark::State& state, std::int64_t elements) {
+  addingAll(state, elements, "ArrayList<Object>", "ArrayList<Object>", fillBoxes);
+}
+
+void addAllLinked(benchmark::State& state, std::int64_t elements) {
+  addingAll(state, elements, "ArrayList<Object>", "LinkedList<Object>", fillBoxes);
+}
+
+void addAllOfSet(benchmark::State& state, std::int64_t elements) {
+  addingAll(state, elements, "ArrayList<Object>", "HashSet", [](void* set, std::int64_t count) {
+    Rooted box;
+    for (std::int64_t i = 0; i < count; ++i) {
+      box = vorn_box_integer("Int", i);
+      vorn_collections_HashSet_add(set, box);
+    }
+  });
+}
+
+void sliceAssignInts(benchmark::State& state, std::int64_t elements) {
   const Rooted source(vorn_object_new("ArrayList<Int>"));
-  const Rooted target(vorn_object_new("ArrayList<Int>"));
   fillInts(source, elements);
-  for (auto _ : state) {
-    vorn_collections_ArrayList_clear(target);
-    vorn_collections_ArrayList_addAll(target, source);
-  }
-  requireSize(target, elements);
-  countElements(state, elements);
+  onList(state, elements, "ArrayList<Int>", fillInts, [&](void* list) { assignWhole(list, source); });
+}
+
+void sliceAssignLinked(benchmark::State& state, std::int64_t elements) {
+  const Rooted source(vorn_object_new("ArrayList<Object>"));
+  fillBoxes(source, elements);
+  onList(state, elements, "LinkedList<Object>", fillBoxes, [&](void* list) { assignWhole(list, source); });
+}
+
+void shuffle(benchmark::State& state, std::int64_t elements) {
+  onList(state, elements, "ArrayList<Int>", fillInts, vorn_collections_ArrayList_shuffle);
 }
 
 void commitInts(benchmark::State& state, std::int64_t elements) {
@@ -90,6 +145,15 @@ void commitInts(benchmark::State& state, std::int64_t elements) {
   long long* const values = vorn_collections_ArrayList_prepareIntData(list, elements);
   for (std::int64_t i = 0; i < elements; ++i) values[i] = elementAt(i);
   for (auto _ : state) vorn_collections_ArrayList_commitIntDataSize(list, elements);
+  requireSize(list, elements);
+  countElements(state, elements);
+}
+
+void commitChars(benchmark::State& state, std::int64_t elements) {
+  const Rooted list(vorn_object_new("ArrayList<Char>"));
+  long long* const values = vorn_collections_ArrayList_preparePrimitiveI64Data(list, elements, "Char");
+  for (std::int64_t i = 0; i < elements; ++i) values[i] = 'a' + i % 26;
+  for (auto _ : state) vorn_collections_ArrayList_commitPrimitiveI64DataSize(list, elements);
   requireSize(list, elements);
   countElements(state, elements);
 }

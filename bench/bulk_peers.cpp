@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <numeric>
+#include <random>
 #include <vector>
 
 #include "bench/bulk_operations.h"
@@ -99,6 +100,14 @@ void addAll(benchmark::State& state, std::int64_t elements) {
     keep(target.data());
   }
   countElements(state, elements);
+}
+
+void shuffle(benchmark::State& state, std::int64_t elements) {
+  std::mt19937_64 generator(1);
+  onVector<std::int32_t>(state, elements, [&](auto& numbers) {
+    std::shuffle(numbers.begin(), numbers.end(), generator);
+    keep(numbers.data());
+  });
 }
 
 void narrow(benchmark::State& state, std::int64_t elements) {

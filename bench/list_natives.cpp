@@ -74,6 +74,17 @@ void addInt(benchmark::State& state, std::int64_t elements) {
              [](void* list, std::int64_t i) { vorn_collections_ArrayList_addInt(list, i); });
 }
 
+void addLong(benchmark::State& state, std::int64_t elements) {
+  buildLists(state, elements, "ArrayList<Long>",
+             [](void* list, std::int64_t i) { vorn_collections_ArrayList_addPrimitiveI64(list, i, "Long"); });
+}
+
+void addDouble(benchmark::State& state, std::int64_t elements) {
+  buildLists(state, elements, "ArrayList<Double>", [](void* list, std::int64_t i) {
+    vorn_collections_ArrayList_addPrimitiveDouble(list, static_cast<double>(i), "Double");
+  });
+}
+
 void addIntSynchronised(benchmark::State& state, std::int64_t elements) {
   buildLists(state, elements, "ArrayListSync<Int>",
              [](void* list, std::int64_t i) { vorn_collections_ArrayList_addInt(list, i); });

@@ -8,6 +8,8 @@ namespace vorn::bench {
 // The natives, called through the shared libraries.
 namespace natives {
 void addInt(benchmark::State& state, std::int64_t elements);
+void addLong(benchmark::State& state, std::int64_t elements);
+void addDouble(benchmark::State& state, std::int64_t elements);
 void addIntSynchronised(benchmark::State& state, std::int64_t elements);
 void addBoxed(benchmark::State& state, std::int64_t elements);
 void addHandle(benchmark::State& state, std::int64_t elements);

@@ -2,14 +2,13 @@
 #include "collections/array/construction.h"
 
 #include <vorn/collections/array.h>
-#include <vorn/collections/array_list.h>
-#include <vorn/collections/tuple.h>
 
-#include <algorithm>
 #include <cctype>
 #include <vector>
 
 #include "collections/array/array_data.h"
+#include "collections/array/collected_slots.h"
+#include "collections/arraylist/collect_values.h"
 #include "collections/core/errors.h"
 #include "collections/core/roots.h"
 #include "collections/core/runtime_interface.h"
@@ -54,17 +53,27 @@ void copyFromArray(void* target, void* source) {
   Vorn_setField_i64(target, "size", static_cast<long long>(size));
 }
 
-using IndexNative = void* (*)(void*, long long);
+// An array's element type, and the kind of slots that goes with it, by the name of its class.
+struct SlotType {
+  RuntimeTypeName name;
+  ArraySlotKind kind;
+};
 
-// Element by element, through the natives of both: each element is tested and converted, and a refusal does not end the
-// copy.
-void copyElements(void* target, void* source, long long size, IndexNative at) {
-  vorn_collections_Array_ctor(target, size);
-  vc::RootedHandle element;
-  for (long long i = 0; i < size; ++i) {
-    element = at(source, i);
-    vorn_collections_Array_operator_index_eq(target, i, element.get());
-  }
+SlotType slotTypeOf(void* array) {
+  const std::string name = vc::arrayElementTypeName(typeNameOf(array));
+  return {internRuntimeTypeName(name), slotKindForArrayElementType(name)};
+}
+
+// Constructs the target with as many slots and assigns the values: each is tested and converted, and a refusal does not
+// end the copy.
+void copyValues(void* target, const vc::CollectedValues& values) {
+  ArrayData& data = *getArrayData(target);
+  const ArrayDataLock lock(data);
+  const SlotType type = slotTypeOf(target);
+  vc::HandleVector boxes;
+  void* const* const handles = vc::handlesForSlots(type.kind, values, boxes);
+  vc::recreateArrayStorage(data, type.name, type.kind, values.size());
+  vc::assignCollectedOrRaise(data, {0, 1, values.size()}, values, handles, vc::AfterRefusal::GoOn);
 }
 
 }  // namespace
@@ -87,9 +96,8 @@ void vorn_collections_Array_ctor(void* array, long long size) {
   if (size < 0) return vc::errors::raiseArraySizeNegative();
   ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
-  const std::string elementType = vc::arrayElementTypeName(typeNameOf(array));
-  vc::recreateArrayStorage(data, internRuntimeTypeName(elementType), slotKindForArrayElementType(elementType),
-                           static_cast<std::uint64_t>(size));
+  const SlotType type = slotTypeOf(array);
+  vc::recreateArrayStorage(data, type.name, type.kind, static_cast<std::uint64_t>(size));
 }
 
 void vorn_collections_Array_copyCtor(void* array, void* source) {
@@ -97,12 +105,9 @@ void vorn_collections_Array_copyCtor(void* array, void* source) {
   if (source == nullptr) return vc::errors::raiseArrayCopyOfNull();
   const std::string_view type = typeNameOf(source);
   if (isArrayLike(type)) return copyFromArray(array, source);
-  if (isArrayListLike(type) || isImmutableListLike(type)) {
-    return copyElements(array, source, vorn_collections_ArrayList_size(source),
-                        vorn_collections_ArrayList_operator_index);
-  }
-  if (isTupleLike(type)) {
-    return copyElements(array, source, Vorn_getField_i64(source, "size"), vorn_collections_Tuple_operator_index);
-  }
-  vc::errors::raiseArrayCopySource();
+  // A tuple of a negative size is no collection to anyone else, but here it gives the size that the array gets.
+  if (isTupleLike(type) && Vorn_getField_i64(source, "size") < 0) return vc::errors::raiseArraySizeNegative();
+  vc::CollectedValues values;
+  if (!collectOrderedCollectionValues(source, array, values)) return vc::errors::raiseArrayCopySource();
+  if (values.complete()) copyValues(array, values);
 }

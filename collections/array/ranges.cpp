@@ -2,9 +2,9 @@
 #include <vorn/collections/array.h>
 
 #include "collections/array/array_data.h"
+#include "collections/array/collected_slots.h"
 #include "collections/array/result_arrays.h"
 #include "collections/array/slot_access.h"
-#include "collections/array/slot_values.h"
 #include "collections/arraylist/collect_values.h"
 #include "collections/arraylist/slice_indexes.h"
 #include "collections/core/errors.h"
@@ -24,29 +24,6 @@ void* allocateArrayLike(void* array, ArrayData** out) {
 
 }  // namespace vorn::collections
 
-namespace {
-
-vc::SliceSequence sliceOf(const ArrayData& array, long long start, long long stop, long long step, void* hasStart,
-                          void* hasStop) {
-  return vc::sliceSequence(static_cast<long long>(arrayLogicalSize(array)), start, stop, step, hasStart != nullptr,
-                           hasStop != nullptr);
-}
-
-// Assigns value by value from `position` on; false, after raising, at the first refusal. What was assigned stays.
-bool assignValuesOrRaise(ArrayData& array, const vc::SliceSequence& slice, const vc::HandleVector::Storage& values) {
-  auto position = static_cast<std::uint64_t>(slice.first);
-  for (void* value : values) {
-    if (!assignArraySlotValue(array, position, value)) {
-      vc::errors::raiseInvalidArrayElement();
-      return false;
-    }
-    position += static_cast<std::uint64_t>(slice.step);
-  }
-  return true;
-}
-
-}  // namespace
-
 void* vorn_collections_Array_slice(void* array, long long start, long long stop, long long step, void* hasStart,
                                    void* hasStop) {
   if (array == nullptr) return nullptr;
@@ -55,9 +32,10 @@ void* vorn_collections_Array_slice(void* array, long long start, long long stop,
     return nullptr;
   }
   return vc::filledArrayLike(array, [&](const ArrayData& source, ArrayData& target) {
-    const vc::SliceSequence slice = sliceOf(source, start, stop, step, hasStart, hasStop);
-    vc::recreateArrayStorage(target, source.elementType, source.slotKind, slice.count);
-    vc::copySlots(source, slice.first, slice.step, slice.count, target, 0);
+    const vc::SliceExpression expression{start, stop, step, hasStart, hasStop};
+    const vc::SlicePositions positions = expression.over(arrayLogicalSize(source));
+    vc::recreateArrayStorage(target, source.elementType, source.slotKind, positions.count);
+    vc::copySlots(source, positions.first, positions.step, positions.count, target, 0);
     return true;
   });
 }
@@ -66,26 +44,34 @@ void vorn_collections_Array_sliceAssign(void* array, long long start, long long 
                                         void* hasStop, void* source) {
   if (array == nullptr) return;
   if (step == 0) return vc::errors::raiseSliceStepZero();
-  vc::HandleVector values;
-  if (!collectOrderedCollectionValues(source, *values)) return vc::errors::raiseSliceAssignmentSource();
+  vc::CollectedValues values;
+  if (!collectOrderedCollectionValues(source, array, values)) return vc::errors::raiseSliceAssignmentSource();
+  if (!values.complete()) return;
   ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
-  const vc::SliceSequence slice = sliceOf(data, start, stop, step, hasStart, hasStop);
-  if (slice.count != values->size()) return vc::errors::raiseFixedSliceCount();
-  assignValuesOrRaise(data, slice, *values);
+  const vc::SliceExpression expression{start, stop, step, hasStart, hasStop};
+  const vc::SlicePositions positions = expression.over(arrayLogicalSize(data));
+  if (positions.size() != values.size()) return vc::errors::raiseFixedSliceCount();
+  vc::HandleVector boxes;
+  void* const* const handles = vc::handlesForSlots(data.slotKind, values, boxes);
+  vc::assignCollectedOrRaise(data, positions, values, handles, vc::AfterRefusal::Stop);
 }
 
 void* vorn_collections_Array_concat(void* array, void* other) {
   if (array == nullptr || other == nullptr) return nullptr;
-  vc::HandleVector values;
-  if (!collectOrderedCollectionValues(other, *values)) {
+  vc::CollectedValues values;
+  if (!collectOrderedCollectionValues(other, nullptr, values)) {
     vc::errors::raiseArrayConcatSource();
     return nullptr;
   }
+  if (!values.complete()) return nullptr;
   return vc::filledArrayLike(array, [&](const ArrayData& source, ArrayData& target) {
     const std::uint64_t size = arrayLogicalSize(source);
-    vc::recreateArrayStorage(target, source.elementType, source.slotKind, size + values->size());
+    vc::HandleVector boxes;
+    void* const* const handles = vc::handlesForSlots(source.slotKind, values, boxes);
+    vc::recreateArrayStorage(target, source.elementType, source.slotKind, size + values.size());
     vc::copySlots(source, 0, 1, size, target, 0);
-    return assignValuesOrRaise(target, {static_cast<long long>(size), 1, values->size()}, *values);
+    const vc::SlicePositions behind{static_cast<long long>(size), 1, values.size()};
+    return vc::assignCollectedOrRaise(target, behind, values, handles, vc::AfterRefusal::Stop);
   });
 }

@@ -68,6 +68,17 @@ bool readSlotScalar(const ArrayData& array, void* value, SlotScalar& scalar) {
   return true;
 }
 
+AcceptedValues acceptedBySlots(const ArrayData& array, const ElementType& type) {
+  const auto when = [](bool accepted) { return accepted ? AcceptedValues::all() : AcceptedValues{}; };
+  if (array.slotKind == ArraySlotKind::Bool) return when(type.kind == PrimitiveKind::Boolean);
+  const std::string_view element = shortElementType(array);
+  const bool character = !arraySlotKindIsFloating(array.slotKind) && (element == "CodeUnit" || element == "Char");
+  if (character) return type.name == element ? storableValues(element) : AcceptedValues{};
+  // Characters are no numbers, though they are kept as integers.
+  const bool integer = isIntegerKind(type.kind) && type.name != "CodeUnit" && type.name != "Char";
+  return when(integer || (isFloatingKind(type.kind) && arraySlotKindIsFloating(array.slotKind)));
+}
+
 }  // namespace vorn::collections
 
 void* arraySlotToObject(const ArrayData& array, std::uint64_t index) {

@@ -5,6 +5,7 @@
 #include <vorn/collections/export.h>
 
 #include "collections/array/array_data.h"
+#include "collections/core/primitive_conversions.h"
 
 // The slot as a handle: unboxed slots become new boxes of the element type. Null for an index that is out of range.
 // Allocates for unboxed slots.
@@ -27,5 +28,9 @@ struct SlotScalar {
   double floating = 0.0;
 };
 bool readSlotScalar(const ArrayData& array, void* value, SlotScalar& scalar);
+
+// What of the raw values of a type fits the array's unboxed slots: exactly what assignArraySlotValue takes of their
+// boxes. Not for arrays of handles.
+AcceptedValues acceptedBySlots(const ArrayData& array, const ElementType& type);
 
 }  // namespace vorn::collections

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "collections/arraylist/collect_values.h"
-#include "collections/arraylist/snapshots.h"
 #include "collections/core/element_access.h"
 #include "collections/core/element_types.h"
 #include "collections/core/errors.h"
@@ -15,6 +14,7 @@
 #include "collections/core/primitive_conversions.h"
 #include "collections/core/primitive_elements.h"
 #include "collections/core/primitive_kinds.h"
+#include "collections/core/roots.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;
@@ -40,17 +40,38 @@ unsigned char* openPrimitiveGap(SmallPrimitiveBuffer& buffer, std::uint64_t inde
   return gap;
 }
 
+// Makes the list ready to keep `count` elements more of a type that it can keep unboxed, and opens the gap for them.
+unsigned char* openUnboxedGap(ListData& list, std::uint64_t index, std::uint64_t count, const vc::ElementType& type) {
+  if (list.primitiveKind == PrimitiveKind::None) {
+    vc::resetToPrimitiveStorage(list, type.kind, internRuntimeTypeName(type.name), count);
+  } else {
+    configurePrimitiveStorage(list, list.primitiveKind);
+  }
+  return openPrimitiveGap(list.primitive, index, count);
+}
+
+void insertHandles(ListData& list, std::uint64_t index, void* const* handles, std::uint64_t count) {
+  materializePrimitiveList(list, count);
+  if (list.linked) {
+    list.linkedObjects.insertAllAt(index, handles, count);
+  } else {
+    list.objects.insertAllAt(index, handles, count);
+  }
+}
+
+// ---- Boxed values ---------------------------------------------------------------------------------------------------
+
 // The batch as raw values of one kind and name, if it has one: the declared kind, or the first value's own.
-bool convertBatch(const ListData& list, const vc::HandleVector::Storage& values,
+bool convertBatch(const ListData& list, void* const* values, std::uint64_t count,
                   std::vector<BulkPrimitiveListValue>& batch) {
   const bool declared = vc::declaredElementType(list).kind != PrimitiveKind::None;
-  batch.reserve(values.size());
-  for (void* value : values) {
+  batch.reserve(count);
+  for (std::uint64_t i = 0; i < count; ++i) {
     BulkPrimitiveListValue raw;
     if (declared) {
-      if (!listValueToDeclaredPrimitiveValue(list, value, raw)) return false;
+      if (!listValueToDeclaredPrimitiveValue(list, values[i], raw)) return false;
     } else {
-      if (!objectToPrimitiveListValue(value, raw)) return false;
+      if (!objectToPrimitiveListValue(values[i], raw)) return false;
       if (!batch.empty() && (raw.kind != batch[0].kind || raw.typeName != batch[0].typeName)) return false;
     }
     batch.push_back(raw);
@@ -62,96 +83,82 @@ void insertBatchUnboxedOrRaise(ListData& list, std::uint64_t index, const std::v
   for (const BulkPrimitiveListValue& value : batch) {
     if (!vc::checkCharacterRangeOrRaise(value.typeName, value.integer)) return;
   }
-  if (list.primitiveKind == PrimitiveKind::None) {
-    const RuntimeTypeName name = internRuntimeTypeName(batch[0].typeName);
-    vc::resetToPrimitiveStorage(list, batch[0].kind, name, batch.size());
-  } else {
-    configurePrimitiveStorage(list, list.primitiveKind);
-  }
-  unsigned char* gap = openPrimitiveGap(list.primitive, index, batch.size());
+  unsigned char* gap = openUnboxedGap(list, index, batch.size(), {batch[0].kind, batch[0].typeName});
   vc::visitKind(list.primitiveKind, [&](auto tag) {
     for (std::uint64_t i = 0; i < batch.size(); ++i) vc::storeElement(tag, gap, i, batch[i].integer, batch[i].floating);
   });
 }
 
-void insertHandles(ListData& list, std::uint64_t index, const vc::HandleVector::Storage& values) {
-  materializePrimitiveList(list, values.size());
-  if (list.linked) {
-    list.linkedObjects.insertAllAt(index, values.data(), values.size());
-  } else {
-    list.objects.insertAllAt(index, values.data(), values.size());
-  }
-}
-
-void insertValuesOrRaise(ListData& list, InsertionPoint point, const vc::HandleVector::Storage& values) {
-  const auto index = point.resolveOrRaise(list.logicalSize());
-  if (!index) return;
-  for (void* value : values) {
-    if (!ensureListValueMatchesDeclaredElementType(list, value)) return;
+void insertHandlesOrRaise(ListData& list, std::uint64_t index, const vc::CollectedValues& values) {
+  void* const* const handles = values.handles();
+  for (std::uint64_t i = 0; i < values.size(); ++i) {
+    if (!ensureListValueMatchesDeclaredElementType(list, handles[i])) return;
   }
   std::vector<BulkPrimitiveListValue> batch;
-  if (convertBatch(list, values, batch) && primitiveStorageCompatible(list, batch[0].kind, batch[0].typeName)) {
-    insertBatchUnboxedOrRaise(list, *index, batch);
+  if (convertBatch(list, handles, values.size(), batch) &&
+      primitiveStorageCompatible(list, batch[0].kind, batch[0].typeName)) {
+    insertBatchUnboxedOrRaise(list, index, batch);
   } else {
-    insertHandles(list, *index, values);
+    insertHandles(list, index, handles, values.size());
   }
 }
 
-// Whether every value that unboxed storage of this kind and name may hold passes the list's checks as it is, so that
-// bytes may be copied. Characters may be out of range where compiled code wrote them, and the upper half of ULong does
-// not pass the signed declared check: these go value by value.
-bool acceptsBytesOf(const ListData& list, PrimitiveKind kind, RuntimeTypeName typeName) {
-  if (kind == PrimitiveKind::None || kind == PrimitiveKind::ULong || typeName == "Char") return false;
-  const vc::ElementType declared = vc::declaredElementType(list);
-  const bool declaredTakesIt = declared.name == "Object" || (declared.kind == kind && typeName == declared.name);
-  return declaredTakesIt && primitiveStorageCompatible(list, kind, typeName.get());
+// ---- Raw values -----------------------------------------------------------------------------------------------------
+
+// Whether the declared type takes every raw value. The first one that it does not take is boxed and refused as its box
+// is. A class takes either all boxes of one type or none of them.
+bool declaredTypeTakesOrRaise(const ListData& list, const vc::ElementType& declared,
+                              const vc::CollectedValues& values) {
+  std::uint64_t refused = values.size();
+  if (declared.kind != PrimitiveKind::None) {
+    refused = values.firstOutside(vc::acceptedValues(declared, values.type()));
+  } else if (!vc::sameName(declared.name, "Object")) {
+    refused = 0;
+  }
+  if (refused == values.size()) return true;
+  const vc::RootedHandle box(values.handleAt(refused));
+  return ensureListValueMatchesDeclaredElementType(list, box.get());
 }
 
-void insertBytesOrRaise(ListData& list, InsertionPoint point, const unsigned char* elements, std::uint64_t count,
-                        PrimitiveKind kind, RuntimeTypeName typeName) {
-  const auto index = point.resolveOrRaise(list.logicalSize());
-  if (!index) return;
-  const bool self = elements == list.primitive.data;
-  if (list.primitiveKind == PrimitiveKind::None) vc::resetToPrimitiveStorage(list, kind, typeName, count);
-  unsigned char* gap = openPrimitiveGap(list.primitive, *index, count);
-  if (!self) {
-    std::memcpy(gap, elements, count * list.primitive.elementSize);
+// Does what insertHandlesOrRaise does with the boxes of these values, and makes none of them unless they are kept.
+void insertRawOrRaise(ListData& list, std::uint64_t index, const vc::CollectedValues& values) {
+  const vc::ElementType declared = vc::declaredElementType(list);
+  if (!declaredTypeTakesOrRaise(list, declared, values)) return;
+  const vc::ElementType type = declared.kind != PrimitiveKind::None ? declared : values.type();
+  if (!primitiveStorageCompatible(list, type.kind, type.name)) {
+    vc::HandleVector boxes;
+    return insertHandles(list, index, values.handles(values.size(), boxes), values.size());
+  }
+  const std::uint64_t outside = values.firstOutside(vc::storableValues(type.name));
+  if (outside != values.size()) {
+    vc::RawRun run;
+    values.readRun(outside, run);
+    vc::checkCharacterRangeOrRaise(type.name, run.integers[0]);
     return;
   }
-  // The source has just been moved: its first part still stands before the gap, the rest behind it.
-  const std::uint64_t width = list.primitive.elementSize;
-  std::memcpy(gap, list.primitive.data, *index * width);
-  std::memcpy(gap + *index * width, gap + count * width, (count - *index) * width);
-}
-
-// Copies a primitive list's elements into another of the same type without boxing them. False, with nothing done, when
-// the lists do not match or are both synchronised: the locks of two existing collections are never held together.
-bool addAllUnboxed(void* list, InsertionPoint point, void* source) {
-  auto* from = nativeRecordOrNull<ListData>(source, ObjectKind::List);
-  auto* to = nativeRecordOrNull<ListData>(list, ObjectKind::List);
-  if (from == nullptr || to == nullptr || (from->synchronized && to->synchronized)) return false;
-  const ListDataLock lockSource(*from);
-  const ListDataLock lockTarget(*to);
-  if (!acceptsBytesOf(*to, from->primitiveKind, from->primitiveType)) return false;
-  if (from->primitive.size == 0) return true;
-  insertBytesOrRaise(*to, point, from->primitive.data, from->primitive.size, from->primitiveKind, from->primitiveType);
-  return true;
+  values.storeAs(type.kind, openUnboxedGap(list, index, values.size(), type));
 }
 
 void addAll(void* list, InsertionPoint point, void* source) {
-  if (addAllUnboxed(list, point, source)) return;
-  vc::HandleVector values;
-  if (!collectListInsertionValues(source, *values)) return vc::errors::raiseAddAllSource();
-  arrayListAddAllCaptured(list, point.index, point.append, *values);
+  vc::CollectedValues values;
+  if (!collectListInsertionValues(source, list, values)) return vc::errors::raiseAddAllSource();
+  if (values.complete()) arrayListAddAllCaptured(list, point.index, point.append, values);
 }
 
 }  // namespace
 
-void arrayListAddAllCaptured(void* list, long long index, bool append, const vc::HandleVector::Storage& values) {
-  if (list == nullptr || values.empty()) return;
+void arrayListAddAllCaptured(void* list, long long index, bool append, const vc::CollectedValues& values) {
+  if (list == nullptr || values.size() == 0) return;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  insertValuesOrRaise(data, {index, append}, values);
+  const InsertionPoint point{index, append};
+  const auto at = point.resolveOrRaise(data.logicalSize());
+  if (!at) return;
+  if (values.raw()) {
+    insertRawOrRaise(data, *at, values);
+  } else {
+    insertHandlesOrRaise(data, *at, values);
+  }
 }
 
 void vorn_collections_ArrayList_addAll(void* list, void* source) { addAll(list, {0, true}, source); }

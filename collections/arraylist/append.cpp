@@ -2,6 +2,8 @@
 
 #include <vorn/collections/array_list.h>
 
+#include <string_view>
+
 #include "collections/arraylist/store.h"
 #include "collections/core/element_access.h"
 #include "collections/core/element_types.h"
@@ -9,6 +11,7 @@
 #include "collections/core/primitive_conversions.h"
 #include "collections/core/primitive_elements.h"
 #include "collections/core/primitive_kinds.h"
+#include "collections/core/runtime_object_layout.h"
 #include "collections/core/same_type_store.h"
 
 namespace vc = vorn::collections;
@@ -39,10 +42,57 @@ inline bool appendToIntStorage(ListData& list, long long value) {
   return true;
 }
 
+long long integerReading(long long value) { return value; }
+long long integerReading(double value) { return vc::truncateToI64(value); }
+
+// Whether the list keeps its elements under its kind's own name, and as such takes the value: the character types,
+// which have their kind's second name, take some only.
+template <class Value>
+inline bool keptUnderOwnNameTakes(const ListData& list, Value value) {
+  if (list.primitiveType == vc::elementTypeOf(static_cast<BoxedType>(list.primitiveKind)).name) [[likely]]
+    return true;
+  if (list.primitiveKind == PrimitiveKind::UInt && list.primitiveType == std::string_view("Char")) {
+    return vc::isUnicodeScalar(integerReading(value));
+  }
+  return list.primitiveKind == PrimitiveKind::UShort && list.primitiveType == std::string_view("CodeUnit") &&
+         static_cast<unsigned long long>(integerReading(value)) <= 0xFFFF;
+}
+
+// Equality of names without a call: they are short.
+inline bool sameText(const char* left, const char* right) {
+  while (*left == *right && *left != '\0') {
+    ++left;
+    ++right;
+  }
+  return *left == *right;
+}
+
+// The common case of the other raw appends: a list that keeps values of just that type, declared so or not at all, and
+// room. The low bits are then what gets stored whatever the value. The name is compared as it stands: one under a
+// module takes the ordinary path.
+template <class Value>
+inline bool appendToStorageOf(ListData& list, const char* typeName, Value value) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (list.primitiveKind == PrimitiveKind::None || buffer.size >= buffer.capacity) return false;
+  if (list.elementType.text != nullptr && list.elementType != list.primitiveType) return false;
+  if (!keptUnderOwnNameTakes(list, value) || !sameText(list.primitiveType.text->c_str(), typeName)) return false;
+  return vc::visitKind(
+      list.primitiveKind,
+      [&](auto tag) {
+        using Tag = decltype(tag);
+        if (buffer.elementSize != sizeof(typename Tag::Element)) return false;
+        const long long integer = vc::isFloatingKind(Tag::kind) ? 0 : integerReading(value);
+        vc::storeElement(tag, buffer.data, buffer.size, integer, static_cast<double>(value));
+        ++buffer.size;
+        return true;
+      },
+      false);
+}
+
 // The common case of add: a box of the very type that the list keeps unboxed, and room for it.
 inline bool appendToOwnStorage(ListData& list, void* value) {
   SmallPrimitiveBuffer& buffer = list.primitive;
-  if (buffer.size >= buffer.capacity || !vc::storeBoxOfSameType(list, buffer.size, value)) return false;
+  if (buffer.size >= buffer.capacity || !vc::storeBoxOfSameType(list, buffer.data, buffer.size, value)) return false;
   ++buffer.size;
   return true;
 }
@@ -65,6 +115,12 @@ inline bool appendToUntypedHandles(ListData& list, void* value) {
 [[gnu::noinline]] void lockedAddInt(ListData& list, long long value) {
   const ListDataLock lock(list);
   if (!appendToIntStorage(list, value)) appendRawValue(list, intValue(value));
+}
+
+template <class Value>
+[[gnu::noinline]] void lockedAddRaw(ListData& list, Value value, const vc::ElementType& type) {
+  const ListDataLock lock(list);
+  appendRawValue(list, {type.kind, type.name, integerReading(value), static_cast<double>(value)});
 }
 
 // The kind and name of a raw append's type argument.
@@ -95,17 +151,17 @@ void vorn_collections_ArrayList_addInt(void* list, long long value) {
 void vorn_collections_ArrayList_addPrimitiveI64(void* list, long long value, const char* typeName) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
-  const ListDataLock lock(data);
-  const vc::ElementType type = rawElementType(typeName, {PrimitiveKind::Int, "Int"}, PrimitiveKind::Long);
-  appendRawValue(data, {type.kind, type.name, value, static_cast<double>(value)});
+  if (!data.synchronized && appendToStorageOf(data, typeName != nullptr ? typeName : "Int", value)) [[likely]]
+    return;
+  lockedAddRaw(data, value, rawElementType(typeName, {PrimitiveKind::Int, "Int"}, PrimitiveKind::Long));
 }
 
 void vorn_collections_ArrayList_addPrimitiveDouble(void* list, double value, const char* typeName) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
-  const ListDataLock lock(data);
-  const vc::ElementType type = rawElementType(typeName, {PrimitiveKind::Double, "Double"}, PrimitiveKind::Double);
-  appendRawValue(data, {type.kind, type.name, vc::truncateToI64(value), value});
+  if (!data.synchronized && appendToStorageOf(data, typeName != nullptr ? typeName : "Double", value)) [[likely]]
+    return;
+  lockedAddRaw(data, value, rawElementType(typeName, {PrimitiveKind::Double, "Double"}, PrimitiveKind::Double));
 }
 
 void vorn_collections_ArrayList_addPrimitiveBool(void* list, bool value) {

@@ -1,12 +1,13 @@
-// Reading a foreign collection element by element; shared by lists and arrays.
+// Reading a foreign collection whole; shared by lists and arrays.
 #pragma once
 
-#include "collections/core/roots.h"
+#include "collections/arraylist/collected_values.h"
 
-// Appends the elements of a list, array, immutable list or tuple, boxed; false for anything else. Each element is read
-// through the class's own native, which locks by itself; the collection is not frozen in between. The vector belongs
-// to a HandleVector. Allocates.
-bool collectOrderedCollectionValues(void* value, vorn::collections::HandleVector::Storage& values);
+// Collects the elements of a list, array, immutable list or tuple into empty values; false for anything else. It takes
+// one copy under the collection's lock, so that it is linear whatever the class and sees one moment of it; only tuples,
+// which do not change, are read item by item, and values.complete() tells when an item raised. An unsynchronised
+// collection lends its elements, unless it is the `receiver`: the one that the caller is going to change. Allocates.
+bool collectOrderedCollectionValues(void* value, const void* receiver, vorn::collections::CollectedValues& values);
 
 // The same, and hash sets too.
-bool collectListInsertionValues(void* value, vorn::collections::HandleVector::Storage& values);
+bool collectListInsertionValues(void* value, const void* receiver, vorn::collections::CollectedValues& values);

@@ -1,14 +1,16 @@
 // Reading boxed elements by position while user code may change the list between two reads.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "collections/core/list_data.h"
 
 namespace vorn::collections {
 
-// Remembers the linked node of the last position, so that walking a linked list in either direction costs one step an
-// element; a change of the node structure in between makes it find the position anew.
+// Remembers the linked node of the last position and goes on from there when that is nearer than either end, so that
+// visiting positions of a linked list in order costs no more steps than there are nodes between the first and the last;
+// a change of the node structure in between makes it find the position anew.
 class ObjectCursor {
  public:
   explicit ObjectCursor(ListData& list) : list_(list) {}
@@ -28,12 +30,15 @@ class ObjectCursor {
  private:
   LinkedHandles::Node* nodeAt(std::uint64_t index) {
     LinkedHandles& nodes = list_.linkedObjects;
-    if (node_ == nullptr || changes_ != nodes.changes || index + 1 < index_ || index > index_ + 1) {
+    const std::uint64_t distance = index > index_ ? index - index_ : index_ - index;
+    const std::uint64_t fromEnd = std::min(index, nodes.count - index);
+    if (node_ == nullptr || changes_ != nodes.changes || distance > fromEnd) {
       node_ = nodes.nodeAt(index);
-    } else if (index > index_) {
-      node_ = static_cast<LinkedHandles::Node*>(node_->next);
-    } else if (index < index_) {
-      node_ = static_cast<LinkedHandles::Node*>(node_->previous);
+    } else {
+      LinkedHandles::Links* at = node_;
+      for (; index_ < index; ++index_) at = at->next;
+      for (; index_ > index; --index_) at = at->previous;
+      node_ = static_cast<LinkedHandles::Node*>(at);
     }
     index_ = index;
     changes_ = nodes.changes;

@@ -16,11 +16,14 @@ using vc::PrimitiveKind;
 namespace {
 
 // A uniform number below `bound`: draws from the lowest 2^64 mod bound values are rejected, so that the rest divide
-// evenly.
+// evenly. That threshold is below the bound, so a draw that is not needs no second division; the others are one in 2^64
+// divided by the bound.
 std::uint64_t randomBelow(std::uint64_t bound) {
-  const std::uint64_t threshold = (0 - bound) % bound;
   std::uint64_t draw = nextFastRandomU64();
-  while (draw < threshold) draw = nextFastRandomU64();
+  if (draw < bound) [[unlikely]] {
+    const std::uint64_t threshold = (0 - bound) % bound;
+    while (draw < threshold) draw = nextFastRandomU64();
+  }
   return draw % bound;
 }
 

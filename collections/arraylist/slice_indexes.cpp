@@ -20,38 +20,33 @@ long long backwardBound(bool given, long long bound, long long length, long long
 // How many steps of `stride` fit in a positive distance, the first position included.
 std::uint64_t positionsIn(std::uint64_t distance, std::uint64_t stride) { return (distance - 1) / stride + 1; }
 
-}  // namespace
-
+// Both bounds of a positive step, in [0, length].
 SliceBounds clampForwardBounds(long long length, long long start, long long stop, bool hasStart, bool hasStop) {
   return {hasStart ? std::min(fromEnd(start, length, 0), length) : 0,
           hasStop ? std::min(fromEnd(stop, length, 0), length) : length};
 }
 
-SliceSequence sliceSequence(long long length, long long start, long long stop, long long step, bool hasStart,
-                            bool hasStop) {
-  if (step == 0 || length < 0) return {};
-  if (step > 0) {
-    const auto [low, high] = clampForwardBounds(length, start, stop, hasStart, hasStop);
-    if (high <= low) return {};
-    return {low, step, positionsIn(static_cast<std::uint64_t>(high - low), static_cast<std::uint64_t>(step))};
-  }
-  const long long first = backwardBound(hasStart, start, length, length - 1);
-  const long long last = backwardBound(hasStop, stop, length, -1);
-  if (last >= first) return {};
-  // Negating in unsigned arithmetic is exact for the smallest step too.
-  return {first, step, positionsIn(static_cast<std::uint64_t>(first - last), 0 - static_cast<std::uint64_t>(step))};
+}  // namespace
+
+SliceBounds SliceExpression::forwardBounds(std::uint64_t length) const {
+  return clampForwardBounds(static_cast<long long>(length), start, stop, startGiven != nullptr, stopGiven != nullptr);
 }
 
 }  // namespace vorn::collections
 
-std::vector<long long> computeSliceIndexes(long long length, long long start, long long stop, long long step,
-                                           bool hasStart, bool hasStop) {
-  const auto sequence = vorn::collections::sliceSequence(length, start, stop, step, hasStart, hasStop);
-  std::vector<long long> positions(sequence.count);
-  auto position = static_cast<std::uint64_t>(sequence.first);
-  for (long long& slot : positions) {
-    slot = static_cast<long long>(position);
-    position += static_cast<std::uint64_t>(sequence.step);  // wraps at most after the last position
+namespace vc = vorn::collections;
+
+vc::SlicePositions computeSliceIndexes(long long length, long long start, long long stop, long long step, bool hasStart,
+                                       bool hasStop) {
+  if (step == 0 || length < 0) return {};
+  if (step > 0) {
+    const auto [low, high] = vc::clampForwardBounds(length, start, stop, hasStart, hasStop);
+    if (high <= low) return {};
+    return {low, step, vc::positionsIn(static_cast<std::uint64_t>(high - low), static_cast<std::uint64_t>(step))};
   }
-  return positions;
+  const long long first = vc::backwardBound(hasStart, start, length, length - 1);
+  const long long last = vc::backwardBound(hasStop, stop, length, -1);
+  if (last >= first) return {};
+  // Negating in unsigned arithmetic is exact for the smallest step too.
+  return {first, step, vc::positionsIn(static_cast<std::uint64_t>(first - last), 0 - static_cast<std::uint64_t>(step))};
 }

@@ -7,28 +7,22 @@
 using vorn::collections::HandleVector;
 using vorn::collections::PrimitiveKind;
 
-namespace {
+namespace vorn::collections {
 
-// Boxes `n` elements at `data`. Nothing collected but the boxes is touched, so `data` may be collected memory that the
-// caller keeps alive.
-void appendBoxes(PrimitiveKind kind, RuntimeTypeName typeName, const unsigned char* data, std::uint64_t n,
+void appendBoxes(PrimitiveKind kind, std::string_view typeName, const unsigned char* elements, std::uint64_t n,
                  HandleVector::Storage& values) {
   values.reserve(values.size() + n);
-  vorn::collections::visitKind(kind, [&](auto tag) {
+  visitKind(kind, [&](auto tag) {
     for (std::uint64_t i = 0; i < n; ++i) {
-      values.push_back(boxPrimitiveListValue(kind, typeName.get(), vorn::collections::readElementI64(tag, data, i),
-                                             vorn::collections::readElementF64(tag, data, i)));
+      values.push_back(
+          boxPrimitiveListValue(kind, typeName, readElementI64(tag, elements, i), readElementF64(tag, elements, i)));
     }
   });
 }
 
-}  // namespace
-
-namespace vorn::collections {
-
 void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values) {
   if (list.primitiveKind == PrimitiveKind::None) return list.copyObjectsTo(values);
-  appendBoxes(list.primitiveKind, list.primitiveType, list.primitive.data, list.primitive.size, values);
+  appendBoxes(list.primitiveKind, list.primitiveType.get(), list.primitive.data, list.primitive.size, values);
 }
 
 }  // namespace vorn::collections
@@ -48,14 +42,6 @@ void snapshotListStorage(void* list, ListStorageSnapshot& snapshot) {
   if (data.primitiveKind == PrimitiveKind::None) return data.copyObjectsTo(*snapshot.objects);
   const unsigned char* elements = data.primitive.data;
   snapshot.elements.assign(elements, elements + data.primitive.size * data.primitive.elementSize);
-}
-
-void appendSnapshotObjects(const ListStorageSnapshot& snapshot, HandleVector::Storage& values) {
-  if (snapshot.primitiveKind == PrimitiveKind::None) {
-    values.insert(values.end(), snapshot.objects->begin(), snapshot.objects->end());
-  } else {
-    appendBoxes(snapshot.primitiveKind, snapshot.primitiveType, snapshot.elements.data(), snapshot.size(), values);
-  }
 }
 
 HandleVector::Storage snapshotListObjectValues(ListData& list) {

@@ -4,6 +4,7 @@
 #include <vorn/collections/export.h>
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "collections/core/list_data.h"
@@ -20,14 +21,16 @@ struct ListStorageSnapshot {
 // Fills an empty snapshot; a null list leaves it empty with no kind. Allocates for boxed storage.
 void snapshotListStorage(void* list, ListStorageSnapshot& snapshot);
 
-// Appends the snapshot's elements as handles, boxing unboxed ones. Allocates.
-void appendSnapshotObjects(const ListStorageSnapshot& snapshot, vorn::collections::HandleVector::Storage& values);
-
 // The list's elements as handles, in order, read under its lock; unboxed elements are boxed under their type name. For
 // other modules of the runtime: the caller stores the vector in rooted memory before it allocates again. Allocates.
 VORN_EXPORT vorn::collections::HandleVector::Storage snapshotListObjectValues(ListData& list);
 
 namespace vorn::collections {
+
+// Appends `n` elements of a kind as boxes under a name. Nothing collected but the boxes is touched, so `elements` may
+// be collected memory that the caller keeps alive. Allocates.
+void appendBoxes(ListData::PrimitiveKind kind, std::string_view typeName, const unsigned char* elements,
+                 std::uint64_t n, HandleVector::Storage& values);
 
 // Appends the elements of a list's live storage as handles; the caller holds the lock. Allocates.
 void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values);

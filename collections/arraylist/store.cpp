@@ -17,13 +17,6 @@ bool keepsUnboxed(const ListData& list, const BulkPrimitiveListValue& value) {
   return list.primitiveKind == value.kind && list.primitiveType == value.typeName;
 }
 
-// The raw value to write over an element of unboxed storage, when the storage can keep it: the value as the declared
-// type, else as its own.
-bool rawReplacement(const ListData& list, void* value, BulkPrimitiveListValue& raw) {
-  return (listValueToDeclaredPrimitiveValue(list, value, raw) && keepsUnboxed(list, raw)) ||
-         (objectToPrimitiveListValue(value, raw) && keepsUnboxed(list, raw));
-}
-
 void insertBoxed(ListData& list, std::uint64_t index, void* value) {
   materializePrimitiveList(list, 1);
   if (list.linked) {
@@ -34,6 +27,11 @@ void insertBoxed(ListData& list, std::uint64_t index, void* value) {
 }
 
 }  // namespace
+
+bool rawReplacement(const ListData& list, void* value, BulkPrimitiveListValue& raw) {
+  return (listValueToDeclaredPrimitiveValue(list, value, raw) && keepsUnboxed(list, raw)) ||
+         (objectToPrimitiveListValue(value, raw) && keepsUnboxed(list, raw));
+}
 
 void appendValueOrRaise(ListData& list, void* value) {
   BulkPrimitiveListValue raw;
@@ -63,7 +61,7 @@ void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
 }
 
 void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
-  if (storeBoxOfSameType(list, index, value)) return;
+  if (storeBoxOfSameType(list, list.primitive.data, index, value)) return;
   BulkPrimitiveListValue raw;
   if (list.primitiveKind != PrimitiveKind::None && rawReplacement(list, value, raw)) {
     return primitiveListWrite(list, index, raw.integer, raw.floating);

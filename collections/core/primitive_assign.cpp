@@ -41,12 +41,18 @@ void fillElements(Tag tag, unsigned char* data, const Value* values, std::uint64
   }
 }
 
+long long integerReading(long long value) { return value; }
+long long integerReading(double value) { return truncateToI64(value); }
+
+// One look at the name serves all values.
 template <class Value>
 bool checkCharacterRangesOrRaise(std::string_view typeName, const Value* values, std::uint64_t n) {
-  if (values == nullptr || (typeName != "Char" && typeName != "CodeUnit")) return true;
-  return std::all_of(values, values + n, [&](Value value) {
-    return checkCharacterRangeOrRaise(typeName, rawValue(PrimitiveKind::None, {}, value).integer);
-  });
+  const AcceptedValues accepted = storableValues(typeName);
+  if (values == nullptr || accepted.containsAllOf(PrimitiveKind::Long)) return true;
+  const Value* const end = values + n;
+  const Value* const refused =
+      std::find_if(values, end, [&](Value value) { return !accepted.contains(integerReading(value)); });
+  return refused == end || checkCharacterRangeOrRaise(typeName, integerReading(*refused));
 }
 
 template <class Value>

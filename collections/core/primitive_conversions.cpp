@@ -9,6 +9,7 @@
 #include "collections/core/primitive_kinds.h"
 #include "collections/core/roots.h"
 
+using vorn::collections::AcceptedValues;
 using vorn::collections::declaredElementType;
 using vorn::collections::ElementType;
 using vorn::collections::isFloatingKind;
@@ -22,17 +23,22 @@ constexpr const char* kValueField = "_value";
 constexpr std::string_view kCodeUnit = "CodeUnit";
 constexpr std::string_view kChar = "Char";
 
-// Whether an integer kind can hold the value. ULong holds the non-negative half: its upper half cannot be told from
+// The integers that an integer kind can hold. ULong holds the non-negative half: its upper half cannot be told from
 // negative numbers in a signed pair.
-bool fitsIntegerKind(PrimitiveKind kind, long long integer) {
-  if (kind == PrimitiveKind::ULong) return integer >= 0;
+AcceptedValues integersOf(PrimitiveKind kind) {
   return vorn::collections::visitKind(
       kind,
-      [&](auto tag) {
-        using Element = typename decltype(tag)::Element;
-        return static_cast<long long>(static_cast<Element>(integer)) == integer;
+      [](auto tag) {
+        using Limits = std::numeric_limits<typename decltype(tag)::Element>;
+        if constexpr (!isIntegerKind(decltype(tag)::kind)) {
+          return AcceptedValues{};
+        } else if constexpr (decltype(tag)::kind == PrimitiveKind::ULong) {
+          return AcceptedValues{0, std::numeric_limits<long long>::max()};
+        } else {
+          return AcceptedValues{Limits::min(), Limits::max()};
+        }
       },
-      false);
+      AcceptedValues{});
 }
 
 // Appends to object or linked storage, materialising first. The box comes first, so that its failure changes nothing,
@@ -82,15 +88,16 @@ bool convertToDeclared(const ElementType& declared, const BulkPrimitiveListValue
 
 // The declared-type gate. `own` is the unboxed value, null when it is no primitive box; for a primitive declared type
 // `converted` receives what it becomes there.
+bool accepts(const ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
+             BulkPrimitiveListValue& converted) {
+  if (declared.kind != PrimitiveKind::None) return own != nullptr && convertToDeclared(declared, *own, converted);
+  // The name is a suffix of a NUL-terminated one, or a literal.
+  return sameName(declared.name, "Object") || handle == nullptr || Vorn_isInstanceOf(handle, declared.name.data());
+}
+
 bool acceptedOrRaise(const ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
                      BulkPrimitiveListValue& converted) {
-  if (declared.kind != PrimitiveKind::None) {
-    if (own != nullptr && convertToDeclared(declared, *own, converted)) return true;
-  } else {
-    // The name is a suffix of a NUL-terminated one, or a literal.
-    if (sameName(declared.name, "Object") || handle == nullptr) return true;
-    if (Vorn_isInstanceOf(handle, declared.name.data())) return true;
-  }
+  if (accepts(declared, handle, own, converted)) return true;
   vorn::collections::errors::raiseElementTypeRefused(declared.name, Vorn_objectTypeName(handle));
   return false;
 }
@@ -132,34 +139,16 @@ bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
 
 bool convertPrimitiveListValueToDeclared(PrimitiveKind declaredKind, std::string_view declaredName,
                                          const BulkPrimitiveListValue& value, long long& integer, double& floating) {
-  const auto accept = [&](long long acceptedInteger, double acceptedFloating) {
-    integer = acceptedInteger;
-    floating = acceptedFloating;
-    return true;
-  };
-  const long long x = value.integer;
-  if (declaredKind == PrimitiveKind::Boolean) {
-    if (value.kind != PrimitiveKind::Boolean || !sameName(value.typeName, declaredName)) return false;
-    return accept(x != 0 ? 1 : 0, x != 0 ? 1.0 : 0.0);
+  const ElementType declared{declaredKind, declaredName};
+  if (!vorn::collections::acceptedValues(declared, {value.kind, value.typeName}).contains(value.integer)) return false;
+  if (isFloatingKind(declaredKind) && isFloatingKind(value.kind)) {
+    floating = value.floating;
+    integer = vorn::collections::truncateToI64(floating);
+  } else {
+    integer = declaredKind == PrimitiveKind::Boolean ? (value.integer != 0 ? 1 : 0) : value.integer;
+    floating = static_cast<double>(integer);
   }
-  if (sameName(declaredName, kCodeUnit)) {
-    if (!sameName(value.typeName, kCodeUnit) || static_cast<unsigned long long>(x) >= 0x10000) return false;
-    return accept(x, static_cast<double>(x));
-  }
-  if (sameName(value.typeName, kCodeUnit)) return false;
-  if (sameName(declaredName, kChar) || sameName(value.typeName, kChar)) {
-    if (!sameName(declaredName, value.typeName) || !vorn::collections::isUnicodeScalar(x)) return false;
-    return accept(x, static_cast<double>(x));
-  }
-  if (isIntegerKind(declaredKind)) {
-    if (!isIntegerKind(value.kind) || !fitsIntegerKind(declaredKind, x)) return false;
-    return accept(x, static_cast<double>(x));
-  }
-  if (isFloatingKind(declaredKind)) {
-    if (isFloatingKind(value.kind)) return accept(vorn::collections::truncateToI64(value.floating), value.floating);
-    if (isIntegerKind(value.kind) || value.kind == PrimitiveKind::Boolean) return accept(x, static_cast<double>(x));
-  }
-  return false;
+  return true;
 }
 
 bool rawPrimitiveValueToDeclared(const ListData& list, const BulkPrimitiveListValue& value,
@@ -206,6 +195,44 @@ bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handl
 }
 
 namespace vorn::collections {
+
+bool AcceptedValues::containsAllOf(PrimitiveKind kind) const {
+  // The upper half of ULong reads as negative.
+  const AcceptedValues held = kind == PrimitiveKind::ULong || !isIntegerKind(kind) ? all() : integersOf(kind);
+  return least <= held.least && greatest >= held.greatest && !scalarsOnly;
+}
+
+AcceptedValues acceptedValues(const ElementType& declared, const ElementType& value) {
+  constexpr AcceptedValues kNone;
+  if (declared.kind == PrimitiveKind::Boolean) {
+    return value.kind == PrimitiveKind::Boolean && sameName(value.name, declared.name) ? AcceptedValues::all() : kNone;
+  }
+  // The two character types match nothing but themselves.
+  const bool takesUnits = sameName(declared.name, kCodeUnit);
+  if (takesUnits || sameName(value.name, kCodeUnit)) {
+    return takesUnits && sameName(value.name, kCodeUnit) ? storableValues(kCodeUnit) : kNone;
+  }
+  const bool takesScalars = sameName(declared.name, kChar);
+  if (takesScalars || sameName(value.name, kChar)) {
+    return takesScalars && sameName(value.name, kChar) ? storableValues(kChar) : kNone;
+  }
+  if (isIntegerKind(declared.kind)) return isIntegerKind(value.kind) ? integersOf(declared.kind) : kNone;
+  const bool numeric = isFloatingKind(value.kind) || isIntegerKind(value.kind) || value.kind == PrimitiveKind::Boolean;
+  return isFloatingKind(declared.kind) && numeric ? AcceptedValues::all() : kNone;
+}
+
+AcceptedValues storableValues(std::string_view typeName) {
+  if (sameName(typeName, kCodeUnit)) return {0, 0xFFFF};
+  return sameName(typeName, kChar) ? AcceptedValues::scalars() : AcceptedValues::all();
+}
+
+bool declaredTypeAccepts(const ListData& list, void* handle) {
+  const ElementType declared = declaredElementType(list);
+  BulkPrimitiveListValue own;
+  BulkPrimitiveListValue raw;
+  const bool unboxed = declared.kind != PrimitiveKind::None && objectToPrimitiveListValue(handle, own);
+  return accepts(declared, handle, unboxed ? &own : nullptr, raw);
+}
 
 bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& value) {
   if (!checkCharacterRangeOrRaise(value.typeName, value.integer)) return false;

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
+#include "collections/core/element_types.h"
 #include "collections/core/list_data.h"
 
 // A value converted to a primitive kind. `typeName` is normalised and refers to the kinds table, to an interned name or
@@ -49,6 +51,35 @@ bool primitiveStorageCompatible(const ListData& list, ListData::PrimitiveKind ki
 void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value);
 
 namespace vorn::collections {
+
+// Which integers of one type another type takes. It depends on the two types alone, so that a whole run of values needs
+// one look at their names.
+struct AcceptedValues {
+  long long least = 0;
+  long long greatest = -1;  // below `least`: none
+  bool scalarsOnly = false;
+
+  static constexpr AcceptedValues all() {
+    return {std::numeric_limits<long long>::min(), std::numeric_limits<long long>::max()};
+  }
+  static constexpr AcceptedValues scalars() { return {0, 0x10FFFF, true}; }
+
+  [[nodiscard]] bool contains(long long integer) const {
+    return integer >= least && integer <= greatest && !(scalarsOnly && integer >= 0xD800 && integer <= 0xDFFF);
+  }
+  // Whether no value that storage of this kind can hold is refused, as its integer reading goes.
+  [[nodiscard]] bool containsAllOf(ListData::PrimitiveKind kind) const;
+};
+
+// The values of a type that convertPrimitiveListValueToDeclared takes. Floating values are all taken or none.
+AcceptedValues acceptedValues(const ElementType& declared, const ElementType& value);
+
+// The values of a type that storage of that very name may hold: all but for "Char" and "CodeUnit".
+AcceptedValues storableValues(std::string_view typeName);
+
+// Whether the declared element type takes the value; what ensureListValueMatchesDeclaredElementType asks before it
+// raises. Neither allocates nor runs user code.
+bool declaredTypeAccepts(const ListData& list, void* handle);
 
 // Makes an empty array-backed list keep values of this kind and name unboxed; false, after raising and with nothing
 // changed, when the value is a Char or CodeUnit out of range.

@@ -32,6 +32,21 @@ void gatherElements(const unsigned char* from, long long first, long long step, 
   });
 }
 
+void scatterElements(const unsigned char* from, std::uint64_t count, std::uint64_t width, unsigned char* to,
+                     long long first, long long step) {
+  auto position = static_cast<std::uint64_t>(first);
+  if (step == 1) {
+    std::memcpy(to + position * width, from, count * width);
+    return;
+  }
+  visitWidth(width, [&](auto bits) {
+    using Bits = decltype(bits);
+    for (std::uint64_t i = 0; i < count; ++i, position += static_cast<std::uint64_t>(step)) {
+      std::memcpy(to + position * sizeof(Bits), from + i * sizeof(Bits), sizeof(Bits));
+    }
+  });
+}
+
 void appendPrimitiveElements(const ListData& source, long long first, long long step, std::uint64_t count,
                              ListData& target) {
   SmallPrimitiveBuffer& to = target.primitive;

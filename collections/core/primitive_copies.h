@@ -15,6 +15,10 @@ void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint
 void gatherElements(const unsigned char* from, long long first, long long step, std::uint64_t count,
                     std::uint64_t width, unsigned char* to);
 
+// Copies `count` elements of the given width to positions first, first + step, ... of `to`, which does not overlap.
+void scatterElements(const unsigned char* from, std::uint64_t count, std::uint64_t width, unsigned char* to,
+                     long long first, long long step);
+
 // Appends source elements first, first + step, ... (`count` of them) to the target, which has room or gets it.
 // Allocates.
 void appendPrimitiveElements(const ListData& source, long long first, long long step, std::uint64_t count,

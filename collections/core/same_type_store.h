@@ -11,10 +11,10 @@
 
 namespace vorn::collections {
 
-// Stores the value of a box over element `index` of the buffer, which has room for it. False, with nothing stored, when
-// the value is not a box of exactly the type that the list keeps and, if it is typed, declares, or when it does not
-// fit: the ordinary path then decides. Takes no part in growing and sets no size.
-inline bool storeBoxOfSameType(ListData& list, std::uint64_t index, void* value) {
+// Stores the value of a box over element `index` of elements of the list's kind, the list's own or others. False, with
+// nothing stored, when the value is not a box of exactly the type that the list keeps and, if it is typed, declares, or
+// when it does not fit: the ordinary path then decides. Takes no part in growing and sets no size.
+inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, std::uint64_t index, void* value) {
   const RegisteredObject* box = getRegisteredObjectUnsafe(value);
   if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return false;
   const ElementType type = elementTypeOf(boxedTypeOf(*box));
@@ -25,7 +25,7 @@ inline bool storeBoxOfSameType(ListData& list, std::uint64_t index, void* value)
       [&](auto tag) {
         using Tag = decltype(tag);
         if constexpr (isFloatingKind(Tag::kind)) {
-          storeElement(tag, list.primitive.data, index, 0, std::bit_cast<double>(box->integer));
+          storeElement(tag, elements, index, 0, std::bit_cast<double>(box->integer));
           return true;
         } else {
           const long long integer = box->integer;
@@ -35,7 +35,7 @@ inline bool storeBoxOfSameType(ListData& list, std::uint64_t index, void* value)
               (Tag::kind == PrimitiveKind::ULong && integer < 0)) {
             return false;
           }
-          storeElement(tag, list.primitive.data, index, integer, 0.0);
+          storeElement(tag, elements, index, integer, 0.0);
           return true;
         }
       },

@@ -107,16 +107,27 @@ TEST_F(ArrayAllocation, CopyCtor_FailureLeavesTheTargetAndItsSizeField) {
   }
 }
 
-TEST_F(ArrayAllocation, CopyCtorOfAList_FailureLeavesAWholeArray) {
+TEST_F(ArrayAllocation, CopyCtorOfAList_FailureLeavesTheArrayAsItWas) {
   const Handle source = intList("ArrayListSync<Int>", Integers(50, 3));
-  const Handle target = sampleArray("Int", true, 3);
-  EXPECT_GE(sweepAllocationFailures([&] { vorn_collections_Array_copyCtor(target, source); },
-                                    [&] {
-                                      EXPECT_ARRAY_AT_REST(target);
-                                      EXPECT_LE(vorn_collections_Array_size(target), 50);
-                                    }),
-            50);
-  EXPECT_EQ(integersOf(target), Integers(50, 3));
+  const Handle ints = sampleArray("Int", true, 3);
+  const Handle objects = sampleArray("Object", true, 3);
+  for (const Handle& target : {ints, objects}) {
+    const ArrayState before(target);
+    const int failures = sweepAllocationFailures([&] { vorn_collections_Array_copyCtor(target, source); },
+                                                 [&] { EXPECT_ARRAY_UNTOUCHED(target, before); });
+    EXPECT_EQ(failures, target == ints ? 1 : 52) << "the block of slots, and for handles the boxes and their vector";
+    EXPECT_EQ(integersOf(target), Integers(50, 3));
+  }
+}
+
+TEST_F(ArrayAllocation, SliceAssignOfBoxes_FailureChangesNoSlot) {
+  const Handle source = intList("ArrayList<Int>", {7, 8});
+  const Handle target = sampleArray("Object", true, 3);
+  const ArrayState before(target);
+  EXPECT_EQ(sweepAllocationFailures([&] { arraySliceAssign(target, 0, 2, 1, source); },
+                                    [&] { EXPECT_ARRAY_UNTOUCHED(target, before); }),
+            3);
+  EXPECT_EQ(itemsOf(target), (Elements{"Int 7", "Int 8", "String s3"}));
 }
 
 TEST_F(ArrayAllocation, SortOfHandles_FailureLeavesTheOrder) {

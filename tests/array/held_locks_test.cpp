@@ -1,54 +1,11 @@
-// When the natives hold the lock of a synchronised array. The test program is linked so that the library's calls of
-// some runtime operations come here first.
+// When the natives hold the lock of a synchronised array.
 #include <functional>
 #include <string_view>
 #include <utility>
 
 #include "tests/array/array_cases.h"
+#include "tests/array/runtime_hooks.h"
 #include "tests/support/sequences.h"
-
-namespace vorn::tests {
-namespace {
-// Called with the operation's name.
-std::function<void(std::string_view)>* onRuntimeCall = nullptr;
-
-void notify(std::string_view operation) {
-  if (onRuntimeCall != nullptr) (*onRuntimeCall)(operation);
-}
-}  // namespace
-}  // namespace vorn::tests
-
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" {
-void __real_Vorn_raise(const char* exceptionClass, const char* message);
-void* __real_Vorn_allocObject(const char* className);
-void* __real__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(std::string_view text);
-void* __real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(std::string_view type, long long value);
-void* __real__Z20boxFloatingLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEd(std::string_view type, double value);
-
-void __wrap_Vorn_raise(const char* exceptionClass, const char* message) {
-  vorn::tests::notify("raise");
-  __real_Vorn_raise(exceptionClass, message);
-}
-void* __wrap_Vorn_allocObject(const char* className) {
-  vorn::tests::notify("object");
-  return __real_Vorn_allocObject(className);
-}
-void* __wrap__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(std::string_view text) {
-  vorn::tests::notify("string");
-  return __real__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(text);
-}
-void* __wrap__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(std::string_view type,
-                                                                                long long value) {
-  vorn::tests::notify("integer box");
-  return __real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(type, value);
-}
-void* __wrap__Z20boxFloatingLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEd(std::string_view type, double value) {
-  vorn::tests::notify("floating box");
-  return __real__Z20boxFloatingLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEd(type, value);
-}
-}
-// NOLINTEND(bugprone-reserved-identifier)
 
 namespace vorn::tests {
 namespace {
@@ -135,16 +92,24 @@ TEST_F(ArrayHeldLocks, NewArrays_AreMadeBeforeTheLock) {
   EXPECT_EQ(operationsOf(ints, [&] { vorn_collections_Array_concat(ints, source); }), unlocked);
 }
 
-// A source's elements are boxed under its own lock, while the receiver's is free.
-TEST_F(ArrayHeldLocks, OtherCollections_AreGatheredBeforeTheReceiverIsLocked) {
+TEST_F(ArrayHeldLocks, UnboxedSlots_TakeUnboxedElementsWithoutABox) {
   const Handle target = intArray("ArraySync<Int>", {1, 2});
+  const Handle source = intArray("ArraySync<Int>", {3, 4});
+  EXPECT_EQ(operationsOf(target, [&] { vorn_collections_Array_concat(target, source); }),
+            Operations{"object unlocked"});
+  EXPECT_EQ(operationsOf(target, [&] { arraySliceAssign(target, 0, 2, 1, source); }), Operations{});
+}
+
+// The source is copied as it is, and boxes are made for the receiver when the source is free again.
+TEST_F(ArrayHeldLocks, OtherCollections_AreFreeWhileTheReceiverIsLocked) {
+  const Handle target = newArray("ArraySync", 2);
   const Handle source = intArray("ArraySync<Int>", {3, 4});
   const auto concatenate = [&] { vorn_collections_Array_concat(target, source); };
   const auto assign = [&] { arraySliceAssign(target, 0, 2, 1, source); };
-  EXPECT_EQ(operationsOf(target, concatenate), (Operations{"integer box unlocked", "object unlocked"}));
-  EXPECT_EQ(operationsOf(source, concatenate), (Operations{"integer box locked", "object unlocked"}));
-  EXPECT_EQ(operationsOf(target, assign), Operations{"integer box unlocked"});
-  EXPECT_EQ(operationsOf(source, assign), Operations{"integer box locked"});
+  EXPECT_EQ(operationsOf(target, concatenate), (Operations{"object unlocked", "integer box locked"}));
+  EXPECT_EQ(operationsOf(source, concatenate), (Operations{"object unlocked", "integer box unlocked"}));
+  EXPECT_EQ(operationsOf(target, assign), Operations{"integer box locked"});
+  EXPECT_EQ(operationsOf(source, assign), Operations{"integer box unlocked"});
 }
 
 TEST_F(ArrayHeldLocks, Texts_AreMadeAndRefusedUnderTheLock) {

@@ -1,5 +1,6 @@
 // Memory exhaustion at every allocation of the whole-list operations: std::bad_alloc, the lists as they were, unlocked.
 #include "tests/arraylist/bulk_cases.h"
+#include "tests/support/sequences.h"
 
 namespace vorn::tests {
 namespace {
@@ -81,8 +82,10 @@ TEST_F(BulkAllocationFailure, Slice) {
 }
 
 TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCount) {
-  const Handle source = intList("ArrayList", {1, 2, 3});
-  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, source); });
+  const Handle unboxed = intList("ArrayList", {1, 2, 3});
+  const Handle boxed = list("LinkedList", {integer("Int", 1), integer("Int", 2), integer("Int", 3)});
+  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, unboxed); }, 0);
+  sweepEveryStorage([&](void* target) { sliceAssign(target, 1, 4, 1, boxed); });
 }
 
 TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCountThatMaterialises) {
@@ -91,6 +94,51 @@ TEST_F(BulkAllocationFailure, SliceAssignOfTheSameCountThatMaterialises) {
   EXPECT_GT(sweepFailuresOnList(target, [&] { sliceAssign(target, 0, 2, 1, words); }), 0);
   EXPECT_EQ(storageOf(target), "objects");
   EXPECT_AT_REST(target);
+}
+
+// The first values would fit the unboxed storage: none of them may be there when there is no memory for what follows.
+TEST_F(BulkAllocationFailure, SliceAssignThatMaterialisesLate) {
+  const Handle sources[] = {
+      list("ArrayList", {integer("Int", 91), integer("Int", 92), string("a"), integer("Int", 93)}),
+      list("LinkedListSync", {integer("Int", 91), integer("Int", 92), nullptr, integer("Long", 93)}),
+      tupleOf({integer("Int", 91), integer("Int", 92), string("a"), string("b")})};
+  for (const Handle& source : sources) {
+    for (const long long step : {1LL, -1LL, 2LL}) {
+      const Handle target = object("ArrayListSync");
+      for (int i = 0; i < (step == 2 ? 8 : 4); ++i) vorn_collections_ArrayList_addInt(target, i);
+      EXPECT_GT(sweepFailuresOnList(target, [&] { sliceAssign(target, kOmitted, kOmitted, step, source); }), 5);
+      EXPECT_EQ(elementsOf(slice(target, kOmitted, kOmitted, step)).front(), "Int 91");
+      EXPECT_EQ(storageOf(target), "objects");
+      EXPECT_AT_REST(target);
+    }
+  }
+}
+
+TEST_F(BulkAllocationFailure, SliceAssignOfUnboxedValuesToBoxedLists) {
+  const Handle source = rawList("ArrayList", "Short", {1, 2, 3});
+  for (const char* type : {"ArrayList", "LinkedListSync"}) {
+    const Handle target = list(type, {string("a"), nullptr, string("c")});
+    EXPECT_EQ(sweepFailuresOnList(target, [&] { sliceAssign(target, kOmitted, kOmitted, 1, source); }), 4);
+    EXPECT_EQ(elementsOf(target), (Elements{"Short 1", "Short 2", "Short 3"}));
+  }
+  const Handle target = rawList("ArrayList", "Int", {1, 2, 3});
+  EXPECT_GT(sweepFailuresOnList(target, [&] { sliceAssign(target, kOmitted, kOmitted, 1, source); }), 6);
+  EXPECT_EQ(elementsOf(target), (Elements{"Short 1", "Short 2", "Short 3"}));
+}
+
+// Refusing takes a box, which must be there before the accepted values are assigned.
+TEST_F(BulkAllocationFailure, SliceAssignThatIsRefused) {
+  const Handle source = rawList("ArrayList", "Long", {91, 1LL << 40, 92});
+  const Handle target = rawList("ArrayListSync<Int>", "Int", {1, 2, 3});
+  const Snapshot before(target);
+  vorn_heap_fail_allocation(0);
+  EXPECT_THROW(sliceAssign(target, kOmitted, kOmitted, 1, source), std::bad_alloc);
+  vorn_heap_fail_allocation(-1);
+  EXPECT_NOTHING_RAISED();
+  EXPECT_UNTOUCHED(target, before);
+  sliceAssign(target, kOmitted, kOmitted, 1, source);
+  EXPECT_RAISED(listTypeError("Int", "vorn.Long"));
+  EXPECT_EQ(elementsOf(target), (Elements{"Int 91", "Int 2", "Int 3"}));
 }
 
 TEST_F(BulkAllocationFailure, SliceAssignOfAnotherCount) {

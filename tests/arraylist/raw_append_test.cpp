@@ -1,7 +1,7 @@
 // The appends of unboxed values: addInt, addPrimitiveI64, addPrimitiveDouble, addPrimitiveBool and addIntToData.
 #include <limits>
 
-#include "tests/arraylist/list_cases.h"
+#include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {
 namespace {
@@ -387,6 +387,35 @@ TEST_F(RawAppend, AddPrimitiveDouble_IntoAnIntegerList_FollowsItsOwnKind) {
 }
 
 // ---- addPrimitiveBool and addIntToData ------------------------------------------------------------------------------
+
+// A name under its module is the same type, and takes the long way round.
+TEST_F(RawAppend, ShortAndFullNames_AreOneType) {
+  std::vector<std::string> declared = primitiveNames();
+  declared.insert(declared.end(), {"", "Object", "String"});
+  for (const std::string& type : declared) {
+    for (const std::string& kept : primitiveNames()) {
+      for (const std::string& name : primitiveNames()) {
+        if (onStressHeap() && name != kept) continue;
+        const std::string fullName = "vorn." + name;
+        const Handle one = rawList(className(false, false, type), kept.c_str(), {66});
+        const Handle other = rawList(className(false, false, type), kept.c_str(), {66});
+        for (const long long value : {5LL, 300LL, 70000LL, -1LL, 0xD800LL, 1LL << 40}) {
+          addI64(one, value, name.c_str());
+          const Elements errors = takeErrors();
+          addI64(other, value, fullName.c_str());
+          EXPECT_EQ(errors, takeErrors());
+          addDouble(one, static_cast<double>(value) + 0.5, name.c_str());
+          const Elements floatingErrors = takeErrors();
+          addDouble(other, static_cast<double>(value) + 0.5, fullName.c_str());
+          EXPECT_EQ(floatingErrors, takeErrors());
+        }
+        ASSERT_EQ(elementsOf(one), elementsOf(other)) << type << " keeping " << kept << " given " << name;
+        ASSERT_EQ(storageOf(one), storageOf(other));
+        EXPECT_EQ(kindOf(one), kindOf(other));
+      }
+    }
+  }
+}
 
 TEST_F(RawAppend, AddPrimitiveBool_IgnoresTheDeclaredType) {
   for (const char* type : {"ArrayList", "ArrayList<Boolean>", "ArrayList<Int>", "ArrayList<Double>"}) {

@@ -182,6 +182,19 @@ TEST_F(Shuffle, DrawBelowTheThreshold_IsRejected) {
   for (int i = 0; i < 3; ++i) EXPECT_EQ(vorn_collections_ArrayList_getInt(target, i), expected[i]);
 }
 
+// The same draw is below every bound, but a bound that divides 2^64 rejects none.
+TEST_F(Shuffle, DrawBelowTheBoundButNotBelowTheThreshold_Counts) {
+  std::uint64_t& generator = runtime::attachedThread().randomState;
+  const Handle target = intList("ArrayList<Int>", {0, 1, 2, 3});
+  generator = 0 - runtime::kRandomStep;
+  std::uint64_t expectedState = generator;
+  const std::vector<long long> expected = shuffledByHand(expectedState, 4);
+  vorn_collections_ArrayList_shuffle(target);
+  EXPECT_EQ(generator, expectedState);
+  EXPECT_EQ(generator, 2 * runtime::kRandomStep) << "three draws, and the first is 0";
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(vorn_collections_ArrayList_getInt(target, i), expected[i]);
+}
+
 // The order after one shuffle is counted relative to the order before it: absolute orders of a list that is shuffled
 // over and over even out under a biased shuffle as well.
 double chiSquareOverAllOrders(void* target, int rounds) {

@@ -1,10 +1,17 @@
 // sliceAssign: element-wise assignment, replaced ranges, and every error.
 #include "tests/arraylist/bulk_cases.h"
+#include "tests/support/sequences.h"
 
 namespace vorn::tests {
 namespace {
 
 class SliceAssign : public RuntimeTest {};
+
+// A list of this type filled with unboxed values of that element type.
+struct Filler {
+  const char* type;
+  const char* element;
+};
 
 constexpr const char* kIntTypes[] = {"ArrayList<Int>", "ArrayListSync<Int>", "LinkedList<Int>", "LinkedListSync<Int>"};
 
@@ -201,6 +208,49 @@ TEST_F(SliceAssign, RefusedValue_StopsThereAndEarlierOnesStay) {
       EXPECT_AT_REST(target);
     }
   }
+}
+
+// The same values one by one through operator_index_eq.
+Elements assignedOneByOne(void* list, const std::vector<Handle>& values) {
+  for (std::size_t i = 0; i < values.size() && vorn_error_count() == 0; ++i) {
+    vorn_collections_ArrayList_operator_index_eq(list, static_cast<long long>(i), values[i]);
+  }
+  return takeErrors();
+}
+
+// Values of all sorts in all orders of four: what fits, what is converted, what materialises, what is refused.
+TEST_F(SliceAssign, SameCount_IsWhatSingleWritesAre) {
+  const std::vector<Handle> palette = {
+      integer("Int", 91),   integer("Byte", 92),     integer("Byte", 300),    string("x"),  nullptr,
+      integer("Char", 'c'), integer("Char", 0xD800), floating("Double", 1.5), boolean(true)};
+  const Filler kFillers[] = {
+      {"ArrayList<Int>", "Int"},   {"ArrayList", "Int"},          {"ArrayList<Double>", "Double"},
+      {"ArrayList<Byte>", "Byte"}, {"ArrayList<Byte>", "Int"},    {"ArrayList<Char>", "Char"},
+      {"ArrayList", "Char"},       {"ArrayList<String>", "Int"},  {"LinkedList<Int>", "Int"},
+      {"LinkedListSync", "Int"},   {"ArrayListSync", "CodeUnit"}, {"ArrayList<Object>", "Float"}};
+  for (const auto& [type, element] : kFillers) {
+    for (std::size_t order = 0; order < palette.size() * palette.size() * palette.size(); ++order) {
+      if (onStressHeap() && order % 29 != 0) continue;
+      const std::size_t n = palette.size();
+      const std::vector<Handle> values = {palette[order % n], palette[order / n % n], palette[order / n / n]};
+      const Handle target = rawList(type, element, {65, 66, 67, 68});
+      const Handle other = rawList(type, element, {65, 66, 67, 68});
+      sliceAssign(target, 0, 3, 1, tupleOf(values));
+      const Elements errors = takeErrors();
+      ASSERT_EQ(errors, assignedOneByOne(other, values)) << type << " " << ::testing::PrintToString(elementsOf(target));
+      ASSERT_EQ(elementsOf(target), elementsOf(other)) << type << " of " << element;
+      ASSERT_EQ(storageOf(target), storageOf(other)) << type;
+      EXPECT_AT_REST(target);
+    }
+  }
+}
+
+TEST_F(SliceAssign, ValueThatWouldMaterialise_BehindARefusedOne_LeavesTheStorage) {
+  const Handle target = rawList("ArrayList", "Char", {65, 66, 67});
+  sliceAssign(target, kOmitted, kOmitted, 1, tupleOf({integer("Char", 97), integer("Char", 0xD800), string("x")}));
+  EXPECT_RAISED(kCharError);
+  EXPECT_EQ(elementsOf(target), (Elements{"Char 97", "Char 66", "Char 67"}));
+  EXPECT_EQ(storageOf(target), "Char");
 }
 
 TEST_F(SliceAssign, NullList_DoesNothing) {

@@ -39,8 +39,11 @@ Positions expectedPositions(long long length, Bound start, Bound stop, long long
 
 // The positions of start:stop:step; omitted bounds carry the number `junk`.
 Positions positionsOf(long long length, Bound start, Bound stop, long long step, long long junk = 77) {
-  return computeSliceIndexes(length, start.value_or(junk), stop.value_or(junk), step, start.has_value(),
-                             stop.has_value());
+  const auto selected =
+      computeSliceIndexes(length, start.value_or(junk), stop.value_or(junk), step, start.has_value(), stop.has_value());
+  Positions positions;
+  for (const long long position : selected) positions.push_back(position);
+  return positions;
 }
 
 std::string sliceText(long long length, Bound start, Bound stop, long long step) {
@@ -48,18 +51,17 @@ std::string sliceText(long long length, Bound start, Bound stop, long long step)
   return "[" + text(start) + ":" + text(stop) + ":" + std::to_string(step) + "] of " + std::to_string(length);
 }
 
-Positions expandSequence(long long length, Bound start, Bound stop, long long step, long long junk) {
-  const vorn::collections::SliceSequence sequence = vorn::collections::sliceSequence(
-      length, start.value_or(junk), stop.value_or(junk), step, start.has_value(), stop.has_value());
-  Positions positions;
-  Wide at = sequence.first;
-  for (std::uint64_t i = 0; i < sequence.count; ++i, at += sequence.step) {
-    positions.push_back(static_cast<long long>(at));
-  }
+// The same positions, looked up one by one and from the last on.
+Positions positionsByIndex(long long length, Bound start, Bound stop, long long step, long long junk) {
+  const auto selected =
+      computeSliceIndexes(length, start.value_or(junk), stop.value_or(junk), step, start.has_value(), stop.has_value());
+  EXPECT_EQ(selected.empty(), selected.size() == 0);
+  Positions positions(selected.size());
+  for (std::uint64_t i = selected.size(); i-- > 0;) positions[i] = selected[i];
   return positions;
 }
 
-// Whether vector, sequence and reference agree; the callers stop at the first slice that fails.
+// Whether the range, walked and looked up, agrees with the reference; the callers stop at the first slice that fails.
 ::testing::AssertionResult agreesWithReference(long long length, Bound start, Bound stop, long long step,
                                                long long junk = 77) {
   const Positions expected = expectedPositions(length, start, stop, step);
@@ -69,10 +71,10 @@ Positions expandSequence(long long length, Bound start, Bound stop, long long st
                                          << ::testing::PrintToString(actual) << " instead of "
                                          << ::testing::PrintToString(expected);
   }
-  const Positions sequence = expandSequence(length, start, stop, step, junk);
-  if (sequence != expected) {
-    return ::testing::AssertionFailure() << "as a sequence " << sliceText(length, start, stop, step) << " gives "
-                                         << ::testing::PrintToString(sequence) << " instead of "
+  const Positions byIndex = positionsByIndex(length, start, stop, step, junk);
+  if (byIndex != expected) {
+    return ::testing::AssertionFailure() << "by index " << sliceText(length, start, stop, step) << " gives "
+                                         << ::testing::PrintToString(byIndex) << " instead of "
                                          << ::testing::PrintToString(expected);
   }
   return ::testing::AssertionSuccess();
@@ -114,7 +116,7 @@ TEST_F(SliceIndexes, WorkedValuesOfFiveElements) {
   for (const Worked& worked : cases) {
     SCOPED_TRACE(sliceText(5, worked.start, worked.stop, worked.step));
     EXPECT_EQ(positionsOf(5, worked.start, worked.stop, worked.step), worked.positions);
-    EXPECT_EQ(expandSequence(5, worked.start, worked.stop, worked.step, 77), worked.positions);
+    EXPECT_EQ(positionsByIndex(5, worked.start, worked.stop, worked.step, 77), worked.positions);
     // The reference that the other tests trust.
     EXPECT_EQ(expectedPositions(5, worked.start, worked.stop, worked.step), worked.positions);
   }
@@ -174,7 +176,7 @@ TEST_F(SliceIndexes, ZeroStep_SelectsNothing) {
     for (const Bound start : {kOmitted, Bound(0), Bound(-1), Bound(LLONG_MIN)}) {
       for (const Bound stop : {kOmitted, Bound(3), Bound(-1), Bound(LLONG_MAX)}) {
         EXPECT_EQ(positionsOf(length, start, stop, 0), Positions{}) << sliceText(length, start, stop, 0);
-        EXPECT_EQ(expandSequence(length, start, stop, 0, 77), Positions{}) << sliceText(length, start, stop, 0);
+        EXPECT_EQ(positionsByIndex(length, start, stop, 0, 77), Positions{}) << sliceText(length, start, stop, 0);
       }
     }
   }
@@ -258,8 +260,10 @@ TEST_F(SliceIndexes, ForwardBounds_AreClampedIntoTheCollection) {
   for (const long long length : {0LL, 5LL, LLONG_MAX}) {
     for (const Bound start : extremeBounds()) {
       for (const Bound stop : extremeBounds()) {
-        const vorn::collections::SliceBounds bounds = vorn::collections::clampForwardBounds(
-            length, start.value_or(77), stop.value_or(77), start.has_value(), stop.has_value());
+        const int given = 0;
+        const vorn::collections::SliceExpression expression{start.value_or(77), stop.value_or(77), 1,
+                                                            start ? &given : nullptr, stop ? &given : nullptr};
+        const auto bounds = expression.forwardBounds(static_cast<std::uint64_t>(length));
         const std::string slice = sliceText(length, start, stop, 1);
         EXPECT_TRUE(bounds.start == (start ? clampedBound(length, *start, 0, length) : 0)) << slice;
         EXPECT_TRUE(bounds.stop == (stop ? clampedBound(length, *stop, 0, length) : Wide{length})) << slice;

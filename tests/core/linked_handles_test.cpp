@@ -104,6 +104,53 @@ TEST_F(LinkedHandlesTest, NodeAtFromHalfOnWalksBackward) {
   list_.sentinel.next = nodes[0];
 }
 
+TEST_F(LinkedHandlesTest, InsertionPointUpToHalfWalksForward) {
+  for (const std::uint64_t count : {4, 5}) {
+    list_.reset();
+    pushIntegers(static_cast<int>(count));
+    LinkedHandles::Links* const nodes[] = {list_.sentinel.next, list_.sentinel.next->next,
+                                           list_.sentinel.next->next->next};
+    auto* const last = list_.sentinel.previous;
+    Trap trap;
+    list_.sentinel.previous = &trap.node;
+    for (std::uint64_t index = 0; index <= count / 2; ++index) EXPECT_EQ(list_.insertionPoint(index), nodes[index]);
+    list_.sentinel.previous = last;
+  }
+}
+
+TEST_F(LinkedHandlesTest, InsertionPointBeyondHalfWalksBackward) {
+  for (const std::uint64_t count : {4, 5}) {
+    list_.reset();
+    pushIntegers(static_cast<int>(count));
+    auto* const first = list_.sentinel.next;
+    auto* const last = list_.sentinel.previous;
+    Trap trap;
+    list_.sentinel.next = &trap.node;
+    EXPECT_EQ(list_.insertionPoint(count), &list_.sentinel);
+    EXPECT_EQ(list_.insertionPoint(count - 1), last);
+    if (count == 5) {
+      EXPECT_EQ(list_.insertionPoint(3), last->previous);
+    }
+    list_.sentinel.next = first;
+  }
+}
+
+// The insertions go by that: a walk in the wrong direction would end beyond the trap, in whose place nothing is linked.
+TEST_F(LinkedHandlesTest, InsertAtWalksFromTheNearerEnd) {
+  pushIntegers(5);
+  auto* const first = list_.sentinel.next;
+  Trap trap;
+  list_.sentinel.next = &trap.node;
+  list_.insertAt(4, integer("Int", 35));
+  list_.sentinel.next = first;
+  EXPECT_EQ(integers(), (Integers{0, 1, 2, 3, 35, 4}));
+  auto* const last = list_.sentinel.previous;
+  list_.sentinel.previous = &trap.node;
+  list_.insertAt(2, integer("Int", 15));
+  list_.sentinel.previous = last;
+  EXPECT_EQ(integers(), (Integers{0, 1, 15, 2, 3, 35, 4}));
+}
+
 TEST_F(LinkedHandlesTest, InsertAtPutsTheHandleBeforeTheIndex) {
   list_.insertAt(0, integer("Int", 50));
   list_.insertAt(0, integer("Int", 10));

@@ -213,8 +213,8 @@ VORN_NATIVE void vorn_collections_ArrayList_reserve(void* list, long long n);
 
 /* ---- Whole lists and ranges -------------------------------------------------------------------------------------- */
 
-/* Two existing collections are never locked together: a source is copied out under its own lock before the list is
- * locked, so `addAll(a, a)` sees the list as it was. */
+/* Two existing collections are never locked together: a source is read whole, at one moment, under its own lock before
+ * the list is locked, so `addAll(a, a)` sees the list as it was. */
 
 /* Appends (inserts before `index`, 0 to the size) all values of a list, array, immutable list, tuple or set; anything
  * else raises TypeError "addAll expects a list, array, tuple or set". All values are accepted values before the first
