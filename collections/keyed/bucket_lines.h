@@ -18,6 +18,7 @@
 // code.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -45,17 +46,24 @@ struct alignas(16) BucketLine {
     ++used;
   }
 
-  // One bit for each slot that has the tag, the first slot's lowest.
+  // A bit for each slot that has the tag, for slotOf(); go on with `slots & (slots - 1)`.
   [[nodiscard]] std::uint32_t slotsWith(std::uint16_t tag) const {
 #if defined(__SSE2__)
     const __m128i own = _mm_load_si128(reinterpret_cast<const __m128i*>(tags));
     const __m128i equal = _mm_cmpeq_epi16(own, _mm_set1_epi16(static_cast<short>(tag)));
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(equal, _mm_setzero_si128())));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(equal)) & 0x5555;
 #else
     std::uint32_t slots = 0;
-    for (std::uint32_t slot = 0; slot < kSlots; ++slot) slots |= static_cast<std::uint32_t>(tags[slot] == tag) << slot;
+    for (std::uint32_t slot = 0; slot < kSlots; ++slot) {
+      slots |= static_cast<std::uint32_t>(tags[slot] == tag) << (2 * slot);
+    }
     return slots;
 #endif
+  }
+
+  // The first of those slots; there must be one.
+  [[nodiscard]] static std::uint32_t slotOf(std::uint32_t slots) {
+    return static_cast<std::uint32_t>(std::countr_zero(slots)) / 2;
   }
 };
 static_assert(sizeof(BucketLine) == 64, "a bucket is one cache line");
@@ -75,6 +83,9 @@ class BucketLines {
 
   // The first line of a hash's bucket; there must be buckets.
   [[nodiscard]] const BucketLine* firstLine(std::uint32_t hash) const { return &lines_[bucketOf(hash)]; }
+
+  // Asks for a bucket that is written to soon.
+  void prefetch(std::uint32_t hash) const { __builtin_prefetch(firstLine(hash), 1); }
 
   // The line after this one in its bucket, or null.
   [[nodiscard]] const BucketLine* nextLine(const BucketLine* line) const {

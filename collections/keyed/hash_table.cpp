@@ -22,6 +22,10 @@ constexpr std::uint64_t kBucketCounts[] = {
     3292489, 6584983, 13169977, 26339969, 52679969, 105359939, 210719881, 421439783,
 };
 
+// The buckets of a large table are asked for some elements ahead while it is filled.
+constexpr std::uint64_t kBucketsInCache = 8192;
+constexpr std::uint32_t kPrefetched = 8;
+
 }  // namespace
 
 template <class Entry>
@@ -57,7 +61,8 @@ void HashTable<Entry>::makePlace() {
     lines_.empty();
     fill(lines_);
   } else {
-    if (places_ > kMostPlaces - Chunks::kChunk) throw std::length_error("more elements than a hash table can have");
+    if (places_ > kMostPlaces - Chunks::kLargeChunk)
+      throw std::length_error("more elements than a hash table can have");
     chunks_.grow();
   }
   ++changes_;
@@ -113,9 +118,11 @@ bool HashTable<Entry>::closeGaps() {
 // them before have what it takes.
 template <class Entry>
 bool HashTable<Entry>::fill(BucketLines& lines) const {
-  Cursor cursor = walk();
-  while (const Node* const node = cursor.next()) {
-    if (!lines.tryAdd(node->key.hash, cursor.place() - 1)) return false;
+  const bool prefetches = lines.bucketCount() > kBucketsInCache;
+  for (std::uint32_t place = first_; place != places_; ++place) {
+    const NativeCollectionKey& key = at(place).key;
+    if (prefetches && places_ - place > kPrefetched) lines.prefetch(at(place + kPrefetched).key.hash);
+    if (key.tag != kVacant && !lines.tryAdd(key.hash, place)) return false;
   }
   return true;
 }
@@ -175,7 +182,7 @@ auto HashTable<Entry>::findByUserCode(const NativeCollectionKey& key) const -> P
     const std::uint64_t changesBefore = changes_;
     for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
       for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-        const std::uint32_t place = line->places[__builtin_ctz(slots)];
+        const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
         const bool equal = NativeCollectionKeyEqual()(key, compared.copy(at(place).key));
         if (watch.raised()) return {nullptr, 0, true};
         if (changes_ != changesBefore) break;
@@ -194,7 +201,7 @@ auto HashTable<Entry>::findIdentical(const NativeCollectionKey& key) const -> Pl
   const std::uint16_t tag = BucketLine::tagOf(key.hash);
   for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
     for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-      const std::uint32_t place = line->places[__builtin_ctz(slots)];
+      const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
       if (identicalKeys(at(place).key, key)) return {&at(place), place, false};
     }
   }

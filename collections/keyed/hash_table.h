@@ -84,8 +84,12 @@ class HashTable {
   // Calls visit(key, entry) for every element in iteration order. It must not change the table.
   template <class Visit>
   void forEach(Visit visit) const {
-    Cursor cursor = walk();
-    while (const Node* node = cursor.next()) visit(node->key, node->entry);
+    for (std::uint32_t place = first_; place != places_;) {
+      const Node* node = &at(place);
+      for (std::uint64_t left = chunks_.runFrom(place, places_); left != 0; --left, ++place, ++node) {
+        if (node->key.tag != kVacant) visit(node->key, node->entry);
+      }
+    }
   }
 
   // The node at a position below the count, in iteration order. At once when no place is vacant between the first
@@ -177,7 +181,7 @@ class HashTable {
     const std::uint16_t tag = BucketLine::tagOf(words.hash());
     for (const BucketLine* line = lines_.firstLine(words.hash()); line != nullptr; line = lines_.nextLine(line)) {
       for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-        const std::uint32_t place = line->places[__builtin_ctz(slots)];
+        const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
         Node& node = chunks_.at(place);
         if (words.match(node.key)) return {&node, place, false};
         if (longText && NativeCollectionKeyEqual()(key, node.key)) return {&node, place, false};
