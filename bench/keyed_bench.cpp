@@ -33,6 +33,22 @@ constexpr KeyedOperation kOperations[] = {
     {"sorted walk", natives::walkSorted, standard::walkSorted, glib::walkSorted, abseil::walkSorted, 15, 0},
 };
 
+// What no size and no keys may make disproportionate: each row beside the one it must not leave far behind.
+struct Proportion {
+  const char* name;
+  Measured vorn;
+  std::int64_t large;
+};
+constexpr Proportion kProportions[] = {
+    {"set drain from the front", natives::drainFront, kLarge},
+    {"set drain from the end", natives::drainEnd, kLarge},
+    {"keys of ten left", natives::listKeysLeft, kLarge},
+    {"put chosen Int", natives::putChosen, 40000},
+    {"put random Int", natives::putRandom, 40000},
+    {"put tuple of depth 16", natives::putNestedTuples, 40000},
+    {"put flat tuple", natives::putFlatTuples, 40000},
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -46,6 +62,12 @@ int main(int argc, char** argv) {
             registerBenchmark(operation.name, "GLib", operation.glib, size);
             registerBenchmark(operation.name, "Abseil", operation.abseil, size);
             rows.push_back({operation.name, size, size == kSmall ? operation.smallLimit : operation.largeLimit});
+          }
+        }
+        for (const Proportion& proportion : kProportions) {
+          for (const std::int64_t size : {kSmall, proportion.large}) {
+            registerBenchmark(proportion.name, "vorn", proportion.vorn, size);
+            rows.push_back({proportion.name, size, 0});
           }
         }
       },

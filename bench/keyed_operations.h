@@ -62,6 +62,18 @@ void getSorted(benchmark::State& state, std::int64_t elements);
 void walkSorted(benchmark::State& state, std::int64_t elements);
 void addInt(benchmark::State& state, std::int64_t elements);
 
+// A set emptied element by element, taking the first or the last each time.
+void drainFront(benchmark::State& state, std::int64_t elements);
+void drainEnd(benchmark::State& state, std::int64_t elements);
+// The keys of a map that had so many entries and has ten.
+void listKeysLeft(benchmark::State& state, std::int64_t elements);
+// Numbers that an unseeded mixing function gives one hash, and numbers without pattern.
+void putChosen(benchmark::State& state, std::int64_t elements);
+void putRandom(benchmark::State& state, std::int64_t elements);
+// Tuples of two, one of them sixteen levels deep and different at the bottom.
+void putNestedTuples(benchmark::State& state, std::int64_t elements);
+void putFlatTuples(benchmark::State& state, std::int64_t elements);
+
 // Prints what a hashed map of so many entries takes from the collected heap.
 void printMemory(std::int64_t elements);
 }  // namespace natives

@@ -36,7 +36,7 @@ struct NativeCollectionKey {
   };
   static constexpr std::size_t kShortText = 16;
 
-  std::uint32_t hash = 0;
+  std::uint32_t hash = 0;  // of ordered tables' keys of no meaning
   Tag tag = Tag::Null;
   std::uint8_t shortLength = 0;  // of ShortText; 0 otherwise
   std::uint16_t unused = 0;
@@ -54,14 +54,41 @@ struct NativeCollectionKey {
   // The handle behind a key of the last three tags.
   [[nodiscard]] void* handle() const { return reinterpret_cast<void*>(words[0]); }
 };
-static_assert(sizeof(NativeCollectionKey) == 24, "a map node is 48 bytes with it");
+static_assert(sizeof(NativeCollectionKey) == 24, "an entry of a map is 40 bytes with it");
 
-// Spreads every bit of the input over the whole result (the finaliser of SplitMix64; Steele, Lea and Flood, "Fast
-// splittable pseudorandom number generators", 2014), since tables take a key's bucket from the high bits of its hash.
+// What makes the hashes of one process differ from those of another: random numbers, all bits of them.
+struct KeyHashSeed {
+  std::uint64_t multiplierLow;
+  std::uint64_t multiplierHigh;
+  std::uint64_t addend;
+};
+
+#pragma GCC visibility push(default)
+
+// Written by the runtime before it gives out its first object, and never again.
+extern "C" {
+extern KeyHashSeed Vorn_keyHashSeed;
+}
+
+#pragma GCC visibility pop
+
+// Spreads every bit of the input over the whole result, since tables take a key's bucket from the high bits of its hash
+// and its tag from the low ones.
+//
+// The upper half of a product with a secret number of 128 bits, plus another secret, is a family of hash functions for
+// which no two inputs come to the same result, or to two given results, with more than twice the probability of random
+// numbers (Dietzfelbinger, "Universal hashing and k-wise independent random variables via integer arithmetic without
+// primes", 1996). Whoever chooses keys without knowing the seed can therefore not choose ones that collide more than
+// random ones would, but for that factor, though he knows the algorithm. He could learn about the seed from how long
+// operations take: that is not defended against. By itself such a function would spread the numbers of an
+// arithmetic progression badly for one seed in twenty; the last line, a bijection that leaves the probabilities as they
+// are, breaks progressions up.
 inline std::uint32_t mixedKeyHash(std::uint64_t bits) {
-  bits = (bits ^ (bits >> 30)) * 0xBF58476D1CE4E5B9ULL;
-  bits = (bits ^ (bits >> 27)) * 0x94D049BB133111EBULL;
-  return static_cast<std::uint32_t>((bits ^ (bits >> 31)) >> 32);
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(Vorn_keyHashSeed.multiplierLow) * bits;
+  const std::uint64_t sum =
+      static_cast<std::uint64_t>(product >> 64) + Vorn_keyHashSeed.multiplierHigh * bits + Vorn_keyHashSeed.addend;
+  return static_cast<std::uint32_t>(((sum ^ (sum >> 32)) * 0x9E3779B97F4A7C15ULL) >> 32);
 }
 
 // The key of a number that a signed 64-bit integer holds.

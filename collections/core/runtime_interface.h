@@ -189,6 +189,10 @@ struct ClassLoader {
 // and raise; then an error is pending and the key must not be used. May allocate.
 NativeCollectionKey makeNativeCollectionKey(void* handle);
 
+// The same key for an ordered table, which never looks at hashes: it has none, and making it runs no user code, raises
+// nothing and does not allocate.
+NativeCollectionKey makeNativeOrderedCollectionKey(void* handle);
+
 // The key of a text, which it borrows: the same as that of a String object with that text.
 NativeCollectionKey makeNativeStringCollectionKey(std::string_view text);
 

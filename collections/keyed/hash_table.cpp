@@ -1,11 +1,13 @@
 #include "collections/keyed/hash_table.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <new>
 #include <stdexcept>
 
 #include "collections/core/pending_error_watch.h"
+#include "collections/core/roots.h"
 #include "collections/keyed/map_entry.h"
 #include "collections/keyed/user_compared_key.h"
 
@@ -13,94 +15,197 @@ namespace vorn::collections {
 
 namespace {
 
-// Each is the smallest prime that is at least twice the one before.
+// A small table has one bucket. From 5 on each is the smallest prime that is at least twice the one before.
 constexpr std::uint64_t kBucketCounts[] = {
-    7,        17,       37,       79,       163,       331,       673,       1361,       2729,       5471,
-    10949,    21911,    43853,    87719,    175447,    350899,    701819,    1403641,    2807303,    5614657,
-    11229331, 22458671, 44917381, 89834777, 179669557, 359339171, 718678369, 1437356741, 2874713497,
+    1,       5,       11,       23,       47,       97,        197,       397,       797,    1597,
+    3203,    6421,    12853,    25717,    51437,    102877,    205759,    411527,    823117, 1646237,
+    3292489, 6584983, 13169977, 26339969, 52679969, 105359939, 210719881, 421439783,
 };
+
+// The buckets of a large table are asked for some elements ahead while it is filled.
+constexpr std::uint64_t kBucketsInCache = 8192;
+constexpr std::uint32_t kPrefetched = 8;
 
 }  // namespace
 
 template <class Entry>
 std::uint64_t HashTable<Entry>::bucketCountFor(std::uint64_t elements) {
-  static_assert(kMaxLoadFactor == 1.0F, "a bucket for every element");
-  const auto* const count = std::lower_bound(std::begin(kBucketCounts), std::end(kBucketCounts), elements);
+  const auto* const count =
+      std::lower_bound(std::begin(kBucketCounts), std::end(kBucketCounts), elements,
+                       [](std::uint64_t buckets, std::uint64_t wanted) { return elementLimit(buckets) < wanted; });
   if (count == std::end(kBucketCounts)) throw std::length_error("more elements than a hash table can have");
   return *count;
 }
 
 template <class Entry>
-void HashTable<Entry>::remove(Node* node) {
-  ChainLink<Node>& bucket = buckets_[bucketOf(node->key.hash)];
-  Node* chain = bucket.first();
-  Node** link = &chain;
-  while (*link != node) link = &(*link)->next;
-  *link = node->next;
-  bucket = ChainLink<Node>(chain);
-  pool_.giveBack(node);
+auto HashTable<Entry>::nth(std::uint64_t position) const -> Node* {
+  if (places_ - first_ == count_) return &at(first_ + static_cast<std::uint32_t>(position));
+  if (position < count_ / 2) {
+    Cursor cursor = walk();
+    for (std::uint64_t i = 0; i < position; ++i) cursor.next();
+    return cursor.next();
+  }
+  std::uint32_t place = places_ - 1;
+  for (std::uint64_t after = count_ - 1 - position; after != 0; --after) {
+    do --place;
+    while (at(place).key.tag == kVacant);
+  }
+  return &at(place);
+}
+
+template <class Entry>
+void HashTable<Entry>::makePlace() {
+  // Places that removals have left are worth the work of closing the gaps when they are not few.
+  if (places_ - count_ > places_ / 4) {
+    closeGaps();
+    lines_.empty();
+    fill(lines_);
+  } else {
+    if (places_ > kMostPlaces - Chunks::kLargeChunk)
+      throw std::length_error("more elements than a hash table can have");
+    chunks_.grow();
+  }
+  ++changes_;
+}
+
+template <class Entry>
+void HashTable<Entry>::makeFurtherLines() {
+  if (!lines_.tryMakeFurtherLines()) throw std::bad_alloc();
+  ++changes_;
+}
+
+template <class Entry>
+void HashTable<Entry>::remove(const Place& found) {
+  lines_.remove(found.node->key.hash, found.place);
+  vacate(found.place, found.place + 1);
   --count_;
+  ++changes_;
+  if (count_ == 0) {
+    first_ = places_ = 0;
+    if (chunks_.capacity() > kFewPlaces) clear();
+    return;
+  }
+  while (at(first_).key.tag == kVacant) ++first_;
+  while (at(places_ - 1).key.tag == kVacant) --places_;
+  if (hasManyGaps() || hasMuchUnused()) giveMemoryBack();
+}
+
+template <class Entry>
+void HashTable<Entry>::vacate(std::uint32_t from, std::uint32_t to) {
+  for (std::uint32_t place = from; place != to; ++place) {
+    std::memset(static_cast<void*>(&at(place)), 0, sizeof(Node));
+    at(place).key.tag = kVacant;
+  }
+}
+
+// Moves all elements to the lowest places; whether any moved. The buckets are wrong then.
+template <class Entry>
+bool HashTable<Entry>::closeGaps() {
+  if (places_ == count_) return false;
+  std::uint32_t free = 0;
+  Cursor cursor = walk();
+  while (const Node* const node = cursor.next()) {
+    if (&at(free) != node) at(free) = *node;
+    ++free;
+  }
+  vacate(free, places_);
+  first_ = 0;
+  places_ = free;
+  return true;
+}
+
+// Adds all elements to buckets that have none; false when there is no memory for further lines. Buckets that had all of
+// them before have what it takes.
+template <class Entry>
+bool HashTable<Entry>::fill(BucketLines& lines) const {
+  const bool prefetches = lines.bucketCount() > kBucketsInCache;
+  for (std::uint32_t place = first_; place != places_; ++place) {
+    const NativeCollectionKey& key = at(place).key;
+    if (prefetches && places_ - place > kPrefetched) lines.prefetch(at(place + kPrefetched).key.hash);
+    if (key.tag != kVacant && !lines.tryAdd(key.hash, place)) return false;
+  }
+  return true;
+}
+
+template <class Entry>
+void HashTable<Entry>::giveMemoryBack() {
+  const bool moved = closeGaps();
+  // Room for twice the elements, so that a few insertions do not bring the memory back at once.
+  const std::uint64_t newBucketCount = bucketCountFor(std::min(2 * count_, elementLimit(lines_.bucketCount())));
+  BucketLines fewer;
+  const RootedRange root(&fewer, sizeof(fewer));
+  if (newBucketCount < lines_.bucketCount() && fewer.tryAllocate(newBucketCount) && fill(fewer)) {
+    lines_ = fewer;
+  } else if (moved) {
+    lines_.empty();
+    fill(lines_);
+  }
+  chunks_.shrink(count_);
   ++changes_;
 }
 
 template <class Entry>
 void HashTable<Entry>::clear() {
-  std::fill_n(buckets_, bucketCount_, ChainLink<Node>());
-  pool_.clear();
+  if (lines_.bucketCount() <= kBucketsKept) {
+    lines_.empty();
+  } else {
+    lines_ = {};
+  }
+  chunks_.clear();
   count_ = 0;
+  first_ = places_ = 0;
   ++changes_;
 }
 
 template <class Entry>
 void HashTable<Entry>::reserve(std::uint64_t wanted) {
   const std::uint64_t newBucketCount = bucketCountFor(std::max(wanted, count_));
-  if (newBucketCount != bucketCount_) rehash(newBucketCount);
+  if (newBucketCount != lines_.bucketCount()) rehash(newBucketCount);
 }
 
 template <class Entry>
 void HashTable<Entry>::rehash(std::uint64_t newBucketCount) {
-  // A bucket count has 32 bits, so that its bytes can be counted.
-  auto* const buckets = static_cast<ChainLink<Node>*>(Vorn_gcAllocAtomic(newBucketCount * sizeof(ChainLink<Node>)));
-  if (buckets == nullptr) throw std::bad_alloc();
-  std::fill_n(buckets, newBucketCount, ChainLink<Node>());
-  buckets_ = buckets;
-  bucketCount_ = newBucketCount;
+  BucketLines lines;
+  const RootedRange root(&lines, sizeof(lines));
+  if (!lines.tryAllocate(newBucketCount) || !fill(lines)) throw std::bad_alloc();
+  lines_ = lines;
   ++changes_;
-  // The old chains are not needed: the pool knows all nodes, and in the order of memory.
-  Cursor cursor = walk();
-  while (Node* const node = cursor.next()) {
-    ChainLink<Node>& bucket = buckets_[bucketOf(node->key.hash)];
-    node->next = bucket.first();
-    bucket = bucket.prepended(node);
-  }
 }
 
 template <class Entry>
 auto HashTable<Entry>::findByUserCode(const NativeCollectionKey& key) const -> Place {
   const PendingErrorWatch watch;
   UserComparedKey compared;
+  const std::uint16_t tag = BucketLine::tagOf(key.hash);
   for (int restarts = 0; restarts <= kMaxRestarts; ++restarts) {
     if (count_ == 0) return {};
     const std::uint64_t changesBefore = changes_;
-    const ChainLink<Node> chain = buckets_[bucketOf(key.hash)];
-    Node* node = chain.mayHold(key.hash) ? chain.first() : nullptr;
-    for (; node != nullptr; node = node->next) {
-      const bool equal = NativeCollectionKeyEqual()(key, compared.copy(node->key));
-      if (watch.raised()) return {nullptr, true};
+    for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
+      for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
+        const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
+        const bool equal = NativeCollectionKeyEqual()(key, compared.copy(at(place).key));
+        if (watch.raised()) return {nullptr, 0, true};
+        if (changes_ != changesBefore) break;
+        if (equal) return {&at(place), place, false};
+      }
       if (changes_ != changesBefore) break;
-      if (equal) return {node, false};
     }
     if (changes_ == changesBefore) return {};
   }
-  return {findIdentical(key), false};
+  return findIdentical(key);
 }
 
 template <class Entry>
-auto HashTable<Entry>::findIdentical(const NativeCollectionKey& key) const -> Node* {
-  if (count_ == 0) return nullptr;
-  Node* node = buckets_[bucketOf(key.hash)].first();
-  while (node != nullptr && !identicalKeys(node->key, key)) node = node->next;
-  return node;
+auto HashTable<Entry>::findIdentical(const NativeCollectionKey& key) const -> Place {
+  if (count_ == 0) return {};
+  const std::uint16_t tag = BucketLine::tagOf(key.hash);
+  for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
+    for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
+      const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
+      if (identicalKeys(at(place).key, key)) return {&at(place), place, false};
+    }
+  }
+  return {};
 }
 
 template class HashTable<NativeMapEntry>;

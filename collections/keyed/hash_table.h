@@ -1,82 +1,109 @@
 // The chained hash table of hash maps and sets.
 //
-// Invariants, checked by validateHashTable (keyed_validation.h):
-//   - `buckets_` is null, with a bucket count of 0, until the first insertion or reserve; then the bucket count is one
-//   of
-//     a fixed sequence of primes and at least the number of elements (a maximum load factor of 1);
-//   - the node of a key hangs in the chain of bucketOf(key.hash), once, and the bucket's link says no more and no less
-//     about its chain than that;
-//   - all nodes are the pool's, and the pool's nodes in use are those in the chains;
-//   - `changes` differs after every change of the chains or of the bucket array.
-// A table lives in a record inside its object's block, starts empty without allocating, and is never destroyed.
+// Elements stand in places that are numbered in the order of insertion (entry_chunks.h); buckets of one cache line,
+// with a prime policy, say which places may hold a key (bucket_lines.h). Iteration is a walk over the places.
 //
-// Iteration order is the order of the nodes in memory: elements in the order of insertion, where each insertion takes
-// the place that was vacated last, if there is one. It is the same for every walk over an unchanged table, and survives
-// a growing bucket array. Walking costs a step per place, vacant ones included.
+// Invariants, checked by validateHashTable (keyed_validation.h):
+//   - places below `places_` have been given out. The first and the last of those that hold an element are `first_` and
+//     `places_` - 1; a table without elements has no places. Each other one holds an element or is vacant: zero but for
+//     its tag, kVacant, so that it keeps no object alive;
+//   - the bucket of an element's hash has its place, with its tag, once, and buckets have nothing else;
+//   - `lines_` has no buckets until the first insertion or reserve; then their count is one of a fixed sequence and
+//     elementLimit() of it at least the number of elements;
+//   - beyond a few places more than half of the places hold elements, and elements take more than a quarter of the
+//     memory there is for them, as far as memory could be had to move them;
+//   - `changes` differs after every change of the elements' places, of the buckets or of the memory behind them.
+// A table lives in a record inside its object's block, which it points into, starts empty without allocating, and is
+// never destroyed.
+//
+// Iteration order is the order of insertion among what is present; an element whose entry is replaced stays where it
+// is. No growing or compacting changes that. A walk passes at most two places an element, and so does the way to the
+// n-th element from the nearer end. Taking all elements away from either end costs a constant number of steps each.
 //
 // Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "collections/core/collection_key.h"
-#include "collections/keyed/chain_link.h"
+#include "collections/keyed/bucket_lines.h"
+#include "collections/keyed/entry_chunks.h"
 #include "collections/keyed/key_words.h"
-#include "collections/keyed/node_pool.h"
 
 namespace vorn::collections {
 
 template <class Entry>
 class HashTable {
  public:
-  static constexpr float kMaxLoadFactor = 1.0F;
+  // Of elements per bucket. A single bucket is filled to its last slot.
+  static constexpr float kMaxLoadFactor = 6.0F;
+
+  // The tag of a vacant place. No key that the runtime makes has it.
+  static constexpr auto kVacant = static_cast<NativeCollectionKey::Tag>(0xFF);
 
   struct Node {
-    Node* next;
     NativeCollectionKey key;
     Entry entry;
-
-    Node*& poolLink() { return next; }
   };
-  using Cursor = typename NodePool<Node>::Cursor;
+  using Chunks = EntryChunks<Node>;
 
   HashTable() = default;
   HashTable(const HashTable&) = delete;
   HashTable& operator=(const HashTable&) = delete;
 
   [[nodiscard]] std::uint64_t count() const { return count_; }
-  [[nodiscard]] std::uint64_t bucketCount() const { return bucketCount_; }
   [[nodiscard]] std::uint64_t changes() const { return changes_; }
+
+  // Walks the elements in iteration order.
+  class Cursor {
+   public:
+    explicit Cursor(const HashTable& table) : table_(&table), place_(table.first_) {}
+
+    // The next node, or null after the last. The table must not have changed since the cursor was made.
+    Node* next() {
+      while (place_ < table_->places_) {
+        Node& node = table_->at(place_++);
+        if (node.key.tag != kVacant) return &node;
+      }
+      return nullptr;
+    }
+
+    // The place after the one that was looked at last.
+    [[nodiscard]] std::uint32_t place() const { return place_; }
+
+   private:
+    const HashTable* table_;
+    std::uint32_t place_;
+  };
+
+  // A cursor before the first node in iteration order.
+  [[nodiscard]] Cursor walk() const { return Cursor(*this); }
 
   // Calls visit(key, entry) for every element in iteration order. It must not change the table.
   template <class Visit>
   void forEach(Visit visit) const {
-    Cursor cursor = walk();
-    while (const Node* node = cursor.next()) visit(node->key, node->entry);
+    for (std::uint32_t place = first_; place != places_;) {
+      const Node* node = &at(place);
+      for (std::uint64_t left = chunks_.runFrom(place, places_); left != 0; --left, ++place, ++node) {
+        if (node->key.tag != kVacant) visit(node->key, node->entry);
+      }
+    }
   }
 
-  // A cursor before the first node in iteration order.
-  [[nodiscard]] Cursor walk() const { return Cursor(pool_); }
+  // The node at a position below the count, in iteration order. At once when no place is vacant between the first
+  // element and the last, else by a walk from the nearer end.
+  [[nodiscard]] Node* nth(std::uint64_t position) const;
 
   // The node of a key that compares without user code, or null. Does not allocate.
-  [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const {
-    if (count_ == 0) return nullptr;
-    const KeyWords words(key);
-    const bool longText = key.tag == NativeCollectionKey::Tag::LongText;
-    const ChainLink<Node> chain = buckets_[bucketOf(words.hash())];
-    if (!chain.mayHold(words.hash())) return nullptr;
-    for (Node* node = chain.first(); node != nullptr; node = node->next) {
-      if (words.match(node->key)) return node;
-      if (longText && NativeCollectionKeyEqual()(key, node->key)) return node;
-    }
-    return nullptr;
-  }
+  [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const { return locatePlain(key).node; }
 
   // What a search came to: `node` is null when the key is absent, or when user code raised an error meanwhile
   // (`failed`).
   struct Place {
     Node* node = nullptr;
+    std::uint32_t place = 0;  // of the node
     bool failed = false;
   };
 
@@ -84,61 +111,101 @@ class HashTable {
   // starts again, and after kMaxRestarts times takes identity for equality, so that it ends. The result holds for the
   // table as it is on return.
   [[nodiscard]] Place find(const NativeCollectionKey& key) const {
-    if (!key.comparesByUserCode()) return {findPlain(key), false};
+    if (!key.comparesByUserCode()) return locatePlain(key);
     return findByUserCode(key);
   }
 
-  // Makes the next insert() possible: a free node, and buckets for one element more. Allocates; throws std::bad_alloc
-  // or std::length_error with the elements unchanged.
-  void makeRoom() {
-    pool_.makeRoom();
-    if (count_ >= bucketCount_) rehash(bucketCountFor(count_ + 1));
+  // Makes the next insert() of the key possible. Allocates; throws std::bad_alloc or std::length_error with the
+  // elements unchanged.
+  void makeRoom(const NativeCollectionKey& key) {
+    if (places_ == chunks_.capacity()) makePlace();
+    if (count_ == elementLimit(lines_.bucketCount())) rehash(bucketCountFor(count_ + 1));
+    if (!lines_.hasRoomFor(key.hash)) [[unlikely]]
+      makeFurtherLines();
   }
 
-  // Links a new element after find() did not find its key and makeRoom() made room. Neither allocates nor runs user
-  // code. The place is of no use here; it makes the call the same as an ordered table's.
-  void insert(const Place& /*place*/, const NativeCollectionKey& key, const Entry& entry) {
-    Node* const node = pool_.take();
-    ChainLink<Node>& bucket = buckets_[bucketOf(key.hash)];
-    node->next = bucket.first();
-    KeyWords(key).storeTo(node->key);
-    node->entry = entry;
-    bucket = bucket.prepended(node);
+  // Adds a new element after find() did not find its key and makeRoom() made room. Neither allocates nor runs user
+  // code. What find() gave is of no use here; it makes the call the same as an ordered table's.
+  void insert(const Place& /*absent*/, const NativeCollectionKey& key, const Entry& entry) {
+    Node& node = chunks_.at(places_);
+    KeyWords(key).storeTo(node.key);
+    node.entry = entry;
+    lines_.add(key.hash, places_);
+    ++places_;
     ++count_;
     ++changes_;
   }
 
-  // Removes a node of this table. Neither allocates nor runs user code.
-  void remove(Node* node);
+  // Removes the element that find() found. May move the others to give memory back, for which it may allocate; where
+  // there is no memory it does without. Runs no user code.
+  void remove(const Place& found);
 
-  // Empties the table and leaves the nodes to the collector; the bucket array stays for the elements that follow.
+  // Empties the table and leaves the memory to the collector, but for a small number of buckets.
   void clear();
 
-  // Makes the bucket array the one for `wanted` elements, or for those present when these are more. Throws
+  // Makes the bucket count the one for `wanted` elements, or for those present when these are more. Throws
   // std::length_error for a number beyond all bucket counts and std::bad_alloc, with nothing changed. Allocates.
   void reserve(std::uint64_t wanted);
 
-  // The smallest bucket count for that many elements. Throws std::length_error beyond the largest.
+  // The smallest bucket count for that many elements. Throws std::length_error for more than a table can have.
   static std::uint64_t bucketCountFor(std::uint64_t elements);
 
-  // A hash spread over [0, bucketCount) by multiplication instead of division (Lemire, "Fast random integer generation
-  // in an interval", 2019).
-  [[nodiscard]] std::uint64_t bucketOf(std::uint32_t hash) const { return (hash * bucketCount_) >> 32; }
+  // How many elements so many buckets may have.
+  static constexpr std::uint64_t elementLimit(std::uint64_t bucketCount) {
+    return bucketCount == 1 ? BucketLine::kSlots : bucketCount * static_cast<std::uint64_t>(kMaxLoadFactor);
+  }
 
-  [[nodiscard]] ChainLink<Node> bucket(std::uint64_t index) const { return buckets_[index]; }
-  [[nodiscard]] bool hasBuckets() const { return buckets_ != nullptr; }
-  [[nodiscard]] const NodePool<Node>& pool() const { return pool_; }
+  // For checks and tests.
+  [[nodiscard]] std::uint64_t bucketCount() const { return lines_.bucketCount(); }
+  [[nodiscard]] const BucketLines& lines() const { return lines_; }
+  [[nodiscard]] const Chunks& chunks() const { return chunks_; }
+  [[nodiscard]] std::uint32_t firstPlace() const { return first_; }
+  [[nodiscard]] std::uint32_t places() const { return places_; }
+  [[nodiscard]] Node& at(std::uint32_t place) const { return chunks_.at(place); }
+
+  // Whether removals have left so many places vacant, or so much memory unused, that it is given back.
+  [[nodiscard]] bool hasManyGaps() const { return chunks_.capacity() > kFewPlaces && 2 * count_ < places_; }
+  [[nodiscard]] bool hasMuchUnused() const {
+    return chunks_.capacity() > kFewPlaces && 4 * count_ < chunks_.capacity();
+  }
 
  private:
-  void rehash(std::uint64_t newBucketCount);
-  [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
-  [[nodiscard]] Node* findIdentical(const NativeCollectionKey& key) const;
+  static constexpr std::uint64_t kMostPlaces = std::numeric_limits<std::uint32_t>::max();
+  static constexpr std::uint64_t kFewPlaces = 16;
+  static constexpr std::uint64_t kBucketsKept = 64;
 
-  ChainLink<Node>* buckets_ = nullptr;  // in pointer-free memory
-  std::uint64_t bucketCount_ = 0;
+  [[nodiscard]] Place locatePlain(const NativeCollectionKey& key) const {
+    if (count_ == 0) return {};
+    const KeyWords words(key);
+    const bool longText = key.tag == NativeCollectionKey::Tag::LongText;
+    const std::uint16_t tag = BucketLine::tagOf(words.hash());
+    for (const BucketLine* line = lines_.firstLine(words.hash()); line != nullptr; line = lines_.nextLine(line)) {
+      for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
+        const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
+        Node& node = chunks_.at(place);
+        if (words.match(node.key)) return {&node, place, false};
+        if (longText && NativeCollectionKeyEqual()(key, node.key)) return {&node, place, false};
+      }
+    }
+    return {};
+  }
+
+  [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
+  [[nodiscard]] Place findIdentical(const NativeCollectionKey& key) const;
+  void makePlace();
+  void makeFurtherLines();
+  void rehash(std::uint64_t newBucketCount);
+  bool fill(BucketLines& lines) const;
+  bool closeGaps();
+  void giveMemoryBack();
+  void vacate(std::uint32_t from, std::uint32_t to);
+
+  BucketLines lines_;
+  Chunks chunks_;
   std::uint64_t count_ = 0;
   std::uint64_t changes_ = 0;
-  NodePool<Node> pool_;
+  std::uint32_t first_ = 0;
+  std::uint32_t places_ = 0;
 };
 
 }  // namespace vorn::collections

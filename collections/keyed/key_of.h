@@ -2,6 +2,7 @@
 #pragma once
 
 #include "collections/core/runtime_interface.h"
+#include "collections/keyed/map_data.h"
 
 namespace vorn::collections {
 
@@ -12,17 +13,23 @@ inline bool isIntegerKey(const RegisteredObject* object) {
          (object->integer >= 0 || boxedTypeOf(*object) != BoxedType::ULong);
 }
 
-// The key of a map for a non-null handle. May run user code, raise and allocate: callers look at hasPendingError()
+// The key of a hash map for a non-null handle. May run user code, raise and allocate: callers look at hasPendingError()
 // next, which also tells of an error that was pending before. Returned in place, since a copy of a key that was just
 // written field by field waits for the stores.
-inline NativeCollectionKey mapKeyOf(void* handle) {
+inline NativeCollectionKey hashedKeyOf(void* handle) {
   const RegisteredObject* const object = getRegisteredObjectUnsafe(handle);
   if (isIntegerKey(object)) [[likely]]
     return integerCollectionKey(object->integer);
   return makeNativeCollectionKey(handle);
 }
 
-// The same for an element of a set, which may be null.
+// The same for any map. A sorted one never looks at hashes, so that its keys come without and run no user code. Whether
+// a map is hashed never changes and may be read without its lock.
+inline NativeCollectionKey mapKeyOf(const MapData& map, void* handle) {
+  return map.hashed ? hashedKeyOf(handle) : makeNativeOrderedCollectionKey(handle);
+}
+
+// The key of an element of a set, which may be null.
 inline NativeCollectionKey setKeyOf(void* handle) {
   const RegisteredObject* const object = getRegisteredObjectUnsafe(handle);
   if (isIntegerKey(object)) [[likely]]

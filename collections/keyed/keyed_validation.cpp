@@ -1,8 +1,11 @@
 #include "collections/keyed/keyed_validation.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <unordered_set>
+#include <vector>
 
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
@@ -54,40 +57,152 @@ std::string validatePool(const NodePool<Node>& pool, NodeSet<Node>& inUse) {
   return free.empty() ? "" : "a free node is not in the chain of free nodes";
 }
 
-// Whether two nodes of a chain have the same key, where no user code has to tell.
+// What is wrong with the memory for elements.
 template <class Node>
-bool hasSameKeyTwice(const Node* chain) {
-  for (; chain != nullptr; chain = chain->next) {
-    if (chain->key.comparesByUserCode()) continue;
-    for (const Node* later = chain->next; later != nullptr; later = later->next) {
-      if (NativeCollectionKeyEqual()(chain->key, later->key)) return true;
-    }
+std::string validateChunks(const EntryChunks<Node>& chunks) {
+  const std::uint64_t capacity = chunks.capacity();
+  if ((chunks.directory() == nullptr) != (capacity == 0))
+    return "the number of places does not fit the memory for them";
+  if (chunks.isOneChunk() != (chunks.firstChunk() != nullptr)) return "the first chunk is kept in two places or none";
+  if (capacity == 0) return "";
+  if (chunks.isOneChunk()) return capacity > chunks.chunkSize() ? "a chunk is too large" : "";
+  if (capacity % chunks.chunkSize() != 0) return "a chunk among many is not whole";
+  const std::uint64_t count = capacity / chunks.chunkSize();
+  for (std::uint64_t i = 0; i < count; ++i) {
+    if (chunks.directory()[i] == nullptr) return "a chunk is missing";
   }
-  return false;
+  for (std::uint64_t i = count; i < std::bit_ceil(count); ++i) {
+    if (chunks.directory()[i] != nullptr) return "the directory has a chunk too many";
+  }
+  return "";
+}
+
+// Whether a vacant place is zero but for its mark.
+template <class Node>
+bool isWipedPlace(const Node& node) {
+  Node copy;
+  std::memcpy(static_cast<void*>(&copy), &node, sizeof(Node));
+  copy.key.tag = {};
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(&copy);
+  return std::all_of(bytes, bytes + sizeof(Node), [](unsigned char byte) { return byte == 0; });
 }
 
 template <class Entry>
+std::string validatePlaces(const HashTable<Entry>& table) {
+  using Table = HashTable<Entry>;
+  if (table.places() > table.chunks().capacity()) return "more places are given out than there are";
+  if (table.hasManyGaps()) return "more than half of the places are vacant";
+  // A single chunk is only exchanged for a smaller one when there is memory for that.
+  if (table.hasMuchUnused() && !table.chunks().isOneChunk()) return "more memory is kept than the elements need";
+  if (table.count() == 0) return table.places() == 0 && table.firstPlace() == 0 ? "" : "an empty table has places";
+  std::uint64_t present = 0;
+  for (std::uint32_t place = 0; place < table.places(); ++place) {
+    const auto& node = table.at(place);
+    const bool vacant = node.key.tag == Table::kVacant;
+    if (vacant && !isWipedPlace(node)) return "a vacant place holds something";
+    if (!vacant && place < table.firstPlace()) return "an element stands before the first one";
+    if (vacant && (place == table.firstPlace() || place == table.places() - 1)) return "an end of the places is vacant";
+    present += vacant ? 0 : 1;
+  }
+  return present == table.count() ? "" : "the element count is not the number of elements";
+}
+
+// Checks the buckets and marks the places and further lines that it finds in them.
+template <class Entry>
+class BucketCheck {
+ public:
+  explicit BucketCheck(const HashTable<Entry>& table)
+      : table_(table),
+        lines_(table.lines()),
+        placeSeen_(table.places(), false),
+        lineSeen_(std::size_t{lines_.furtherUsed()} + 1, false) {}
+
+  std::string run() {
+    for (std::uint64_t bucket = 0; bucket < lines_.bucketCount(); ++bucket) {
+      if (std::string fault = checkBucket(bucket); !fault.empty()) return fault;
+    }
+    for (std::uint32_t line = lines_.freeLine(); line != 0; line = lines_.furtherLine(line).next) {
+      if (!markLine(line)) return "a free line is in a bucket, twice among the free ones, or was never used";
+      if (lines_.furtherLine(line).used != 0) return "a free line has elements";
+    }
+    if (!std::all_of(lineSeen_.begin() + 1, lineSeen_.end(), [](bool seen) { return seen; })) return "a line is lost";
+    return places_ == table_.count() ? "" : "an element is in no bucket";
+  }
+
+ private:
+  std::string checkBucket(std::uint64_t bucket) {
+    const BucketLine* line = &lines_.lines()[bucket];
+    std::vector<std::uint32_t> places;
+    for (bool mayHaveRoom = line->next == 0; line != nullptr; line = lines_.nextLine(line)) {
+      if (std::string fault = checkLine(*line, bucket, places); !fault.empty()) return fault;
+      const bool isFirst = line == &lines_.lines()[bucket];
+      if (line->used < BucketLine::kSlots && !mayHaveRoom) return "a line is not full that must be";
+      if (line->used == 0 && !isFirst) return "a bucket has an empty line";
+      if (line->next != 0 && !markLine(line->next)) return "a line is in two buckets, or twice in one";
+      mayHaveRoom = isFirst;
+    }
+    places_ += places.size();
+    return hasSameKeyTwice(places) ? "two elements have the same key" : "";
+  }
+
+  std::string checkLine(const BucketLine& line, std::uint64_t bucket, std::vector<std::uint32_t>& places) {
+    if (line.used > BucketLine::kSlots) return "a line has more slots than there are";
+    for (std::uint32_t slot = 0; slot < BucketLine::kSlots; ++slot) {
+      const std::uint32_t place = line.places[slot];
+      if (slot >= line.used) {
+        if (place != 0 || line.tags[slot] != 0) return "a free slot holds something";
+        continue;
+      }
+      if (place >= table_.places() || table_.at(place).key.tag == HashTable<Entry>::kVacant) {
+        return "a bucket has a place without an element";
+      }
+      if (placeSeen_[place]) return "an element is in the buckets twice";
+      placeSeen_[place] = true;
+      const std::uint32_t hash = table_.at(place).key.hash;
+      if (lines_.bucketOf(hash) != bucket) return "an element is in another bucket than its hash says";
+      if (line.tags[slot] != BucketLine::tagOf(hash)) return "an element's tag does not fit its hash";
+      places.push_back(place);
+    }
+    return "";
+  }
+
+  bool markLine(std::uint32_t line) {
+    if (line >= lineSeen_.size() || lineSeen_[line]) return false;
+    lineSeen_[line] = true;
+    return true;
+  }
+
+  // Where no user code has to tell.
+  bool hasSameKeyTwice(const std::vector<std::uint32_t>& places) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      const NativeCollectionKey& key = table_.at(places[i]).key;
+      if (key.comparesByUserCode()) continue;
+      for (std::size_t j = i + 1; j < places.size(); ++j) {
+        if (NativeCollectionKeyEqual()(key, table_.at(places[j]).key)) return true;
+      }
+    }
+    return false;
+  }
+
+  const HashTable<Entry>& table_;
+  const BucketLines& lines_;
+  std::vector<bool> placeSeen_;
+  std::vector<bool> lineSeen_;
+  std::uint64_t places_ = 0;
+};
+
+template <class Entry>
 std::string validateHashTable(const HashTable<Entry>& table) {
-  using Node = typename HashTable<Entry>::Node;
-  NodeSet<Node> inUse;
-  if (std::string fault = validatePool(table.pool(), inUse); !fault.empty()) return fault;
-  if (inUse.size() != table.count()) return "the element count is not the number of nodes in use";
-  if (table.hasBuckets() != (table.bucketCount() != 0)) return "the bucket count does not fit the bucket array";
-  if (table.count() > table.bucketCount()) return "the load factor exceeds its maximum";
-  if (table.hasBuckets() && HashTable<Entry>::bucketCountFor(table.bucketCount()) != table.bucketCount()) {
+  using Table = HashTable<Entry>;
+  if (std::string fault = validateChunks(table.chunks()); !fault.empty()) return fault;
+  if (std::string fault = validatePlaces(table); !fault.empty()) return fault;
+  const std::uint64_t buckets = table.bucketCount();
+  if ((table.lines().lines() != nullptr) != (buckets != 0)) return "the bucket count does not fit the buckets";
+  if (table.count() > Table::elementLimit(buckets)) return "the load factor exceeds its maximum";
+  if (buckets != 0 && Table::bucketCountFor(Table::elementLimit(buckets)) != buckets) {
     return "the bucket count is not one of the sequence";
   }
-  for (std::uint64_t i = 0; i < table.bucketCount(); ++i) {
-    for (const Node* node = table.bucket(i).first(); node != nullptr; node = node->next) {
-      if (inUse.erase(node) == 0) return "a chain has a node that is not in use, or has it twice";
-      if (table.bucketOf(node->key.hash) != i) return "a node hangs in another bucket than its hash says";
-    }
-    // Only now is the chain known to end.
-    Node* const chain = table.bucket(i).first();
-    if (hasSameKeyTwice<Node>(chain)) return "two nodes have the same key";
-    if (table.bucket(i) != ChainLink<Node>(chain)) return "a bucket's filter does not fit its chain";
-  }
-  return inUse.empty() ? "" : "a node in use hangs in no bucket";
+  return BucketCheck<Entry>(table).run();
 }
 
 // Checks the tree below a node and gives its black height.
@@ -135,7 +250,7 @@ std::string validateMapData(const MapData& map) {
   if (map.hashed && (map.ordered.count() != 0 || map.ordered.pool().firstBlock() != nullptr)) {
     return "a hash map has ordered storage";
   }
-  if (!map.hashed && (map.hash.count() != 0 || map.hash.hasBuckets() || map.hash.pool().firstBlock() != nullptr)) {
+  if (!map.hashed && (map.hash.count() != 0 || map.hash.bucketCount() != 0 || map.hash.chunks().capacity() != 0)) {
     return "a sorted map has hash storage";
   }
   if (std::string fault = validateHashTable(map.hash); !fault.empty()) return fault;

@@ -8,7 +8,7 @@
 //   - the storage that is not used is empty and has no memory;
 //   - keyType and valueType are null or a short type name, and null after clear.
 // The record belongs to its object and lives inside the object's block; it starts empty without allocating and is never
-// destroyed. Nodes and buckets come from the collector and are never freed. Only natives lock; nothing in this file
+// destroyed. Its memory comes from the collector and is never freed. Only natives lock; nothing in this file
 // does.
 #pragma once
 
@@ -49,6 +49,6 @@ struct MapData {
     hashed ? hash.forEach(visit) : ordered.forEach(visit);
   }
 };
-static_assert(sizeof(vorn::collections::HashTable<NativeMapEntry>::Node) == 48, "85 nodes fill a block of 4096 bytes");
+static_assert(sizeof(vorn::collections::HashTable<NativeMapEntry>::Node) == 40, "a key and two handles");
 
 using MapDataLock = vorn::collections::RecordLock<MapData>;

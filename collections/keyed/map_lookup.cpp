@@ -46,12 +46,18 @@ bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** 
 bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
   *slot = nullptr;
   if (key == nullptr) return false;
-  const RegisteredObject* const object = getRegisteredObjectUnsafe(key);
-  if (map != nullptr && vc::isIntegerKey(object)) [[likely]] {
-    return !hasPendingError() && lookUp(*getMapData(map), integerCollectionKey(object->integer), slot);
+  if (map == nullptr) {
+    // Its class's hash runs all the same, and may raise.
+    vc::hashedKeyOf(key);
+    return false;
   }
-  const NativeCollectionKey nativeKey = vc::mapKeyOf(key);
-  return !hasPendingError() && tryMapLookupStorageValue(map, nativeKey, slot);
+  const MapData& data = *getMapData(map);
+  const RegisteredObject* const object = getRegisteredObjectUnsafe(key);
+  if (vc::isIntegerKey(object)) [[likely]] {
+    return !hasPendingError() && lookUp(data, integerCollectionKey(object->integer), slot);
+  }
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(data, key);
+  return !hasPendingError() && lookUp(data, nativeKey, slot);
 }
 
 bool tryMapLookupValue(void* map, std::string_view key, void** slot) {

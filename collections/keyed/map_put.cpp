@@ -26,7 +26,7 @@ void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const
   if (place.failed) return;
   const RuntimeTypeName keyType = vc::commonTypeName(map.keyType, types.key);
   const RuntimeTypeName valueType = vc::commonTypeName(map.valueType, types.value);
-  if (place.node == nullptr) table.makeRoom();
+  if (place.node == nullptr) table.makeRoom(key);
 
   map.keyType = keyType;
   map.valueType = valueType;
@@ -42,10 +42,10 @@ void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const
 void vorn_collections_Map_put(void* map, void* key, void* value) {
   if (map == nullptr) return;
   if (key == nullptr) return vc::errors::raiseMapKeyIsNull();
-  const NativeCollectionKey nativeKey = vc::mapKeyOf(key);
+  MapData& data = *getMapData(map);
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(data, key);
   if (hasPendingError()) return;
   const EntryTypes types{mapKeyRuntimeTypeName(key), vc::mapValueTypeName(value)};
-  MapData& data = *getMapData(map);
   const MapDataLock lock(data);
   const NativeMapEntry entry{key, value};
   data.hashed ? putLocked(data, data.hash, nativeKey, entry, types)

@@ -14,7 +14,7 @@ template <class Table>
 bool removeLocked(Table& table, const NativeCollectionKey& key) {
   const auto place = table.find(key);
   if (place.node == nullptr) return false;
-  table.remove(place.node);
+  table.remove(place);
   return true;
 }
 
@@ -22,9 +22,9 @@ bool removeLocked(Table& table, const NativeCollectionKey& key) {
 
 bool vorn_collections_Map_remove(void* map, void* key) {
   if (map == nullptr || key == nullptr) return false;
-  const NativeCollectionKey nativeKey = vc::mapKeyOf(key);
-  if (hasPendingError()) return false;
   MapData& data = *getMapData(map);
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(data, key);
+  if (hasPendingError()) return false;
   const MapDataLock lock(data);
   const bool removed = data.hashed ? removeLocked(data.hash, nativeKey) : removeLocked(data.ordered, nativeKey);
   vc::writeSizeField(map, data.count());

@@ -99,7 +99,8 @@ void OrderedTable::rebalanceAfterInsert(Node* node) {
   makeBlack(root_);
 }
 
-void OrderedTable::remove(Node* node) {
+void OrderedTable::remove(const Place& found) {
+  Node* const node = found.node;
   Node* parent = node->parent();
   Side side = sideOf(node);
   Node* child = node->children[node->children[Left] == nullptr ? Right : Left];

@@ -10,6 +10,7 @@
 //   - each child names its parent; `count` nodes hang below the root, all of the pool, and no other node is in use;
 //   - keys ascend from left to right, as far as user code orders them consistently;
 //   - `changes` differs after every change of the tree.
+// The hashes of keys are not looked at, so that keys may come without.
 // A table lives in a record inside its object's block, starts empty without allocating, and is never destroyed.
 //
 // Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
@@ -130,14 +131,14 @@ class OrderedTable {
     return findByUserCode(key);
   }
 
-  // Makes the next insert() possible. Allocates; throws std::bad_alloc with the elements unchanged.
-  void makeRoom() { pool_.makeRoom(); }
+  // Makes the next insert() possible, whatever its key. Allocates; throws std::bad_alloc with the elements unchanged.
+  void makeRoom(const NativeCollectionKey& /*key*/) { pool_.makeRoom(); }
 
   // Links a new element at the place that find() gave, after makeRoom(). Neither allocates nor runs user code.
   void insert(const Place& place, const NativeCollectionKey& key, const NativeMapEntry& entry);
 
-  // Removes a node of this table. Neither allocates nor runs user code.
-  void remove(Node* node);
+  // Removes the element that find() found. Neither allocates nor runs user code.
+  void remove(const Place& found);
 
   // Empties the table and leaves the nodes to the collector.
   void clear() {

@@ -33,6 +33,6 @@ struct SetData {
     table.forEach(visit);
   }
 };
-static_assert(sizeof(vorn::collections::HashTable<void*>::Node) == 40, "102 nodes fill a block of 4096 bytes");
+static_assert(sizeof(vorn::collections::HashTable<void*>::Node) == 32, "two elements share a cache line");
 
 using SetDataLock = vorn::collections::RecordLock<SetData>;

@@ -18,7 +18,7 @@ void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
     place.node->entry = value;
     return;
   }
-  set.table.makeRoom();
+  set.table.makeRoom(key);
   set.table.insert(place, key, value);
 }
 
@@ -42,7 +42,7 @@ bool vorn_collections_HashSet_remove(void* set, void* value) {
   const SetDataLock lock(data);
   const auto place = data.table.find(key);
   if (place.node == nullptr) return false;
-  data.table.remove(place.node);
+  data.table.remove(place);
   vc::writeSizeField(set, data.count());
   return true;
 }

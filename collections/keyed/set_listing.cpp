@@ -18,9 +18,7 @@ bool readAt(const SetData& set, long long index, void*& element) {
   const SetDataLock lock(set);
   const std::uint64_t position = static_cast<std::uint64_t>(index) + (index < 0 ? set.count() : 0);
   if (position >= set.count()) return false;
-  auto cursor = set.table.walk();
-  for (std::uint64_t i = 0; i < position; ++i) cursor.next();
-  element = cursor.next()->entry;
+  element = set.table.nth(position)->entry;
   return true;
 }
 

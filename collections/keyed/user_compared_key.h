@@ -6,8 +6,6 @@
 // that changes the table each time would keep it busy forever, so the last search asks no user code.
 #pragma once
 
-#include <cstring>
-
 #include "collections/core/collection_key.h"
 #include "collections/core/roots.h"
 
@@ -29,9 +27,11 @@ class UserComparedKey {
   RootedHandle object_;
 };
 
-// Whether two keys agree in every word: of keys that compare by user code, that they are of the same object.
+// Whether two keys agree in everything but their hashes, which ordered tables do without: of keys that compare by user
+// code, that they are of the same object.
 inline bool identicalKeys(const NativeCollectionKey& left, const NativeCollectionKey& right) {
-  return std::memcmp(&left, &right, sizeof(left)) == 0;
+  return left.tag == right.tag && left.shortLength == right.shortLength && left.words[0] == right.words[0] &&
+         left.words[1] == right.words[1];
 }
 
 }  // namespace vorn::collections

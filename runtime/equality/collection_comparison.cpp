@@ -1,12 +1,14 @@
 #include "runtime/equality/collection_comparison.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "collections/core/list_data.h"
 #include "runtime/equality/keyed_matching.h"
+#include "runtime/equality/running_hooks.h"
 #include "runtime/equality/sequence_elements.h"
 #include "runtime/equality/visited_pairs.h"
 #include "runtime/keys/key_rules.h"
@@ -57,7 +59,9 @@ thread_local const Comparison* innermostComparison = nullptr;
 
 class Comparison {
  public:
-  explicit Comparison(Rule rule) : rule_(rule), outer_(innermostComparison) { innermostComparison = this; }
+  explicit Comparison(Rule rule) : rule_(rule), lookup_(LookupScope::current()), outer_(innermostComparison) {
+    innermostComparison = this;
+  }
   ~Comparison() { innermostComparison = outer_; }
   Comparison(const Comparison&) = delete;
   Comparison& operator=(const Comparison&) = delete;
@@ -77,9 +81,11 @@ class Comparison {
     std::size_t next = 0;     // the next pair of elements
   };
 
-  // Whether this thread is comparing the pair already, in this comparison or in one whose hook led here.
+  // Whether this thread is comparing the pair already, in this comparison or in one whose hook led here, but not by a
+  // lookup.
   bool isVisited(void* left, void* right) const {
     for (const Comparison* comparison = this; comparison != nullptr; comparison = comparison->outer_) {
+      if (comparison->lookup_ != lookup_) break;
       if (comparison->rule_ == rule_ && comparison->visited_.contains(left, right)) return true;
     }
     return false;
@@ -228,6 +234,7 @@ class Comparison {
   }
 
   Rule rule_;
+  std::uint32_t lookup_;
   const Comparison* outer_;
   VisitedPairs visited_;
   collections::HandleVector handles_;  // the elements of all snapshots, innermost last

@@ -5,6 +5,7 @@
 
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
+#include "runtime/keys/key_rules.h"
 #include "runtime/objects/user_hooks.h"
 
 namespace vorn::runtime {
@@ -41,7 +42,9 @@ class KeyFinder {
     const auto& other = side_.keys->at(place);
     if (used_[place] || other.hash != key.hash) return false;
     const HookErrors errors;
-    const bool equal = NativeCollectionKeyEqual()(key, other);
+    // Not as a lookup would ask, since this is part of the comparison that is going on.
+    const bool equal = key.comparesByUserCode() ? judgeWholeKeys(Rule::KeyEquality, key, other) == Verdict::Same
+                                                : NativeCollectionKeyEqual()(key, other);
     if (key.comparesByUserCode()) raised_ = errors.raised();
     used_[place] = equal && !raised_;
     return used_[place];
@@ -59,11 +62,49 @@ class KeyFinder {
   bool raised_ = false;
 };
 
+// Whether the order of keys may hang on the addresses of objects that are equal. (A sequence may hold such objects.)
+bool mayBeOrderedByAddress(const NativeCollectionKey& key) {
+  if (key.tag == KeyTag::Instance) return !hasHook(Rule::Order, key.handle());
+  return key.tag == KeyTag::Sequence;
+}
+
+// The verdict on two sorted maps, whose keys stand in the same order if they are the same; nothing when it cannot be
+// told without hashes.
+std::optional<Matching> matchPlaces(const KeyedSnapshot& left, const KeyedSnapshot& right,
+                                    std::vector<std::size_t>& places) {
+  places.reserve(left.keys->size());
+  for (std::size_t i = 0; i < left.keys->size(); ++i) {
+    const NativeCollectionKey& key = left.keys->at(i);
+    const NativeCollectionKey& other = right.keys->at(i);
+    const Verdict verdict = judgeWholeKeys(Rule::KeyEquality, key, other);
+    if (verdict == Verdict::Raised) return Matching::Raised;
+    if (verdict != Verdict::Same) {
+      if (mayBeOrderedByAddress(key) && mayBeOrderedByAddress(other)) return {};
+      return Matching::Missing;
+    }
+    places.push_back(i);
+  }
+  return Matching::Complete;
+}
+
+// Gives keys that have none their hashes; false when a hook raised.
+bool makeHashes(KeyedSnapshot& snapshot) {
+  if (snapshot.hashed) return true;
+  for (NativeCollectionKey& key : *snapshot.keys) {
+    const HookErrors errors;
+    key.hash = keyHash(key);
+    if (key.comparesByUserCode() && errors.raised()) return false;
+  }
+  snapshot.hashed = true;
+  return true;
+}
+
 }  // namespace
 
 void snapshotMap(void* map, KeyedSnapshot& snapshot) {
   const MapData& data = *getMapData(map);
   const MapDataLock lock(data);
+  snapshot.hashed = data.hashed;
   snapshot.keys->reserve(data.count());
   snapshot.values->reserve(data.count());
   data.forEach([&](const NativeCollectionKey& key, const NativeMapEntry& entry) {
@@ -91,8 +132,13 @@ std::size_t sizeOfSet(void* set) {
   return data.count();
 }
 
-Matching matchKeys(const KeyedSnapshot& left, const KeyedSnapshot& right, std::vector<std::size_t>& places) {
+Matching matchKeys(KeyedSnapshot& left, KeyedSnapshot& right, std::vector<std::size_t>& places) {
   if (left.keys->size() != right.keys->size()) return Matching::Missing;
+  if (!left.hashed && !right.hashed) {
+    if (const auto matching = matchPlaces(left, right, places)) return *matching;
+    places.clear();
+  }
+  if (!makeHashes(left) || !makeHashes(right)) return Matching::Raised;
   KeyFinder finder(right);
   places.reserve(left.keys->size());
   for (std::size_t i = 0; i < left.keys->size(); ++i) {

@@ -10,8 +10,10 @@
 
 namespace vorn::runtime {
 
-// The keys of a map or set and the values of a map, in storage order. What the keys borrow stays alive with them.
+// The keys of a map or set and the values of a map, in storage order. What the keys borrow stays alive with them. Those
+// of a sorted map have no hashes.
 struct KeyedSnapshot {
+  bool hashed = true;
   collections::RootedVector<NativeCollectionKey> keys;
   collections::HandleVector values;
 };
@@ -27,7 +29,9 @@ std::size_t sizeOfSet(void* set);
 enum class Matching : unsigned char { Complete, Missing, Raised };
 
 // Finds for each of the left keys its equal among the right ones, where no right key serves twice; `places` gets their
-// positions, in the order of the left keys. May run user equality, which may raise; holds no lock. May allocate.
-Matching matchKeys(const KeyedSnapshot& left, const KeyedSnapshot& right, std::vector<std::size_t>& places);
+// positions, in the order of the left keys. Two sorted maps are compared place by place; only where that cannot decide,
+// since keys of theirs have no order but by address, and for a sorted map beside a hashed one are hashes made, which
+// the snapshot keeps. May run user equality, order and hashing, which may raise; holds no lock. May allocate.
+Matching matchKeys(KeyedSnapshot& left, KeyedSnapshot& right, std::vector<std::size_t>& places);
 
 }  // namespace vorn::runtime

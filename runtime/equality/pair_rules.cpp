@@ -3,6 +3,7 @@
 #include <cassert>
 #include <string_view>
 
+#include "runtime/equality/running_hooks.h"
 #include "runtime/keys/key_rules.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/object_types.h"
@@ -11,40 +12,6 @@
 
 namespace vorn::runtime {
 namespace {
-
-// The pairs whose hooks are running on this thread, innermost first. A hook that compares what its objects refer to
-// would never end on objects that refer to each other, so a pair in progress counts as equal. The handles are only
-// compared: whoever called the hook keeps both objects alive.
-struct RunningHook {
-  Rule rule;
-  const void* left;
-  const void* right;
-  const RunningHook* outer;
-};
-thread_local const RunningHook* innermostHook = nullptr;
-
-class HookScope {
- public:
-  HookScope(Rule rule, const void* left, const void* right) : entry_{rule, left, right, innermostHook} {
-    innermostHook = &entry_;
-  }
-  ~HookScope() { innermostHook = entry_.outer; }
-  HookScope(const HookScope&) = delete;
-  HookScope& operator=(const HookScope&) = delete;
-
-  static bool isRunning(Rule rule, const void* left, const void* right) {
-    for (const RunningHook* hook = innermostHook; hook != nullptr; hook = hook->outer) {
-      if (hook->rule == rule &&
-          ((hook->left == left && hook->right == right) || (hook->left == right && hook->right == left))) {
-        return true;
-      }
-    }
-    return false;
-  }
-
- private:
-  RunningHook entry_;
-};
 
 const ClassHooks& hooksOf(const void* handle) {
   static constexpr ClassHooks none;
@@ -114,8 +81,15 @@ bool hasHook(Rule rule, const void* handle) {
 }
 
 Verdict judgeByHook(Rule rule, void* left, void* right) {
-  if (HookScope::isRunning(rule, left, right)) return Verdict::Same;
-  const HookScope scope(rule, left, right);
+  switch (RunningHook::standingOf(rule, left, right)) {
+    case RunningHook::Standing::InProgress:
+      return Verdict::Same;
+    case RunningHook::Standing::EntersAgainForEver:
+      return rule == Rule::Equality ? Verdict::Greater : Verdict::Incomparable;
+    case RunningHook::Standing::MayRun:
+      break;
+  }
+  const RunningHook running(rule, left, right);
   return rule == Rule::Equality ? equalityByHook(left, right) : orderByHook(left, right);
 }
 

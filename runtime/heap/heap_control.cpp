@@ -8,6 +8,7 @@
 #include "runtime/heap/collected_heap.h"
 #include "runtime/heap/plain_heap.h"
 #include "runtime/heap/stress_heap.h"
+#include "runtime/keys/hash_seed.h"
 #include "runtime/threads/fast_random.h"
 
 namespace vorn::runtime {
@@ -36,8 +37,11 @@ bool startLocked(const vorn_runtime_options& options) {
   HeapBackend* heap = startedBackend.load(std::memory_order_relaxed);
   if (heap != nullptr && options.heap != startedKind) return false;
   if (running) return true;
-  if (heap == nullptr) heap = makeHeap(options.heap);
-  if (heap == nullptr) return false;
+  if (heap == nullptr) {
+    heap = makeHeap(options.heap);
+    if (heap == nullptr) return false;
+    drawKeyHashSeed(options.seed);
+  }
   startedKind = options.heap;
   running = true;
   seedRandomStreams(options.seed);

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "runtime/equality/collection_comparison.h"
+#include "runtime/equality/running_hooks.h"
 #include "runtime/objects/object_types.h"
 #include "runtime/objects/tuple_object.h"
 
@@ -93,15 +94,9 @@ Verdict judgeFlatTuples(Rule rule, const TupleObject& left, const TupleObject& r
   return verdictOnOrder(leftCount, rightCount);
 }
 
-// The verdict on two whole keys, looking into sequences.
-Verdict judgeWholeKeys(Rule rule, const NativeCollectionKey& left, const NativeCollectionKey& right) {
-  Verdict verdict = judgeKeys(rule, left, right);
-  if (verdict != Verdict::Contents) return verdict;
-  if (const auto* tuple = tupleOf(left.handle())) {
-    verdict = judgeFlatTuples(rule, *tuple, *tupleOf(right.handle()));
-    if (verdict != Verdict::Incomparable) return verdict;
-  }
-  return compareContents(rule, left.handle(), right.handle());
+Verdict verdictOnLookup(const NativeCollectionKey& left, const NativeCollectionKey& right) {
+  const LookupScope lookup;
+  return judgeWholeKeys(Rule::KeyOrder, left, right);
 }
 
 }  // namespace
@@ -136,16 +131,29 @@ Verdict judgeKeys(Rule rule, const NativeCollectionKey& left, const NativeCollec
   return Verdict::Greater;
 }
 
+Verdict judgeWholeKeys(Rule rule, const NativeCollectionKey& left, const NativeCollectionKey& right) {
+  Verdict verdict = judgeKeys(rule, left, right);
+  if (verdict != Verdict::Contents) return verdict;
+  if (const auto* tuple = tupleOf(left.handle())) {
+    verdict = judgeFlatTuples(rule, *tuple, *tupleOf(right.handle()));
+    if (verdict != Verdict::Incomparable) return verdict;
+  }
+  return compareContents(rule, left.handle(), right.handle());
+}
+
 }  // namespace vorn::runtime
 
 bool nativeCollectionKeysEqual(const NativeCollectionKey& left, const NativeCollectionKey& right) {
   using namespace vorn::runtime;
+  if (!left.comparesByUserCode()) return judgeKeys(Rule::KeyEquality, left, right) == Verdict::Same;
+  const LookupScope lookup;
   return judgeWholeKeys(Rule::KeyEquality, left, right) == Verdict::Same;
 }
 
 int compareNativeCollectionKeys(const NativeCollectionKey& left, const NativeCollectionKey& right) {
   using namespace vorn::runtime;
-  Verdict verdict = judgeWholeKeys(Rule::KeyOrder, left, right);
+  const bool plain = !left.comparesByUserCode() || !right.comparesByUserCode();
+  Verdict verdict = plain ? judgeKeys(Rule::KeyOrder, left, right) : verdictOnLookup(left, right);
   // Two keys must not pass for one because a hook raised.
   if (verdict == Verdict::Raised) verdict = verdictOnOrder(left.words[0], right.words[0]);
   if (verdict == Verdict::Same) return 0;

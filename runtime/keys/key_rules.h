@@ -11,4 +11,8 @@ namespace vorn::runtime {
 // May run user code, raise and allocate for instances; the caller keeps what is behind the keys alive.
 Verdict judgeKeys(Rule rule, const NativeCollectionKey& left, const NativeCollectionKey& right);
 
+// The same for whole keys, looking into sequences, as part of the comparison that is going on. What a table asks for,
+// nativeCollectionKeysEqual and compareNativeCollectionKeys, begins a new one: see running_hooks.h.
+Verdict judgeWholeKeys(Rule rule, const NativeCollectionKey& left, const NativeCollectionKey& right);
+
 }  // namespace vorn::runtime

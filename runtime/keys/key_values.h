@@ -97,6 +97,10 @@ NativeCollectionKey unhashedKey(void* handle);
 // The hash of a key of a value, a text or an identity, which takes no look behind a handle.
 std::uint32_t plainKeyHash(const NativeCollectionKey& key);
 
+// The hash of any key that has none yet. May run user code, raise and allocate for sequences and instances; the caller
+// keeps what is behind the key alive.
+std::uint32_t keyHash(const NativeCollectionKey& key);
+
 // The hash of an instance: its class's hook, spread; a constant for a class that brings only equality; else by
 // identity. May run user code, raise and allocate.
 std::uint32_t instanceKeyHash(void* instance);

@@ -15,9 +15,12 @@ namespace {
 
 std::uint32_t folded(std::uint64_t hash) { return static_cast<std::uint32_t>(hash ^ (hash >> 32)); }
 
-std::uint32_t textHash(std::string_view text) { return folded(XXH3_64bits(text.data(), text.size())); }
+std::uint32_t textHash(std::string_view text) {
+  return folded(XXH3_64bits_withSeed(text.data(), text.size(), Vorn_keyHashSeed.addend));
+}
 
-// The tag keeps false, the character NUL and the number 0 apart.
+// The tag keeps false, the character NUL and the number 0 apart. Values of different tags may be chosen so that they
+// collide, but no more of them than there are tags.
 std::uint32_t wordKeyHash(KeyTag tag, std::uint64_t word) {
   return mixedKeyHash(tag == KeyTag::Integer ? word : word ^ (static_cast<std::uint64_t>(tag) << 56));
 }
@@ -34,12 +37,6 @@ NativeCollectionKey hashedWordKey(KeyTag tag, std::uint64_t word) {
 const RuntimeClass* rootOfEquality(const RuntimeClass* type) {
   while (type->base != nullptr && type->base->hooks.equals) type = type->base;
   return type;
-}
-
-std::uint32_t hashOf(const NativeCollectionKey& key) {
-  if (key.tag == KeyTag::Sequence) return sequenceKeyHash(key.handle());
-  if (key.tag == KeyTag::Instance) return instanceKeyHash(key.handle());
-  return plainKeyHash(key);
 }
 
 // The hash is made from the text itself: reading back the words that were written just now would wait for them.
@@ -105,6 +102,12 @@ std::uint32_t instanceKeyHash(void* instance) {
   return plainKeyHash(wordKey(KeyTag::Identity, reinterpret_cast<std::uint64_t>(instance)));
 }
 
+std::uint32_t keyHash(const NativeCollectionKey& key) {
+  if (key.tag == KeyTag::Sequence) return sequenceKeyHash(key.handle());
+  if (key.tag == KeyTag::Instance) return instanceKeyHash(key.handle());
+  return plainKeyHash(key);
+}
+
 }  // namespace vorn::runtime
 
 NativeCollectionKey makeNativeCollectionKey(void* handle) {
@@ -122,9 +125,11 @@ NativeCollectionKey makeNativeCollectionKey(void* handle) {
   std::string_view text;
   if (readText(handle, text)) return hashedTextKey(text);
   NativeCollectionKey key = unhashedKey(handle);
-  key.hash = hashOf(key);
+  key.hash = keyHash(key);
   return key;
 }
+
+NativeCollectionKey makeNativeOrderedCollectionKey(void* handle) { return vorn::runtime::unhashedKey(handle); }
 
 NativeCollectionKey makeNativeStringCollectionKey(std::string_view text) { return vorn::runtime::hashedTextKey(text); }
 

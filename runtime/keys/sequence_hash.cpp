@@ -4,7 +4,8 @@
 // differently (boxed or unboxed, sharing parts or not, endless by one cycle or by another), so the hash depends on
 // nothing but the elements that a walk from the outside meets. The walk ends for every sequence, however deep: below
 // kDeepest levels, and when kNestedElements elements of inner sequences have been met, an inner sequence counts as a
-// constant. What differs only there collides, and equality tells it apart.
+// constant. What differs only there collides, and equality tells it apart. The second bound is what sequences cost that
+// share parts, whose walk would meet each part once for each way to it.
 #include <algorithm>
 #include <cstdint>
 
@@ -17,7 +18,7 @@
 namespace vorn::runtime {
 namespace {
 
-constexpr int kDeepest = 8;
+constexpr int kDeepest = 64;
 constexpr std::uint64_t kNestedElements = 4096;
 constexpr std::uint32_t kUnseen = 0x9E3779B9;
 

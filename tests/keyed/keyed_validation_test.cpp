@@ -8,7 +8,8 @@ namespace {
 
 using collections::validateMapData;
 using collections::validateSetData;
-using HashNode = collections::HashTable<NativeMapEntry>::Node;
+using HashTable = collections::HashTable<NativeMapEntry>;
+using HashNode = HashTable::Node;
 using TreeNode = collections::OrderedTable::Node;
 
 class KeyedValidation : public KeyedTest {};
@@ -33,49 +34,100 @@ TEST_F(KeyedValidation, StorageThatIsNotUsed) {
   EXPECT_EQ(validateMapData(*getMapData(sorted)), "a hash map has ordered storage");
 }
 
-TEST_F(KeyedValidation, HashNodeInAnotherBucket) {
-  const Handle map = countingMap("Map", 5);
+TEST_F(KeyedValidation, ElementInAnotherBucket) {
+  const Handle map = countingMap("Map", 50);
   HashNode* const node = getMapData(map)->hash.findPlain(integerCollectionKey(3));
-  const std::uint32_t hash = std::exchange(node->key.hash, ~node->key.hash);
-  EXPECT_EQ(validateMapData(*getMapData(map)), "a node hangs in another bucket than its hash says");
+  const std::uint32_t hash = std::exchange(node->key.hash, node->key.hash ^ 0x80000000U);
+  EXPECT_EQ(validateMapData(*getMapData(map)), "an element is in another bucket than its hash says");
+  node->key.hash = hash ^ 2;
+  EXPECT_EQ(validateMapData(*getMapData(map)), "an element's tag does not fit its hash");
   node->key.hash = hash;
   EXPECT_MAP_AT_REST(map);
 }
 
-TEST_F(KeyedValidation, HashNodeMarkedFree) {
+TEST_F(KeyedValidation, ElementMarkedVacant) {
   const Handle map = countingMap("Map", 5);
   HashNode* const node = getMapData(map)->hash.findPlain(integerCollectionKey(3));
-  const auto tag = std::exchange(node->key.tag, collections::kFreeNode);
-  EXPECT_EQ(validateMapData(*getMapData(map)), "a free node holds something");
+  const auto tag = std::exchange(node->key.tag, HashTable::kVacant);
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a vacant place holds something");
   node->key.tag = tag;
 }
 
-TEST_F(KeyedValidation, FreeNodeThatKeepsAHandle) {
+TEST_F(KeyedValidation, VacantPlaceThatKeepsAHandle) {
   const Handle map = countingMap("Map", 5);
   HashNode* const node = getMapData(map)->hash.findPlain(integerCollectionKey(3));
   vorn_collections_Map_remove(map, number(3));
   node->entry.value = map;
-  EXPECT_EQ(validateMapData(*getMapData(map)), "a free node holds something");
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a vacant place holds something");
   node->entry.value = nullptr;
   EXPECT_MAP_AT_REST(map);
 }
 
-TEST_F(KeyedValidation, HashNodeCutOff) {
-  const Handle set = countingSet("HashSet", 1);
-  const auto& table = getSetData(set)->table;
-  auto* const node = table.findPlain(integerCollectionKey(0));
-  const auto next = std::exchange(node->next, node);
-  EXPECT_EQ(validateSetData(*getSetData(set)), "a chain has a node that is not in use, or has it twice");
-  node->next = next;
-  EXPECT_SET_AT_REST(set);
+TEST_F(KeyedValidation, EndsThatAreVacant) {
+  const Handle map = countingMap("Map", 5);
+  HashNode& first = getMapData(map)->hash.at(0);
+  const HashNode copy = first;
+  first = {};
+  first.key.tag = HashTable::kVacant;
+  EXPECT_EQ(validateMapData(*getMapData(map)), "an end of the places is vacant");
+  first = copy;
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, SlotsOfABucket) {
+  const Handle set = countingSet("HashSet", 3);
+  auto& line = const_cast<collections::BucketLine&>(getSetData(set)->table.lines().lines()[0]);
+  const std::uint32_t place = std::exchange(line.places[0], line.places[1]);
+  EXPECT_NE(validateSetData(*getSetData(set)), "");
+  line.places[0] = 3;
+  EXPECT_EQ(validateSetData(*getSetData(set)), "a bucket has a place without an element");
+  line.places[0] = place;
+  line.places[3] = 1;
+  EXPECT_EQ(validateSetData(*getSetData(set)), "a free slot holds something");
+  line.places[3] = 0;
+  const std::uint32_t used = std::exchange(line.used, 2);
+  line.tags[2] = 0;
+  line.places[2] = 0;
+  EXPECT_EQ(validateSetData(*getSetData(set)), "an element is in no bucket");
+  line.used = used;
 }
 
 TEST_F(KeyedValidation, HashKeyTwice) {
   const Handle map = countingMap("Map", 1);
   auto& table = getMapData(map)->hash;
-  table.makeRoom();
+  table.makeRoom(integerCollectionKey(0));
   table.insert({}, integerCollectionKey(0), {nullptr, nullptr});
-  EXPECT_EQ(validateMapData(*getMapData(map)), "two nodes have the same key");
+  EXPECT_EQ(validateMapData(*getMapData(map)), "two elements have the same key");
+}
+
+TEST_F(KeyedValidation, FurtherLinesOfABucket) {
+  const CollectedRecord<MapData> map;
+  auto& table = map->hash;
+  for (std::int64_t value = 0; value < 95; value += 5) {
+    table.makeRoom(crowdedKey(value));
+    table.insert({}, crowdedKey(value), {nullptr, nullptr});
+  }
+  EXPECT_EQ(validateMapData(*map), "");
+  auto& line = const_cast<collections::BucketLine&>(*table.lines().firstLine(crowdedKey(0).hash));
+  ASSERT_NE(line.next, 0U);
+  const std::uint32_t next = std::exchange(line.next, 0);
+  EXPECT_EQ(validateMapData(*map), "a line is lost");
+  line.next = next;
+  auto& further = const_cast<collections::BucketLine&>(table.lines().furtherLine(next));
+  const std::uint32_t after = std::exchange(further.next, next);
+  EXPECT_EQ(validateMapData(*map), "a line is in two buckets, or twice in one");
+  further.next = after;
+  EXPECT_EQ(validateMapData(*map), "");
+}
+
+TEST_F(KeyedValidation, FreeNodeOfATreeThatKeepsAHandle) {
+  const Handle map = countingMap("SortedMap", 5);
+  TreeNode* const node = getMapData(map)->ordered.findPlain(integerCollectionKey(3)).node;
+  vorn_collections_Map_remove(map, number(3));
+  node->entry.value = map;
+  EXPECT_EQ(validateMapData(*getMapData(map)), "a free node holds something");
+  node->entry.value = nullptr;
+  EXPECT_MAP_AT_REST(map);
 }
 
 TEST_F(KeyedValidation, TreeColoursParentsAndOrder) {

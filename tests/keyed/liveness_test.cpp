@@ -59,6 +59,22 @@ TEST_F(Liveness, Map_ClearLetsEverythingGo) {
   }
 }
 
+TEST_F(Liveness, Map_MemoryFollowsWhatIsLeft) {
+  for (const char* type : {"Map", "HashMapSync"}) {
+    SCOPED_TRACE(type);
+    const Handle map = object(type);
+    const std::uint64_t before = liveBytes();
+    for (int i = 0; i < 3000; ++i) vorn_collections_Map_put(map, number(i), nullptr);
+    const std::uint64_t filled = liveBytes();
+    EXPECT_GE(filled, before + 3000 * 40);
+    for (int i = 0; i < 2990; ++i) EXPECT_TRUE(vorn_collections_Map_remove(map, number(i)));
+    EXPECT_LT(liveBytes(), before + 4000);
+    for (int i = 0; i < 3000; ++i) vorn_collections_Map_put(map, number(i), nullptr);
+    vorn_collections_Map_clear(map);
+    EXPECT_LT(liveBytes(), before + 2000);
+  }
+}
+
 TEST_F(Liveness, Set_KeepsElementsUntilTheyAreRemoved) {
   for (const char* type : kSetTypes) {
     SCOPED_TRACE(type);

@@ -173,7 +173,7 @@ TEST_F(Locks, KeysAreMadeBeforeTheLock_AndComparedUnderIt) {
     vorn_collections_Map_put(map, userKey(2), nullptr);
     vorn_collections_Map__get(map, userKey(3));
     vorn_collections_Map_remove(map, userKey(4));
-    EXPECT_EQ(hashes, 3);
+    EXPECT_EQ(hashes, data.hashed ? 3 : 0);
     EXPECT_GE(comparisons, 3);
     comparisons = 0;
     vorn_collections_Map_containsValue(map, userKey(5));

@@ -279,13 +279,23 @@ TEST_P(MapLaws, Reserve_ChangesNothingThatShows) {
   }
 }
 
+TEST_P(MapLaws, Values_OfCharactersLackWhatIsNoScalar_AndRaiseForIt) {
+  const Handle map = object(type());
+  int key = 0;
+  for (const int value : {0x61, 0xD800, 0x62}) vorn_collections_Map_put(map, number(key++), integer("Char", value));
+  const Handle values = vorn_collections_Map_values(map);
+  EXPECT_EQ(takeErrors().size(), 1U);
+  EXPECT_EQ(vorn_collections_ArrayList_size(values), 2);
+  EXPECT_EQ(vorn_collections_Map_size(map), 3);
+}
+
 TEST_P(MapLaws, Reserve_OnlyPositiveCountsOfHashMapsMakeBuckets) {
   const Handle map = object(type());
   vorn_collections_Map_reserve(map, 0);
   vorn_collections_Map_reserve(map, -5);
   EXPECT_EQ(getMapData(map)->hash.bucketCount(), 0U);
   vorn_collections_Map_reserve(map, 1000);
-  EXPECT_EQ(getMapData(map)->hash.bucketCount(), sorted() ? 0U : 1361U);
+  EXPECT_EQ(getMapData(map)->hash.bucketCount(), sorted() ? 0U : 197U);
   EXPECT_MAP_AT_REST(map);
 }
 

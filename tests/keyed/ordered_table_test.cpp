@@ -31,13 +31,13 @@ class OrderedTableTest : public RuntimeTest {
       place.node->entry.value = value;
       return;
     }
-    table().makeRoom();
+    table().makeRoom({});
     table().insert(place, integerCollectionKey(key), {nullptr, value});
   }
   bool remove(std::int64_t key) const {
     const auto place = table().find(integerCollectionKey(key));
     if (place.node == nullptr) return false;
-    table().remove(place.node);
+    table().remove(place);
     return true;
   }
   [[nodiscard]] std::vector<std::int64_t> keys() const {
@@ -131,7 +131,7 @@ TEST_F(OrderedTableTest, Changes_DifferAfterEveryStructuralChangeOnly) {
 
 TEST_F(OrderedTableTest, FailedAllocation_LeavesTheElements) {
   for (std::int64_t key = 0; key < 200; ++key) {
-    sweepAllocationFailures([&] { table().makeRoom(); },
+    sweepAllocationFailures([&] { table().makeRoom({}); },
                             [&] {
                               expectWhole();
                               EXPECT_EQ(table().count(), static_cast<std::uint64_t>(key));

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/sequences.h"
 
 namespace vorn::tests {
 namespace {
@@ -60,7 +61,39 @@ TEST_P(UserKeys, SortedMapsListThemInTheirOrder) {
 
 // ---- Raising --------------------------------------------------------------------------------------------------------
 
+TEST_P(UserKeys, HashThatRaises_SortedMapsDoNotAskIt) {
+  if (!sorted()) GTEST_SKIP() << "hash maps hash";
+  int hashes = 0;
+  keyHooks.hash = [&](void*) { return ++hashes, vorn_raise("Hook", "hash"), std::uint64_t{1}; };
+  const Handle map = userMap(5);
+  void* slot = nullptr;
+  vorn_collections_Map_put(map, userKey(1), string("v"));
+  vorn_collections_Map__set(map, userKey(7), string("v"));
+  vorn_collections_Map_operator_index_eq(map, userKey(8), string("v"));
+  EXPECT_NE(vorn_collections_Map__get(map, userKey(1)), nullptr);
+  EXPECT_TRUE(vorn_collections_Map_tryGet(map, userKey(2), &slot));
+  EXPECT_TRUE(vorn_collections_Map_operator_in(map, userKey(3)));
+  EXPECT_NE(vorn_collections_Map_operator_index(map, userKey(4)), nullptr);
+  EXPECT_TRUE(vorn_collections_Map_remove(map, userKey(0)));
+  EXPECT_EQ(listed(vorn_collections_Map_keys(map)).size(), 6U);
+  const Handle tuple = tupleOf({userKey(1), userKey(2)});
+  vorn_collections_Map_put(map, tuple, nullptr);
+  EXPECT_TRUE(vorn_collections_Map_operator_in(map, tuple));
+  // Maps in one order are compared place by place.
+  const Handle other = object("SortedMap");
+  for (const Handle& key : listed(vorn_collections_Map_keys(map))) {
+    vorn_collections_Map_put(other, key, vorn_collections_Map__get(map, key));
+  }
+  EXPECT_TRUE(vorn_collections_Map_operator_eq(map, other));
+  vorn_collections_Map_remove(other, userKey(2));
+  vorn_collections_Map_put(other, userKey(9), number(2));
+  EXPECT_FALSE(vorn_collections_Map_operator_eq(map, other));
+  EXPECT_EQ(hashes, 0);
+  EXPECT_MAP_AT_REST(map);
+}
+
 TEST_P(UserKeys, HashThatRaises_EveryNativeIsNeutral) {
+  if (sorted()) GTEST_SKIP() << "sorted maps never hash";
   const Handle map = userMap(5);
   const MapState before(map);
   keyHooks.hash = [](void*) { return vorn_raise("Hook", "hash"), std::uint64_t{1}; };

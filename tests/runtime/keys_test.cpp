@@ -1,5 +1,4 @@
 // What makes two handles one key of a map or set.
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -367,23 +366,22 @@ TEST_F(Keys, SynchronisedLists_AreLockedOnlyWhileTheyAreRead) {
   EXPECT_EQ(tries, 1);
 }
 
-// ---- Hashes ---------------------------------------------------------------------------------------------------------
+// ---- Keys without hashes --------------------------------------------------------------------------------------------
 
-TEST_F(Keys, Hashes_OfNeighboursDiffer) {
-  std::vector<std::uint32_t> hashes;
-  const int count = onStressHeap() ? 200 : 2000;
-  for (int i = 0; i < count; ++i) {
-    hashes.push_back(keyFor(integer("Int", i)).hash);
-    hashes.push_back(keyFor(floating("Double", i + 0.5)).hash);
-    hashes.push_back(keyFor(string(std::to_string(i))).hash);
-    hashes.push_back(keyFor(string(std::string(20, 'x') + std::to_string(i))).hash);
-    hashes.push_back(keyFor(tupleOf({integer("Int", i), integer("Int", -i)})).hash);
-    hashes.push_back(keyFor(integer("Char", i)).hash);
-  }
-  std::sort(hashes.begin(), hashes.end());
-  const auto distinct = std::unique(hashes.begin(), hashes.end()) - hashes.begin();
-  // 12000 values among 2^32: about 0.02 collisions are expected.
-  EXPECT_GE(distinct, static_cast<std::ptrdiff_t>(hashes.size()) - 4);
+TEST_F(Keys, OrderedKeys_AreMadeWithoutAHashHookAndOrderAsOthers) {
+  const Handle one = hashed(1);
+  const Handle two = hashed(2);
+  int hashes = 0;
+  hookFunctions.hash = [&](void*) { return ++hashes, vorn_raise("Exception", "no hash"), std::uint64_t{1}; };
+  const NativeCollectionKey first = makeNativeOrderedCollectionKey(one);
+  const NativeCollectionKey second = makeNativeOrderedCollectionKey(two);
+  EXPECT_LT(compareNativeCollectionKeys(first, second), 0);
+  const Handle tuple = tupleOf({one, two});
+  const Handle greater = tupleOf({two, one});
+  EXPECT_LT(compareNativeCollectionKeys(makeNativeOrderedCollectionKey(tuple), makeNativeOrderedCollectionKey(greater)),
+            0);
+  EXPECT_EQ(compareNativeCollectionKeys(makeNativeOrderedCollectionKey(integer("Int", 3)), integerCollectionKey(3)), 0);
+  EXPECT_EQ(hashes, 0);
 }
 
 // ---- Type names and texts of map keys -------------------------------------------------------------------------------

@@ -40,7 +40,8 @@ typedef struct vorn_runtime_options {
   int stress_scans_stacks;
   /* Stress heap only: collect at each allocation with a probability of 1 in this number; 0 and 1 mean always. */
   unsigned stress_collect_one_in;
-  /* Seed of the stress schedule and of nextFastRandomU64; 0 picks a fixed default, so runs are reproducible. */
+  /* Seed of the stress schedule, of nextFastRandomU64 and, at the process's first start, of the hashes of keys. 0 picks
+   * a fixed default for the first two and random bits for the hashes, which no order that a program sees depends on. */
   uint64_t seed;
 } vorn_runtime_options;
 

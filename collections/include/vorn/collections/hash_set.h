@@ -16,7 +16,8 @@
  * here and in the natives below. May allocate and run user code. */
 VORN_NATIVE void vorn_collections_HashSet_add(void* set, void* value);
 
-/* Removes the element equal to the value; whether there was one. May run user code. */
+/* Removes the element equal to the value; whether there was one. May run user code. A set that has lost most of its
+ * elements gives memory back, for which it may allocate; it does without when there is none. */
 VORN_NATIVE bool vorn_collections_HashSet_remove(void* set, void* value);
 
 /* Whether an element equals the value. May run user code. */
@@ -26,7 +27,8 @@ VORN_NATIVE bool vorn_collections_HashSet_operator_in(void* set, void* value);
 VORN_NATIVE long long vorn_collections_HashSet_count(void* set, void* value);
 
 /* The element at a position in iteration order; a negative index counts from the end. Otherwise IndexException "Index
- * out of bounds", raised after the lock is released. Takes time in proportion to the position. */
+ * out of bounds", raised after the lock is released. Takes time in proportion to the way from the nearer end, unless
+ * nothing has been removed between the first and the last element. */
 VORN_NATIVE void* vorn_collections_HashSet_operator_index(void* set, long long index);
 
 /* A new ArrayList of the elements in iteration order; an empty one for a null set; null when the list cannot be had.

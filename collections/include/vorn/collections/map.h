@@ -13,8 +13,10 @@
  * Keys that are numbers, texts or objects of classes without hooks run no user code, and a search for them does not
  * allocate.
  *
- * "Storage order": ascending by key for sorted maps. For hashed ones neither the order of insertion nor sorted, but the
- * same for every native while the map is unchanged.
+ * Sorted maps never hash a key: of the hooks of a class they use the ordering alone.
+ *
+ * "Storage order": ascending by key for sorted maps. For hashed ones programs may rely on its being the same for every
+ * native while the map is unchanged.
  */
 #ifndef VORN_COLLECTIONS_MAP_H
 #define VORN_COLLECTIONS_MAP_H
@@ -33,7 +35,9 @@ VORN_NATIVE void vorn_collections_Map_put(void* map, void* key, void* value);
 VORN_NATIVE void vorn_collections_Map__set(void* map, void* key, void* value);
 VORN_NATIVE void vorn_collections_Map_operator_index_eq(void* map, void* key, void* value);
 
-/* Removes the entry of a key; whether there was one. False for a null key and for one not found. May run user code. */
+/* Removes the entry of a key; whether there was one. False for a null key and for one not found. May run user code. A
+ * hashed map that has lost most of its entries gives memory back, for which it may allocate; it does without when there
+ * is none. */
 VORN_NATIVE bool vorn_collections_Map_remove(void* map, void* key);
 
 /* Removes all entries and forgets the recorded types of keys and values. Does not allocate. */

@@ -1,0 +1,128 @@
+// Natives whose result, or a part of it, cannot be had: a runtime may answer null instead of throwing. And the order of
+// the "size" field and the lock. The test program is linked so that the library's calls come here first.
+#include <thread>
+
+#include "tests/keyed/keyed_cases.h"
+#include "tests/support/before.h"
+
+namespace vorn::tests {
+namespace {
+int objectsBeforeNull = -1;  // negative when all can be had
+bool listsAreNull = false;
+std::function<void()>* onSetField = nullptr;
+}  // namespace
+}  // namespace vorn::tests
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
+extern "C" {
+void* __real_Vorn_allocObject(const char* className);
+void* __real_vorn_collections_ArrayList_literal0();
+void __real_Vorn_setField_i64(void* handle, const char* field, long long value);
+
+void* __wrap_Vorn_allocObject(const char* className) {
+  if (vorn::tests::objectsBeforeNull == 0) return nullptr;
+  if (vorn::tests::objectsBeforeNull > 0) --vorn::tests::objectsBeforeNull;
+  return __real_Vorn_allocObject(className);
+}
+void* __wrap_vorn_collections_ArrayList_literal0() {
+  return vorn::tests::listsAreNull ? nullptr : __real_vorn_collections_ArrayList_literal0();
+}
+void __wrap_Vorn_setField_i64(void* handle, const char* field, long long value) {
+  __real_Vorn_setField_i64(handle, field, value);
+  if (vorn::tests::onSetField != nullptr) (*vorn::tests::onSetField)();
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace vorn::tests {
+namespace {
+
+class NullObjects : public KeyedTest {
+ protected:
+  void TearDown() override {
+    objectsBeforeNull = -1;
+    listsAreNull = false;
+    KeyedTest::TearDown();
+  }
+};
+
+TEST_F(NullObjects, MapListings_AreNullAndLeaveTheMapUnlocked) {
+  for (const char* type : kMapTypes) {
+    SCOPED_TRACE(type);
+    const Handle map = countingMap(type, 3);
+    const MapState before(map);
+    for (const auto listing : {vorn_collections_Map_keys, vorn_collections_Map_values, vorn_collections_Map_items}) {
+      objectsBeforeNull = 0;
+      EXPECT_EQ(listing(map), nullptr);
+      objectsBeforeNull = -1;
+      EXPECT_EQ(MapState(map), before);
+      EXPECT_MAP_AT_REST(map);
+    }
+  }
+}
+
+TEST_F(NullObjects, MapItems_AreNullWhenAnyTupleIs) {
+  const Handle map = countingMap("Map", 3);
+  for (int objects = 1; objects <= 3; ++objects) {
+    objectsBeforeNull = objects;
+    EXPECT_EQ(vorn_collections_Map_items(map), nullptr) << objects;
+  }
+  objectsBeforeNull = 4;
+  EXPECT_NE(vorn_collections_Map_items(map), nullptr);
+}
+
+TEST_F(NullObjects, SetItems_AreNullAndLeaveTheSetUnlocked) {
+  for (const char* type : kSetTypes) {
+    const Handle set = countingSet(type, 3);
+    listsAreNull = true;
+    EXPECT_EQ(vorn_collections_HashSet_items(set), nullptr);
+    EXPECT_EQ(vorn_collections_HashSet_items(nullptr), nullptr);
+    listsAreNull = false;
+    EXPECT_SET_AT_REST(set);
+  }
+}
+
+// Asked from another thread, since the mutex may be recursive.
+bool isLocked(pthread_mutex_t* mutex) {
+  bool locked = false;
+  std::thread([&] {
+    locked = pthread_mutex_trylock(mutex) != 0;
+    if (!locked) pthread_mutex_unlock(mutex);
+  }).join();
+  return locked;
+}
+
+TEST_F(NullObjects, SizeField_IsWrittenBeforeTheUnlock) {
+  const auto expectLockedWrites = [](pthread_mutex_t* mutex, int expected, const std::function<void()>& calls) {
+    int writes = 0;
+    const Before during(onSetField, [&] {
+      ++writes;
+      EXPECT_TRUE(isLocked(mutex));
+    });
+    calls();
+    EXPECT_EQ(writes, expected);
+  };
+  for (const char* type : {"HashMapSync", "SortedMapSync"}) {
+    SCOPED_TRACE(type);
+    const Handle map = countingMap(type, 3);
+    const Handle key = number(1);
+    expectLockedWrites(getMapData(map)->mutex, 4, [&] {
+      vorn_collections_Map_put(map, key, key);
+      vorn_collections_Map__set(map, key, key);
+      vorn_collections_Map_remove(map, key);
+      vorn_collections_Map_clear(map);
+    });
+    EXPECT_FALSE(isLocked(getMapData(map)->mutex));
+  }
+  const Handle set = countingSet("HashSetSync", 3);
+  const Handle value = number(1);
+  expectLockedWrites(getSetData(set)->mutex, 3, [&] {
+    vorn_collections_HashSet_add(set, value);
+    vorn_collections_HashSet_remove(set, value);
+    vorn_collections_HashSet_clear(set);
+  });
+  EXPECT_FALSE(isLocked(getSetData(set)->mutex));
+}
+
+}  // namespace
+}  // namespace vorn::tests
