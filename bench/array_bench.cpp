@@ -19,7 +19,7 @@
 #include "bench/program.h"
 #include "collections/array/array_data.h"
 #include "collections/array/byte_conversions.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/object_layout.h"
 
 namespace {
 

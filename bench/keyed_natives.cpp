@@ -7,7 +7,8 @@
 #include <cstdio>
 
 #include "bench/keyed_operations.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
 #include "collections/keyed/map_data.h"
 
 namespace vorn::bench::natives {

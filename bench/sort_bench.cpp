@@ -13,8 +13,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "collections/core/sort/introsort.h"
-#include "collections/core/sort/primitive_sort.h"
+#include "collections/core/kernels/sort/introsort.h"
+#include "collections/core/kernels/sort/primitive_sort.h"
 
 #if defined(VORN_BENCH_VQSORT)
 #include <hwy/contrib/sort/vqsort.h>

@@ -21,9 +21,10 @@
 
 #include "collections/array/array_data.h"
 #include "collections/array/array_validation.h"
-#include "collections/core/list_data.h"
-#include "collections/core/list_validation.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/values.h"
+#include "collections/core/storage/list_data.h"
+#include "collections/core/storage/list_validation.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"
 #include "collections/keyed/keyed_validation.h"

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/text.h"
 #include "fuzz/heap_and_roots.h"
 
 namespace vorn::fuzz {

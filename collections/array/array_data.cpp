@@ -1,10 +1,9 @@
 #include "collections/array/array_data.h"
 
-#include <algorithm>
 #include <cstring>
 
-#include "collections/array/slot_access.h"
-#include "collections/core/primitive_copies.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
 
 namespace vc = vorn::collections;
 using vc::primitiveKindOf;
@@ -33,25 +32,6 @@ void recreateArrayStorage(ArrayData& array, RuntimeTypeName elementType, ArraySl
   } else {
     std::memset(array.primitive.data, 0, n * array.primitive.elementSize);
     array.primitive.size = n;
-  }
-}
-
-void copySlots(const ArrayData& source, long long first, long long step, std::uint64_t count, ArrayData& target,
-               std::uint64_t at) {
-  if (holdsHandles(source.slotKind)) {
-    auto position = static_cast<std::uint64_t>(first);
-    for (std::uint64_t i = 0; i < count; ++i, position += static_cast<std::uint64_t>(step)) {
-      target.objects.data[at + i] = source.objects.data[position];
-    }
-    return;
-  }
-  // The kind's own width, as every read of a slot has it, even when a prepared record claims another.
-  const std::uint64_t width = slotWidth(source.slotKind);
-  unsigned char* const copies = target.primitive.data + at * width;
-  gatherElements(source.primitive.data, first, step, count, width, copies);
-  // Compiled code may have left any non-zero byte for true; a copied slot is written as a value, 0 or 1.
-  if (source.slotKind == ArraySlotKind::Bool) {
-    std::transform(copies, copies + count, copies, [](unsigned char byte) { return byte != 0 ? 1 : 0; });
   }
 }
 

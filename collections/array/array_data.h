@@ -14,9 +14,9 @@
 #include <cstdint>
 
 #include "collections/core/array_slot_kind.h"
+#include "collections/core/port/type_name.h"
 #include "collections/core/record_lock.h"
-#include "collections/core/runtime_type_name.h"
-#include "collections/core/small_buffers.h"
+#include "collections/core/storage/small_buffers.h"
 
 struct ArrayData {
   using SlotKind = ArraySlotKind;

@@ -1,6 +1,6 @@
 #include "collections/array/array_validation.h"
 
-#include "collections/array/slot_access.h"
+#include "collections/core/array_slot_kind.h"
 
 namespace vorn::collections {
 

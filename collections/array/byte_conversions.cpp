@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "collections/array/array_data.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/object_layout.h"
 
 namespace {
 

@@ -10,8 +10,10 @@
 #include "collections/array/collected_slots.h"
 #include "collections/arraylist/collect_values.h"
 #include "collections/core/errors.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
 
 namespace vc = vorn::collections;
 

@@ -5,13 +5,19 @@
 #include <string_view>
 
 #include "collections/array/array_data.h"
-#include "collections/array/slot_access.h"
 #include "collections/array/slot_values.h"
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/elements/primitive_values.h"
 #include "collections/core/errors.h"
 #include "collections/core/index_rules.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/number_rules.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/pending_errors.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
 
 namespace vc = vorn::collections;
 using SlotKind = ArrayData::SlotKind;

@@ -5,11 +5,12 @@
 
 #include "collections/array/array_data.h"
 #include "collections/array/result_arrays.h"
-#include "collections/array/slot_access.h"
 #include "collections/arraylist/object_sort.h"
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/elements/primitive_sort.h"
 #include "collections/core/kernels/reverse_kernels.h"
-#include "collections/core/primitive_sort.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
 
 namespace vc = vorn::collections;
 using vc::primitiveKindOf;

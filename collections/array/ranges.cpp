@@ -4,12 +4,12 @@
 #include "collections/array/array_data.h"
 #include "collections/array/collected_slots.h"
 #include "collections/array/result_arrays.h"
-#include "collections/array/slot_access.h"
+#include "collections/array/slot_copies.h"
 #include "collections/arraylist/collect_values.h"
 #include "collections/arraylist/slice_indexes.h"
 #include "collections/core/errors.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
 
 namespace vc = vorn::collections;
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "collections/array/array_data.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
 
 namespace vorn::collections {
 

@@ -4,10 +4,11 @@
 #include <algorithm>
 
 #include "collections/array/array_data.h"
-#include "collections/array/slot_access.h"
 #include "collections/array/slot_values.h"
+#include "collections/core/array_slot_kind.h"
 #include "collections/core/kernels/search_kernels.h"
 #include "collections/core/pending_error_watch.h"
+#include "collections/core/port/object_layout.h"
 
 namespace vc = vorn::collections;
 using vc::kNotFound;

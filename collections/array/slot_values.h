@@ -5,7 +5,8 @@
 #include <vorn/collections/export.h>
 
 #include "collections/array/array_data.h"
-#include "collections/core/primitive_conversions.h"
+#include "collections/core/elements/accepted_values.h"
+#include "collections/core/elements/element_types.h"
 
 // The slot as a handle: unboxed slots become new boxes of the element type. Null for an index that is out of range.
 // Allocates for unboxed slots.

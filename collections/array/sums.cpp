@@ -2,11 +2,12 @@
 #include <vorn/collections/array.h>
 
 #include "collections/array/array_data.h"
-#include "collections/array/slot_access.h"
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/elements/primitive_values.h"
 #include "collections/core/errors.h"
+#include "collections/core/kernels/element_access.h"
 #include "collections/core/kernels/sum_kernels.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
 
 namespace vc = vorn::collections;
 using vc::primitiveKindOf;

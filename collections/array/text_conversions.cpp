@@ -7,9 +7,13 @@
 #include <string>
 
 #include "collections/array/array_data.h"
-#include "collections/array/slot_access.h"
+#include "collections/core/array_slot_kind.h"
 #include "collections/core/errors.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/number_rules.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/pending_errors.h"
+#include "collections/core/port/values.h"
 
 namespace vc = vorn::collections;
 

@@ -5,14 +5,16 @@
 #include <string_view>
 
 #include "collections/arraylist/store.h"
-#include "collections/core/element_access.h"
-#include "collections/core/element_types.h"
+#include "collections/core/elements/element_types.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/same_type_store.h"
+#include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
-#include "collections/core/runtime_object_layout.h"
-#include "collections/core/same_type_store.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/elements/same_type_store.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;
@@ -49,7 +51,7 @@ long long integerReading(double value) { return vc::truncateToI64(value); }
 // which have their kind's second name, take some only.
 template <class Value>
 inline bool keptUnderOwnNameTakes(const ListData& list, Value value) {
-  if (list.primitiveType == vc::elementTypeOf(static_cast<BoxedType>(list.primitiveKind)).name) [[likely]]
+  if (list.primitiveType == vc::elementTypeOf(static_cast<vc::PrimitiveType>(list.primitiveKind)).name) [[likely]]
     return true;
   if (list.primitiveKind == PrimitiveKind::UInt && list.primitiveType == std::string_view("Char")) {
     return vc::isUnicodeScalar(integerReading(value));

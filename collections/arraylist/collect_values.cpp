@@ -2,7 +2,8 @@
 
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 
 using vorn::collections::CollectedValues;
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 
 // A list of the given handles, unboxed when all are primitive values of one kind and type name. `values` is kept alive
 // by this call.

@@ -6,11 +6,14 @@
 #include <algorithm>
 
 #include "collections/arraylist/creation.h"
-#include "collections/core/element_access.h"
-#include "collections/core/element_types.h"
+#include "collections/core/elements/element_types.h"
+#include "collections/core/elements/primitive_elements.h"
 #include "collections/core/errors.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/elements/storage_transitions.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

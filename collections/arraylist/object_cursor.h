@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 
 namespace vorn::collections {
 

@@ -3,12 +3,15 @@
 #include <vorn/collections/array_list.h>
 
 #include "collections/arraylist/object_cursor.h"
-#include "collections/core/element_access.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
 #include "collections/core/errors.h"
 #include "collections/core/index_rules.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

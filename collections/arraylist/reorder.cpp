@@ -6,9 +6,11 @@
 #include <cstring>
 
 #include "collections/arraylist/transformed_copy.h"
-#include "collections/core/element_access.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/text.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

@@ -1,6 +1,7 @@
 #include "collections/arraylist/result_lists.h"
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 
 namespace vorn::collections {
 

@@ -1,8 +1,9 @@
 #include "collections/arraylist/snapshots.h"
 
-#include "collections/core/element_access.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
 
 using vorn::collections::HandleVector;
 using vorn::collections::PrimitiveKind;

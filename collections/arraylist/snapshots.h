@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 
 // One list's storage at one moment. Unboxed elements are kept as they are stored, at their own width.
 struct ListStorageSnapshot {

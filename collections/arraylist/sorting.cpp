@@ -6,8 +6,9 @@
 
 #include "collections/arraylist/object_sort.h"
 #include "collections/arraylist/transformed_copy.h"
-#include "collections/core/primitive_kinds.h"
-#include "collections/core/primitive_sort.h"
+#include "collections/core/elements/primitive_sort.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

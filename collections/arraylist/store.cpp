@@ -3,11 +3,13 @@
 #include <vorn/collections/array_list.h>
 
 #include "collections/arraylist/object_cursor.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/same_type_store.h"
+#include "collections/core/elements/store_forms.h"
 #include "collections/core/index_rules.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
-#include "collections/core/same_type_store.h"
+#include "collections/core/kinds.h"
+#include "collections/core/elements/storage_transitions.h"
 
 namespace vorn::collections {
 

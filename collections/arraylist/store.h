@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "collections/core/elements/primitive_values.h"
+
 struct ListData;
 struct BulkPrimitiveListValue;
 

@@ -3,12 +3,14 @@
 #include <vorn/collections/array_list.h>
 
 #include "collections/arraylist/object_cursor.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_sums.h"
+#include "collections/core/elements/primitive_values.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/sum_kernels.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
-#include "collections/core/primitive_sums.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

@@ -1,31 +1,44 @@
-// How a slot of a fixed array is represented.
+// How a slot of a fixed array is represented: the primitive kinds under other numbers, and handles.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-// The numbering is shared with the runtime, which maps element type names to kinds.
+#include "collections/core/kinds.h"
+
+// The numbering is shared with compiled code: a slot kind is the primitive kind's number less one, so that Int8 is 0,
+// and handles come last.
 enum class ArraySlotKind : std::uint8_t {
-  Int8 = 0,
-  UInt8 = 1,
-  Int16 = 2,
-  UInt16 = 3,
-  Int32 = 4,
-  UInt32 = 5,
-  Int64 = 6,
-  UInt64 = 7,
-  Float32 = 8,
-  Float64 = 9,
-  Bool = 10,
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot) slot = (value)-1,
+#include "collections/core/kinds.def"
   Object = 11,  // a handle
 };
 
+namespace vorn::collections {
+
+// None for handles.
+constexpr PrimitiveKind primitiveKindOf(ArraySlotKind kind) {
+  return kind == ArraySlotKind::Object ? PrimitiveKind::None
+                                       : static_cast<PrimitiveKind>(static_cast<std::uint8_t>(kind) + 1);
+}
+
+// The width of the slots in a buffer of unboxed ones; 1 for handles, of which there are none there.
+constexpr std::uint64_t slotWidth(ArraySlotKind kind) { return primitiveWidth(primitiveKindOf(kind)); }
+
+// Object for None.
+constexpr ArraySlotKind slotKindOf(PrimitiveKind kind) {
+  return kind == PrimitiveKind::None ? ArraySlotKind::Object
+                                     : static_cast<ArraySlotKind>(static_cast<std::uint8_t>(kind) - 1);
+}
+
+}  // namespace vorn::collections
+
 // The width of an unboxed slot in bytes; 0 for handles.
 constexpr std::size_t arraySlotKindSize(ArraySlotKind kind) {
-  constexpr unsigned char kWidths[] = {1, 1, 2, 2, 4, 4, 8, 8, 4, 8, 1, 0};
-  return kWidths[static_cast<std::size_t>(kind)];
+  if (kind == ArraySlotKind::Object) return 0;
+  return vorn::collections::primitiveWidth(vorn::collections::primitiveKindOf(kind));
 }
 
 constexpr bool arraySlotKindIsFloating(ArraySlotKind kind) {
-  return kind == ArraySlotKind::Float32 || kind == ArraySlotKind::Float64;
+  return vorn::collections::isFloatingKind(vorn::collections::primitiveKindOf(kind));
 }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/pending_errors.h"
 
 namespace vorn::collections::errors {
 

@@ -2,6 +2,8 @@
 // names and texts stand in errors.cpp.
 #pragma once
 
+#include <vorn/collections/export.h>
+
 #include <string_view>
 
 namespace vorn::collections::errors {
@@ -10,8 +12,9 @@ namespace vorn::collections::errors {
 [[gnu::cold]] void raiseIndexOutOfBounds();
 [[gnu::cold]] void raiseExpectedIntItem();
 [[gnu::cold]] void raiseExpectedFloatingItem();
-[[gnu::cold]] void raiseCodeUnitOutOfRange();
-[[gnu::cold]] void raiseCharNotScalar();
+// These two are the runtime's as well: its conversions of characters raise what storing into a list does.
+[[gnu::cold]] VORN_EXPORT void raiseCodeUnitOutOfRange();
+[[gnu::cold]] VORN_EXPORT void raiseCharNotScalar();
 
 [[gnu::cold]] void raiseIntStorageExpected();
 [[gnu::cold]] void raiseIntegerStorageExpected();

@@ -1,7 +1,7 @@
 // Tells whether user code raised while it was watched.
 #pragma once
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/pending_errors.h"
 
 namespace vorn::collections {
 

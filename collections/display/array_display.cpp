@@ -2,10 +2,11 @@
 #include <vorn/collections/array.h>
 
 #include "collections/array/array_data.h"
-#include "collections/array/slot_access.h"
 #include "collections/array/slot_values.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
 #include "collections/display/display_buffer.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/element_text.h"

@@ -2,11 +2,12 @@
 
 #include <cstring>
 
-#include "collections/core/element_access.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_kinds.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/text.h"
 #include "collections/display/value_display.h"
 
 namespace vorn::collections {

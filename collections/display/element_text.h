@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 #include "collections/display/display_buffer.h"
 
 namespace vorn::collections {

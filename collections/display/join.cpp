@@ -5,12 +5,14 @@
 #include <string_view>
 
 #include "collections/array/array_data.h"
-#include "collections/array/slot_access.h"
 #include "collections/array/slot_values.h"
 #include "collections/arraylist/object_cursor.h"
-#include "collections/core/list_data.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
+#include "collections/core/storage/list_data.h"
 #include "collections/display/display_buffer.h"
 #include "collections/display/element_text.h"
 #include "collections/display/value_display.h"

@@ -6,9 +6,10 @@
 
 #include <string_view>
 
-#include "collections/core/list_data.h"
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/storage/list_data.h"
 #include "collections/display/display_buffer.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/element_text.h"

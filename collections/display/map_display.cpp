@@ -3,7 +3,9 @@
 
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/keys.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 #include "collections/display/display_buffer.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"

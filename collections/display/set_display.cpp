@@ -1,8 +1,9 @@
 // Displays of hash sets.
 #include <vorn/collections/hash_set.h>
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
 #include "collections/display/display_buffer.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"

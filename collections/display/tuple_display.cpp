@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
 #include "collections/display/display_buffer.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"

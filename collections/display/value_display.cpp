@@ -3,8 +3,11 @@
 #include <array>
 #include <string_view>
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/text.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
 #include "collections/display/display_buffer.h"
 
 namespace vc = vorn::collections;

@@ -1,7 +1,8 @@
 // The lists that constructors take as arguments.
 #pragma once
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 
 namespace vorn::collections {
 

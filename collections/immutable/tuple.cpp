@@ -7,11 +7,12 @@
 #include <new>
 #include <optional>
 
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
 #include "collections/core/errors.h"
-#include "collections/core/list_data.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
+#include "collections/core/number_rules.h"
+#include "collections/core/storage/list_data.h"
 #include "collections/immutable/list_arguments.h"
 
 namespace vc = vorn::collections;

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/memory.h"
 
 namespace vorn::collections {
 

@@ -20,8 +20,8 @@
 #include <new>
 #include <type_traits>
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/memory.h"
+#include "collections/core/port/roots.h"
 
 namespace vorn::collections {
 

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "collections/core/pending_error_watch.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 #include "collections/keyed/map_entry.h"
 #include "collections/keyed/user_compared_key.h"
 

@@ -27,7 +27,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "collections/core/collection_key.h"
+#include "collections/core/port/collection_key.h"
 #include "collections/keyed/bucket_lines.h"
 #include "collections/keyed/entry_chunks.h"
 #include "collections/keyed/key_words.h"

@@ -1,7 +1,9 @@
 // Keys of arguments. Making a key may run user code and raise; the natives do so before they lock.
 #pragma once
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/keys.h"
+#include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
 
 namespace vorn::collections {
@@ -10,7 +12,7 @@ namespace vorn::collections {
 // meant here.
 inline bool isIntegerKey(const RegisteredObject* object) {
   return object != nullptr && object->kind() == ObjectKind::IntegerBox &&
-         (object->integer >= 0 || boxedTypeOf(*object) != BoxedType::ULong);
+         (object->integer >= 0 || boxedTypeOf(*object) != vorn::collections::PrimitiveType::ULong);
 }
 
 // The key of a hash map for a non-null handle. May run user code, raise and allocate: callers look at hasPendingError()

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "collections/core/collection_key.h"
+#include "collections/core/port/collection_key.h"
 
 namespace vorn::collections {
 

@@ -4,9 +4,10 @@
 
 #include <cstdint>
 
-#include "collections/core/element_order.h"
+#include "collections/core/equality/element_order.h"
 #include "collections/core/pending_error_watch.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/user_compared_key.h"
 

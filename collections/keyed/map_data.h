@@ -16,8 +16,8 @@
 
 #include <cstdint>
 
+#include "collections/core/port/type_name.h"
 #include "collections/core/record_lock.h"
-#include "collections/core/runtime_type_name.h"
 #include "collections/keyed/hash_table.h"
 #include "collections/keyed/map_entry.h"
 #include "collections/keyed/ordered_table.h"

@@ -6,8 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/keys.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/roots.h"
 #include "collections/keyed/map_snapshot.h"
 #include "collections/keyed/map_types.h"
 

@@ -3,6 +3,8 @@
 #include <vorn/collections/map.h>
 
 #include "collections/core/errors.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/pending_errors.h"
 #include "collections/keyed/key_of.h"
 #include "collections/keyed/map_data.h"
 

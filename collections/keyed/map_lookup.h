@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-#include "collections/core/collection_key.h"
+#include "collections/core/port/collection_key.h"
 
 // Whether the map has the key; its value then goes to the slot. False also when user code raises during the search.
 bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** slot);

@@ -2,6 +2,7 @@
 
 #include <vorn/collections/map.h>
 
+#include "collections/core/port/pending_errors.h"
 #include "collections/keyed/key_of.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/size_field.h"

@@ -2,7 +2,8 @@
 
 #include <vorn/collections/map.h>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
 
 long long vorn_collections_Map_size(void* map) {

@@ -1,8 +1,8 @@
 // Copies of a map's entries, taken under its lock and worked on without it.
 #pragma once
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_type_name.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_name.h"
 #include "collections/keyed/map_entry.h"
 
 struct MapData;

@@ -3,7 +3,8 @@
 
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 
 namespace vorn::collections {
 

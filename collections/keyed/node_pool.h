@@ -14,8 +14,8 @@
 #include <cstring>
 #include <type_traits>
 
-#include "collections/core/collection_key.h"
-#include "collections/core/gc_allocator.h"
+#include "collections/core/port/collection_key.h"
+#include "collections/core/port/gc_allocator.h"
 
 namespace vorn::collections {
 

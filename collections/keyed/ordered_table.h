@@ -19,7 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "collections/core/collection_key.h"
+#include "collections/core/port/collection_key.h"
 #include "collections/keyed/map_entry.h"
 #include "collections/keyed/node_pool.h"
 

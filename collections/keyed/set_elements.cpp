@@ -2,6 +2,7 @@
 
 #include <vorn/collections/hash_set.h>
 
+#include "collections/core/port/pending_errors.h"
 #include "collections/keyed/key_of.h"
 #include "collections/keyed/set_data.h"
 #include "collections/keyed/size_field.h"

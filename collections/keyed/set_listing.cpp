@@ -6,7 +6,8 @@
 #include <cstdint>
 
 #include "collections/core/index_rules.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
 #include "collections/keyed/set_data.h"
 
 namespace vc = vorn::collections;

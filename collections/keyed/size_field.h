@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
 
 namespace vorn::collections {
 

@@ -6,8 +6,8 @@
 // that changes the table each time would keep it busy forever, so the last search asks no user code.
 #pragma once
 
-#include "collections/core/collection_key.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/collection_key.h"
+#include "collections/core/port/roots.h"
 
 namespace vorn::collections {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/type_names.h"
 #include "runtime/objects/class_registry.h"
 #include "runtime/objects/runtime_class.h"
 

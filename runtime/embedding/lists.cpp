@@ -1,8 +1,8 @@
 // The embedding API: looking into lists.
 #include <vorn/runtime.h>
 
-#include "collections/core/list_data.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/storage/list_data.h"
 
 namespace {
 

@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <new>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/objects.h"
 #include "runtime/objects/fields.h"
 #include "runtime/objects/tuple_object.h"
 

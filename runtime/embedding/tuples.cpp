@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 #include "runtime/objects/class_registry.h"
 #include "runtime/objects/tuple_object.h"
 

@@ -6,7 +6,7 @@
 #include <new>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/values.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/text/text.h"
 #include "runtime/values/boxes.h"

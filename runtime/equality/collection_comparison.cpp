@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 #include "runtime/equality/keyed_matching.h"
 #include "runtime/equality/running_hooks.h"
 #include "runtime/equality/sequence_elements.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "runtime/keys/key_rules.h"

@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "collections/core/collection_key.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/collection_key.h"
+#include "collections/core/port/roots.h"
 
 namespace vorn::runtime {
 

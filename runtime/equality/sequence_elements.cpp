@@ -2,9 +2,11 @@
 
 #include <cstring>
 
-#include "collections/array/slot_access.h"
-#include "collections/core/primitive_kinds.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/array_slot_kind.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
 
 namespace vorn::runtime {
 namespace {

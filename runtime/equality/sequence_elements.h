@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "collections/array/array_data.h"
-#include "collections/core/list_data.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/storage/list_data.h"
 #include "runtime/objects/tuple_object.h"
 #include "runtime/values/scalars.h"
 

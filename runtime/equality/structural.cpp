@@ -1,7 +1,7 @@
 // The runtime's equality and order of arbitrary values.
 #include <vorn/runtime.h>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/comparison.h"
 #include "runtime/equality/collection_comparison.h"
 #include "runtime/equality/pair_rules.h"
 #include "runtime/text/text.h"

@@ -5,7 +5,7 @@
 #include <functional>
 #include <unordered_set>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 
 namespace vorn::runtime {
 

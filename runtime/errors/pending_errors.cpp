@@ -1,6 +1,6 @@
 #include "runtime/errors/pending_errors.h"
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/pending_errors.h"
 #include "runtime/threads/thread_state.h"
 
 namespace vorn::runtime {

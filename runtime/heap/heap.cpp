@@ -6,7 +6,7 @@
 
 #include <new>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/memory.h"
 #include "runtime/heap/global_roots.h"
 #include "runtime/heap/heap_control.h"
 

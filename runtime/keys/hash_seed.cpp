@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "collections/core/collection_key.h"
+#include "collections/core/port/collection_key.h"
 #include "runtime/threads/fast_random.h"
 
 // Until the runtime starts there are no tables, and keys of texts are all that could be made.

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "collections/core/port/collection_key.h"
 #include "runtime/equality/collection_comparison.h"
 #include "runtime/equality/running_hooks.h"
 #include "runtime/objects/object_types.h"

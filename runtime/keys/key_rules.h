@@ -1,6 +1,7 @@
 // What makes two keys one, and which comes first.
 #pragma once
 
+#include "collections/core/port/collection_key.h"
 #include "runtime/equality/pair_rules.h"
 #include "runtime/keys/key_values.h"
 

@@ -8,7 +8,8 @@
 #include <limits>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/collection_key.h"
+#include "collections/core/port/comparison.h"
 #include "runtime/values/scalars.h"
 
 namespace vorn::runtime {

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "collections/core/port/collection_key.h"
+#include "collections/core/port/keys.h"
 #include "runtime/keys/key_values.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/object_types.h"
@@ -56,7 +58,7 @@ NativeCollectionKey unhashedKey(void* handle) {
   switch (object->kind()) {
     case ObjectKind::IntegerBox: {
       const auto value = static_cast<std::uint64_t>(static_cast<const RegisteredObject*>(object)->integer);
-      const bool isUnsigned = boxedTypeOf(*object) == BoxedType::ULong;
+      const bool isUnsigned = boxedTypeOf(*object) == vorn::collections::PrimitiveType::ULong;
       return isUnsigned ? unhashedUnsignedKey(value) : wordKey(KeyTag::Integer, value);
     }
     case ObjectKind::FloatingBox:
@@ -116,7 +118,8 @@ NativeCollectionKey makeNativeCollectionKey(void* handle) {
   const std::uint64_t header = objectHeaderAt(handle);
   const auto* box = static_cast<const RegisteredObject*>(handle);
   if (header == objectHeaderFor(handle, ObjectKind::IntegerBox)) {
-    if (box->integer >= 0 || boxedTypeOf(*box) != BoxedType::ULong) return integerCollectionKey(box->integer);
+    if (box->integer >= 0 || boxedTypeOf(*box) != vorn::collections::PrimitiveType::ULong)
+      return integerCollectionKey(box->integer);
   }
   if (header == objectHeaderFor(handle, ObjectKind::FloatingBox)) {
     const NativeCollectionKey key = unhashedFloatingKey(std::bit_cast<double>(box->integer));

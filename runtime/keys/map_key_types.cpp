@@ -2,7 +2,7 @@
 #include <string>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/keys.h"
 #include "collections/keyed/map_data.h"
 #include "runtime/objects/object_types.h"
 #include "runtime/text/text.h"

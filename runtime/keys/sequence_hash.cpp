@@ -9,7 +9,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "collections/core/list_data.h"
+#include "collections/core/port/collection_key.h"
+#include "collections/core/storage/list_data.h"
 #include "runtime/equality/sequence_elements.h"
 #include "runtime/keys/key_values.h"
 #include "runtime/objects/tuple_object.h"

@@ -2,7 +2,8 @@
 
 #include <new>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/values.h"
 #include "runtime/heap/heap.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/class_registry.h"

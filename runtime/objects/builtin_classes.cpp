@@ -21,15 +21,6 @@ constexpr const RuntimeClass* classOrNull(BuiltinClass type) {
   return type == BuiltinClass::None ? nullptr : &builtinClasses[static_cast<std::size_t>(type)];
 }
 
-constexpr BoxedType boxedTypeNamed(std::string_view className) {
-#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName) \
-  if (className == (name)) return BoxedType::enumerator;
-#include "collections/core/primitive_kinds.def"
-#undef VORN_PRIMITIVE_KIND
-  if (className == "Char") return BoxedType::Char;
-  return className == "CodeUnit" ? BoxedType::CodeUnit : BoxedType::None;
-}
-
 }  // namespace
 
 static_assert(offsetof(RuntimeClass, head) == 0);
@@ -38,7 +29,7 @@ static_assert(offsetof(RuntimeClass, head) == 0);
 constinit const RuntimeClass builtinClasses[kBuiltinClasses] = {
 #define VORN_BUILTIN_CLASS(name, module, objectKind, baseName, parameterCount, classTraits, ownFields) \
   RuntimeClass{                                                                                        \
-      .head = {boxedTypeNamed(#name)},                                                                 \
+      .head = {collections::primitiveTypeNamed(#name)},                                                \
       .fullName = module #name,                                                                        \
       .shortName = #name,                                                                              \
       .kind = ObjectKind::objectKind,                                                                  \

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/type_names.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/generic_names.h"
 #include "runtime/objects/name_map.h"

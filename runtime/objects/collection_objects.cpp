@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "collections/array/array_data.h"
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "runtime/heap/heap.h"

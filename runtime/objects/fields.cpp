@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/tuple_object.h"
 #include "runtime/values/boxes.h"

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/type_names.h"
 #include "runtime/objects/builtin_classes.h"
 
 namespace vorn::runtime {

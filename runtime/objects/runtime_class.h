@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "collections/core/runtime_object_layout.h"
-#include "collections/core/runtime_type_name.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/type_name.h"
 
 namespace vorn::runtime {
 

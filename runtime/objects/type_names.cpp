@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/type_names.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/generic_names.h"
 #include "runtime/objects/name_map.h"

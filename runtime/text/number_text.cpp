@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/text.h"
 #include "runtime/text/text.h"
 
 namespace vorn::runtime {

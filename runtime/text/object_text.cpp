@@ -10,7 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/text.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/fields.h"
 #include "runtime/objects/user_hooks.h"

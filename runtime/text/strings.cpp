@@ -1,7 +1,8 @@
 #include <cstring>
 
-#include "collections/core/roots.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/text.h"
+#include "collections/core/port/values.h"
 #include "runtime/heap/heap.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/text/text.h"

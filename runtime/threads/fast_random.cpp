@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/text.h"
 #include "runtime/threads/thread_state.h"
 
 namespace vorn::runtime {

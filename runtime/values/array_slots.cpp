@@ -3,8 +3,11 @@
 #include <string_view>
 
 #include "collections/core/array_slot_kind.h"
-#include "collections/core/element_access.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/errors.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/values.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/values/scalars.h"
 
@@ -50,34 +53,9 @@ class CodeUnitTexts {
 
 ArraySlotKind slotKindForArrayElementType(std::string_view typeName) {
   const BuiltinClass type = vorn::runtime::boxedTypeOf(typeName.starts_with("vorn.") ? typeName.substr(5) : typeName);
-  switch (type) {
-    case BuiltinClass::SByte:
-      return ArraySlotKind::Int8;
-    case BuiltinClass::Byte:
-      return ArraySlotKind::UInt8;
-    case BuiltinClass::Short:
-      return ArraySlotKind::Int16;
-    case BuiltinClass::UShort:
-    case BuiltinClass::CodeUnit:
-      return ArraySlotKind::UInt16;
-    case BuiltinClass::Int:
-      return ArraySlotKind::Int32;
-    case BuiltinClass::UInt:
-    case BuiltinClass::Char:
-      return ArraySlotKind::UInt32;
-    case BuiltinClass::Long:
-      return ArraySlotKind::Int64;
-    case BuiltinClass::ULong:
-      return ArraySlotKind::UInt64;
-    case BuiltinClass::Float:
-      return ArraySlotKind::Float32;
-    case BuiltinClass::Double:
-      return ArraySlotKind::Float64;
-    case BuiltinClass::Boolean:
-      return ArraySlotKind::Bool;
-    default:
-      return ArraySlotKind::Object;
-  }
+  if (type == BuiltinClass::None) return ArraySlotKind::Object;
+  const auto primitiveType = vorn::runtime::builtinClass(type).head.boxedType;
+  return vorn::collections::slotKindOf(vorn::collections::kindOf(primitiveType));
 }
 
 bool extractArrayElementInteger(void* value, long long& integer) {
@@ -103,13 +81,13 @@ bool extractArrayElementBool(void* value, bool& truth) {
 
 extern "C" long long Vorn_intToChar(long long value) {
   if (vorn::collections::isUnicodeScalar(value)) return value;
-  Vorn_raise("ValueException", "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+  vorn::collections::errors::raiseCharNotScalar();
   return 0;
 }
 
 extern "C" long long Vorn_intToCodeUnit(long long value) {
   if (static_cast<unsigned long long>(value) <= 0xFFFF) return value;
-  Vorn_raise("TypeError", "CodeUnit code unit out of range (0..0xFFFF)");
+  vorn::collections::errors::raiseCodeUnitOutOfRange();
   return 0;
 }
 

@@ -3,7 +3,7 @@
 #include <limits>
 #include <string_view>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/values.h"
 #include "runtime/objects/builtin_classes.h"
 
 namespace {

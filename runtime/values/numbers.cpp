@@ -4,7 +4,7 @@
 #include <compare>
 #include <cstdint>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/comparison.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/values/scalars.h"
 

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/comparison.h"
 
 namespace vorn::runtime {
 

@@ -12,8 +12,10 @@
 #include "collections/array/array_data.h"
 #include "collections/array/array_validation.h"
 #include "collections/array/slot_values.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/error_texts.h"
 #include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
@@ -21,13 +23,12 @@ namespace vorn::tests {
 using SlotKind = ArrayData::SlotKind;
 using HeldArrayMutex = HeldRecordMutex<ArrayData>;
 
-inline constexpr const char* kArraySizeError = "ValueException: Array size cannot be negative";
-inline constexpr const char* kArrayElementError = "TypeError: Invalid array element type";
-inline constexpr const char* kIntegerItemError = "TypeError: Expected integer array item";
-inline constexpr const char* kFloatingArrayItemError = "TypeError: Expected floating array item";
-inline constexpr const char* kArraySliceCountError =
-    "ValueException: fixed array slice assignment requires the same number of values";
-inline constexpr const char* kArrayConcatError = "TypeError: array concatenation expects an ordered collection";
+inline constexpr const char* kArraySizeError = error_texts::kArraySizeNegative;
+inline constexpr const char* kArrayElementError = error_texts::kInvalidArrayElement;
+inline constexpr const char* kIntegerItemError = error_texts::kExpectedIntegerArrayItem;
+inline constexpr const char* kFloatingArrayItemError = error_texts::kExpectedFloatingArrayItem;
+inline constexpr const char* kArraySliceCountError = error_texts::kFixedSliceCount;
+inline constexpr const char* kArrayConcatError = error_texts::kArrayConcatSource;
 
 constexpr long long kLowest = LLONG_MIN;
 constexpr long long kHighest = LLONG_MAX;

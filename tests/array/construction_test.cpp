@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "tests/array/array_cases.h"
+#include "tests/support/error_texts.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
@@ -11,8 +12,8 @@ namespace {
 
 class ArrayConstruction : public RuntimeTest {};
 
-constexpr const char* kCopyNullError = "TypeError: Array copy constructor expects a non-null ordered collection";
-constexpr const char* kCopySourceError = "TypeError: Array copy constructor expects an ordered collection";
+constexpr const char* kCopyNullError = error_texts::kArrayCopyOfNull;
+constexpr const char* kCopySourceError = error_texts::kArrayCopySource;
 
 // ---- The element type -----------------------------------------------------------------------------------------------
 

@@ -1,6 +1,8 @@
 // Natives that read or write single slots, the size, and the raw pointers.
 #include <cmath>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/type_names.h"
 #include "tests/array/array_cases.h"
 
 namespace vorn::tests {

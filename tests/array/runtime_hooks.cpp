@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "collections/core/linked_handles.h"
+#include "collections/core/storage/linked_handles.h"
 
 namespace vorn::tests {
 

@@ -1,6 +1,7 @@
 // Slots and language values: boxing a slot, storing a value with its type test, comparing the two.
 #include <cmath>
 
+#include "collections/core/port/type_names.h"
 #include "tests/array/array_cases.h"
 #include "tests/support/sequences.h"
 

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <memory>
 
-#include "collections/array/slot_access.h"
+#include "collections/core/array_slot_kind.h"
 #include "tests/array/array_cases.h"
 
 namespace vorn::tests {

@@ -5,15 +5,16 @@
 #include <cmath>
 
 #include "tests/array/array_cases.h"
+#include "tests/support/error_texts.h"
 
 namespace vorn::tests {
 namespace {
 
 class ArrayText : public RuntimeTest {};
 
-constexpr const char* kNulError = "ValueException: U+0000 cannot be stored in a String";
-constexpr const char* kHighError = "ValueException: Unpaired high surrogate in CodeUnit[]";
-constexpr const char* kLowError = "ValueException: Unpaired low surrogate in CodeUnit[]";
+constexpr const char* kNulError = error_texts::kNulInString;
+constexpr const char* kHighError = error_texts::kUnpairedHighSurrogate;
+constexpr const char* kLowError = error_texts::kUnpairedLowSurrogate;
 
 // The UTF-8 of little-endian text, or "not convertible".
 std::string utf8By(const char* encoding, const void* data, std::size_t bytes) {

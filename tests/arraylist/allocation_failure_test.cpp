@@ -2,6 +2,7 @@
 #include <new>
 #include <tuple>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 #include "tests/support/allocation_failure.h"
 

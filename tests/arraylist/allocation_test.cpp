@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

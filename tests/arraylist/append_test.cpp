@@ -1,6 +1,8 @@
 // `add`: when a list adopts, keeps and leaves unboxed storage.
 #include <tuple>
 
+#include "collections/core/elements/element_types.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 namespace vorn::tests {

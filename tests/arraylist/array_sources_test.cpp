@@ -2,6 +2,7 @@
 #include <vorn/collections/array.h>
 
 #include "collections/array/array_data.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/sequences.h"

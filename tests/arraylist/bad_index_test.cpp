@@ -3,6 +3,7 @@
 #include <optional>
 #include <set>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 namespace vorn::tests {

@@ -9,16 +9,16 @@
 
 #include "tests/arraylist/list_cases.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/error_texts.h"
 
 namespace vorn::tests {
 
-inline constexpr const char* kAddAllError = "TypeError: addAll expects a list, array, tuple or set";
-inline constexpr const char* kStepError = "Exception: slice step cannot be zero";
-inline constexpr const char* kRangeError = "IndexException: Invalid slice assignment range";
-inline constexpr const char* kSourceError = "TypeError: slice assignment source must be an ordered collection";
-inline constexpr const char* kExtendedError =
-    "ValueException: extended slice assignment requires the same number of values";
-inline constexpr const char* kSumError = "TypeError: sum does not support null values";
+inline constexpr const char* kAddAllError = error_texts::kAddAllSource;
+inline constexpr const char* kStepError = error_texts::kSliceStepZero;
+inline constexpr const char* kRangeError = error_texts::kSliceAssignmentRange;
+inline constexpr const char* kSourceError = error_texts::kSliceAssignmentSource;
+inline constexpr const char* kExtendedError = error_texts::kExtendedSliceCount;
+inline constexpr const char* kSumError = error_texts::kSumOfNull;
 
 // ---- Slices ---------------------------------------------------------------------------------------------------------
 

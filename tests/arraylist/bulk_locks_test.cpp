@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "collections/arraylist/snapshots.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/arraylist/held_mutex.h"
 #include "tests/support/watchdog.h"

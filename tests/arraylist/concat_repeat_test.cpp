@@ -2,6 +2,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {

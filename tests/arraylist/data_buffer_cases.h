@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/error_texts.h"
 
 namespace vorn::tests {
 
@@ -61,10 +63,10 @@ inline bool wholeNameIs(const char* typeName, const std::string& name) {
   return full.substr(full.rfind('.') + 1) == name;
 }
 
-inline constexpr const char* kIntStorageError = "TypeError: ArrayList<Int> storage expected";
-inline constexpr const char* kIntegerStorageError = "TypeError: ArrayList integer storage expected";
-inline constexpr const char* kFloatingStorageError = "TypeError: ArrayList floating storage expected";
-inline constexpr const char* kPrimitiveStorageError = "TypeError: ArrayList primitive storage expected";
+inline constexpr const char* kIntStorageError = error_texts::kIntStorageExpected;
+inline constexpr const char* kIntegerStorageError = error_texts::kIntegerStorageExpected;
+inline constexpr const char* kFloatingStorageError = error_texts::kFloatingStorageExpected;
+inline constexpr const char* kPrimitiveStorageError = error_texts::kPrimitiveStorageExpected;
 
 // A commit native, the kinds of storage that it takes, and what it raises for any other.
 struct Commit {

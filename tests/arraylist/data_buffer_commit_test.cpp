@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "collections/core/elements/element_types.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/data_buffer_cases.h"
 
 namespace vorn::tests {

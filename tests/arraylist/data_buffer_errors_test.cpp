@@ -5,6 +5,7 @@
 #include <new>
 #include <system_error>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/data_buffer_cases.h"
 #include "tests/arraylist/held_mutex.h"
 

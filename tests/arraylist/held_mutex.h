@@ -1,6 +1,7 @@
 // A mutex that shows whether a native locks a list.
 #pragma once
 
+#include "collections/core/port/object_layout.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "collections/arraylist/creation.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/literal_cases.h"
 
 namespace vorn::tests {

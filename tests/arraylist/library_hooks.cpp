@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "collections/core/linked_handles.h"
-#include "collections/core/list_data.h"
+#include "collections/core/storage/linked_handles.h"
+#include "collections/core/storage/list_data.h"
 
 namespace vorn::tests {
 

@@ -11,20 +11,21 @@
 #include <string>
 #include <vector>
 
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/user_item.h"
+#include "tests/support/error_texts.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
 
-inline constexpr const char* kIndexError = "IndexException: Index out of bounds";
-inline constexpr const char* kIntItemError = "TypeError: Expected Int item";
-inline constexpr const char* kFloatingItemError = "TypeError: Expected floating list item";
-inline constexpr const char* kCodeUnitError = "TypeError: CodeUnit code unit out of range (0..0xFFFF)";
-inline constexpr const char* kCharError =
-    "ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)";
-inline constexpr const char* kAddOnNullError = "NullException: Cannot call ArrayList.add() on null";
+inline constexpr const char* kIndexError = error_texts::kIndexOutOfBounds;
+inline constexpr const char* kIntItemError = error_texts::kExpectedIntItem;
+inline constexpr const char* kFloatingItemError = error_texts::kExpectedFloatingItem;
+inline constexpr const char* kCodeUnitError = error_texts::kCodeUnitOutOfRange;
+inline constexpr const char* kCharError = error_texts::kCharNotScalar;
+inline constexpr const char* kAddOnNullError = error_texts::kAddOnNull;
 
 // The thirteen type names that select a primitive kind.
 inline const std::vector<std::string>& primitiveNames() {

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <system_error>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/held_mutex.h"
 #include "tests/arraylist/list_cases.h"
 

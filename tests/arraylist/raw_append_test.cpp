@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "tests/arraylist/bulk_cases.h"
+#include "collections/core/elements/element_types.h"
 
 namespace vorn::tests {
 namespace {

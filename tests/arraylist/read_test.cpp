@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 namespace vorn::tests {

@@ -1,4 +1,5 @@
 // removeAt, remove and clear: what they leave behind in the record.
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 namespace vorn::tests {

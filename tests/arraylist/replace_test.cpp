@@ -1,6 +1,7 @@
 // `operator_index_eq`: what replacing an element does to the storage.
 #include <tuple>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 namespace vorn::tests {

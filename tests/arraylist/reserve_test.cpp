@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "collections/core/elements/element_types.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/held_mutex.h"
 #include "tests/arraylist/list_cases.h"
 

@@ -1,4 +1,5 @@
 // sliceAssign: element-wise assignment, replaced ranges, and every error.
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/support/sequences.h"
 

@@ -1,4 +1,5 @@
 // slice: positions, the class and the storage of the result, omitted bounds and the zero step.
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {

@@ -11,6 +11,7 @@
 #include "collections/array/array_data.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/support/sequences.h"
+#include "collections/core/port/type_names.h"
 
 namespace vorn::tests {
 

@@ -1,6 +1,8 @@
 // The layout and the growth of each storage.
 #include <cstring>
 
+#include "collections/core/elements/element_types.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
 
 namespace vorn::tests {

@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {

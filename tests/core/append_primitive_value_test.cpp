@@ -1,5 +1,10 @@
 // Whether a raw value may be kept unboxed, and what appending one does to each state of a list.
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/storage_transitions.h"
+#include "collections/core/elements/store_forms.h"
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
+#include "tests/support/error_texts.h"
 
 namespace vorn::tests {
 namespace {
@@ -152,10 +157,10 @@ TEST_F(AppendPrimitiveValue, RefusedCharacterLeavesEvenTheKindUnchanged) {
   Handle list = object("ArrayList");
   const std::string before = describeList(record(list));
   appendPrimitiveValue(record(list), rawInteger("Char", 0xD800));
-  EXPECT_RAISED("ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+  EXPECT_RAISED(error_texts::kCharNotScalar);
   EXPECT_EQ(describeList(record(list)), before);
   appendPrimitiveValue(record(list), rawInteger("CodeUnit", 65536));
-  EXPECT_RAISED("TypeError: CodeUnit code unit out of range (0..0xFFFF)");
+  EXPECT_RAISED(error_texts::kCodeUnitOutOfRange);
   EXPECT_EQ(describeList(record(list)), before);
   EXPECT_VALID_LIST(list);
   appendPrimitiveValue(record(list), rawInteger("Int", 3));
@@ -165,11 +170,11 @@ TEST_F(AppendPrimitiveValue, RefusedCharacterLeavesEvenTheKindUnchanged) {
 TEST_F(AppendPrimitiveValue, RefusedCharacterLeavesAListOfItsKindUnchanged) {
   Handle characters = primitiveList("Char", {65});
   appendPrimitiveValue(record(characters), rawInteger("Char", 0x110000));
-  EXPECT_RAISED("ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+  EXPECT_RAISED(error_texts::kCharNotScalar);
   EXPECT_EQ(integersOf(record(characters)), Integers{65});
   Handle units = primitiveList("CodeUnit", {65});
   appendPrimitiveValue(record(units), rawInteger("CodeUnit", -1));
-  EXPECT_RAISED("TypeError: CodeUnit code unit out of range (0..0xFFFF)");
+  EXPECT_RAISED(error_texts::kCodeUnitOutOfRange);
   EXPECT_EQ(integersOf(record(units)), Integers{65});
 }
 

@@ -1,10 +1,10 @@
 // The conversion of a raw value to a declared kind, over the whole table: every declared name, every value name, every
 // boundary value, against the rules written out here once more.
-#include "collections/core/primitive_conversions.h"
 
 #include <cmath>
 #include <optional>
 
+#include "collections/core/elements/primitive_values.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

@@ -13,9 +13,11 @@
 #include <string_view>
 #include <vector>
 
-#include "collections/core/list_data.h"
-#include "collections/core/primitive_conversions.h"
-#include "collections/core/primitive_elements.h"
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/storage/list_data.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/runtime_test.h"
 

@@ -1,4 +1,8 @@
 // The gate of every list store: what a declared element type accepts, and what the refusal says.
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/store_forms.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 #include "tests/core/user_classes.h"
 

@@ -1,5 +1,6 @@
 // Errors that user hooks raise, or that were pending before, while values are compared.
-#include "collections/core/element_order.h"
+#include "collections/core/equality/element_order.h"
+#include "collections/core/port/text.h"
 #include "tests/core/core_test_support.h"
 #include "tests/core/user_classes.h"
 

@@ -9,7 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/pending_errors.h"
 #include "tests/core/core_test_support.h"
 #include "tests/core/user_classes.h"
 

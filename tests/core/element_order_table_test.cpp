@@ -1,5 +1,6 @@
 // Equality and order of every pair of value classes, in both directions, against the rules worked out in the oracle.
-#include "collections/core/element_order.h"
+#include "collections/core/elements/element_types.h"
+#include "collections/core/equality/element_order.h"
 #include "tests/core/element_order_oracle.h"
 
 namespace vorn::tests {

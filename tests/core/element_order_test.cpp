@@ -1,5 +1,5 @@
 // Equality and ordering, case by case, with results written by hand.
-#include "collections/core/element_order.h"
+#include "collections/core/equality/element_order.h"
 
 #include "tests/core/element_order_oracle.h"
 

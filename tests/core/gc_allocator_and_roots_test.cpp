@@ -2,8 +2,8 @@
 #include <new>
 #include <type_traits>
 
-#include "collections/core/gc_allocator.h"
-#include "collections/core/roots.h"
+#include "collections/core/port/gc_allocator.h"
+#include "collections/core/port/roots.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

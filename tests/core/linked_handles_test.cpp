@@ -1,8 +1,8 @@
-#include "collections/core/linked_handles.h"
+#include "collections/core/storage/linked_handles.h"
 
 #include <new>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

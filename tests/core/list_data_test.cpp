@@ -1,8 +1,10 @@
 // The record's own operations: handles in object and linked storage, preparing primitive storage, clearing.
-#include "collections/core/list_data.h"
+#include "collections/core/storage/list_data.h"
 
 #include <cstddef>
 
+#include "collections/core/port/type_names.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

@@ -1,6 +1,7 @@
 // The validator sees each broken invariant. Every test breaks one thing in a sound record and mends it again.
-#include "collections/core/list_validation.h"
+#include "collections/core/storage/list_validation.h"
 
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

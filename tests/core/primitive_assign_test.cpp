@@ -1,5 +1,5 @@
 // primitiveListAssignFrom…: raw values over unboxed and linked lists, and none at all.
-#include "collections/core/primitive_elements.h"
+#include "collections/core/elements/primitive_elements.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

@@ -1,7 +1,9 @@
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
 
 #include <type_traits>
 
+#include "collections/core/elements/element_types.h"
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

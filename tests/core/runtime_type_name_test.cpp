@@ -1,5 +1,6 @@
-#include "collections/core/runtime_type_name.h"
+#include "collections/core/port/type_name.h"
 
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

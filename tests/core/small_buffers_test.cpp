@@ -1,10 +1,10 @@
-#include "collections/core/small_buffers.h"
+#include "collections/core/storage/small_buffers.h"
 
 #include <new>
 #include <stdexcept>
 #include <type_traits>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

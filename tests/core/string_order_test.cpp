@@ -1,5 +1,5 @@
 // Sorting Strings asks the runtime once a pair. The questions are counted by wrapping them at link time.
-#include "collections/core/element_order.h"
+#include "collections/core/equality/element_order.h"
 #include "tests/core/core_test_support.h"
 
 namespace {

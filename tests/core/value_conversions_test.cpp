@@ -1,7 +1,10 @@
 // From language values to raw values and back.
 #include <cmath>
 
-#include "collections/core/primitive_conversions.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/store_forms.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 #include "tests/core/user_classes.h"
 

@@ -14,6 +14,9 @@
 
 #include "collections/array/array_data.h"
 #include "collections/array/array_validation.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/values.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"
 #include "collections/keyed/keyed_validation.h"

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "collections/core/port/values.h"
 #include "tests/display/display_cases.h"
 #include "tests/runtime/hooked_objects.h"
 

@@ -1,4 +1,5 @@
 // Joins of lists and arrays of handles.
+#include "collections/core/port/values.h"
 #include "tests/display/display_cases.h"
 #include "tests/runtime/hooked_objects.h"
 

@@ -1,4 +1,5 @@
 // The tags, separators, null texts and cycle markers of every kind of collection, alone and within each other.
+#include "collections/core/port/text.h"
 #include "collections/display/list_display.h"
 #include "tests/display/display_cases.h"
 

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/values.h"
 #include "tests/display/display_cases.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/before.h"

@@ -2,6 +2,9 @@
 #include <cmath>
 #include <limits>
 
+#include "collections/core/port/keys.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/text.h"
 #include "tests/display/display_cases.h"
 #include "tests/runtime/hooked_objects.h"
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <system_error>
 
+#include "collections/core/port/comparison.h"
 #include "tests/immutable/sequence_cases.h"
 
 namespace vorn::tests {

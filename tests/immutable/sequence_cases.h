@@ -5,17 +5,19 @@
 
 #include <new>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/arraylist/held_mutex.h"
 #include "tests/arraylist/list_cases.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/error_texts.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
 
-inline constexpr const char* kImmutableSourceError = "TypeError: argument 1 of ImmutableList must be a IList";
-inline constexpr const char* kImmutableReadOnlyError = "ReadOnlyException: ImmutableList is read-only";
-inline constexpr const char* kTupleSourceError = "TypeError: argument 1 of Tuple must be a packed variadic list";
-inline constexpr const char* kTupleReadOnlyError = "ReadOnlyException: Tuple is read-only";
+inline constexpr const char* kImmutableSourceError = error_texts::kImmutableListSource;
+inline constexpr const char* kImmutableReadOnlyError = error_texts::kImmutableListReadOnly;
+inline constexpr const char* kTupleSourceError = error_texts::kTupleSource;
+inline constexpr const char* kTupleReadOnlyError = error_texts::kTupleReadOnly;
 
 // The items of a tuple as `operator_index` gives them.
 inline Elements itemsOf(void* tuple) {

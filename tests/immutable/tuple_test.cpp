@@ -1,6 +1,8 @@
 // Construction and reading of tuples.
 #include <system_error>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
 #include "tests/immutable/sequence_cases.h"
 #include "tests/support/held_mutex.h"
 

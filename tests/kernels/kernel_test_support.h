@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "collections/core/kernels/vector_path.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
 
 namespace vorn::tests {
 

@@ -57,7 +57,7 @@ TEST_P(KernelTables, RangesGoToTheWidestVectorsThatFit) {
 
 TEST_P(KernelTables, HoldAKernelForEachKindLaneAndWidth) {
   const collections::kernels::KernelTable& table = kernelsFor(1000);
-  for (std::uint64_t kind = 0; kind < collections::kernels::kKindValues; ++kind) {
+  for (std::uint64_t kind = 0; kind < collections::kPrimitiveKinds; ++kind) {
     const auto value = static_cast<PrimitiveKind>(kind);
     EXPECT_EQ(table.sums[kind] == nullptr, value == PrimitiveKind::None || isFloating(value)) << kind;
   }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "collections/core/port/object_layout.h"
 #include "collections/keyed/keyed_validation.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"

@@ -1,6 +1,8 @@
 // The checks of whole records find what is broken: each test breaks one thing and mends it again.
 #include "collections/keyed/keyed_validation.h"
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
 #include "tests/keyed/table_support.h"
 
 namespace vorn::tests {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <system_error>
 
+#include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_lookup.h"
 #include "collections/keyed/map_snapshot.h"
 #include "tests/keyed/keyed_cases.h"

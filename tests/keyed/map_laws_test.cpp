@@ -5,14 +5,18 @@
 #include <new>
 #include <stdexcept>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 #include "collections/keyed/map_lookup.h"
 #include "tests/keyed/table_support.h"
+#include "tests/support/error_texts.h"
 
 namespace vorn::tests {
 namespace {
 
-constexpr const char* kNullKey = "NullException: Map key cannot be null";
-constexpr const char* kNotFound = "KeyException: Key not found";
+constexpr const char* kNullKey = error_texts::kMapKeyIsNull;
+constexpr const char* kNotFound = error_texts::kKeyNotFound;
 
 class MapLaws : public MapTest {};
 INSTANTIATE_MAP_TESTS(MapLaws);

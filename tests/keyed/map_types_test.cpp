@@ -1,4 +1,6 @@
 // The recorded types of keys and values, and the type of items that is made of them.
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 #include "tests/keyed/keyed_cases.h"
 
 namespace vorn::tests {

@@ -3,12 +3,15 @@
 #include <limits>
 #include <stdexcept>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/type_names.h"
 #include "tests/keyed/table_support.h"
+#include "tests/support/error_texts.h"
 
 namespace vorn::tests {
 namespace {
 
-constexpr const char* kIndexError = "IndexException: Index out of bounds";
+constexpr const char* kIndexError = error_texts::kIndexOutOfBounds;
 
 class SetLaws : public SetTest {};
 INSTANTIATE_SET_TESTS(SetLaws);

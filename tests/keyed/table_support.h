@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 #include "tests/keyed/keyed_cases.h"
 
 namespace vorn::tests {

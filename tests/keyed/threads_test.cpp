@@ -1,6 +1,7 @@
 // Synchronised maps and sets under several threads at once.
 #include <thread>
 
+#include "collections/core/port/objects.h"
 #include "tests/keyed/keyed_cases.h"
 
 namespace vorn::tests {

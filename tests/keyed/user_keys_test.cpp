@@ -1,13 +1,15 @@
 // Keys of a user class whose hooks raise, change the very collection, or answer inconsistently.
 #include <algorithm>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/error_texts.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
 namespace {
 
-constexpr const char* kNotFound = "KeyException: Key not found";
+constexpr const char* kNotFound = error_texts::kKeyNotFound;
 
 // Lets a test run some code in each comparison of user keys, whichever hook the collection's storage asks.
 void duringComparisons(const std::function<void()>& action) {

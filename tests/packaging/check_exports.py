@@ -5,8 +5,8 @@
 
 - The collections library exports exactly the natives that the public headers declare with VORN_NATIVE and what its
   sources mark with VORN_EXPORT.
-- Apart from the C and C++ libraries it needs nothing but operations that core/runtime_interface.h and
-  core/runtime_object_layout.h and core/collection_key.h declare: it has no hidden dependency.
+- Apart from the C and C++ libraries it needs nothing but operations that the headers of core/port declare: it has no
+  hidden dependency.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
   and the collector's GC_ functions.
 """
@@ -18,8 +18,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PUBLIC_HEADERS = ROOT / "collections/include"
-INTERFACE_HEADERS = ("collections/core/runtime_interface.h", "collections/core/runtime_object_layout.h",
-                     "collections/core/collection_key.h")
+PORT_HEADERS = sorted((ROOT / "collections/core/port").glob("*.h"))
 
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 PREPROCESSOR = re.compile(r"^[ \t]*#(?:[^\n\\]|\\\n|\\.)*", re.MULTILINE)
@@ -79,9 +78,9 @@ def main():
         if source.suffix in (".h", ".cpp"):
             helpers.update(EXPORTED.findall(code_of(source)))
     operations = set()
-    for header in INTERFACE_HEADERS:
-        operations.update(FUNCTION.findall(code_of(ROOT / header)))
-        operations.update(VARIABLE.findall(code_of(ROOT / header)))
+    for header in PORT_HEADERS:
+        operations.update(FUNCTION.findall(code_of(header)))
+        operations.update(VARIABLE.findall(code_of(header)))
 
     problems = []
     for native in sorted(natives - collections.exported):

@@ -6,6 +6,8 @@
 #include <cmath>
 
 #include "collections/array/array_data.h"
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/sequences.h"
 

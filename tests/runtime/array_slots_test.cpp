@@ -4,6 +4,11 @@
 #include <cmath>
 
 #include "collections/array/array_data.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
+#include "tests/support/error_texts.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
@@ -110,7 +115,7 @@ TEST_F(ArraySlots, IntToChar_GivesScalarsBackAndRefusesTheRest) {
   for (const long long value : {0xD800LL, 0xDFFFLL, 0x110000LL, -1LL, 1LL << 32, 1LL << 32 | 0x41,
                                 static_cast<long long>(INT64_MIN), static_cast<long long>(INT64_MAX)}) {
     EXPECT_EQ(Vorn_intToChar(value), 0);
-    EXPECT_RAISED("ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
+    EXPECT_RAISED(error_texts::kCharNotScalar);
   }
 }
 
@@ -121,7 +126,7 @@ TEST_F(ArraySlots, IntToCodeUnit_GivesSixteenBitsBackAndRefusesTheRest) {
   }
   for (const long long value : {0x10000LL, -1LL, 1LL << 32 | 0x41, static_cast<long long>(INT64_MIN)}) {
     EXPECT_EQ(Vorn_intToCodeUnit(value), 0);
-    EXPECT_RAISED("TypeError: CodeUnit code unit out of range (0..0xFFFF)");
+    EXPECT_RAISED(error_texts::kCodeUnitOutOfRange);
   }
 }
 

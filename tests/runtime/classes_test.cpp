@@ -3,6 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/text.h"
+#include "collections/core/port/type_names.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {

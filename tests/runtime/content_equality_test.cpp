@@ -8,6 +8,8 @@
 #include <thread>
 #include <utility>
 
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"

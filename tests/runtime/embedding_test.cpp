@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "collections/core/port/object_layout.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
 

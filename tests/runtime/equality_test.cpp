@@ -3,6 +3,8 @@
 #include <limits>
 #include <thread>
 
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
 

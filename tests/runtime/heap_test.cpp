@@ -7,6 +7,7 @@
 #include <set>
 #include <thread>
 
+#include "collections/core/port/text.h"
 #include "runtime/heap/heap_control.h"
 #include "runtime/threads/fast_random.h"
 #include "tests/runtime/heap_probe.h"

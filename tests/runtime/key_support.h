@@ -1,6 +1,8 @@
 // Questions about keys, asked in both directions.
 #pragma once
 
+#include "collections/core/port/collection_key.h"
+#include "collections/core/port/keys.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/sequences.h"
 

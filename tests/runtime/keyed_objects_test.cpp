@@ -3,6 +3,8 @@
 
 #include <new>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "tests/support/held_mutex.h"

@@ -2,6 +2,9 @@
 #include <cmath>
 #include <limits>
 
+#include "collections/core/port/keys.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/type_names.h"
 #include "collections/keyed/map_data.h"
 #include "tests/runtime/key_support.h"
 #include "tests/support/held_mutex.h"

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "collections/core/port/comparison.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {

@@ -6,6 +6,10 @@
 #include <cstring>
 #include <limits>
 
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
 

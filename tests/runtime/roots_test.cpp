@@ -1,6 +1,6 @@
 // Root ranges of a thread and root slots of the process. Where the heap is exact, the tests also see that what is no
 // root any more dies.
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 
 #include <algorithm>
 #include <random>

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/roots.h"
 #include "runtime/heap/sanitizers.h"
 #include "runtime/heap/stress_blocks.h"
 #include "tests/runtime/heap_probe.h"

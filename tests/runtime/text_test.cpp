@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "collections/core/port/text.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/sequences.h"
 

@@ -7,7 +7,9 @@
 #include <mutex>
 #include <thread>
 
-#include "collections/core/roots.h"
+#include "collections/core/port/pending_errors.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/text.h"
 #include "tests/runtime/heap_probe.h"
 
 namespace vorn::tests {

@@ -1,6 +1,9 @@
 // Tuple objects: their fields, their room, and what the embedding API makes of them.
 #include <new>
 
+#include "collections/core/port/objects.h"
+#include "collections/core/port/text.h"
+#include "collections/core/port/values.h"
 #include "runtime/objects/tuple_object.h"
 #include "tests/support/sequences.h"
 

@@ -1,6 +1,8 @@
 // Type names as text: short names, families, arguments, interning; type names of values and instance tests.
 #include <thread>
 
+#include "collections/core/port/objects.h"
+#include "collections/core/port/type_names.h"
 #include "tests/runtime/hooked_objects.h"
 
 namespace vorn::tests {

@@ -5,6 +5,11 @@
 #include <limits>
 #include <thread>
 
+#include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/text.h"
+#include "collections/core/port/values.h"
 #include "tests/runtime/hooked_objects.h"
 
 namespace vorn::tests {

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "collections/core/sort/key_quicksort.h"
+#include "collections/core/kernels/sort/key_quicksort.h"
 
 namespace vorn::tests {
 namespace {

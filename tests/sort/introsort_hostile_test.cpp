@@ -10,7 +10,7 @@
 #include <random>
 #include <vector>
 
-#include "collections/core/sort/introsort.h"
+#include "collections/core/kernels/sort/introsort.h"
 
 namespace vorn::tests {
 namespace {

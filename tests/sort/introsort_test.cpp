@@ -1,5 +1,5 @@
 // The comparison sort under honest comparators: order, stability of the short form, and how often it compares.
-#include "collections/core/sort/introsort.h"
+#include "collections/core/kernels/sort/introsort.h"
 
 #include <gtest/gtest.h>
 

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "collections/core/sort/primitive_sort.h"
+#include "collections/core/kernels/sort/primitive_sort.h"
 
 namespace vorn::tests {
 

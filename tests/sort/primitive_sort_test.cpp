@@ -1,5 +1,5 @@
 // Every path of the primitive sort against a reference: order, nothing lost, nothing touched outside the range.
-#include "collections/core/sort/primitive_sort.h"
+#include "collections/core/kernels/sort/primitive_sort.h"
 
 #include <gtest/gtest.h>
 

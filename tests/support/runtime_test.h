@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "collections/core/list_data.h"
-#include "collections/core/list_validation.h"
-#include "collections/core/runtime_interface.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/storage/list_data.h"
+#include "collections/core/storage/list_validation.h"
 
 namespace vorn::tests {
 

@@ -2,16 +2,14 @@
 #include <vorn/collections/array_list.h>
 #include <vorn/runtime.h>
 
-#include "collections/core/list_data.h"
-#include "collections/core/runtime_object_layout.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/storage/list_data.h"
 #include "runtime/objects/runtime_class.h"
 
 namespace {
 
 // The debugger stops here, with everything in place; its caller's frame is the one to look at.
-[[gnu::noinline]] void stopHere() {
-  asm volatile("" : : : "memory");
-}
+[[gnu::noinline]] void stopHere() { asm volatile("" : : : "memory"); }
 
 void* listOf(const char* className, void* first, void* second) {
   void* list = vorn_object_new(className);

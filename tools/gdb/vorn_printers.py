@@ -15,7 +15,7 @@ import struct
 import gdb
 import gdb.printing
 
-_TABLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), '../../collections/core/primitive_kinds.def')
+_TABLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), '../../collections/core/kinds.def')
 
 
 def _read_kinds():

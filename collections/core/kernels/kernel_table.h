@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "collections/core/kernels/vector_path.h"
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
 
 namespace vorn::collections::kernels {
 
@@ -15,7 +15,6 @@ namespace vorn::collections::kernels {
 enum class SearchLane : std::uint8_t { Bits8, Bits16, Bits32, Bits64, Float, Double, NonZero8 };
 
 inline constexpr std::uint64_t kSearchLanes = 7;
-inline constexpr std::uint64_t kKindValues = 12;
 // Widths 1, 2, 4 and 8.
 inline constexpr std::uint64_t kReversalWidths = 4;
 
@@ -42,7 +41,7 @@ struct KernelTable {
   const KernelTable* narrower;
   // Whether a Double other than zero and NaN is found sooner by its bits than by a floating comparison.
   bool searchesDoublesByBits;
-  SumKernel sums[kKindValues];  // by kind; null for None and the floating kinds, whose sums are never vectors
+  SumKernel sums[kPrimitiveKinds];  // by kind; null for None and the floating kinds, whose sums are never vectors
   SearchKernels searches[kSearchLanes];
   ReversalKernel reversals[kReversalWidths];  // by the binary logarithm of the width
 };

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "collections/core/element_access.h"
+#include "collections/core/kernels/element_access.h"
 #include "collections/core/kernels/kernel_table.h"
 #include "collections/core/kernels/search_kernels.h"
 

@@ -43,12 +43,11 @@ constexpr void setNeedleRange(NeedleRule& rule) {
 
 // A table instead of a switch over the kinds: on lists of a few elements the jump cost more than the search.
 constexpr auto kNeedleRules = [] {
-  std::array<NeedleRule, kernels::kKindValues> rules = {};
-#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, name, secondName)                      \
+  std::array<NeedleRule, kPrimitiveKinds> rules = {};
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot)                          \
   rules[value] = {0, 0, laneOf(PrimitiveKind::enumerator), std::countr_zero(std::uint8_t{width})}; \
   setNeedleRange<type>(rules[value]);
-#include "collections/core/primitive_kinds.def"
-#undef VORN_PRIMITIVE_KIND
+#include "collections/core/kinds.def"
   rules[static_cast<std::uint8_t>(PrimitiveKind::Boolean)].highest = 1;
   return rules;
 }();

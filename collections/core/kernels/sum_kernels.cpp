@@ -1,6 +1,6 @@
 #include "collections/core/kernels/sum_kernels.h"
 
-#include "collections/core/element_access.h"
+#include "collections/core/kernels/element_access.h"
 #include "collections/core/kernels/kernel_table.h"
 
 namespace vorn::collections {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "collections/core/primitive_kinds.h"
+#include "collections/core/kinds.h"
 
 namespace vorn::collections {
 

@@ -6,8 +6,8 @@
  * changed nothing. Memory exhaustion and a failing mutex leave a native as C++ exceptions, also with nothing changed.
  *
  * Unless stated otherwise a native locks a synchronised list for its whole body and does nothing for a null list.
- * Comparisons and texts of elements may lock synchronised elements meanwhile: docs/gc-and-locks.md says when two threads
- * can wait for each other.
+ * Comparisons and texts of elements may lock synchronised elements meanwhile: docs/gc-and-locks.md says when two
+ * threads can wait for each other.
  *
  * "Checked index": a negative index counts from the end; the result must be at least 0 and below the size, else
  * IndexException "Index out of bounds".

@@ -1,0 +1,92 @@
+// Filling a list's primitive storage from arrays of raw values.
+
+#include <algorithm>
+#include <cstring>
+
+#include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/elements/storage_transitions.h"
+#include "collections/core/elements/accepted_values.h"
+
+using vorn::collections::PrimitiveKind;
+
+namespace vorn::collections {
+
+namespace {
+
+BulkPrimitiveListValue rawValue(PrimitiveKind kind, std::string_view typeName, long long value) {
+  return {kind, typeName, value, static_cast<double>(value)};
+}
+BulkPrimitiveListValue rawValue(PrimitiveKind kind, std::string_view typeName, double value) {
+  return {kind, typeName, truncateToI64(value), value};
+}
+
+// Narrows every value to the element type, as storing it alone would.
+template <class Tag, class Value>
+void fillElements(Tag tag, unsigned char* data, const Value* values, std::uint64_t n) {
+  for (std::uint64_t i = 0; i < n; ++i) {
+    if constexpr (std::is_same_v<Value, double>) {
+      storeElement(tag, data, i, isFloatingKind(Tag::kind) ? 0 : truncateToI64(values[i]), values[i]);
+    } else {
+      storeElement(tag, data, i, values[i], static_cast<double>(values[i]));
+    }
+  }
+}
+
+long long integerReading(long long value) { return value; }
+long long integerReading(double value) { return truncateToI64(value); }
+
+// One look at the name serves all values.
+template <class Value>
+bool checkCharacterRangesOrRaise(std::string_view typeName, const Value* values, std::uint64_t n) {
+  const AcceptedValues accepted = storableValues(typeName);
+  if (values == nullptr || accepted.containsAllOf(PrimitiveKind::Long)) return true;
+  const Value* const end = values + n;
+  const Value* const refused =
+      std::find_if(values, end, [&](Value value) { return !accepted.contains(integerReading(value)); });
+  return refused == end || checkCharacterRangeOrRaise(typeName, integerReading(*refused));
+}
+
+template <class Value>
+bool assignValues(ListData& list, PrimitiveKind kind, std::string_view typeName, const Value* values, std::uint64_t n) {
+  if (!checkCharacterRangesOrRaise(typeName, values, n)) return false;
+  const RuntimeTypeName name = internRuntimeTypeName(typeName);
+  if (list.linked) {
+    HandleVector boxes;
+    boxes->reserve(n);
+    for (std::uint64_t i = 0; i < n; ++i) {
+      const auto raw = rawValue(kind, typeName, values != nullptr ? values[i] : Value{});
+      boxes->push_back(boxPrimitiveListValue(kind, typeName, raw.integer, raw.floating));
+    }
+    list.objectAssign(*boxes);
+    list.elementType = name;
+    return true;
+  }
+  resetToPrimitiveStorage(list, kind, name, n);
+  list.elementType = name;
+  if (values == nullptr) {
+    std::memset(list.primitive.data, 0, n * list.primitive.elementSize);
+  } else {
+    visitKind(kind, [&](auto tag) { fillElements(tag, list.primitive.data, values, n); });
+  }
+  list.primitive.size = n;
+  return true;
+}
+
+}  // namespace
+
+}  // namespace vorn::collections
+
+bool primitiveListAssignFromI64Values(ListData& list, PrimitiveKind kind, std::string_view typeName,
+                                      const long long* values, std::uint64_t n) {
+  return vorn::collections::assignValues(list, kind, typeName, values, n);
+}
+
+bool primitiveListAssignFromF64Values(ListData& list, PrimitiveKind kind, std::string_view typeName,
+                                      const double* values, std::uint64_t n) {
+  return vorn::collections::assignValues(list, kind, typeName, values, n);
+}

@@ -1,0 +1,96 @@
+#include "collections/core/elements/primitive_elements.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "collections/core/errors.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kernels/reverse_kernels.h"
+#include "collections/core/kinds.h"
+#include "collections/core/elements/storage_transitions.h"
+
+using vorn::collections::checkCharacterRangeOrRaise;
+using vorn::collections::storeElement;
+using vorn::collections::visitKind;
+
+namespace vorn::collections {
+
+bool checkCharacterRangeOrRaise(std::string_view primitiveType, long long integer) {
+  const auto bits = static_cast<unsigned long long>(integer);
+  if (primitiveType == "CodeUnit" && bits > 0xFFFF) {
+    errors::raiseCodeUnitOutOfRange();
+    return false;
+  }
+  if (primitiveType == "Char" && !isUnicodeScalar(integer)) {
+    errors::raiseCharNotScalar();
+    return false;
+  }
+  return true;
+}
+
+}  // namespace vorn::collections
+
+namespace {
+
+// The check goes by the name the elements are kept under, not by the kind: a buffer of doubles may be named "Char".
+bool checkStoredValueOrRaise(const ListData& list, long long integer) {
+  return checkCharacterRangeOrRaise(list.primitiveType.get(), integer);
+}
+
+}  // namespace
+
+long long primitiveListReadI64(const ListData& list, std::uint64_t index) {
+  return visitKind(
+      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementI64(tag, list.primitive.data, index); },
+      0LL);
+}
+
+double primitiveListReadF64(const ListData& list, std::uint64_t index) {
+  return visitKind(
+      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementF64(tag, list.primitive.data, index); },
+      0.0);
+}
+
+void primitiveListWrite(ListData& list, std::uint64_t index, long long integer, double floating) {
+  if (!checkStoredValueOrRaise(list, integer)) return;
+  configurePrimitiveStorage(list, list.primitiveKind);
+  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, list.primitive.data, index, integer, floating); });
+}
+
+void primitiveListAppend(ListData& list, long long integer, double floating) {
+  if (!checkStoredValueOrRaise(list, integer)) return;
+  configurePrimitiveStorage(list, list.primitiveKind);
+  list.primitive.reserve(list.primitive.size + 1);
+  visitKind(list.primitiveKind,
+            [&](auto tag) { storeElement(tag, list.primitive.data, list.primitive.size, integer, floating); });
+  ++list.primitive.size;
+}
+
+void primitiveListInsertAt(ListData& list, std::uint64_t index, long long integer, double floating) {
+  if (!checkStoredValueOrRaise(list, integer)) return;
+  configurePrimitiveStorage(list, list.primitiveKind);
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (index > buffer.size) return;
+  buffer.reserve(buffer.size + 1);
+  unsigned char* at = buffer.data + index * buffer.elementSize;
+  std::memmove(at + buffer.elementSize, at, (buffer.size - index) * buffer.elementSize);
+  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, buffer.data, index, integer, floating); });
+  ++buffer.size;
+}
+
+void primitiveListEraseAt(ListData& list, std::uint64_t index) {
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (buffer.elementSize != vorn::collections::primitiveWidth(list.primitiveKind)) {
+    configurePrimitiveStorage(list, list.primitiveKind);
+    return;
+  }
+  if (index >= buffer.size) return;
+  unsigned char* at = buffer.data + index * buffer.elementSize;
+  std::memmove(at, at + buffer.elementSize, (buffer.size - index - 1) * buffer.elementSize);
+  --buffer.size;
+}
+
+void primitiveListReverse(ListData& list) {
+  vorn::collections::reverseElements(list.primitive.data, list.primitive.size, list.primitive.elementSize);
+}

@@ -1,0 +1,36 @@
+// Values of primitive types: out of their boxes, into boxes, and from one type to another. Nothing here locks.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "collections/core/storage/list_data.h"
+
+// A value converted to a primitive kind. `typeName` is normalised and refers to the kinds table, to an interned name or
+// to the caller's text.
+struct BulkPrimitiveListValue {
+  ListData::PrimitiveKind kind = ListData::PrimitiveKind::None;
+  std::string_view typeName;
+  long long integer = 0;
+  double floating = 0.0;
+};
+
+// The integer of a boxed integer-like element: the registered record's value, else the field "_value".
+long long readListItemI64(void* handle);
+
+// Boxes one raw value: floating kinds under the name or "Double", Boolean as the shared boxes, every other kind under
+// the name or "Int". Allocates.
+void* boxPrimitiveListValue(ListData::PrimitiveKind kind, std::string_view typeName, long long integer,
+                            double floating);
+
+// Boxes an element of primitive storage under the list's primitive type name. Allocates.
+void* boxPrimitiveElement(const ListData& list, std::uint64_t index);
+
+// Unboxes a value of a primitive type; false for null, for bare texts and for objects of other types. Neither
+// allocates nor runs user code.
+bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out);
+
+// Whether a value can be kept as the declared kind and name, and as what pair: integers widen within range into integer
+// and floating kinds, floating values only into floating kinds, and Boolean, Char and CodeUnit only match themselves.
+bool convertPrimitiveListValueToDeclared(ListData::PrimitiveKind declaredKind, std::string_view declaredName,
+                                         const BulkPrimitiveListValue& value, long long& integer, double& floating);

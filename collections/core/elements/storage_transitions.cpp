@@ -1,0 +1,106 @@
+#include "collections/core/elements/storage_transitions.h"
+
+#include <atomic>
+#include <cstring>
+
+#include "collections/core/elements/primitive_values.h"
+#include "collections/core/kinds.h"
+
+using vorn::collections::HandleVector;
+using vorn::collections::primitiveWidth;
+
+namespace {
+
+void emptyObjectStorage(ListData& list) {
+  if (list.linked) {
+    list.linkedObjects.reset();
+  } else {
+    list.objects.clear();
+  }
+}
+
+// Ends primitive storage once the object storage has taken its place. A size read without the lock asks for the kind,
+// then the size that it selects, then the kind again: as long as the kind leaves before the old size does, it never
+// takes the one for the other.
+void endPrimitiveStorage(ListData& list) {
+  std::atomic_ref(list.primitiveKind).store(ListData::PrimitiveKind::None, std::memory_order_release);
+  std::atomic_ref(list.primitive.size).store(0, std::memory_order_release);
+  list.i64Mirror.size = 0;
+  list.f64Mirror.size = 0;
+  list.primitiveType = {};
+}
+
+}  // namespace
+
+void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
+  const std::uint64_t width = primitiveWidth(kind);
+  if (list.primitive.elementSize != width) list.primitive.resetToInline(width);
+}
+
+void materializePrimitiveList(ListData& list, std::uint64_t room) {
+  if (list.primitiveKind == ListData::PrimitiveKind::None) return;
+  const std::uint64_t n = list.primitive.size;
+
+  // Boxes go straight into the record's own storage, where the collector finds them. While the kind still stands, that
+  // storage is not live; whatever ends the loop early empties it again and leaves the list as it was.
+  struct Unwind {
+    ListData& list;
+    bool done = false;
+    ~Unwind() {
+      if (!done) emptyObjectStorage(list);
+    }
+  } unwind{list};
+
+  emptyObjectStorage(list);
+  if (!list.linked) list.objects.reserve(n + room);
+  vorn::collections::RootedHandle box;
+  for (std::uint64_t i = 0; i < n; ++i) {
+    box = boxPrimitiveElement(list, i);
+    list.objectPushBack(box.get());
+  }
+  unwind.done = true;
+  endPrimitiveStorage(list);
+}
+
+void replaceWithObjects(ListData& list, const HandleVector::Storage& values) {
+  list.objectAssign(values);
+  if (list.primitiveKind != ListData::PrimitiveKind::None) endPrimitiveStorage(list);
+}
+
+void copyPrimitiveListStorage(const ListData& source, ListData& target) {
+  const SmallPrimitiveBuffer& from = source.primitive;
+  SmallPrimitiveBuffer& to = target.primitive;
+  target.primitiveType = source.primitiveType;
+  target.primitiveKind = source.primitiveKind;
+  target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
+  to.size = 0;
+  configurePrimitiveStorage(target, source.primitiveKind);
+  if (from.size == 0) return;
+  const std::uint64_t width = from.elementSize != 0 ? from.elementSize : 1;
+  if (to.elementSize != width) to.resetToInline(width);
+  to.reserve(from.size);
+  std::memcpy(to.data, from.data, from.size * width);
+  to.size = from.size;
+}
+
+void clearListStorage(ListData& list) {
+  endPrimitiveStorage(list);
+  emptyObjectStorage(list);
+}
+
+namespace vorn::collections {
+
+void resetToPrimitiveStorage(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName, std::uint64_t n) {
+  list.primitive.resetFor(primitiveWidth(kind), n);
+  clearListStorage(list);
+  list.primitiveKind = kind;
+  list.primitiveType = typeName;
+}
+
+void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n) {
+  resetToPrimitiveStorage(target, source.primitiveKind, source.primitiveType, n);
+  if (target.elementType.text != nullptr) return;
+  target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
+}
+
+}  // namespace vorn::collections
