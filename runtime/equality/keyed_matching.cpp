@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "runtime/keys/key_rules.h"
-#include "runtime/objects/user_hooks.h"
 
 namespace vorn::runtime {
 namespace {
@@ -42,7 +42,7 @@ class KeyFinder {
   bool matches(const NativeCollectionKey& key, std::size_t place) {
     const auto& other = side_.keys->at(place);
     if (used_[place] || other.hash != key.hash) return false;
-    const HookErrors errors;
+    const collections::PendingErrorWatch errors;
     // Not as a lookup would ask, since this is part of the comparison that is going on.
     const bool equal = key.comparesByUserCode() ? judgeWholeKeys(Rule::KeyEquality, key, other) == Verdict::Same
                                                 : NativeCollectionKeyEqual()(key, other);
@@ -92,7 +92,7 @@ std::optional<Matching> matchPlaces(const KeyedSnapshot& left, const KeyedSnapsh
 bool makeHashes(KeyedSnapshot& snapshot) {
   if (snapshot.hashed) return true;
   for (NativeCollectionKey& key : *snapshot.keys) {
-    const HookErrors errors;
+    const collections::PendingErrorWatch errors;
     key.hash = keyHash(key);
     if (key.comparesByUserCode() && errors.raised()) return false;
   }

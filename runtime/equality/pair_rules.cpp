@@ -3,11 +3,11 @@
 #include <cassert>
 #include <string_view>
 
+#include "collections/core/pending_error_watch.h"
 #include "runtime/equality/running_hooks.h"
 #include "runtime/keys/key_rules.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/object_types.h"
-#include "runtime/objects/user_hooks.h"
 #include "runtime/text/text.h"
 
 namespace vorn::runtime {
@@ -24,7 +24,7 @@ Verdict equalityByHook(void* left, void* right) {
   void* const other = leftDecides ? right : left;
   const auto& hook = hooksOf(self).equals;
   assert(hook);
-  const HookErrors errors;
+  const collections::PendingErrorWatch errors;
   const bool equal = hook.function(self, other, hook.context);
   if (errors.raised()) return Verdict::Raised;
   return equal ? Verdict::Same : Verdict::Greater;
@@ -36,7 +36,7 @@ Verdict orderByHook(void* left, void* right) {
   void* const other = leftDecides ? right : left;
   const auto& hook = hooksOf(self).compare;
   assert(hook);
-  const HookErrors errors;
+  const collections::PendingErrorWatch errors;
   bool comparable = true;
   const int order = hook.function(self, other, &comparable, hook.context);
   if (errors.raised()) return Verdict::Raised;

@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "collections/core/pending_error_watch.h"
 #include "collections/core/port/collection_key.h"
 #include "collections/core/storage/list_data.h"
 #include "runtime/equality/sequence_elements.h"
 #include "runtime/keys/key_values.h"
 #include "runtime/objects/tuple_object.h"
-#include "runtime/objects/user_hooks.h"
 
 namespace vorn::runtime {
 namespace {
@@ -86,7 +86,7 @@ class SequenceHash {
     // User code may take the element out of the sequence.
     const collections::RootedHandle keep(element);
     if (key.tag == KeyTag::Sequence) return add(state, nested(element));
-    const HookErrors errors;
+    const collections::PendingErrorWatch errors;
     add(state, instanceKeyHash(element));
     raised_ = errors.raised();
   }

@@ -10,11 +10,11 @@
 #include <string>
 #include <string_view>
 
+#include "collections/core/pending_error_watch.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/text.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/fields.h"
-#include "runtime/objects/user_hooks.h"
 #include "runtime/text/text.h"
 #include "runtime/values/boxes.h"
 
@@ -123,7 +123,7 @@ void* collectionString(ObjectRecord& object) {
 
 // The text that a hook's result stands for: null when it raised or gave something that is no text.
 const char* hookText(const vorn::runtime::Hook<void*(void*, void*)>& hook, void* self) {
-  const vorn::runtime::HookErrors errors;
+  const vorn::collections::PendingErrorWatch errors;
   void* const result = hook.function(self, hook.context);
   std::string_view text;
   return !errors.raised() && vorn::runtime::readText(result, text) ? text.data() : nullptr;

@@ -150,24 +150,6 @@ TEST_P(UserEquality, ErrorPendingBefore_DoesNotEndTheSearch) {
   EXPECT_AT_REST(target);
 }
 
-TEST_P(UserEquality, ErrorsOnTopOfAPendingOne_AreKeptAndMatchNothing) {
-  // The runtime only tells whether an error is pending, so that a new one behind an old one does not end the search.
-  const Handle target = makeList();
-  const Handle wanted = item(3);
-  const Snapshot before(target);
-  vorn_raise("Exception", "earlier");
-  const ScopedEquality equality([&](void*, void*) {
-    vorn_raise("Exception", "later");
-    return true;
-  });
-  EXPECT_EQ(search().run(target, wanted), search().neutral);
-  const Elements errors = takeErrors();
-  ASSERT_GE(errors.size(), 2U);
-  EXPECT_EQ(errors.front(), "Exception: earlier");
-  EXPECT_EQ(errors.back(), "Exception: later");
-  EXPECT_UNTOUCHED(target, before);
-}
-
 TEST_P(UserEquality, ClearsTheList) {
   for (int call = 1; call <= 5; ++call) {
     for (const bool answer : {false, true}) {
