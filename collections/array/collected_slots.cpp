@@ -1,10 +1,10 @@
 #include "collections/array/collected_slots.h"
 
 #include "collections/array/slot_values.h"
-#include "collections/core/errors.h"
-#include "collections/core/storage/primitive_copies.h"
 #include "collections/core/elements/accepted_values.h"
+#include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
+#include "collections/core/storage/primitive_copies.h"
 
 namespace vorn::collections {
 

@@ -3,14 +3,14 @@
 #include <string_view>
 
 #include "collections/core/array_slot_kind.h"
+#include "collections/core/elements/accepted_values.h"
+#include "collections/core/elements/element_types.h"
 #include "collections/core/equality/element_order.h"
 #include "collections/core/number_rules.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
-#include "collections/core/elements/accepted_values.h"
-#include "collections/core/elements/element_types.h"
 
 namespace vc = vorn::collections;
 

@@ -7,17 +7,17 @@
 #include <vector>
 
 #include "collections/arraylist/collect_values.h"
-#include "collections/core/kernels/element_access.h"
-#include "collections/core/elements/element_types.h"
-#include "collections/core/errors.h"
-#include "collections/core/index_rules.h"
-#include "collections/core/elements/primitive_elements.h"
-#include "collections/core/kinds.h"
-#include "collections/core/port/roots.h"
 #include "collections/core/elements/accepted_values.h"
+#include "collections/core/elements/element_types.h"
+#include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/elements/store_forms.h"
+#include "collections/core/errors.h"
+#include "collections/core/index_rules.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 
 namespace vc = vorn::collections;

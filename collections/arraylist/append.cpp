@@ -11,10 +11,8 @@
 #include "collections/core/elements/same_type_store.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
-#include "collections/core/elements/primitive_elements.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
-#include "collections/core/elements/same_type_store.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

@@ -6,13 +6,13 @@
 #include <cstring>
 
 #include "collections/array/array_data.h"
-#include "collections/core/kernels/element_access.h"
-#include "collections/core/pending_error_watch.h"
-#include "collections/core/kinds.h"
-#include "collections/keyed/set_data.h"
 #include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/pending_error_watch.h"
 #include "collections/core/port/type_names.h"
+#include "collections/keyed/set_data.h"
 
 namespace vorn::collections {
 

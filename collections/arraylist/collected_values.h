@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "collections/arraylist/snapshots.h"
-#include "collections/core/elements/element_types.h"
 #include "collections/core/elements/accepted_values.h"
+#include "collections/core/elements/element_types.h"
 
 namespace vorn::collections {
 

@@ -8,12 +8,12 @@
 #include "collections/arraylist/creation.h"
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/type_names.h"
-#include "collections/core/elements/storage_transitions.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

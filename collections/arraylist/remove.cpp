@@ -4,10 +4,10 @@
 
 #include "collections/arraylist/search.h"
 #include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/index_rules.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
-#include "collections/core/elements/storage_transitions.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

@@ -10,11 +10,11 @@
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_scan.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/equality/element_order.h"
 #include "collections/core/kinds.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
-#include "collections/core/elements/storage_transitions.h"
 
 namespace vorn::collections {
 

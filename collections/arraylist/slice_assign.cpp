@@ -10,16 +10,16 @@
 #include "collections/arraylist/slice_indexes.h"
 #include "collections/arraylist/snapshots.h"
 #include "collections/arraylist/store.h"
-#include "collections/core/kernels/element_access.h"
-#include "collections/core/errors.h"
-#include "collections/core/storage/primitive_copies.h"
-#include "collections/core/kinds.h"
-#include "collections/core/port/roots.h"
-#include "collections/core/elements/same_type_store.h"
 #include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/same_type_store.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/elements/store_forms.h"
+#include "collections/core/errors.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/kinds.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/storage/primitive_copies.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;

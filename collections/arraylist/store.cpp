@@ -6,10 +6,10 @@
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/elements/same_type_store.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/index_rules.h"
 #include "collections/core/kinds.h"
-#include "collections/core/elements/storage_transitions.h"
 
 namespace vorn::collections {
 

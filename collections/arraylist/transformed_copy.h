@@ -2,10 +2,10 @@
 #pragma once
 
 #include "collections/arraylist/result_lists.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/storage/list_data.h"
-#include "collections/core/elements/storage_transitions.h"
 
 namespace vorn::collections {
 

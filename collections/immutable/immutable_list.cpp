@@ -7,9 +7,9 @@
 #include "collections/arraylist/search.h"
 #include "collections/arraylist/snapshots.h"
 #include "collections/core/elements/primitive_sort.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/storage/list_data.h"
-#include "collections/core/elements/storage_transitions.h"
 #include "collections/immutable/list_arguments.h"
 
 namespace vc = vorn::collections;

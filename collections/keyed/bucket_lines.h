@@ -11,8 +11,7 @@
 //   - of a bucket with further lines all are full but for the first of these, and none is empty. So the number of lines
 //     that a bucket takes depends on the number of its elements alone;
 //   - further lines stand in an array of their own; those that no bucket uses are empty and in the chain that starts
-//   with
-//     `freeLine_`, or have never been used.
+//     with `freeLine_`, or have never been used.
 //
 // All of it is numbers, in memory that the collector need not search. Nothing here knows keys, locks, or runs user
 // code.

@@ -1,8 +1,8 @@
 // The appends of unboxed values: addInt, addPrimitiveI64, addPrimitiveDouble, addPrimitiveBool and addIntToData.
 #include <limits>
 
-#include "tests/arraylist/bulk_cases.h"
 #include "collections/core/elements/element_types.h"
+#include "tests/arraylist/bulk_cases.h"
 
 namespace vorn::tests {
 namespace {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "collections/array/array_data.h"
+#include "collections/core/port/type_names.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/support/sequences.h"
-#include "collections/core/port/type_names.h"
 
 namespace vorn::tests {
 

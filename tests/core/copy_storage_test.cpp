@@ -1,6 +1,6 @@
 // Giving one list the primitive storage of another.
-#include "collections/core/port/type_names.h"
 #include "collections/core/elements/storage_transitions.h"
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

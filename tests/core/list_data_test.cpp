@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-#include "collections/core/port/type_names.h"
 #include "collections/core/elements/storage_transitions.h"
+#include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 
 namespace vorn::tests {

@@ -9,11 +9,11 @@
 #include "collections/array/slot_values.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/text.h"
 #include "collections/core/port/type_names.h"
-#include "collections/core/elements/storage_transitions.h"
 #include "tests/display/display_cases.h"
 
 namespace vorn::tests {

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
-#include "collections/core/elements/storage_transitions.h"
-#include "collections/core/elements/accepted_values.h"
 
 using vorn::collections::PrimitiveKind;
 

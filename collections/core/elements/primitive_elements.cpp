@@ -4,11 +4,11 @@
 #include <cstring>
 #include <limits>
 
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kernels/reverse_kernels.h"
 #include "collections/core/kinds.h"
-#include "collections/core/elements/storage_transitions.h"
 
 using vorn::collections::checkCharacterRangeOrRaise;
 using vorn::collections::storeElement;

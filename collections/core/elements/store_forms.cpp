@@ -4,13 +4,13 @@
 
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_elements.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
-#include "collections/core/elements/storage_transitions.h"
 
 using vorn::collections::declaredElementType;
 using vorn::collections::ElementType;
