@@ -17,7 +17,7 @@ namespace {
 
 // Walks the values in storage order. Equality may run user code, which may change the map: the walk then starts again,
 // and takes identity for equality after kMaxRestarts times.
-template <class Table>
+template <vc::KeyedTable<NativeMapEntry> Table>
 bool containsValueLocked(const Table& table, void* value) {
   const vc::PendingErrorWatch watch;
   vc::RootedHandle element;
@@ -46,5 +46,5 @@ bool vorn_collections_Map_containsValue(void* map, void* value) {
   if (map == nullptr) return false;
   const MapData& data = *getMapData(map);
   const MapDataLock lock(data);
-  return data.hashed ? containsValueLocked(data.hash, value) : containsValueLocked(data.ordered, value);
+  return data.withTable([&](const auto& table) { return containsValueLocked(table, value); });
 }

@@ -21,6 +21,7 @@
 #include "collections/keyed/hash_table.h"
 #include "collections/keyed/map_entry.h"
 #include "collections/keyed/ordered_table.h"
+#include "collections/keyed/table_concept.h"
 
 struct MapData {
   void* runtimeHeader[2] = {};  // the runtime's words; never read or written here
@@ -36,19 +37,35 @@ struct MapData {
   MapData(const MapData&) = delete;
   MapData& operator=(const MapData&) = delete;
 
+  // Calls visit(table) with the storage that is used: the one place where a map chooses.
+  template <class Visit>
+  decltype(auto) withTable(Visit visit) const {
+    return hashed ? visit(hash) : visit(ordered);
+  }
+  template <class Visit>
+  decltype(auto) withTable(Visit visit) {
+    return hashed ? visit(hash) : visit(ordered);
+  }
+
   // Number of entries.
-  [[nodiscard]] std::uint64_t count() const { return hashed ? hash.count() : ordered.count(); }
+  [[nodiscard]] std::uint64_t count() const {
+    return withTable([](const auto& table) { return table.count(); });
+  }
 
   // Differs after every change of which keys there are.
-  [[nodiscard]] std::uint64_t changes() const { return hashed ? hash.changes() : ordered.changes(); }
+  [[nodiscard]] std::uint64_t changes() const {
+    return withTable([](const auto& table) { return table.changes(); });
+  }
 
   // Calls visit(key, entry) for every entry in storage order: ascending for ordered storage, that of hash_table.h for
   // hash storage. It must not change the map.
   template <class Visit>
   void forEach(Visit visit) const {
-    hashed ? hash.forEach(visit) : ordered.forEach(visit);
+    withTable([&](const auto& table) { table.forEach(visit); });
   }
 };
 static_assert(sizeof(vorn::collections::HashTable<NativeMapEntry>::Node) == 40, "a key and two handles");
+static_assert(vorn::collections::KeyedTable<vorn::collections::HashTable<NativeMapEntry>, NativeMapEntry>);
+static_assert(vorn::collections::KeyedTable<vorn::collections::OrderedTable, NativeMapEntry>);
 
 using MapDataLock = vorn::collections::RecordLock<MapData>;

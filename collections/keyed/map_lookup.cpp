@@ -13,12 +13,10 @@ namespace vc = vorn::collections;
 namespace {
 
 const NativeMapEntry* findLocked(const MapData& map, const NativeCollectionKey& key) {
-  if (map.hashed) {
-    const auto place = map.hash.find(key);
+  return map.withTable([&](const auto& table) -> const NativeMapEntry* {
+    const auto place = table.find(key);
     return place.node != nullptr ? &place.node->entry : nullptr;
-  }
-  const auto place = map.ordered.find(key);
-  return place.node != nullptr ? &place.node->entry : nullptr;
+  });
 }
 
 [[gnu::noinline]] bool lookUpLocked(const MapData& map, const NativeCollectionKey& key, void** slot) {

@@ -20,7 +20,7 @@ struct EntryTypes {
 };
 
 // Inserts or replaces, unless user code raised during the search. All that can fail comes before the first change.
-template <class Table>
+template <vc::KeyedTable<NativeMapEntry> Table>
 void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const NativeMapEntry& entry,
                const EntryTypes& types) {
   const auto place = table.find(key);
@@ -49,8 +49,7 @@ void vorn_collections_Map_put(void* map, void* key, void* value) {
   const EntryTypes types{mapKeyRuntimeTypeName(key), vc::mapValueTypeName(value)};
   const MapDataLock lock(data);
   const NativeMapEntry entry{key, value};
-  data.hashed ? putLocked(data, data.hash, nativeKey, entry, types)
-              : putLocked(data, data.ordered, nativeKey, entry, types);
+  data.withTable([&](auto& table) { putLocked(data, table, nativeKey, entry, types); });
   vc::writeSizeField(map, data.count());
 }
 

@@ -11,7 +11,7 @@ namespace vc = vorn::collections;
 
 namespace {
 
-template <class Table>
+template <vc::KeyedTable<NativeMapEntry> Table>
 bool removeLocked(Table& table, const NativeCollectionKey& key) {
   const auto place = table.find(key);
   if (place.node == nullptr) return false;
@@ -27,7 +27,7 @@ bool vorn_collections_Map_remove(void* map, void* key) {
   const NativeCollectionKey nativeKey = vc::mapKeyOf(data, key);
   if (hasPendingError()) return false;
   const MapDataLock lock(data);
-  const bool removed = data.hashed ? removeLocked(data.hash, nativeKey) : removeLocked(data.ordered, nativeKey);
+  const bool removed = data.withTable([&](auto& table) { return removeLocked(table, nativeKey); });
   vc::writeSizeField(map, data.count());
   return removed;
 }
@@ -36,7 +36,7 @@ void vorn_collections_Map_clear(void* map) {
   if (map == nullptr) return;
   MapData& data = *getMapData(map);
   const MapDataLock lock(data);
-  data.hashed ? data.hash.clear() : data.ordered.clear();
+  data.withTable([](auto& table) { table.clear(); });
   data.keyType = data.valueType = {};
   vc::writeSizeField(map, 0);
 }

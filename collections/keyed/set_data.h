@@ -13,6 +13,7 @@
 
 #include "collections/core/record_lock.h"
 #include "collections/keyed/hash_table.h"
+#include "collections/keyed/table_concept.h"
 
 struct SetData {
   void* runtimeHeader[2] = {};  // the runtime's words; never read or written here
@@ -33,6 +34,7 @@ struct SetData {
     table.forEach(visit);
   }
 };
+static_assert(vorn::collections::KeyedTable<vorn::collections::HashTable<void*>, void*>);
 static_assert(sizeof(vorn::collections::HashTable<void*>::Node) == 32, "two elements share a cache line");
 
 using SetDataLock = vorn::collections::RecordLock<SetData>;

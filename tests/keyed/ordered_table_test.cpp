@@ -1,9 +1,9 @@
-// The ordered table by itself: order, balance through all shapes of insertion and removal, and a model.
+// The ordered table by itself: order, and balance through all shapes of insertion and removal. What both tables have in
+// common stands in keyed_table_test.cpp.
 #include "collections/keyed/ordered_table.h"
 
 #include <algorithm>
 #include <limits>
-#include <map>
 #include <numeric>
 
 #include "tests/keyed/table_support.h"
@@ -113,61 +113,6 @@ TEST_F(OrderedTableTest, Clear_DropsTheNodes) {
   EXPECT_EQ(table().count(), 0U);
   EXPECT_EQ(keys(), std::vector<std::int64_t>{});
   EXPECT_EQ(table().pool().firstBlock(), nullptr);
-}
-
-TEST_F(OrderedTableTest, Changes_DifferAfterEveryStructuralChangeOnly) {
-  put(1);
-  std::uint64_t before = table().changes();
-  const auto changed = [&] { return std::exchange(before, table().changes()) != table().changes(); };
-  put(1);
-  EXPECT_FALSE(changed()) << "replacing";
-  put(2);
-  EXPECT_TRUE(changed()) << "inserting";
-  EXPECT_TRUE(remove(2));
-  EXPECT_TRUE(changed()) << "removing";
-  table().clear();
-  EXPECT_TRUE(changed()) << "clearing";
-}
-
-TEST_F(OrderedTableTest, FailedAllocation_LeavesTheElements) {
-  for (std::int64_t key = 0; key < 200; ++key) {
-    sweepAllocationFailures([&] { table().makeRoom({}); },
-                            [&] {
-                              expectWhole();
-                              EXPECT_EQ(table().count(), static_cast<std::uint64_t>(key));
-                            });
-    put(key);
-  }
-  EXPECT_EQ(table().count(), 200U);
-}
-
-TEST_F(OrderedTableTest, RandomOperations_AgreeWithAModel) {
-  const int steps = onStressHeap() ? 400 : 20000;
-  std::map<std::int64_t, std::int64_t> model;
-  Randoms random(41);
-  for (int step = 0; step < steps; ++step) {
-    const auto key = static_cast<std::int64_t>(random.below(500)) - 250;
-    // Phases of growth and of decline.
-    if (random.below(10) < (step % 2000 < 1000 ? 3U : 7U)) {
-      EXPECT_EQ(remove(key), model.erase(key) == 1);
-    } else {
-      put(key, number(step));
-      model[key] = step;
-    }
-    if (step % 61 == 0) expectWhole();
-    if (step % 7001 == 7000) {
-      table().clear();
-      model.clear();
-    }
-  }
-  ASSERT_EQ(table().count(), model.size());
-  auto expected = model.begin();
-  table().forEach([&](const NativeCollectionKey& key, const NativeMapEntry& entry) {
-    ASSERT_NE(expected, model.end());
-    EXPECT_EQ(static_cast<std::int64_t>(key.words[0]), expected->first);
-    EXPECT_EQ(valueOf(entry.value), expected->second);
-    ++expected;
-  });
 }
 
 }  // namespace
