@@ -173,8 +173,7 @@ void registerKind(const char* typeName, std::vector<ComparisonTable::Row>& rows)
   registerCase<Element>(typeName, {", 16 values", Pattern::SixteenValues, 1'000'000}, rows);
 }
 
-// ---- Texts
-// -----------------------------------------------------------------------------------------------------------
+// ---- Texts ----------------------------------------------------------------------------------------------------------
 
 // Random texts with a common start, as keys often are; too long for the C++ library to keep inside its strings.
 std::vector<std::string> textsOf(std::size_t length) {

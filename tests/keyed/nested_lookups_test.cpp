@@ -30,7 +30,9 @@ class NestedLookups : public MapTest {
     EXPECT_EQ(vorn_collections_Map_size(map), static_cast<long long>(expected.size()));
     for (const auto& [key, value] : expected) {
       const auto entries = entriesOf(map);
-      EXPECT_EQ(std::count_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.key == key.get(); }), 1);
+      EXPECT_EQ(std::count_if(entries.begin(), entries.end(),
+                              [wanted = key.get()](const Entry& e) { return e.key == wanted; }),
+                1);
       void* const found = vorn_collections_Map__get(map, key);
       ASSERT_NE(found, nullptr);
       EXPECT_EQ(valueOf(found), value);
