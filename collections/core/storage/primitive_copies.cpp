@@ -27,6 +27,7 @@ void gatherElements(const unsigned char* from, long long first, long long step, 
 
 void scatterElements(const unsigned char* from, std::uint64_t count, std::uint64_t width, unsigned char* to,
                      long long first, long long step) {
+  if (count == 0) return;  // there may be no address to copy from
   auto position = static_cast<std::uint64_t>(first);
   if (step == 1) {
     std::memcpy(to + position * width, from, count * width);
