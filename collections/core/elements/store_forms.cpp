@@ -14,8 +14,6 @@
 
 using vorn::collections::declaredElementType;
 using vorn::collections::ElementType;
-using vorn::collections::isFloatingKind;
-using vorn::collections::isIntegerKind;
 using vorn::collections::PrimitiveKind;
 using vorn::collections::sameName;
 
