@@ -1,7 +1,6 @@
 #include "collections/keyed/bucket_lines.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <limits>
 

@@ -1,7 +1,5 @@
 #include "collections/core/elements/store_forms.h"
 
-#include <bit>
-
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/storage_transitions.h"
@@ -92,11 +90,9 @@ void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value) {
 }
 
 bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle) {
-  const ElementType declared = declaredElementType(list);
-  BulkPrimitiveListValue own;
-  BulkPrimitiveListValue raw;
-  const bool unboxed = declared.kind != PrimitiveKind::None && objectToPrimitiveListValue(handle, own);
-  return acceptedOrRaise(declared, handle, unboxed ? &own : nullptr, raw);
+  if (vorn::collections::declaredTypeAccepts(list, handle)) return true;
+  vorn::collections::errors::raiseElementTypeRefused(declaredElementType(list).name, Vorn_objectTypeName(handle));
+  return false;
 }
 
 namespace vorn::collections {
