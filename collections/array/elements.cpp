@@ -88,16 +88,16 @@ void storeOrRaise(ArrayData& array, std::uint64_t at, long long integer, double 
   assignOrRaise(array, at, box.get());
 }
 
-std::string_view elementTypeOr(const ArrayData& array, std::string_view otherwise) {
-  return array.elementType.text != nullptr ? std::string_view(array.elementType.get()) : otherwise;
+RuntimeTypeName elementTypeOr(const ArrayData& array, vc::PrimitiveType otherwise) {
+  return array.elementType.empty() ? vc::typeNameOf(otherwise) : array.elementType;
 }
 
 // The value as the array's character type has it; false after an error. Other types keep it.
 bool asCharacterOrRaise(const ArrayData& array, long long& value) {
-  const std::string_view type = shortTypeNameLocal(array.elementType.get());
-  if (type == "CodeUnit") {
+  const vc::PrimitiveType type = array.elementType.shortForm().primitiveType();
+  if (type == vc::PrimitiveType::CodeUnit) {
     value = Vorn_intToCodeUnit(value);
-  } else if (type == "Char") {
+  } else if (type == vc::PrimitiveType::Char) {
     value = Vorn_intToChar(value);
   } else {
     return true;
@@ -109,7 +109,7 @@ bool asCharacterOrRaise(const ArrayData& array, long long& value) {
   const auto at = vc::elementIndexOrRaise(arrayLogicalSize(array), index);
   if (!at || !asCharacterOrRaise(array, value)) return;
   storeOrRaise(array, *at, value, static_cast<double>(value),
-               [&] { return boxIntegerLikeLocal(elementTypeOr(array, "Int"), value); });
+               [&] { return boxIntegerLikeLocal(elementTypeOr(array, vc::PrimitiveType::Int), value); });
 }
 
 [[gnu::noinline]] void lockedSetIntOrRaise(ArrayData& array, long long index, long long value) {
@@ -193,7 +193,7 @@ void vorn_collections_Array_setDouble(void* array, long long index, double value
   const auto at = vc::elementIndexOrRaise(arrayLogicalSize(data), index);
   if (!at) return;
   storeOrRaise(data, *at, vc::truncateToI64(value), value,
-               [&] { return boxFloatingLikeLocal(elementTypeOr(data, "Double"), value); });
+               [&] { return boxFloatingLikeLocal(elementTypeOr(data, vc::PrimitiveType::Double), value); });
 }
 
 void vorn_collections_Array_setBool(void* array, long long index, bool value) {

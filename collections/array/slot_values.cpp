@@ -13,10 +13,9 @@
 #include "collections/core/port/values.h"
 
 namespace vc = vorn::collections;
+using vc::PrimitiveType;
 
 namespace {
-
-std::string_view shortElementType(const ArrayData& array) { return shortTypeNameLocal(array.elementType.get()); }
 
 // The payload of an object of exactly the named character type.
 bool extractCharacter(void* value, std::string_view typeName, long long& character) {
@@ -36,18 +35,19 @@ bool extractCharScalar(void* value, long long& scalar) {
 }
 
 bool extractInteger(const ArrayData& array, void* value, long long& integer) {
-  const std::string_view type = shortElementType(array);
-  if (type == "CodeUnit") return extractCodeUnitValue(value, integer);
-  if (type == "Char") return extractCharScalar(value, integer);
+  const PrimitiveType type = array.elementType.shortForm().primitiveType();
+  if (type == PrimitiveType::CodeUnit) return extractCodeUnitValue(value, integer);
+  if (type == PrimitiveType::Char) return extractCharScalar(value, integer);
   return extractArrayElementInteger(value, integer);
 }
 
 // The leniency toward the four types is what the language promises.
 bool acceptsHandle(const ArrayData& array, void* value) {
   if (value == nullptr) return true;
-  const std::string_view type = shortElementType(array);
-  if (type == "Object" || type == "String" || type == "CodeUnit" || type == "Char") return true;
-  return hasObjectMagic(value) && Vorn_isInstanceOf(value, array.elementType.get().c_str());
+  const RuntimeTypeName type = array.elementType.shortForm();
+  if (type == vc::typeNameOf(PrimitiveType::None) || vc::isCharacterType(type.primitiveType()) || type == "String")
+    return true;
+  return hasObjectMagic(value) && Vorn_isInstanceOf(value, array.elementType.get().data());
 }
 
 }  // namespace
@@ -75,11 +75,11 @@ bool readSlotScalar(const ArrayData& array, void* value, SlotScalar& scalar) {
 AcceptedValues acceptedBySlots(const ArrayData& array, const ElementType& type) {
   const auto when = [](bool accepted) { return accepted ? AcceptedValues::all() : AcceptedValues{}; };
   if (array.slotKind == ArraySlotKind::Bool) return when(type.kind == PrimitiveKind::Boolean);
-  const std::string_view element = shortElementType(array);
-  const bool character = !arraySlotKindIsFloating(array.slotKind) && (element == "CodeUnit" || element == "Char");
+  const RuntimeTypeName element = array.elementType.shortForm();
+  const bool character = !arraySlotKindIsFloating(array.slotKind) && isCharacterType(element.primitiveType());
   if (character) return type.name == element ? storableValues(element) : AcceptedValues{};
   // Characters are no numbers, though they are kept as integers.
-  const bool integer = isIntegerKind(type.kind) && type.name != "CodeUnit" && type.name != "Char";
+  const bool integer = isIntegerKind(type.kind) && !isCharacterType(type.name.primitiveType());
   return when(integer || (isFloatingKind(type.kind) && arraySlotKindIsFloating(array.slotKind)));
 }
 
@@ -89,11 +89,12 @@ void* arraySlotToObject(const ArrayData& array, std::uint64_t index) {
   if (index >= arrayLogicalSize(array)) return nullptr;
   if (array.slotKind == ArraySlotKind::Object) return array.objects.data[index];
   if (array.slotKind == ArraySlotKind::Bool) return Vorn_boxBool(arrayReadI64(array, index) != 0);
-  const std::string_view type = shortElementType(array);
+  const RuntimeTypeName type = array.elementType.shortForm();
+  const auto typeOr = [&](PrimitiveType otherwise) { return type.empty() ? vc::typeNameOf(otherwise) : type; };
   if (arraySlotKindIsFloating(array.slotKind)) {
-    return boxFloatingLikeLocal(type.empty() ? "Double" : type, arrayReadF64(array, index));
+    return boxFloatingLikeLocal(typeOr(PrimitiveType::Double), arrayReadF64(array, index));
   }
-  return boxIntegerLikeLocal(type.empty() ? "Int" : type, arrayReadI64(array, index));
+  return boxIntegerLikeLocal(typeOr(PrimitiveType::Int), arrayReadI64(array, index));
 }
 
 bool assignArraySlotValue(ArrayData& array, std::uint64_t index, void* value) {

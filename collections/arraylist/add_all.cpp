@@ -47,7 +47,7 @@ unsigned char* openPrimitiveGap(SmallPrimitiveBuffer& buffer, std::uint64_t inde
 // Makes the list ready to keep `count` elements more of a type that it can keep unboxed, and opens the gap for them.
 unsigned char* openUnboxedGap(ListData& list, std::uint64_t index, std::uint64_t count, const vc::ElementType& type) {
   if (list.primitiveKind == PrimitiveKind::None) {
-    vc::resetToPrimitiveStorage(list, type.kind, internRuntimeTypeName(type.name), count);
+    vc::resetToPrimitiveStorage(list, type.kind, type.name, count);
   } else {
     configurePrimitiveStorage(list, list.primitiveKind);
   }
@@ -76,7 +76,7 @@ bool convertBatch(const ListData& list, void* const* values, std::uint64_t count
       if (!listValueToDeclaredPrimitiveValue(list, values[i], raw)) return false;
     } else {
       if (!objectToPrimitiveListValue(values[i], raw)) return false;
-      if (!batch.empty() && (raw.kind != batch[0].kind || raw.typeName != batch[0].typeName)) return false;
+      if (!batch.empty() && raw.type() != batch[0].type()) return false;
     }
     batch.push_back(raw);
   }
@@ -87,7 +87,7 @@ void insertBatchUnboxedOrRaise(ListData& list, std::uint64_t index, const std::v
   for (const BulkPrimitiveListValue& value : batch) {
     if (!vc::checkCharacterRangeOrRaise(value.typeName, value.integer)) return;
   }
-  unsigned char* gap = openUnboxedGap(list, index, batch.size(), {batch[0].kind, batch[0].typeName});
+  unsigned char* gap = openUnboxedGap(list, index, batch.size(), batch[0].type());
   vc::visitKind(list.primitiveKind, [&](auto tag) {
     for (std::uint64_t i = 0; i < batch.size(); ++i) vc::storeElement(tag, gap, i, batch[i].integer, batch[i].floating);
   });
@@ -116,7 +116,7 @@ bool declaredTypeTakesOrRaise(const ListData& list, const vc::ElementType& decla
   std::uint64_t refused = values.size();
   if (declared.kind != PrimitiveKind::None) {
     refused = values.firstOutside(vc::acceptedValues(declared, values.type()));
-  } else if (!vc::sameName(declared.name, "Object")) {
+  } else if (!vc::isObjectType(declared)) {
     refused = 0;
   }
   if (refused == values.size()) return true;

@@ -5,10 +5,10 @@
 #include <string_view>
 
 #include "collections/arraylist/store.h"
+#include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
-#include "collections/core/elements/same_type_store.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
 #include "collections/core/kinds.h"
@@ -16,12 +16,18 @@
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;
+using vc::PrimitiveType;
 
 namespace {
 
-constexpr BulkPrimitiveListValue intValue(long long value) {
-  return {PrimitiveKind::Int, "Int", value, static_cast<double>(value)};
+BulkPrimitiveListValue rawValue(const vc::ElementType& type, long long value) {
+  return {type.kind, type.name, value, static_cast<double>(value)};
 }
+BulkPrimitiveListValue rawValue(const vc::ElementType& type, double value) {
+  return {type.kind, type.name, vc::truncateToI64(value), value};
+}
+
+BulkPrimitiveListValue intValue(long long value) { return rawValue(vc::elementTypeOf(PrimitiveType::Int), value); }
 
 // Appends a raw value as the declared element type when that takes it, otherwise under its own kind.
 void appendRawValue(ListData& list, const BulkPrimitiveListValue& value) {
@@ -35,7 +41,7 @@ void appendRawValue(ListData& list, const BulkPrimitiveListValue& value) {
 inline bool appendToIntStorage(ListData& list, long long value) {
   SmallPrimitiveBuffer& buffer = list.primitive;
   if (list.primitiveKind != PrimitiveKind::Int || buffer.elementSize != sizeof(std::int32_t)) return false;
-  if (list.elementType.text != nullptr && list.elementType != list.primitiveType) return false;
+  if (!list.elementType.empty() && list.elementType != list.primitiveType) return false;
   if (buffer.size == buffer.capacity) return false;
   vc::storeElement(vc::KindTag<PrimitiveKind::Int, std::int32_t>{}, buffer.data, buffer.size, value, 0.0);
   ++buffer.size;
@@ -49,13 +55,11 @@ long long integerReading(double value) { return vc::truncateToI64(value); }
 // which have their kind's second name, take some only.
 template <class Value>
 inline bool keptUnderOwnNameTakes(const ListData& list, Value value) {
-  if (list.primitiveType == vc::elementTypeOf(static_cast<vc::PrimitiveType>(list.primitiveKind)).name) [[likely]]
+  const PrimitiveType type = list.primitiveType.primitiveType();
+  if (type == vc::plainTypeOf(list.primitiveKind)) [[likely]]
     return true;
-  if (list.primitiveKind == PrimitiveKind::UInt && list.primitiveType == std::string_view("Char")) {
-    return vc::isUnicodeScalar(integerReading(value));
-  }
-  return list.primitiveKind == PrimitiveKind::UShort && list.primitiveType == std::string_view("CodeUnit") &&
-         static_cast<unsigned long long>(integerReading(value)) <= 0xFFFF;
+  return vc::kindOf(type) == list.primitiveKind &&
+         vc::storableValues(list.primitiveType).contains(integerReading(value));
 }
 
 // Equality of names without a call: they are short.
@@ -74,8 +78,8 @@ template <class Value>
 inline bool appendToStorageOf(ListData& list, const char* typeName, Value value) {
   SmallPrimitiveBuffer& buffer = list.primitive;
   if (list.primitiveKind == PrimitiveKind::None || buffer.size >= buffer.capacity) return false;
-  if (list.elementType.text != nullptr && list.elementType != list.primitiveType) return false;
-  if (!keptUnderOwnNameTakes(list, value) || !sameText(list.primitiveType.text->c_str(), typeName)) return false;
+  if (!list.elementType.empty() && list.elementType != list.primitiveType) return false;
+  if (!keptUnderOwnNameTakes(list, value) || !sameText(list.primitiveType.get().data(), typeName)) return false;
   return vc::visitKind(
       list.primitiveKind,
       [&](auto tag) {
@@ -87,24 +91,6 @@ inline bool appendToStorageOf(ListData& list, const char* typeName, Value value)
         return true;
       },
       false);
-}
-
-// The common case of add: a box of the very type that the list keeps unboxed, and room for it.
-inline bool appendToOwnStorage(ListData& list, void* value) {
-  SmallPrimitiveBuffer& buffer = list.primitive;
-  if (buffer.size >= buffer.capacity || !vc::storeBoxOfSameType(list, buffer.data, buffer.size, value)) return false;
-  ++buffer.size;
-  return true;
-}
-
-// The other common case: an untyped list that already holds handles takes every value as one more.
-inline bool appendToUntypedHandles(ListData& list, void* value) {
-  SmallObjectVector& objects = list.objects;
-  if (list.primitiveKind != PrimitiveKind::None || objects.size == 0 || objects.size == objects.capacity) return false;
-  if (list.elementType.text != nullptr && !(list.elementType == std::string_view("Object"))) return false;
-  objects.data[objects.size] = value;
-  ++objects.size;
-  return true;
 }
 
 [[gnu::noinline]] void lockedAdd(ListData& list, void* value) {
@@ -120,12 +106,12 @@ inline bool appendToUntypedHandles(ListData& list, void* value) {
 template <class Value>
 [[gnu::noinline]] void lockedAddRaw(ListData& list, Value value, const vc::ElementType& type) {
   const ListDataLock lock(list);
-  appendRawValue(list, {type.kind, type.name, integerReading(value), static_cast<double>(value)});
+  appendRawValue(list, rawValue(type, value));
 }
 
 // The kind and name of a raw append's type argument.
-vc::ElementType rawElementType(const char* typeName, vc::ElementType whenNull, PrimitiveKind whenNoKind) {
-  if (typeName == nullptr) return whenNull;
+vc::ElementType rawElementType(const char* typeName, PrimitiveType whenNull, PrimitiveKind whenNoKind) {
+  if (typeName == nullptr) return vc::elementTypeOf(whenNull);
   vc::ElementType type = vc::normalizedElementType(typeName);
   if (type.kind == PrimitiveKind::None) type.kind = whenNoKind;
   return type;
@@ -136,7 +122,7 @@ vc::ElementType rawElementType(const char* typeName, vc::ElementType whenNull, P
 void vorn_collections_ArrayList_add(void* list, void* value) {
   if (list == nullptr) return vc::errors::raiseAddOnNull();
   ListData& data = *getListData(list);
-  if (!data.synchronized && (appendToOwnStorage(data, value) || appendToUntypedHandles(data, value))) return;
+  if (!data.synchronized && vc::appendInPlace(data, value)) return;
   lockedAdd(data, value);
 }
 
@@ -153,7 +139,7 @@ void vorn_collections_ArrayList_addPrimitiveI64(void* list, long long value, con
   ListData& data = *getListData(list);
   if (!data.synchronized && appendToStorageOf(data, typeName != nullptr ? typeName : "Int", value)) [[likely]]
     return;
-  lockedAddRaw(data, value, rawElementType(typeName, {PrimitiveKind::Int, "Int"}, PrimitiveKind::Long));
+  lockedAddRaw(data, value, rawElementType(typeName, PrimitiveType::Int, PrimitiveKind::Long));
 }
 
 void vorn_collections_ArrayList_addPrimitiveDouble(void* list, double value, const char* typeName) {
@@ -161,14 +147,14 @@ void vorn_collections_ArrayList_addPrimitiveDouble(void* list, double value, con
   ListData& data = *getListData(list);
   if (!data.synchronized && appendToStorageOf(data, typeName != nullptr ? typeName : "Double", value)) [[likely]]
     return;
-  lockedAddRaw(data, value, rawElementType(typeName, {PrimitiveKind::Double, "Double"}, PrimitiveKind::Double));
+  lockedAddRaw(data, value, rawElementType(typeName, PrimitiveType::Double, PrimitiveKind::Double));
 }
 
 void vorn_collections_ArrayList_addPrimitiveBool(void* list, bool value) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  appendPrimitiveValue(data, {PrimitiveKind::Boolean, "Boolean", value ? 1 : 0, value ? 1.0 : 0.0});
+  appendPrimitiveValue(data, rawValue(vc::elementTypeOf(PrimitiveType::Boolean), value ? 1LL : 0LL));
 }
 
 void vorn_collections_ArrayList_addIntToData(ListData* data, long long value) {

@@ -6,12 +6,12 @@
 #include <cstring>
 
 #include "collections/array/array_data.h"
+#include "collections/array/slot_values.h"
 #include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
 #include "collections/core/pending_error_watch.h"
-#include "collections/core/port/type_names.h"
 #include "collections/keyed/set_data.h"
 
 namespace vorn::collections {
@@ -78,11 +78,11 @@ void CollectedValues::collectList(void* list, bool lent) {
   // A linked list has nothing to lend but its nodes.
   if (lent && !data.synchronized && !data.linked) {
     if (data.primitiveKind == PrimitiveKind::None) return useHandles(data.objects.data, data.objects.size);
-    return useElements(data.primitiveKind, data.primitiveType.get(), data.primitive.data, data.primitive.size);
+    return useElements(data.primitiveKind, data.primitiveType, data.primitive.data, data.primitive.size);
   }
   snapshotListStorage(list, copy_);
   if (copy_.primitiveKind == PrimitiveKind::None) return useHandles(copy_.objects->data(), copy_.objects->size());
-  useElements(copy_.primitiveKind, copy_.primitiveType.get(), copy_.elements.data(), copy_.size());
+  useElements(copy_.primitiveKind, copy_.primitiveType, copy_.elements.data(), copy_.size());
 }
 
 void CollectedValues::collectArray(void* array, bool lent) {
@@ -101,7 +101,7 @@ void CollectedValues::collectArray(void* array, bool lent) {
     copy_.elements.assign(slots, slots + size * primitiveWidth(kind));
     slots = copy_.elements.data();
   }
-  useElements(kind, shortTypeNameLocal(data.elementType.get()), slots, size);
+  useElements(kind, data.elementType.shortForm(), slots, size);
 }
 
 void CollectedValues::collectSet(void* set) {
@@ -123,9 +123,9 @@ void CollectedValues::collectTuple(void* tuple, std::uint64_t size) {
   useHandles(copy_.objects->data(), copy_.objects->size());
 }
 
-void CollectedValues::useElements(PrimitiveKind kind, std::string_view name, const unsigned char* elements,
+void CollectedValues::useElements(PrimitiveKind kind, RuntimeTypeName name, const unsigned char* elements,
                                   std::uint64_t count) {
-  if (primitiveKindForType(name) != kind) {
+  if (kindOf(name.primitiveType()) != kind) {
     appendBoxes(kind, name, elements, count, *copy_.objects);
     return useHandles(copy_.objects->data(), count);
   }

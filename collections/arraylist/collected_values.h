@@ -77,7 +77,7 @@ class CollectedValues {
   void collectTuple(void* tuple, std::uint64_t size);
 
  private:
-  void useElements(ListData::PrimitiveKind kind, std::string_view name, const unsigned char* elements,
+  void useElements(ListData::PrimitiveKind kind, RuntimeTypeName name, const unsigned char* elements,
                    std::uint64_t count);
   void useHandles(void* const* handles, std::uint64_t count);
 

@@ -7,6 +7,7 @@
 
 #include "collections/arraylist/result_lists.h"
 #include "collections/arraylist/snapshots.h"
+#include "collections/core/elements/element_types.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
@@ -44,8 +45,7 @@ void copyFirst(const ListData& source, std::uint64_t expected, ListData& result)
 // The second operand: unboxed only behind elements of its own kind and name. `classElementType` is what the result's
 // class declares, to which a result in boxed storage goes back.
 void appendSecond(const ListData& source, ListData& result, RuntimeTypeName classElementType) {
-  if (source.primitiveKind != PrimitiveKind::None && source.primitiveKind == result.primitiveKind &&
-      source.primitiveType == result.primitiveType) {
+  if (source.primitiveKind != PrimitiveKind::None && vc::keptElementType(source) == vc::keptElementType(result)) {
     return vc::appendPrimitiveElements(source, 0, 1, source.primitive.size, result);
   }
   materializePrimitiveList(result, source.logicalSize());

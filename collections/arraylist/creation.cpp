@@ -29,7 +29,7 @@ bool assignUnboxed(ListData& list, void** values, unsigned long count) {
   for (unsigned long i = 0; i < count; ++i) {
     BulkPrimitiveListValue value;
     if (!objectToPrimitiveListValue(values[i], value)) return false;
-    if (value.kind != first.kind || value.typeName != first.typeName) return false;
+    if (value.type() != first.type()) return false;
     if (floating) {
       doubles[i] = value.floating;
     } else {
@@ -49,9 +49,6 @@ void assignHandles(ListData& list, void** values, unsigned long count) {
   for (unsigned long i = 0; i < count; ++i) list.objectPushBack(values[i]);
 }
 
-// Interned, or the null name for the empty one.
-RuntimeTypeName internedName(const vc::ElementType& type) { return internRuntimeTypeName(type.name); }
-
 }  // namespace
 
 void* createArrayListLiteralFromValues(bool synchronised, void** values, unsigned long count) {
@@ -70,7 +67,7 @@ void* createArrayListLiteralFromIntValues(const long long* values, unsigned long
   const vc::RootedHandle list(Vorn_allocArrayListObjectFast(false, &data, false));
   if (list.get() == nullptr || data == nullptr) return nullptr;
   const ListDataLock lock(*data);
-  primitiveListAssignFromI64Values(*data, PrimitiveKind::Int, "Int", values, count);
+  primitiveListAssignFromI64Values(*data, PrimitiveKind::Int, vc::typeNameOf(vc::PrimitiveType::Int), values, count);
   return list.get();
 }
 
@@ -85,7 +82,7 @@ void* createArrayListPrimitiveEmpty(const char* typeName, bool synchronised) {
     return list.get();
   }
   const vc::ElementType type = vc::normalizedElementType(typeName);
-  data->elementType = internedName(type);
+  data->elementType = type.name;
   if (type.kind != PrimitiveKind::None && !data->linked) {
     vc::resetToPrimitiveStorage(*data, type.kind, data->elementType, 0);
   }
@@ -104,7 +101,7 @@ void* createArrayListPrimitiveDataBuffer(bool synchronised, long long n, const c
   }
   const ListDataLock lock(*data);
   const auto size = static_cast<std::uint64_t>(std::max(n, 0LL));
-  vc::resetToPrimitiveStorage(*data, type.kind, internedName(type), size);
+  vc::resetToPrimitiveStorage(*data, type.kind, type.name, size);
   data->elementType = data->primitiveType;
   data->primitive.size = size;
   *outList = list.get();

@@ -39,13 +39,12 @@ vc::ElementType f64BufferType(const char* typeName) {
 // Empties the list and types it. A linked list never gets primitive storage: it takes the declared type only, and the
 // commit will refuse it.
 void prepareStorage(ListData& list, const vc::ElementType& type) {
-  const RuntimeTypeName name = internRuntimeTypeName(type.name);
   if (list.linked) {
     clearListStorage(list);
   } else {
-    vc::resetToPrimitiveStorage(list, type.kind, name, 0);
+    vc::resetToPrimitiveStorage(list, type.kind, type.name, 0);
   }
-  list.elementType = name;
+  list.elementType = type.name;
 }
 
 // Gives an existing list a mirror with room for n values. The room comes first, so that without memory the list stays
@@ -86,12 +85,12 @@ std::uint64_t commitMirrorSize(Mirror& mirror, long long n) {
 
 void commitI64Mirror(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName, long long n) {
   const std::uint64_t count = commitMirrorSize(list.i64Mirror, n);
-  primitiveListAssignFromI64Values(list, kind, typeName.get(), list.i64Mirror.data, count);
+  primitiveListAssignFromI64Values(list, kind, typeName, list.i64Mirror.data, count);
 }
 
 void commitInt(ListData& list, long long n) {
   if (!vc::isIntegerKind(list.primitiveKind)) return vc::errors::raiseIntStorageExpected();
-  commitI64Mirror(list, PrimitiveKind::Int, internRuntimeTypeName("Int"), n);
+  commitI64Mirror(list, PrimitiveKind::Int, vc::typeNameOf(vc::PrimitiveType::Int), n);
 }
 
 void commitI64(ListData& list, long long n) {
@@ -102,7 +101,7 @@ void commitI64(ListData& list, long long n) {
 void commitDouble(ListData& list, long long n) {
   if (!vc::isFloatingKind(list.primitiveKind)) return vc::errors::raiseFloatingStorageExpected();
   const std::uint64_t count = commitMirrorSize(list.f64Mirror, n);
-  primitiveListAssignFromF64Values(list, list.primitiveKind, list.primitiveType.get(), list.f64Mirror.data, count);
+  primitiveListAssignFromF64Values(list, list.primitiveKind, list.primitiveType, list.f64Mirror.data, count);
 }
 
 void commitPrimitive(ListData& list, long long n) {
@@ -164,7 +163,7 @@ long long* vorn_collections_ArrayList_prepareIntData(void* list, long long n) {
   if (list == nullptr) return nullptr;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  return prepareMirror(data, data.i64Mirror, {PrimitiveKind::Int, "Int"}, n);
+  return prepareMirror(data, data.i64Mirror, vc::elementTypeOf(vc::PrimitiveType::Int), n);
 }
 
 long long* vorn_collections_ArrayList_preparePrimitiveI64Data(void* list, long long n, const char* typeName) {
@@ -243,7 +242,7 @@ void vorn_collections_ArrayList_reserve(void* list, long long n) {
   const bool empty = data.primitiveKind == PrimitiveKind::None && data.objects.size == 0;
   const vc::ElementType declared = empty ? vc::declaredElementType(data) : vc::ElementType{};
   if (declared.kind != PrimitiveKind::None) {
-    vc::resetToPrimitiveStorage(data, declared.kind, internRuntimeTypeName(declared.name), count);
+    vc::resetToPrimitiveStorage(data, declared.kind, declared.name, count);
   } else if (data.primitiveKind != PrimitiveKind::None) {
     configurePrimitiveStorage(data, data.primitiveKind);
     data.primitive.reserve(count);

@@ -25,7 +25,7 @@ static_assert(static_cast<long long>(kNotFound) == -1);
 
 // The value as the list's own unboxed type; false when it has another one.
 bool asOwnElement(const ListData& list, void* value, BulkPrimitiveListValue& raw) {
-  return objectToPrimitiveListValue(value, raw) && raw.kind == list.primitiveKind && list.primitiveType == raw.typeName;
+  return objectToPrimitiveListValue(value, raw) && raw.type() == keptElementType(list);
 }
 
 // Whether a primitive list can be searched unboxed for the value. Otherwise the list is boxed storage afterwards.

@@ -12,7 +12,6 @@
 #include "collections/arraylist/store.h"
 #include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/primitive_values.h"
-#include "collections/core/elements/same_type_store.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
@@ -47,10 +46,6 @@ class StagedElements {
   std::unique_ptr<unsigned char[]> elements_;
 };
 
-bool sameType(const vc::ElementType& type, const ListData& list) {
-  return type.kind == list.primitiveKind && list.primitiveType == type.name;
-}
-
 // How many values, from `first` on, the list takes as handles.
 std::uint64_t acceptedHandles(const ListData& list, void* const* values, std::uint64_t first, std::uint64_t count) {
   while (first < count && vc::declaredTypeAccepts(list, values[first])) ++first;
@@ -64,7 +59,7 @@ AssignmentPlan planHandles(const ListData& list, void* const* values, std::uint6
     BulkPrimitiveListValue raw;
     if (!vc::rawReplacement(list, values[i], raw)) return {i, acceptedHandles(list, values, i, count)};
     // Unboxed storage of a character type refuses what its declared type may not.
-    if (!vc::storableValues(list.primitiveType.get()).contains(raw.integer)) return {i, i};
+    if (!vc::storableValues(list.primitiveType).contains(raw.integer)) return {i, i};
     vc::visitKind(list.primitiveKind,
                   [&](auto tag) { vc::storeElement(tag, staged.data(), i, raw.integer, raw.floating); });
   }
@@ -75,7 +70,7 @@ AssignmentPlan planHandles(const ListData& list, void* const* values, std::uint6
 std::uint64_t acceptedBoxes(const ListData& list, const vc::CollectedValues& values) {
   const vc::ElementType declared = vc::declaredElementType(list);
   if (declared.kind != PrimitiveKind::None) return values.firstOutside(vc::acceptedValues(declared, values.type()));
-  if (vc::sameName(declared.name, "Object")) return values.size();
+  if (vc::isObjectType(declared)) return values.size();
   const vc::RootedHandle box(values.handleAt(0));
   return vc::declaredTypeAccepts(list, box.get()) ? values.size() : 0;
 }
@@ -84,9 +79,9 @@ std::uint64_t acceptedBoxes(const ListData& list, const vc::CollectedValues& val
 AssignmentPlan planRaw(const ListData& list, const vc::CollectedValues& values) {
   const vc::ElementType declared = vc::declaredElementType(list);
   std::uint64_t assigned = 0;
-  if (sameType(values.type(), list)) {
+  if (values.type() == vc::keptElementType(list)) {
     assigned = values.firstOutside(vc::storableValues(values.type().name));
-  } else if (declared.kind != PrimitiveKind::None && sameType(declared, list)) {
+  } else if (declared.kind != PrimitiveKind::None && declared == vc::keptElementType(list)) {
     assigned = values.firstOutside(vc::acceptedValues(declared, values.type()));
   } else {
     return {0, acceptedBoxes(list, values)};
@@ -123,7 +118,7 @@ void writeBoxed(ListData& list, const vc::SlicePositions& positions, const vc::C
     handles = values.handles(plan.assigned, own);
   } else {
     own->reserve(plan.assigned);
-    vc::appendBoxes(list.primitiveKind, list.primitiveType.get(), staged.data(), plan.unboxed, *own);
+    vc::appendBoxes(list.primitiveKind, list.primitiveType, staged.data(), plan.unboxed, *own);
     own->insert(own->end(), values.handles() + plan.unboxed, values.handles() + plan.assigned);
     handles = own->data();
   }

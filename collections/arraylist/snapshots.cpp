@@ -10,7 +10,7 @@ using vorn::collections::PrimitiveKind;
 
 namespace vorn::collections {
 
-void appendBoxes(PrimitiveKind kind, std::string_view typeName, const unsigned char* elements, std::uint64_t n,
+void appendBoxes(PrimitiveKind kind, RuntimeTypeName typeName, const unsigned char* elements, std::uint64_t n,
                  HandleVector::Storage& values) {
   values.reserve(values.size() + n);
   visitKind(kind, [&](auto tag) {
@@ -23,7 +23,7 @@ void appendBoxes(PrimitiveKind kind, std::string_view typeName, const unsigned c
 
 void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values) {
   if (list.primitiveKind == PrimitiveKind::None) return list.copyObjectsTo(values);
-  appendBoxes(list.primitiveKind, list.primitiveType.get(), list.primitive.data, list.primitive.size, values);
+  appendBoxes(list.primitiveKind, list.primitiveType, list.primitive.data, list.primitive.size, values);
 }
 
 }  // namespace vorn::collections

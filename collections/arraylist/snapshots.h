@@ -4,7 +4,6 @@
 #include <vorn/collections/export.h>
 
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
 #include "collections/core/storage/list_data.h"
@@ -29,8 +28,8 @@ namespace vorn::collections {
 
 // Appends `n` elements of a kind as boxes under a name. Nothing collected but the boxes is touched, so `elements` may
 // be collected memory that the caller keeps alive. Allocates.
-void appendBoxes(ListData::PrimitiveKind kind, std::string_view typeName, const unsigned char* elements,
-                 std::uint64_t n, HandleVector::Storage& values);
+void appendBoxes(ListData::PrimitiveKind kind, RuntimeTypeName typeName, const unsigned char* elements, std::uint64_t n,
+                 HandleVector::Storage& values);
 
 // Appends the elements of a list's live storage as handles; the caller holds the lock. Allocates.
 void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values);

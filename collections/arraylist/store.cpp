@@ -5,7 +5,6 @@
 #include "collections/arraylist/object_cursor.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
-#include "collections/core/elements/same_type_store.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/index_rules.h"
@@ -16,7 +15,7 @@ namespace vorn::collections {
 namespace {
 
 bool keepsUnboxed(const ListData& list, const BulkPrimitiveListValue& value) {
-  return list.primitiveKind == value.kind && list.primitiveType == value.typeName;
+  return value.type() == keptElementType(list);
 }
 
 void insertBoxed(ListData& list, std::uint64_t index, void* value) {
@@ -36,12 +35,16 @@ bool rawReplacement(const ListData& list, void* value, BulkPrimitiveListValue& r
 }
 
 void appendValueOrRaise(ListData& list, void* value) {
+  if (appendInPlace(list, value)) return;
   BulkPrimitiveListValue raw;
   switch (chooseStoreFormOrRaise(list, value, raw)) {
     case StoreForm::Refused:
       return;
-    case StoreForm::Unboxed:
-      return appendPrimitiveValue(list, raw);
+    case StoreForm::Adopted:
+      if (!adoptPrimitiveKindOrRaise(list, raw)) return;
+      [[fallthrough]];
+    case StoreForm::Kept:
+      return primitiveListAppend(list, raw.integer, raw.floating);
     case StoreForm::Boxed:
       materializePrimitiveList(list, 1);
       return list.objectPushBack(value);
@@ -53,9 +56,10 @@ void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
   switch (chooseStoreFormOrRaise(list, value, raw)) {
     case StoreForm::Refused:
       return;
-    case StoreForm::Unboxed:
-      // An empty list adopts the value's kind here as it does in an append.
-      if (list.primitiveKind == PrimitiveKind::None && !adoptPrimitiveKindOrRaise(list, raw)) return;
+    case StoreForm::Adopted:
+      if (!adoptPrimitiveKindOrRaise(list, raw)) return;
+      [[fallthrough]];
+    case StoreForm::Kept:
       return primitiveListInsertAt(list, index, raw.integer, raw.floating);
     case StoreForm::Boxed:
       return insertBoxed(list, index, value);

@@ -81,11 +81,28 @@ constexpr bool isIntegerKind(PrimitiveKind kind) { return infoOf(kind).family ==
 constexpr bool isFloatingKind(PrimitiveKind kind) { return infoOf(kind).family == KindFamily::Floating; }
 constexpr bool isCharacterType(PrimitiveType type) { return infoOf(type).isCharacter; }
 
-// The type of a normalised name: exact and case-sensitive; None for every other name. Compares texts: for names that
-// are not interned yet.
+// A name of at most eight bytes as one word. Leading NULs do not show in it.
+constexpr std::uint64_t nameWord(std::string_view name) {
+  std::uint64_t word = 0;
+  for (const char byte : name) word = word << 8 | static_cast<unsigned char>(byte);
+  return word;
+}
+
+// The names as words, indexed by PrimitiveType.
+inline constexpr std::array<std::uint64_t, kPrimitiveTypes> kPrimitiveTypeWords = [] {
+  std::array<std::uint64_t, kPrimitiveTypes> words{};
+  for (std::size_t i = 1; i < kPrimitiveTypes; ++i) words[i] = nameWord(kPrimitiveTypeInfos[i].name);
+  return words;
+}();
+
+// The type of a normalised name: exact and case-sensitive; None for every other name. For names that come as text; an
+// interned one knows its type.
 constexpr PrimitiveType primitiveTypeNamed(std::string_view name) {
+  if (name.size() > sizeof(std::uint64_t)) return PrimitiveType::None;
+  const std::uint64_t word = nameWord(name);
   for (std::size_t i = 1; i < kPrimitiveTypes; ++i) {
-    if (kPrimitiveTypeInfos[i].name == name) return static_cast<PrimitiveType>(i);
+    if (kPrimitiveTypeWords[i] != word) continue;
+    return kPrimitiveTypeInfos[i].name.size() == name.size() ? static_cast<PrimitiveType>(i) : PrimitiveType::None;
   }
   return PrimitiveType::None;
 }

@@ -19,7 +19,7 @@ namespace {
 // User code may construct an array anew that has no lock, so the size is read for each.
 void appendSlots(DisplayBuffer& text, const ArrayData& array) {
   const PrimitiveKind kind = primitiveKindOf(array.slotKind);
-  const ElementText form = elementTextOf(kind, shortTypeNameLocal(array.elementType.get()));
+  const ElementText form = elementTextOf(kind, array.elementType.shortForm());
   if (kind != PrimitiveKind::None && form != ElementText::Boxed) {
     return appendElements(text, form, kind, array.primitive.data, array.primitive.size, ", ");
   }

@@ -14,12 +14,6 @@ namespace vorn::collections {
 
 namespace {
 
-bool isSignedIntegerName(std::string_view name) {
-  // "Int" is what an element without a name is boxed as. Values of the narrower unsigned types are never negative.
-  return name.empty() || name == "Int" || name == "Long" || name == "Short" || name == "Byte" || name == "SByte" ||
-         name == "UInt" || name == "UShort";
-}
-
 // Writes element after element, separated, into room for the longest that they can be.
 template <class Write>
 void appendSeparated(DisplayBuffer& text, std::uint64_t n, std::size_t longest, std::string_view separator,
@@ -41,14 +35,18 @@ char* writeText(char* at, std::string_view text) {
 
 }  // namespace
 
-ElementText elementTextOf(PrimitiveKind kind, std::string_view typeName) {
-  // Doubles that are declared as Float lose precision in their boxes.
+ElementText elementTextOf(PrimitiveKind kind, RuntimeTypeName typeName) {
+  const PrimitiveType type = typeName.primitiveType();
   if (isFloatingKind(kind)) {
-    return kind == PrimitiveKind::Double && typeName == "Float" ? ElementText::Boxed : ElementText::Floating;
+    // Values that are declared as a narrower type lose precision in their boxes.
+    const bool narrower = isFloatingKind(kindOf(type)) && primitiveWidth(kindOf(type)) < primitiveWidth(kind);
+    return narrower ? ElementText::Boxed : ElementText::Floating;
   }
   if (kind == PrimitiveKind::Boolean) return ElementText::Boolean;
-  if (typeName == "ULong") return ElementText::Unsigned;
-  return isSignedIntegerName(typeName) ? ElementText::Signed : ElementText::Boxed;
+  if (type == PrimitiveType::ULong) return ElementText::Unsigned;
+  // An element without a name is boxed as "Int". Values of the narrower unsigned types are never negative.
+  const bool number = isIntegerKind(kindOf(type)) && !isCharacterType(type);
+  return number || typeName.empty() ? ElementText::Signed : ElementText::Boxed;
 }
 
 void appendElements(DisplayBuffer& text, ElementText form, PrimitiveKind kind, const unsigned char* data,
@@ -77,14 +75,14 @@ void appendElements(DisplayBuffer& text, ElementText form, PrimitiveKind kind, c
 }
 
 void appendUnboxedElements(DisplayBuffer& text, const ListData& list, std::string_view separator) {
-  const ElementText form = elementTextOf(list.primitiveKind, list.elementType.get());
+  const ElementText form = elementTextOf(list.primitiveKind, list.elementType);
   if (form != ElementText::Boxed) {
     return appendElements(text, form, list.primitiveKind, list.primitive.data, list.primitive.size, separator);
   }
   RootedHandle box;
   for (std::uint64_t i = 0; i < list.primitive.size; ++i) {
     if (i != 0) text.append(separator);
-    box = boxPrimitiveListValue(list.primitiveKind, list.elementType.get(), primitiveListReadI64(list, i),
+    box = boxPrimitiveListValue(list.primitiveKind, list.elementType, primitiveListReadI64(list, i),
                                 primitiveListReadF64(list, i));
     appendValueDisplay(text, box.get());
   }

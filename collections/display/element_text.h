@@ -15,7 +15,7 @@ namespace vorn::collections {
 
 // How elements of a kind show when they are boxed under a type name (normalised, or empty).
 enum class ElementText : std::uint8_t { Signed, Unsigned, Floating, Boolean, Boxed };
-ElementText elementTextOf(ListData::PrimitiveKind kind, std::string_view typeName);
+ElementText elementTextOf(ListData::PrimitiveKind kind, RuntimeTypeName typeName);
 
 // Appends n packed elements with the separator between them; not for ElementText::Boxed.
 void appendElements(DisplayBuffer& text, ElementText form, ListData::PrimitiveKind kind, const unsigned char* data,

@@ -49,7 +49,7 @@ void joinHandles(DisplayBuffer& text, ListData& list, std::string_view separator
 // Numbers and Booleans have one text, whichever form asks for it; everything else goes through its object.
 void joinSlots(DisplayBuffer& text, const ArrayData& array, std::string_view separator) {
   const auto kind = vc::primitiveKindOf(array.slotKind);
-  const vc::ElementText form = vc::elementTextOf(kind, shortTypeNameLocal(array.elementType.get()));
+  const vc::ElementText form = vc::elementTextOf(kind, array.elementType.shortForm());
   if (array.slotKind != ArraySlotKind::Object && form != vc::ElementText::Boxed) {
     return vc::appendElements(text, form, kind, array.primitive.data, array.primitive.size, separator);
   }

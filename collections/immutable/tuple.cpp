@@ -49,10 +49,10 @@ class RawValues {
   [[nodiscard]] void* boxAt(std::uint64_t index) const {
     if (!vc::isFloatingKind(kind_)) {
       const auto integer = load<long long>(index);
-      return boxPrimitiveListValue(kind_, declared_.get(), integer, static_cast<double>(integer));
+      return boxPrimitiveListValue(kind_, declared_, integer, static_cast<double>(integer));
     }
     const auto floating = load<double>(index);
-    return boxPrimitiveListValue(kind_, declared_.get(), vc::truncateToI64(floating), floating);
+    return boxPrimitiveListValue(kind_, declared_, vc::truncateToI64(floating), floating);
   }
 
  private:

@@ -49,7 +49,7 @@ std::string_view itemValueTypeName(void* value) {
 
 // The one type name of all values, or the recorded one when they differ or there are none.
 std::string_view commonValueTypeName(const vc::MapEntryVector::Storage& entries, RuntimeTypeName recorded) {
-  const std::string_view start = recorded.text != nullptr ? std::string_view(*recorded.text) : vc::kObjectTypeName;
+  const std::string_view start = !recorded.empty() ? recorded.get() : vc::kObjectTypeName;
   if (entries.empty()) return start;
   const std::string_view candidate = itemValueTypeName(entries.front().value);
   for (const MapEntrySnapshot& entry : entries) {

@@ -21,7 +21,7 @@ inline std::string_view mapValueTypeName(void* value) {
 // has come. The names are interned only when the record changes.
 inline RuntimeTypeName commonTypeName(RuntimeTypeName recorded, std::string_view name) {
   if (recorded == name || recorded == kObjectTypeName) return recorded;
-  return internRuntimeTypeName(recorded.text == nullptr ? name : kObjectTypeName);
+  return internRuntimeTypeName(recorded.empty() ? name : kObjectTypeName);
 }
 
 }  // namespace vorn::collections

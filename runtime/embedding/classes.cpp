@@ -109,7 +109,7 @@ bool define(const vorn_class_definition& definition) {
 
   auto copiedFields = std::make_unique<ObjectField[]>(fields.size());
   std::copy(fields.begin(), fields.end(), copiedFields.get());
-  const std::string& name = internRuntimeTypeName(definition.name).get();
+  const std::string_view name = internRuntimeTypeName(definition.name).get();
   auto made = std::make_unique<RuntimeClass>(RuntimeClass{
       .fullName = name,
       .shortName = shortTypeName(name),

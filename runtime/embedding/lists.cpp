@@ -7,8 +7,8 @@
 namespace {
 
 void describe(const ListData& list, vorn_list_storage_info& info) {
-  info.element_type = list.elementType.get().c_str();
-  info.primitive_type = list.primitiveType.get().c_str();
+  info.element_type = list.elementType.get().data();
+  info.primitive_type = list.primitiveType.get().data();
   info.size = list.logicalSize();
   if (list.primitiveKind != ListData::PrimitiveKind::None) {
     info.storage = VORN_LIST_PRIMITIVE;

@@ -13,15 +13,11 @@
 
 namespace {
 
-using vorn::runtime::BuiltinClass;
+using vorn::collections::PrimitiveType;
 
 // The boxed type of a short or full name; None for every other name, null included.
-BuiltinClass boxedTypeNamed(const char* name) {
-  if (name == nullptr) return BuiltinClass::None;
-  constexpr std::string_view kModule = "vorn.";
-  std::string_view text = name;
-  if (text.starts_with(kModule)) text.remove_prefix(kModule.size());
-  return vorn::runtime::boxedTypeOf(text);
+PrimitiveType boxedTypeNamed(const char* name) {
+  return name != nullptr ? vorn::runtime::languageTypeNamed(name) : PrimitiveType::None;
 }
 
 // What make() gives, or null when there is no memory.
@@ -44,15 +40,15 @@ const RegisteredObject* boxOf(const void* handle) {
 extern "C" {
 
 void* vorn_box_integer(const char* type_name, int64_t value) {
-  const BuiltinClass type = boxedTypeNamed(type_name);
-  if (type == BuiltinClass::Boolean) return Vorn_boxBool(value != 0);
-  if (!vorn::runtime::isIntegerLikeBox(type)) return nullptr;
-  return madeOrNull([&] { return vorn::runtime::newBox(vorn::runtime::builtinClass(type), value); });
+  const PrimitiveType type = boxedTypeNamed(type_name);
+  if (type == PrimitiveType::Boolean) return Vorn_boxBool(value != 0);
+  if (!vorn::collections::isIntegerKind(vorn::collections::kindOf(type))) return nullptr;
+  return madeOrNull([&] { return vorn::runtime::newBox(vorn::runtime::boxClass(type), value); });
 }
 
 void* vorn_box_floating(const char* type_name, double value) {
-  const BuiltinClass type = boxedTypeNamed(type_name);
-  if (!vorn::runtime::isFloatingBox(type)) return nullptr;
+  const PrimitiveType type = boxedTypeNamed(type_name);
+  if (!vorn::collections::isFloatingKind(vorn::collections::kindOf(type))) return nullptr;
   return madeOrNull([&] { return vorn::runtime::newFloatingBox(type, value); });
 }
 

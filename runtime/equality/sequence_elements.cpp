@@ -16,8 +16,10 @@ using collections::visitKind;
 // The family of elements kept under a kind and a name, the same as their boxes would have.
 Scalar::Family familyOf(ListData::PrimitiveKind kind, RuntimeTypeName name) {
   if (kind == ListData::PrimitiveKind::Boolean) return Scalar::Family::Boolean;
-  if (kind == ListData::PrimitiveKind::UInt && name == "Char") return Scalar::Family::Char;
-  if (kind == ListData::PrimitiveKind::UShort && name == "CodeUnit") return Scalar::Family::CodeUnit;
+  if (collections::kindOf(name.primitiveType()) == kind) {
+    if (name.primitiveType() == collections::PrimitiveType::Char) return Scalar::Family::Char;
+    if (name.primitiveType() == collections::PrimitiveType::CodeUnit) return Scalar::Family::CodeUnit;
+  }
   return Scalar::Family::Number;
 }
 
@@ -30,16 +32,16 @@ UnboxedElements::UnboxedElements(const ListData& list)
       kind_(list.primitiveKind),
       name_(list.primitiveType),
       family_(familyOf(kind_, name_)),
-      unsigned64_(name_ == "ULong") {}
+      unsigned64_(name_.primitiveType() == collections::PrimitiveType::ULong) {}
 
 UnboxedElements::UnboxedElements(const ArrayData& array)
     : data_(array.primitive.data),
       size_(array.primitive.size),
       width_(array.primitive.elementSize),
       kind_(collections::primitiveKindOf(array.slotKind)),
-      name_(internRuntimeTypeName(shortTypeNameLocal(array.elementType.get()))),
+      name_(array.elementType.shortForm()),
       family_(familyOf(kind_, name_)),
-      unsigned64_(name_ == "ULong") {}
+      unsigned64_(name_.primitiveType() == collections::PrimitiveType::ULong) {}
 
 Scalar UnboxedElements::at(std::size_t index) const {
   return visitKind(
@@ -60,13 +62,16 @@ Scalar UnboxedElements::at(std::size_t index) const {
 }
 
 void* UnboxedElements::boxAt(std::size_t index) const {
+  const auto nameOr = [this](std::string_view otherwise) {
+    return name_.empty() ? RuntimeTypeName{collections::standardTypeName(otherwise)} : name_;
+  };
   const Scalar scalar = at(index);
   if (scalar.value.kind == NativeNumericValue::Kind::Floating) {
-    return boxFloatingLikeLocal(name_ == "" ? "Double" : name_.get(), std::bit_cast<double>(scalar.value.payload));
+    return boxFloatingLikeLocal(nameOr("Double"), std::bit_cast<double>(scalar.value.payload));
   }
   const auto integer = static_cast<long long>(scalar.value.payload);
   if (scalar.family == Scalar::Family::Boolean) return Vorn_boxBool(integer != 0);
-  return boxIntegerLikeLocal(name_ == "" ? "Int" : name_.get(), integer);
+  return boxIntegerLikeLocal(nameOr("Int"), integer);
 }
 
 void UnboxedElements::copyInto(std::vector<unsigned char>& bytes) {

@@ -15,7 +15,7 @@ std::string_view mapKeyRuntimeTypeName(void* key) {
 std::string_view resolveMapKeyTypeName(void* map) {
   const MapData& data = *getMapData(map);
   const MapDataLock lock(data);
-  return data.keyType.text != nullptr ? std::string_view(*data.keyType.text) : "Object";
+  return !data.keyType.empty() ? data.keyType.get() : "Object";
 }
 
 std::string mapKeyString(void* key) {

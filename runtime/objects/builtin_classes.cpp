@@ -7,9 +7,16 @@ namespace {
 
 constexpr std::uint32_t kFirstField = sizeof(ObjectRecord);
 
-constexpr std::array integerValueField{ObjectField{ObjectField::Kind::Integer, kFirstField, "_value"}};
-constexpr std::array booleanValueField{ObjectField{ObjectField::Kind::Boolean, kFirstField, "_value"}};
-constexpr std::array floatingValueField{ObjectField{ObjectField::Kind::Floating, kFirstField, "_value"}};
+using collections::KindFamily;
+
+constexpr ObjectField::Kind fieldKindOf(KindFamily family) {
+  if (family == KindFamily::Floating) return ObjectField::Kind::Floating;
+  return family == KindFamily::Boolean ? ObjectField::Kind::Boolean : ObjectField::Kind::Integer;
+}
+
+// The one field of boxes.
+template <KindFamily kFamily>
+constexpr std::array boxField{ObjectField{fieldKindOf(kFamily), kFirstField, "_value"}};
 constexpr std::array sizeField{ObjectField{ObjectField::Kind::Integer, kFirstField, "size"}};
 constexpr std::array typeFields{
     ObjectField{ObjectField::Kind::Handle, kFirstField, "_fullName"},

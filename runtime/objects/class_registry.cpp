@@ -52,7 +52,7 @@ const RuntimeClass* genericInstance(const RuntimeClass& raw, const std::vector<s
   if (base->parameters == raw.parameters) base = genericInstance(*base, arguments);
 
   // The name's text must live as long as the class, so the intern table keeps it.
-  const std::string& text = internRuntimeTypeName(name).get();
+  const std::string_view text = internRuntimeTypeName(name).get();
   auto instance = std::make_unique<RuntimeClass>(raw);
   instance->fullName = text;
   instance->shortName = shortTypeName(text);

@@ -1,10 +1,8 @@
 // Type names as text: short names, families of collection classes, type arguments, interning.
-#include <array>
-#include <atomic>
-#include <cstddef>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "collections/core/port/type_names.h"
@@ -17,18 +15,17 @@ namespace {
 using vorn::runtime::builtinClass;
 using vorn::runtime::BuiltinClass;
 
-// The names of boxed types are interned far more often than all others together, so each has a slot of its own.
-constexpr std::size_t kBoxedTypes = static_cast<std::size_t>(BuiltinClass::Double) + 1;
-constinit std::array<std::atomic<const std::string*>, kBoxedTypes> internedBoxedTypes{};
+using vorn::collections::InternedTypeName;
+using InternedNames = vorn::runtime::NameMap<InternedTypeName>;
 
-struct Nothing {};
-constinit vorn::runtime::NameMap<Nothing> internedNames;
+constinit InternedNames internedNames;
 std::mutex internAdditions;
 
-const std::string* internSlowly(std::string_view name) {
-  if (const auto* known = internedNames.find(name)) return &known->name;
-  const std::scoped_lock lock(internAdditions);
-  return &internedNames.findOrAdd(name, Nothing{})->name;
+// The canonical short form of a name; null when the name has it.
+const InternedTypeName* normalizedFormOf(std::string_view name) {
+  const std::string_view shortName = shortTypeName(name);
+  if (shortName.size() == name.size()) return nullptr;
+  return internRuntimeTypeName(shortName.empty() ? std::string_view("Object") : shortName).name;
 }
 
 // The class of a collection's type name: short, or full and generic. A class of another module is no collection, even
@@ -87,15 +84,14 @@ std::string_view shortTypeNameLocal(std::string_view typeName) { return shortTyp
 
 RuntimeTypeName internRuntimeTypeName(std::string_view name) {
   if (name.empty()) return {};
-  const BuiltinClass boxed = vorn::runtime::boxedTypeOf(name);
-  if (boxed == BuiltinClass::None) return {internSlowly(name)};
-  auto& slot = internedBoxedTypes[static_cast<std::size_t>(boxed)];
-  const std::string* interned = slot.load(std::memory_order_acquire);
-  if (interned == nullptr) [[unlikely]] {
-    interned = internSlowly(name);
-    slot.store(interned, std::memory_order_release);
-  }
-  return {interned};
+  if (const InternedTypeName* standard = vorn::collections::standardTypeName(name)) return {standard};
+  if (const auto* known = internedNames.find(name)) return {&known->value};
+  const InternedTypeName* const normalized = normalizedFormOf(name);
+  auto prepared = InternedNames::prepare(name, {});
+  prepared->value = {.text = prepared->name, .normalized = normalized};
+  const std::scoped_lock lock(internAdditions);
+  if (const auto* known = internedNames.find(name)) return {&known->value};
+  return {&internedNames.add(std::move(prepared))->value};
 }
 
 std::string_view runtimeCollectionBaseName(std::string_view typeName) {

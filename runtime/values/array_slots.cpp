@@ -13,8 +13,6 @@
 
 namespace {
 
-using vorn::runtime::BuiltinClass;
-
 // The box behind a value, when its kind is that one.
 const RegisteredObject* boxOfKind(const void* value, ObjectKind kind) {
   const RegisteredObject* box = getRegisteredObjectUnsafe(value);
@@ -52,10 +50,7 @@ class CodeUnitTexts {
 }  // namespace
 
 ArraySlotKind slotKindForArrayElementType(std::string_view typeName) {
-  const BuiltinClass type = vorn::runtime::boxedTypeOf(typeName.starts_with("vorn.") ? typeName.substr(5) : typeName);
-  if (type == BuiltinClass::None) return ArraySlotKind::Object;
-  const auto primitiveType = vorn::runtime::builtinClass(type).head.boxedType;
-  return vorn::collections::slotKindOf(vorn::collections::kindOf(primitiveType));
+  return vorn::collections::slotKindOf(vorn::collections::kindOf(vorn::runtime::languageTypeNamed(typeName)));
 }
 
 bool extractArrayElementInteger(void* value, long long& integer) {

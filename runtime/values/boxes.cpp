@@ -8,9 +8,10 @@
 
 namespace {
 
-using vorn::runtime::boxedTypeOf;
-using vorn::runtime::builtinClass;
-using vorn::runtime::BuiltinClass;
+using vorn::collections::isFloatingKind;
+using vorn::collections::isIntegerKind;
+using vorn::collections::kindOf;
+using vorn::collections::PrimitiveType;
 
 // The two Boolean boxes stand outside the collected heap, where no collector can take them. Their headers depend on
 // their addresses, which are known only once the program runs.
@@ -23,23 +24,20 @@ struct BooleanBoxes {
   static RegisteredObject boxAt(const void* address, std::int64_t value) {
     RegisteredObject box;
     box.header = objectHeaderFor(address, ObjectKind::BooleanBox);
-    box.runtimeClass = &builtinClass(BuiltinClass::Boolean);
+    box.runtimeClass = &vorn::runtime::boxClass(PrimitiveType::Boolean);
     box.nativeRecord = nullptr;
     box.integer = value;
     return box;
   }
 };
 
-// The type behind a name that is no short name of an integer-like type: the full name of one, else what fits.
-[[gnu::noinline, gnu::cold]] BuiltinClass unusualIntegerType(std::string_view typeName, long long value) {
-  constexpr std::string_view kModule = "vorn.";
-  if (typeName.starts_with(kModule)) {
-    const BuiltinClass type = boxedTypeOf(typeName.substr(kModule.size()));
-    if (vorn::runtime::isIntegerLikeBox(type) || type == BuiltinClass::Boolean) return type;
-  }
+// The type behind a name that is no short name of a primitive type: the full name of one, else what fits.
+[[gnu::noinline, gnu::cold]] PrimitiveType unusualIntegerType(std::string_view typeName, long long value) {
+  const PrimitiveType type = vorn::runtime::languageTypeNamed(typeName);
+  if (type != PrimitiveType::None && !isFloatingKind(kindOf(type))) return type;
   const bool fitsInt =
       value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
-  return fitsInt ? BuiltinClass::Int : BuiltinClass::Long;
+  return fitsInt ? PrimitiveType::Int : PrimitiveType::Long;
 }
 
 }  // namespace
@@ -49,16 +47,18 @@ extern "C" void* Vorn_boxBool(bool value) {
   return value ? &boxes.yes : &boxes.no;
 }
 
-void* boxIntegerLikeLocal(std::string_view typeName, long long value) {
-  BuiltinClass type = boxedTypeOf(typeName);
-  if (!vorn::runtime::isIntegerLikeBox(type)) [[unlikely]] {
-    if (type != BuiltinClass::Boolean) type = unusualIntegerType(typeName, value);
-    if (type == BuiltinClass::Boolean) return Vorn_boxBool(value != 0);
+void* boxIntegerLikeLocal(RuntimeTypeName typeName, long long value) {
+  PrimitiveType type = typeName.primitiveType();
+  if (!isIntegerKind(kindOf(type))) [[unlikely]] {
+    if (type != PrimitiveType::Boolean) type = unusualIntegerType(typeName.get(), value);
+    if (type == PrimitiveType::Boolean) return Vorn_boxBool(value != 0);
   }
-  return vorn::runtime::newBox(builtinClass(type), value);
+  return vorn::runtime::newBox(vorn::runtime::boxClass(type), value);
 }
 
-void* boxFloatingLikeLocal(std::string_view typeName, double value) {
-  const bool isFloat = typeName == "Float" || typeName == "vorn.Float";
-  return vorn::runtime::newFloatingBox(isFloat ? BuiltinClass::Float : BuiltinClass::Double, value);
+void* boxFloatingLikeLocal(RuntimeTypeName typeName, double value) {
+  PrimitiveType type = typeName.primitiveType();
+  if (type == PrimitiveType::None) [[unlikely]]
+    type = vorn::runtime::languageTypeNamed(typeName.get());
+  return vorn::runtime::newFloatingBox(isFloatingKind(kindOf(type)) ? type : PrimitiveType::Double, value);
 }

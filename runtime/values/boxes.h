@@ -26,10 +26,12 @@ inline RegisteredObject* newBox(const RuntimeClass& type, std::int64_t payload) 
   return box;
 }
 
-// A new Float or Double box; a Float is single precision here as in unboxed storage. Allocates; std::bad_alloc.
-inline RegisteredObject* newFloatingBox(BuiltinClass type, double value) {
-  const double kept = type == BuiltinClass::Float ? static_cast<float>(value) : value;
-  return newBox(builtinClass(type), std::bit_cast<std::int64_t>(kept));
+// A new box of a floating type; a Float is single precision here as in unboxed storage. Allocates; std::bad_alloc.
+inline RegisteredObject* newFloatingBox(collections::PrimitiveType type, double value) {
+  const double kept = collections::visitKind(
+      collections::kindOf(type),
+      [value](auto tag) { return static_cast<double>(static_cast<typename decltype(tag)::Element>(value)); }, value);
+  return newBox(boxClass(type), std::bit_cast<std::int64_t>(kept));
 }
 
 }  // namespace vorn::runtime

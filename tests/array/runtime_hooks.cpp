@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collections/core/port/type_name.h"
 #include "collections/core/storage/linked_handles.h"
 
 namespace vorn::tests {
@@ -26,8 +27,8 @@ LinkedHandles::Node* __real__ZN13LinkedHandles6nodeAtEm(LinkedHandles* nodes, st
 void __real_Vorn_raise(const char* exceptionClass, const char* message);
 void* __real_Vorn_allocObject(const char* className);
 void* __real__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(std::string_view text);
-void* __real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(std::string_view type, long long value);
-void* __real__Z20boxFloatingLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEd(std::string_view type, double value);
+void* __real__Z19boxIntegerLikeLocal15RuntimeTypeNamex(RuntimeTypeName type, long long value);
+void* __real__Z20boxFloatingLikeLocal15RuntimeTypeNamed(RuntimeTypeName type, double value);
 
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
   const int result = __real_pthread_mutex_unlock(mutex);
@@ -50,14 +51,13 @@ void* __wrap__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(std:
   vorn::tests::notify("string");
   return __real__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(text);
 }
-void* __wrap__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(std::string_view type,
-                                                                                long long value) {
+void* __wrap__Z19boxIntegerLikeLocal15RuntimeTypeNamex(RuntimeTypeName type, long long value) {
   vorn::tests::notify("integer box");
-  return __real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(type, value);
+  return __real__Z19boxIntegerLikeLocal15RuntimeTypeNamex(type, value);
 }
-void* __wrap__Z20boxFloatingLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEd(std::string_view type, double value) {
+void* __wrap__Z20boxFloatingLikeLocal15RuntimeTypeNamed(RuntimeTypeName type, double value) {
   vorn::tests::notify("floating box");
-  return __real__Z20boxFloatingLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEd(type, value);
+  return __real__Z20boxFloatingLikeLocal15RuntimeTypeNamed(type, value);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

@@ -58,7 +58,7 @@ TEST_F(Append, Add_UntypedList_AnotherKindMaterialises) {
   const Handle target = list("ArrayList", {integer("Int", 1), integer("Long", 2)});
   EXPECT_EQ(storageOf(target), "objects");
   EXPECT_EQ(kindOf(target), ListData::PrimitiveKind::None);
-  EXPECT_EQ(getListData(target)->primitiveType.text, nullptr);
+  EXPECT_EQ(getListData(target)->primitiveType.name, nullptr);
   EXPECT_EQ(elementsOf(target), (Elements{"Int 1", "Long 2"}));
   vorn_collections_ArrayList_add(target, integer("Int", 3));
   EXPECT_EQ(storageOf(target), "objects");

@@ -100,7 +100,7 @@ inline std::string storageOf(void* list) {
 }
 
 inline ListData::PrimitiveKind kindOf(void* list) { return getListData(list)->primitiveKind; }
-inline std::string declaredTypeOf(void* list) { return getListData(list)->elementType.get(); }
+inline std::string declaredTypeOf(void* list) { return std::string(getListData(list)->elementType.get()); }
 
 // Everything a native that refuses must leave alone. Handles are kept for comparison only.
 struct Snapshot {

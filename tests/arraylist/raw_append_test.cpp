@@ -286,7 +286,7 @@ TEST_F(RawAppend, CharacterOutOfRange_LeavesEvenTheKindOfAnEmptyListAsItWas) {
       EXPECT_RAISED(characters.error);
       EXPECT_UNTOUCHED(target, before);
       EXPECT_EQ(kindOf(target), ListData::PrimitiveKind::None);
-      EXPECT_EQ(getListData(target)->primitiveType.text, nullptr);
+      EXPECT_EQ(getListData(target)->primitiveType.name, nullptr);
       vorn_collections_ArrayList_addInt(target, 1);
       EXPECT_EQ(storageOf(target), "Int");
     }

@@ -89,7 +89,7 @@ TEST_F(Remove, Clear_UnboxedStorage_ForgetsTheKindAndKeepsTheCapacity) {
   ASSERT_EQ(data.primitive.capacity, 64U);
   vorn_collections_ArrayList_clear(target);
   EXPECT_EQ(data.primitiveKind, ListData::PrimitiveKind::None);
-  EXPECT_EQ(data.primitiveType.text, nullptr);
+  EXPECT_EQ(data.primitiveType.name, nullptr);
   EXPECT_EQ(data.primitive.size, 0U);
   EXPECT_EQ(data.primitive.capacity, 64U);
   EXPECT_EQ(declaredTypeOf(target), "Int");

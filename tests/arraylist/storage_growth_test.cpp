@@ -82,7 +82,7 @@ TEST_F(StorageGrowth, Materialisation_ReservesByDoublingAndLeavesThePrimitiveBuf
   EXPECT_EQ(data.primitive.size, 0U);
   EXPECT_EQ(data.primitive.capacity, 64U);
   EXPECT_EQ(data.primitive.elementSize, 4U);
-  EXPECT_EQ(data.primitiveType.text, nullptr);
+  EXPECT_EQ(data.primitiveType.name, nullptr);
   EXPECT_EQ(declaredTypeOf(target), "Int");
   for (int i = 0; i < 33; ++i) EXPECT_EQ(vorn_collections_ArrayList_getInt(target, i), i);
   EXPECT_AT_REST(target);

@@ -20,9 +20,9 @@ TEST_F(AppendPrimitiveValue, Compatible_NeverForLinkedLists) {
   for (const char* declared : {"", "Int", "Object"}) {
     Handle list = object("LinkedList");
     record(list).elementType = internRuntimeTypeName(declared);
-    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, "Int")) << declared;
+    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, named("Int"))) << declared;
     record(list).objectPushBack(nullptr);
-    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, "Int")) << declared;
+    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, named("Int"))) << declared;
   }
 }
 
@@ -31,12 +31,12 @@ TEST_F(AppendPrimitiveValue, Compatible_PrimitiveStorageNeedsTheSameKindAndName)
     for (const std::initializer_list<long long>& elements : {std::initializer_list<long long>{}, {1, 0}}) {
       Handle list = primitiveList(kept.name, elements);
       for (const NamedKind& value : kNamedKinds) {
-        EXPECT_EQ(primitiveStorageCompatible(record(list), value.kind(), value.name), kept.is(value.name))
+        EXPECT_EQ(primitiveStorageCompatible(record(list), value.kind(), named(value.name)), kept.is(value.name))
             << value.name << " into " << kept.name;
       }
-      EXPECT_FALSE(primitiveStorageCompatible(record(list), kept.kind(), ""));
-      EXPECT_FALSE(primitiveStorageCompatible(record(list), kept.kind(), std::string("vorn.") + kept.name));
-      EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::None, kept.name));
+      EXPECT_FALSE(primitiveStorageCompatible(record(list), kept.kind(), named("")));
+      EXPECT_FALSE(primitiveStorageCompatible(record(list), kept.kind(), named(std::string("vorn.") + kept.name)));
+      EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::None, named(kept.name)));
     }
   }
 }
@@ -44,8 +44,8 @@ TEST_F(AppendPrimitiveValue, Compatible_PrimitiveStorageNeedsTheSameKindAndName)
 TEST_F(AppendPrimitiveValue, Compatible_PrimitiveStorageDoesNotLookAtTheDeclaredType) {
   Handle list = primitiveList("Int", {1});
   record(list).elementType = internRuntimeTypeName("Long");
-  EXPECT_TRUE(primitiveStorageCompatible(record(list), Kind::Int, "Int"));
-  EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Long, "Long"));
+  EXPECT_TRUE(primitiveStorageCompatible(record(list), Kind::Int, named("Int")));
+  EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Long, named("Long")));
 }
 
 TEST_F(AppendPrimitiveValue, Compatible_NeverForObjectStorageWithElements) {
@@ -53,7 +53,7 @@ TEST_F(AppendPrimitiveValue, Compatible_NeverForObjectStorageWithElements) {
     Handle list = object("ArrayList");
     record(list).elementType = internRuntimeTypeName(declared);
     record(list).objectPushBack(nullptr);
-    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, "Int")) << declared;
+    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, named("Int"))) << declared;
   }
 }
 
@@ -63,10 +63,10 @@ TEST_F(AppendPrimitiveValue, Compatible_EmptyListTakesItsDeclaredKindAndNameOnly
       Handle list = object("ArrayList");
       record(list).elementType = internRuntimeTypeName(std::string(prefix) + declared.name);
       for (const NamedKind& value : kNamedKinds) {
-        EXPECT_EQ(primitiveStorageCompatible(record(list), value.kind(), value.name), declared.is(value.name))
+        EXPECT_EQ(primitiveStorageCompatible(record(list), value.kind(), named(value.name)), declared.is(value.name))
             << value.name << " into " << prefix << declared.name;
       }
-      EXPECT_FALSE(primitiveStorageCompatible(record(list), declared.kind(), ""));
+      EXPECT_FALSE(primitiveStorageCompatible(record(list), declared.kind(), named("")));
     }
   }
 }
@@ -74,7 +74,7 @@ TEST_F(AppendPrimitiveValue, Compatible_EmptyListTakesItsDeclaredKindAndNameOnly
 TEST_F(AppendPrimitiveValue, Compatible_EmptyUntypedListTakesAnything) {
   Handle list = object("ArrayList");
   for (const NamedKind& value : kNamedKinds) {
-    EXPECT_TRUE(primitiveStorageCompatible(record(list), value.kind(), value.name)) << value.name;
+    EXPECT_TRUE(primitiveStorageCompatible(record(list), value.kind(), named(value.name))) << value.name;
   }
 }
 
@@ -82,7 +82,7 @@ TEST_F(AppendPrimitiveValue, Compatible_EmptyListOfAnotherDeclaredTypeTakesNothi
   for (const char* declared : {"Object", "String", "coretest.Animal"}) {
     Handle list = object("ArrayList");
     record(list).elementType = internRuntimeTypeName(declared);
-    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, "Int")) << declared;
+    EXPECT_FALSE(primitiveStorageCompatible(record(list), Kind::Int, named("Int"))) << declared;
   }
 }
 
@@ -90,7 +90,7 @@ TEST_F(AppendPrimitiveValue, Compatible_ListEmptiedByRemovalsTakesAgain) {
   Handle list = object("ArrayList");
   record(list).objectPushBack(nullptr);
   record(list).objectErase(0);
-  EXPECT_TRUE(primitiveStorageCompatible(record(list), Kind::Int, "Int"));
+  EXPECT_TRUE(primitiveStorageCompatible(record(list), Kind::Int, named("Int")));
 }
 
 // ---- appendPrimitiveValue -------------------------------------------------------------------------------------------
@@ -98,7 +98,7 @@ TEST_F(AppendPrimitiveValue, Compatible_ListEmptiedByRemovalsTakesAgain) {
 TEST_F(AppendPrimitiveValue, LinkedListGetsABox) {
   Handle list = object("LinkedList");
   appendPrimitiveValue(record(list), rawInteger("Int", 4));
-  appendPrimitiveValue(record(list), {Kind::Double, "Double", 0, 2.5});
+  appendPrimitiveValue(record(list), {Kind::Double, named("Double"), 0, 2.5});
   appendPrimitiveValue(record(list), rawInteger("Char", 65));
   EXPECT_EQ(describeObjects(record(list)), (Descriptions{"vorn.Int 4", "vorn.Double 2.5", "vorn.Char 65"}));
   EXPECT_EQ(record(list).primitiveKind, Kind::None);
@@ -110,8 +110,8 @@ TEST_F(AppendPrimitiveValue, EmptyListAdoptsEveryKindAndItsInternedName) {
     Handle list = object("ArrayList");
     appendPrimitiveValue(record(list), rawInteger(row.name, 1));
     EXPECT_EQ(record(list).primitiveKind, row.kind());
-    EXPECT_EQ(record(list).primitiveType.text, internRuntimeTypeName(row.name).text);
-    EXPECT_EQ(record(list).elementType.text, nullptr);
+    EXPECT_EQ(record(list).primitiveType.name, internRuntimeTypeName(row.name).name);
+    EXPECT_EQ(record(list).elementType.name, nullptr);
     EXPECT_EQ(record(list).primitive.elementSize, row.width);
     EXPECT_EQ(integersOf(record(list)), Integers{1});
     EXPECT_VALID_LIST(list);
@@ -120,11 +120,11 @@ TEST_F(AppendPrimitiveValue, EmptyListAdoptsEveryKindAndItsInternedName) {
 
 TEST_F(AppendPrimitiveValue, EmptyListAdoptsAnEmptyNameAsNull) {
   Handle list = object("ArrayList");
-  appendPrimitiveValue(record(list), {Kind::Short, "", -9, -9.0});
+  appendPrimitiveValue(record(list), {Kind::Short, named(""), -9, -9.0});
   EXPECT_EQ(record(list).primitiveKind, Kind::Short);
-  EXPECT_EQ(record(list).primitiveType.text, nullptr);
+  EXPECT_EQ(record(list).primitiveType.name, nullptr);
   EXPECT_EQ(integersOf(record(list)), Integers{-9});
-  appendPrimitiveValue(record(list), {Kind::Short, "", 8, 8.0});
+  appendPrimitiveValue(record(list), {Kind::Short, named(""), 8, 8.0});
   EXPECT_EQ(integersOf(record(list)), (Integers{-9, 8}));
 }
 
@@ -140,7 +140,7 @@ TEST_F(AppendPrimitiveValue, EmptyListAdoptsWhateverItsDeclaredType) {
 TEST_F(AppendPrimitiveValue, AdoptedNameNeedNotBeTerminated) {
   const std::string_view longer = "UShortcut";
   Handle list = object("ArrayList");
-  appendPrimitiveValue(record(list), {Kind::UShort, longer.substr(0, 6), 3, 3.0});
+  appendPrimitiveValue(record(list), {Kind::UShort, named(longer.substr(0, 6)), 3, 3.0});
   EXPECT_EQ(record(list).primitiveType.get(), "UShort");
 }
 
@@ -209,7 +209,7 @@ TEST_F(AppendPrimitiveValue, AnotherKindOrNameMaterialises) {
       };
       EXPECT_EQ(describeObjects(record(list)), (Descriptions{described(kept), described(value)}));
       EXPECT_EQ(record(list).primitiveKind, Kind::None);
-      EXPECT_EQ(record(list).primitiveType.text, nullptr);
+      EXPECT_EQ(record(list).primitiveType.name, nullptr);
       EXPECT_VALID_LIST(list);
     }
   }
@@ -237,7 +237,7 @@ Descriptions elementsOf(const ListData& list) {
   if (list.primitiveKind == Kind::None) return describeObjects(list);
   Descriptions result;
   for (std::uint64_t i = 0; i < list.primitive.size; ++i) {
-    Handle box = boxPrimitiveListValue(list.primitiveKind, list.primitiveType.get(), primitiveListReadI64(list, i),
+    Handle box = boxPrimitiveListValue(list.primitiveKind, list.primitiveType, primitiveListReadI64(list, i),
                                        primitiveListReadF64(list, i));
     result.push_back(describeValue(box));
   }

@@ -102,7 +102,8 @@ void expectConversion(const NamedKind& declared, const NamedKind& value, long lo
   long long integer = 12345;
   double floating = 12345.5;
   const bool accepted = convertPrimitiveListValueToDeclared(
-      declared.kind(), declared.name, BulkPrimitiveListValue{value.kind(), value.name, x, d}, integer, floating);
+      declared.kind(), named(declared.name), BulkPrimitiveListValue{value.kind(), named(value.name), x, d}, integer,
+      floating);
   SCOPED_TRACE(std::string(value.name) + " " + std::to_string(x) + "/" + std::to_string(d) + " to " + declared.name);
   ASSERT_EQ(accepted, expected.has_value());
   if (!expected) return;
@@ -177,7 +178,7 @@ TEST(ConversionTable, RowsWorthReading) {
   for (const Row& row : rows) {
     long long integer = 0;
     double floating = 0;
-    EXPECT_EQ(convertPrimitiveListValueToDeclared(namedKind(row.declared).kind(), row.declared,
+    EXPECT_EQ(convertPrimitiveListValueToDeclared(namedKind(row.declared).kind(), named(row.declared),
                                                   rawInteger(row.value, row.x), integer, floating),
               row.accepted)
         << row.value << ' ' << row.x << " to " << row.declared;
@@ -188,8 +189,8 @@ bool converts(int declaredKind, const char* declaredName, int valueKind, const c
               Pair* result = nullptr) {
   Pair pair{0, 0};
   const bool accepted = convertPrimitiveListValueToDeclared(
-      kindNumbered(declaredKind), declaredName, BulkPrimitiveListValue{kindNumbered(valueKind), valueName, x, d},
-      pair.integer, pair.floating);
+      kindNumbered(declaredKind), named(declaredName),
+      BulkPrimitiveListValue{kindNumbered(valueKind), named(valueName), x, d}, pair.integer, pair.floating);
   if (result != nullptr) *result = pair;
   return accepted;
 }

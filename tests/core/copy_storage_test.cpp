@@ -43,8 +43,8 @@ TEST_F(CopyStorage, SourceWithoutPrimitiveStorageGivesNone) {
   Handle target = primitiveList("Int", {1, 2});
   copyPrimitiveListStorage(record(source), record(target));
   EXPECT_EQ(record(target).primitiveKind, Kind::None);
-  EXPECT_EQ(record(target).primitiveType.text, nullptr);
-  EXPECT_EQ(record(target).elementType.text, nullptr);
+  EXPECT_EQ(record(target).primitiveType.name, nullptr);
+  EXPECT_EQ(record(target).elementType.name, nullptr);
   EXPECT_EQ(record(target).primitive.size, 0u);
   EXPECT_EQ(record(target).objects.size, 0u);
   EXPECT_VALID_LIST(target);

@@ -64,9 +64,11 @@ inline Kind kindNumbered(int value) { return static_cast<Kind>(value); }
 
 inline ListData& record(const Handle& list) { return *getListData(list); }
 
+inline RuntimeTypeName named(std::string_view name) { return internRuntimeTypeName(name); }
+
 // A raw value of the named kind whose integer and double agree.
 inline BulkPrimitiveListValue rawInteger(std::string_view name, long long value) {
-  return {namedKind(name).kind(), name, value, static_cast<double>(value)};
+  return {namedKind(name).kind(), named(name), value, static_cast<double>(value)};
 }
 
 // Puts an empty record into primitive storage under the name, without calling what is under test.
@@ -74,7 +76,7 @@ inline void makePrimitive(ListData& list, std::string_view name) {
   const NamedKind& row = namedKind(name);
   list.primitive.resetToInline(row.width);
   list.primitiveKind = row.kind();
-  list.primitiveType = internRuntimeTypeName(name);
+  list.primitiveType = named(name);
 }
 
 // An untyped ArrayList in primitive storage. Every value serves as the integer and, converted, as the double.
@@ -148,8 +150,8 @@ inline std::vector<std::string> describeObjects(const ListData& list) {
 // Capacities are left out, because room that was made is no change.
 inline std::string describeList(const ListData& list) {
   std::string result = "kind " + std::to_string(static_cast<int>(list.primitiveKind)) + " type '" +
-                       list.primitiveType.get() + "' element '" + list.elementType.get() + "' mirrors " +
-                       std::to_string(list.i64Mirror.size) + "," + std::to_string(list.f64Mirror.size) +
+                       std::string(list.primitiveType.get()) + "' element '" + std::string(list.elementType.get()) +
+                       "' mirrors " + std::to_string(list.i64Mirror.size) + "," + std::to_string(list.f64Mirror.size) +
                        (list.linked ? " linked" : "") + (list.synchronized ? " synchronised" : "") + " primitive";
   char buffer[32];
   for (std::uint64_t i = 0; i < list.primitive.size * list.primitive.elementSize; ++i) {

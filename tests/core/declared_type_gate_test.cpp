@@ -61,7 +61,7 @@ TEST_F(DeclaredTypeGate, PrimitiveTypesAcceptWhatConverts) {
         long long integerValue = 0;
         double floatingValue = 0;
         const bool converts = convertPrimitiveListValueToDeclared(
-            declared.kind(), declared.name, rawInteger(value.name, raw), integerValue, floatingValue);
+            declared.kind(), named(declared.name), rawInteger(value.name, raw), integerValue, floatingValue);
         if (converts) {
           expectAccepted(target, box);
         } else {

@@ -40,8 +40,8 @@ TEST_P(ListHandles, NewRecordIsEmptyObjectStorageWithTheFlagsOfItsClass) {
   EXPECT_EQ(data.synchronized, name.ends_with("Sync"));
   EXPECT_EQ(data.synchronized, data.mutex != nullptr);
   EXPECT_EQ(data.primitiveKind, Kind::None);
-  EXPECT_EQ(data.primitiveType.text, nullptr);
-  EXPECT_EQ(data.elementType.text, nullptr);
+  EXPECT_EQ(data.primitiveType.name, nullptr);
+  EXPECT_EQ(data.elementType.name, nullptr);
   EXPECT_EQ(data.logicalSize(), 0u);
   EXPECT_EQ(data.objectCount(), 0u);
   EXPECT_EQ(data.primitive.size, 0u);
@@ -356,7 +356,7 @@ TEST_F(ListDataTest, ClearOfPrimitiveStorageResetsKindAndTypeAndKeepsTheCapacity
   data.f64Mirror.size = 4;
   clearListStorage(data);
   EXPECT_EQ(data.primitiveKind, Kind::None);
-  EXPECT_EQ(data.primitiveType.text, nullptr);
+  EXPECT_EQ(data.primitiveType.name, nullptr);
   EXPECT_EQ(data.primitive.size, 0u);
   EXPECT_EQ(data.primitive.capacity, 64u);
   EXPECT_EQ(data.primitive.elementSize, 4u);

@@ -110,7 +110,7 @@ TEST_F(Materialize, RecordIsResetExceptDeclaredTypeAndBuffer) {
   unsigned char* const bytes = data.primitive.data;
   materializePrimitiveList(data);
   EXPECT_EQ(data.primitiveKind, Kind::None);
-  EXPECT_EQ(data.primitiveType.text, nullptr);
+  EXPECT_EQ(data.primitiveType.name, nullptr);
   EXPECT_EQ(data.primitive.size, 0u);
   EXPECT_EQ(data.primitive.data, bytes);
   EXPECT_EQ(data.primitive.capacity, 64u);
@@ -130,7 +130,7 @@ TEST_F(Materialize, EmptyPrimitiveStorageBecomesEmptyObjectStorage) {
   Handle target = primitiveList("Char");
   materializePrimitiveList(record(target));
   EXPECT_EQ(record(target).primitiveKind, Kind::None);
-  EXPECT_EQ(record(target).primitiveType.text, nullptr);
+  EXPECT_EQ(record(target).primitiveType.name, nullptr);
   EXPECT_EQ(record(target).logicalSize(), 0u);
   EXPECT_VALID_LIST(target);
 }

@@ -288,14 +288,14 @@ TEST_F(PrimitiveElements, RangeChecksGoByTheNameEvenOverAnotherKind) {
 
 TEST_F(PrimitiveElements, CharacterRangeCheckAnswersWhetherTheValueMayBeKept) {
   using collections::checkCharacterRangeOrRaise;
-  EXPECT_TRUE(checkCharacterRangeOrRaise("CodeUnit", 65535));
-  EXPECT_TRUE(checkCharacterRangeOrRaise("Char", 0x10FFFF));
-  EXPECT_TRUE(checkCharacterRangeOrRaise("Int", kMinLong));
-  EXPECT_TRUE(checkCharacterRangeOrRaise("", -1));
+  EXPECT_TRUE(checkCharacterRangeOrRaise(named("CodeUnit"), 65535));
+  EXPECT_TRUE(checkCharacterRangeOrRaise(named("Char"), 0x10FFFF));
+  EXPECT_TRUE(checkCharacterRangeOrRaise(named("Int"), kMinLong));
+  EXPECT_TRUE(checkCharacterRangeOrRaise(named(""), -1));
   EXPECT_NOTHING_RAISED();
-  EXPECT_FALSE(checkCharacterRangeOrRaise("CodeUnit", 65536));
+  EXPECT_FALSE(checkCharacterRangeOrRaise(named("CodeUnit"), 65536));
   EXPECT_RAISED(error_texts::kCodeUnitOutOfRange);
-  EXPECT_FALSE(checkCharacterRangeOrRaise("Char", 0xDFFF));
+  EXPECT_FALSE(checkCharacterRangeOrRaise(named("Char"), 0xDFFF));
   EXPECT_RAISED(error_texts::kCharNotScalar);
 }
 

@@ -44,50 +44,52 @@ TEST_F(ValueConversions, ReadItem_UserObjectsGiveTheirValueField) {
 
 TEST_F(ValueConversions, Box_EveryKindUnderItsName) {
   for (const NamedKind& row : kNamedKinds) {
-    Handle box = boxPrimitiveListValue(row.kind(), row.name, 1, 1.0);
+    Handle box = boxPrimitiveListValue(row.kind(), named(row.name), 1, 1.0);
     const std::string expected = std::string("vorn.") + row.name + (row.is("Boolean") ? " true" : " 1");
     EXPECT_EQ(describeValue(box), expected);
   }
 }
 
 TEST_F(ValueConversions, Box_FloatingKindsUseTheDoubleAndOthersTheInteger) {
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Double, "Double", 9, 2.5))), "vorn.Double 2.5");
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Float, "Float", 9, 2.5))), "vorn.Float 2.5");
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Long, "Long", 9, 2.5))), "vorn.Long 9");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Double, named("Double"), 9, 2.5))), "vorn.Double 2.5");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Float, named("Float"), 9, 2.5))), "vorn.Float 2.5");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Long, named("Long"), 9, 2.5))), "vorn.Long 9");
 }
 
 TEST_F(ValueConversions, Box_EmptyNameGivesIntOrDouble) {
   for (const int kind : {1, 2, 3, 4, 5, 6, 7, 8}) {
-    EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(kindNumbered(kind), "", 7, 0.5))), "vorn.Int 7") << kind;
+    EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(kindNumbered(kind), named(""), 7, 0.5))), "vorn.Int 7")
+        << kind;
   }
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Float, "", 7, 0.5))), "vorn.Double 0.5");
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Double, "", 7, 0.5))), "vorn.Double 0.5");
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::None, "", 7, 0.5))), "vorn.Int 7");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Float, named(""), 7, 0.5))), "vorn.Double 0.5");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::Double, named(""), 7, 0.5))), "vorn.Double 0.5");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::None, named(""), 7, 0.5))), "vorn.Int 7");
 }
 
 TEST_F(ValueConversions, Box_BooleansAreTheSharedBoxesWhateverTheName) {
   for (const char* name : {"Boolean", "", "Flag"}) {
-    EXPECT_EQ(boxPrimitiveListValue(Kind::Boolean, name, -3, 0.0), vorn_box_boolean(true));
-    EXPECT_EQ(boxPrimitiveListValue(Kind::Boolean, name, 0, 1.0), vorn_box_boolean(false));
+    EXPECT_EQ(boxPrimitiveListValue(Kind::Boolean, named(name), -3, 0.0), vorn_box_boolean(true));
+    EXPECT_EQ(boxPrimitiveListValue(Kind::Boolean, named(name), 0, 1.0), vorn_box_boolean(false));
   }
 }
 
 TEST_F(ValueConversions, Box_NameNeedNotBeTerminated) {
   const std::string_view longer = "UShortcut";
-  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::UShort, longer.substr(0, 6), 7, 7.0))), "vorn.UShort 7");
+  EXPECT_EQ(describeValue(Handle(boxPrimitiveListValue(Kind::UShort, named(longer.substr(0, 6)), 7, 7.0))),
+            "vorn.UShort 7");
 }
 
 TEST_F(ValueConversions, Box_EveryCallGivesANewBoxExceptForBooleans) {
-  Handle first = boxPrimitiveListValue(Kind::Int, "Int", 7, 7.0);
-  Handle second = boxPrimitiveListValue(Kind::Int, "Int", 7, 7.0);
+  Handle first = boxPrimitiveListValue(Kind::Int, named("Int"), 7, 7.0);
+  Handle second = boxPrimitiveListValue(Kind::Int, named("Int"), 7, 7.0);
   EXPECT_NE(first.get(), second.get());
 }
 
 TEST_F(ValueConversions, Box_FailedAllocationThrows) {
   vorn_heap_fail_allocation(0);
-  EXPECT_THROW(boxPrimitiveListValue(Kind::Int, "Int", 1, 1.0), std::bad_alloc);
+  EXPECT_THROW(boxPrimitiveListValue(Kind::Int, named("Int"), 1, 1.0), std::bad_alloc);
   vorn_heap_fail_allocation(0);
-  EXPECT_THROW(boxPrimitiveListValue(Kind::Double, "Double", 1, 1.0), std::bad_alloc);
+  EXPECT_THROW(boxPrimitiveListValue(Kind::Double, named("Double"), 1, 1.0), std::bad_alloc);
 }
 
 // ---- From a handle to a raw value -----------------------------------------------------------------------------------
@@ -163,11 +165,11 @@ TEST_F(ValueConversions, RawToDeclared_ConvertsOrRefusesByTheTable) {
     record(target).elementType = internRuntimeTypeName(declared.name);
     for (const NamedKind& value : kNamedKinds) {
       for (const long long x : {1LL, 200LL, -1LL, 70000LL, 5000000000LL}) {
-        const BulkPrimitiveListValue raw{value.kind(), value.name, x, static_cast<double>(x)};
+        const BulkPrimitiveListValue raw{value.kind(), named(value.name), x, static_cast<double>(x)};
         long long integerValue = 0;
         double floatingValue = 0;
-        const bool expected =
-            convertPrimitiveListValueToDeclared(declared.kind(), declared.name, raw, integerValue, floatingValue);
+        const bool expected = convertPrimitiveListValueToDeclared(declared.kind(), named(declared.name), raw,
+                                                                  integerValue, floatingValue);
         BulkPrimitiveListValue out;
         ASSERT_EQ(rawPrimitiveValueToDeclared(record(target), raw, out), expected)
             << value.name << ' ' << x << " to " << declared.name;

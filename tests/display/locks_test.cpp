@@ -23,17 +23,15 @@ void* realAllocString(std::string_view text) asm(
     "__real__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE");
 void* wrapAllocString(std::string_view text) asm(
     "__wrap__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE");
-void* realBoxInteger(std::string_view type,
-                     long long value) asm("__real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx");
-void* wrapBoxInteger(std::string_view type,
-                     long long value) asm("__wrap__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx");
+void* realBoxInteger(RuntimeTypeName type, long long value) asm("__real__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
+void* wrapBoxInteger(RuntimeTypeName type, long long value) asm("__wrap__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
 // NOLINTEND(bugprone-reserved-identifier)
 
 void* wrapAllocString(std::string_view text) {
   if (vorn::tests::onString != nullptr) (*vorn::tests::onString)();
   return realAllocString(text);
 }
-void* wrapBoxInteger(std::string_view type, long long value) {
+void* wrapBoxInteger(RuntimeTypeName type, long long value) {
   if (vorn::tests::onBox != nullptr) (*vorn::tests::onBox)();
   return realBoxInteger(type, value);
 }

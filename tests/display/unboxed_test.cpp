@@ -86,7 +86,7 @@ std::string boxedText(void* unboxed, const std::string& separator) {
   const ListData& data = *getListData(unboxed);
   std::string text;
   for (std::uint64_t i = 0; i < data.primitive.size; ++i) {
-    const Handle box = boxPrimitiveListValue(data.primitiveKind, data.elementType.get(), primitiveListReadI64(data, i),
+    const Handle box = boxPrimitiveListValue(data.primitiveKind, data.elementType, primitiveListReadI64(data, i),
                                              primitiveListReadF64(data, i));
     text += (i == 0 ? "" : separator) + valueToDisplayString(box);
   }

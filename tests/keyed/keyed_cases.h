@@ -78,8 +78,8 @@ struct MapState {
   friend bool operator==(const MapState&, const MapState&) = default;
 };
 
-inline std::string keyTypeOf(void* map) { return getMapData(map)->keyType.get(); }
-inline std::string valueTypeOf(void* map) { return getMapData(map)->valueType.get(); }
+inline std::string keyTypeOf(void* map) { return std::string(getMapData(map)->keyType.get()); }
+inline std::string valueTypeOf(void* map) { return std::string(getMapData(map)->valueType.get()); }
 
 // The elements of a list that a native returned, as handles; numbers come as new boxes.
 inline std::vector<Handle> listed(void* list) {

@@ -35,7 +35,7 @@ TEST_F(KeyedObjects, Maps_StartEmptyAsTheirClassSays) {
       EXPECT_EQ(data.synchronized, map.synchronised) << name;
       EXPECT_EQ(data.mutex != nullptr, map.synchronised) << name;
       EXPECT_EQ(data.count(), 0U) << name;
-      EXPECT_EQ(data.keyType.text, nullptr) << name;
+      EXPECT_EQ(data.keyType.name, nullptr) << name;
       EXPECT_EQ(Vorn_getField_i64(handle, "size"), 0) << name;
     }
   }

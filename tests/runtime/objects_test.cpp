@@ -136,7 +136,7 @@ TEST_F(Objects, NewList_IsEmptyAndFlaggedByItsClass) {
     EXPECT_EQ(data.linked, isLinked) << name;
     EXPECT_EQ(data.logicalSize(), 0U) << name;
     EXPECT_EQ(data.primitiveKind, ListData::PrimitiveKind::None) << name;
-    EXPECT_EQ(data.elementType.text, nullptr) << name;
+    EXPECT_EQ(data.elementType.name, nullptr) << name;
     EXPECT_VALID_LIST(list);
   }
 }

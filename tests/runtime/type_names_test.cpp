@@ -112,11 +112,11 @@ TEST_F(TypeNames, GenericArguments_OfNamesWithoutThem_AreNone) {
 TEST_F(TypeNames, InternedNames_AreEqualExactlyWhenTheTextsAre) {
   for (const char* name : {"Int", "Boolean", "CodeUnit", "Object", "app.Foo", "Map<String,Int>", "Inz"}) {
     const std::string copy = name;
-    EXPECT_EQ(internRuntimeTypeName(name).text, internRuntimeTypeName(copy).text) << name;
+    EXPECT_EQ(internRuntimeTypeName(name).name, internRuntimeTypeName(copy).name) << name;
     EXPECT_EQ(internRuntimeTypeName(name).get(), name);
   }
-  EXPECT_NE(internRuntimeTypeName("Int").text, internRuntimeTypeName("UInt").text);
-  EXPECT_EQ(internRuntimeTypeName("").text, nullptr);
+  EXPECT_NE(internRuntimeTypeName("Int").name, internRuntimeTypeName("UInt").name);
+  EXPECT_EQ(internRuntimeTypeName("").name, nullptr);
 }
 
 TEST_F(TypeNames, NamesMadeByManyThreadsAtOnce_AreOne) {
@@ -128,7 +128,7 @@ TEST_F(TypeNames, NamesMadeByManyThreadsAtOnce_AreOne) {
     threads.emplace_back([&seen, t] {
       for (int i = 0; i < kNames; ++i) {
         const std::string element = "race.Type" + std::to_string(i);
-        seen[t].push_back(internRuntimeTypeName(element).text);
+        seen[t].push_back(internRuntimeTypeName(element).name);
         const Handle list = object("ArrayList<" + element + ">");
         seen[t].push_back(vorn_type_name(list));
       }

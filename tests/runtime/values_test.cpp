@@ -9,6 +9,7 @@
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/text.h"
+#include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
 #include "tests/runtime/hooked_objects.h"
 
@@ -25,7 +26,7 @@ constexpr auto kMaximum = std::numeric_limits<long long>::max();
 TEST_F(Values, IntegerBoxes_KeepAll64BitsUnderTheirName) {
   for (const char* type : kIntegerTypes) {
     for (const long long value : {kMinimum, -1LL, 0LL, 1LL, 300LL, 1LL << 40, kMaximum}) {
-      const Handle box = boxIntegerLikeLocal(type, value);
+      const Handle box = boxIntegerLikeLocal(internRuntimeTypeName(type), value);
       EXPECT_EQ(vorn_type_name(box), std::string("vorn.") + type);
       EXPECT_EQ(Vorn_getField_i64(box, "_value"), value) << type;
       EXPECT_EQ(getRegisteredObjectUnsafe(box)->integer, value) << type;
@@ -47,18 +48,22 @@ TEST_F(Values, BoxKinds_TellIntegersFromCharacters) {
 
 TEST_F(Values, OtherIntegerNames_BoxAsIntOrLong) {
   for (const char* type : {"", "Foo", "app.Foo", "Double", "Ints", "int", "vorn.", "vorn.Foo", "Inz", "Shorz"}) {
-    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(type, 2147483647))), "vorn.Int") << type;
-    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(type, -2147483648LL))), "vorn.Int") << type;
-    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(type, 2147483648LL))), "vorn.Long") << type;
-    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(type, -2147483649LL))), "vorn.Long") << type;
+    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(internRuntimeTypeName(type), 2147483647))), "vorn.Int")
+        << type;
+    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(internRuntimeTypeName(type), -2147483648LL))), "vorn.Int")
+        << type;
+    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(internRuntimeTypeName(type), 2147483648LL))), "vorn.Long")
+        << type;
+    EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(internRuntimeTypeName(type), -2147483649LL))), "vorn.Long")
+        << type;
   }
 }
 
 TEST_F(Values, FullNames_BoxAsTheirShortOnes) {
-  EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal("vorn.Byte", 1))), "vorn.Byte");
-  EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal("vorn.Char", 1))), "vorn.Char");
-  EXPECT_EQ(boxIntegerLikeLocal("vorn.Boolean", 1), Vorn_boxBool(true));
-  EXPECT_STREQ(vorn_type_name(Handle(boxFloatingLikeLocal("vorn.Float", 1))), "vorn.Float");
+  EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(internRuntimeTypeName("vorn.Byte"), 1))), "vorn.Byte");
+  EXPECT_STREQ(vorn_type_name(Handle(boxIntegerLikeLocal(internRuntimeTypeName("vorn.Char"), 1))), "vorn.Char");
+  EXPECT_EQ(boxIntegerLikeLocal(internRuntimeTypeName("vorn.Boolean"), 1), Vorn_boxBool(true));
+  EXPECT_STREQ(vorn_type_name(Handle(boxFloatingLikeLocal(internRuntimeTypeName("vorn.Float"), 1))), "vorn.Float");
 }
 
 TEST_F(Values, FloatingBoxes_KeepADoubleWholeAndAFloatInSinglePrecision) {
@@ -66,7 +71,8 @@ TEST_F(Values, FloatingBoxes_KeepADoubleWholeAndAFloatInSinglePrecision) {
     for (const bool isFloat : {false, true}) {
       const char* const type = isFloat ? "Float" : "Double";
       const double kept = isFloat ? static_cast<float>(value) : value;
-      for (const Handle& box : {Handle(boxFloatingLikeLocal(type, value)), Handle(vorn_box_floating(type, value))}) {
+      for (const Handle& box :
+           {Handle(boxFloatingLikeLocal(internRuntimeTypeName(type), value)), Handle(vorn_box_floating(type, value))}) {
         EXPECT_EQ(vorn_type_name(box), std::string("vorn.") + type);
         EXPECT_EQ(std::bit_cast<std::uint64_t>(Vorn_getField_double(box, "_value")),
                   std::bit_cast<std::uint64_t>(kept));
@@ -74,7 +80,7 @@ TEST_F(Values, FloatingBoxes_KeepADoubleWholeAndAFloatInSinglePrecision) {
     }
   }
   for (const char* type : {"", "Int", "app.Float"}) {
-    EXPECT_STREQ(vorn_type_name(Handle(boxFloatingLikeLocal(type, 1))), "vorn.Double") << type;
+    EXPECT_STREQ(vorn_type_name(Handle(boxFloatingLikeLocal(internRuntimeTypeName(type), 1))), "vorn.Double") << type;
   }
 }
 
@@ -88,8 +94,8 @@ TEST_F(Values, Boxing_MakesANewBoxEachTime) {
 TEST_F(Values, Booleans_HaveTwoSharedBoxes) {
   EXPECT_EQ(Vorn_boxBool(true), Vorn_boxBool(true));
   EXPECT_NE(Vorn_boxBool(true), Vorn_boxBool(false));
-  EXPECT_EQ(boxIntegerLikeLocal("Boolean", 7), Vorn_boxBool(true));
-  EXPECT_EQ(boxIntegerLikeLocal("Boolean", 0), Vorn_boxBool(false));
+  EXPECT_EQ(boxIntegerLikeLocal(internRuntimeTypeName("Boolean"), 7), Vorn_boxBool(true));
+  EXPECT_EQ(boxIntegerLikeLocal(internRuntimeTypeName("Boolean"), 0), Vorn_boxBool(false));
   EXPECT_TRUE(Vorn_getField_i1(Vorn_boxBool(true), "_value"));
   EXPECT_FALSE(Vorn_getField_i1(Vorn_boxBool(false), "_value"));
   vorn_heap_collect();
@@ -134,9 +140,9 @@ TEST_F(Values, BoxedValues_NeverChange) {
 
 TEST_F(Values, Boxing_LetsBadAllocPass) {
   vorn_heap_fail_allocation(0);
-  EXPECT_THROW(boxIntegerLikeLocal("Int", 1), std::bad_alloc);
+  EXPECT_THROW(boxIntegerLikeLocal(internRuntimeTypeName("Int"), 1), std::bad_alloc);
   vorn_heap_fail_allocation(0);
-  EXPECT_THROW(boxFloatingLikeLocal("Double", 1), std::bad_alloc);
+  EXPECT_THROW(boxFloatingLikeLocal(internRuntimeTypeName("Double"), 1), std::bad_alloc);
 }
 
 TEST_F(Values, Strings_KeepTheirText) {

@@ -17,15 +17,14 @@ std::function<void()>* beforeBox = nullptr;
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void* __real_Vorn_allocObject(const char* className);
-void* __real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(std::string_view type, long long value);
+void* __real__Z19boxIntegerLikeLocal15RuntimeTypeNamex(RuntimeTypeName type, long long value);
 
 void* __wrap_Vorn_allocObject(const char* className) {
   return vorn::tests::noMoreObjects ? nullptr : __real_Vorn_allocObject(className);
 }
-void* __wrap__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(std::string_view type,
-                                                                                long long value) {
+void* __wrap__Z19boxIntegerLikeLocal15RuntimeTypeNamex(RuntimeTypeName type, long long value) {
   if (vorn::tests::beforeBox != nullptr) (*vorn::tests::beforeBox)();
-  return __real__Z19boxIntegerLikeLocalSt17basic_string_viewIcSt11char_traitsIcEEx(type, value);
+  return __real__Z19boxIntegerLikeLocal15RuntimeTypeNamex(type, value);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

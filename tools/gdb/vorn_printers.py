@@ -45,11 +45,11 @@ def _word(address):
 
 
 def _type_name(name):
-    """The text of a RuntimeTypeName, which points at a std::string."""
-    if not int(name['text']):
+    """The text of a RuntimeTypeName, which points at an interned name."""
+    if not int(name['name']):
         return ''
-    text = name['text'].dereference()
-    return _memory(int(text['_M_dataplus']['_M_p']), int(text['_M_string_length'])).decode()
+    view = name['name'].dereference()['text']
+    return _memory(int(view['_M_str']), int(view['_M_len'])).decode()
 
 
 def _class_name(record):

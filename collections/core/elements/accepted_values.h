@@ -2,7 +2,6 @@
 #pragma once
 
 #include <limits>
-#include <string_view>
 
 #include "collections/core/elements/element_types.h"
 #include "collections/core/kinds.h"
@@ -31,7 +30,7 @@ struct AcceptedValues {
 // The values of a type that convertPrimitiveListValueToDeclared takes. Floating values are all taken or none.
 AcceptedValues acceptedValues(const ElementType& declared, const ElementType& value);
 
-// The values of a type that storage of that very name may hold: all but for "Char" and "CodeUnit".
-AcceptedValues storableValues(std::string_view typeName);
+// The values that storage under the name of a type may hold: all but for "Char" and "CodeUnit".
+AcceptedValues storableValues(RuntimeTypeName typeName);
 
 }  // namespace vorn::collections

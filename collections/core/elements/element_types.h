@@ -1,7 +1,6 @@
-// Element type names with their kinds: what every boxed store looks up, in a form that does it once.
+// Element types: a normalised type name with the primitive kind that its values are kept as.
 #pragma once
 
-#include <array>
 #include <string_view>
 
 #include "collections/core/port/object_layout.h"
@@ -9,24 +8,34 @@
 
 namespace vorn::collections {
 
-// A normalised type name and the primitive kind it selects, if any.
+// The kind usually follows from the name. It need not: raw values may come under any name, and a buffer of doubles may
+// be named "Char".
 struct ElementType {
-  ListData::PrimitiveKind kind = ListData::PrimitiveKind::None;
-  std::string_view name;  // a view into the name it was made from, or a constant
+  PrimitiveKind kind = PrimitiveKind::None;
+  RuntimeTypeName name;
+
+  friend bool operator==(const ElementType&, const ElementType&) = default;
 };
 
-// By PrimitiveType: "Object" without a kind, then the types under their own names.
-extern const std::array<ElementType, kPrimitiveTypes> elementTypes;
+// The type of a normalised name.
+inline ElementType elementTypeNamed(RuntimeTypeName name) { return {kindOf(name.primitiveType()), name}; }
 
-// The element type of boxes of this type; None gives "Object" without a kind.
-inline ElementType elementTypeOf(PrimitiveType type) { return elementTypes[static_cast<std::size_t>(type)]; }
+// The element type of boxes of a primitive type; None gives "Object" without a kind.
+inline ElementType elementTypeOf(PrimitiveType type) { return {kindOf(type), typeNameOf(type)}; }
 
-// Normalises a type name and looks its kind up. Names of primitive types, short or under "vorn.", take a path that
-// calls nothing; the others go through normalizePrimitiveTypeName.
+// The type of a name that comes as text, normalised. Interns it.
 ElementType normalizedElementType(std::string_view typeName);
 
-// The same for a list's declared element type; an unset type gives "Object".
-ElementType declaredElementType(const ListData& list);
+// A list's declared element type; an unset type gives "Object".
+inline ElementType declaredElementType(const ListData& list) {
+  return elementTypeNamed(normalizedTypeName(list.elementType));
+}
+
+// Whether every value is of the type that a list declares.
+inline bool isObjectType(const ElementType& type) { return type.name == typeNameOf(PrimitiveType::None); }
+
+// What a list keeps its unboxed elements as.
+inline ElementType keptElementType(const ListData& list) { return {list.primitiveKind, list.primitiveType}; }
 
 }  // namespace vorn::collections
 

@@ -10,7 +10,6 @@
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/roots.h"
-#include "collections/core/port/type_names.h"
 
 using vorn::collections::PrimitiveKind;
 
@@ -18,10 +17,10 @@ namespace vorn::collections {
 
 namespace {
 
-BulkPrimitiveListValue rawValue(PrimitiveKind kind, std::string_view typeName, long long value) {
+BulkPrimitiveListValue rawValue(PrimitiveKind kind, RuntimeTypeName typeName, long long value) {
   return {kind, typeName, value, static_cast<double>(value)};
 }
-BulkPrimitiveListValue rawValue(PrimitiveKind kind, std::string_view typeName, double value) {
+BulkPrimitiveListValue rawValue(PrimitiveKind kind, RuntimeTypeName typeName, double value) {
   return {kind, typeName, truncateToI64(value), value};
 }
 
@@ -42,7 +41,7 @@ long long integerReading(double value) { return truncateToI64(value); }
 
 // One look at the name serves all values.
 template <class Value>
-bool checkCharacterRangesOrRaise(std::string_view typeName, const Value* values, std::uint64_t n) {
+bool checkCharacterRangesOrRaise(RuntimeTypeName typeName, const Value* values, std::uint64_t n) {
   const AcceptedValues accepted = storableValues(typeName);
   if (values == nullptr || accepted.containsAllOf(PrimitiveKind::Long)) return true;
   const Value* const end = values + n;
@@ -52,9 +51,8 @@ bool checkCharacterRangesOrRaise(std::string_view typeName, const Value* values,
 }
 
 template <class Value>
-bool assignValues(ListData& list, PrimitiveKind kind, std::string_view typeName, const Value* values, std::uint64_t n) {
+bool assignValues(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName, const Value* values, std::uint64_t n) {
   if (!checkCharacterRangesOrRaise(typeName, values, n)) return false;
-  const RuntimeTypeName name = internRuntimeTypeName(typeName);
   if (list.linked) {
     HandleVector boxes;
     boxes->reserve(n);
@@ -63,11 +61,11 @@ bool assignValues(ListData& list, PrimitiveKind kind, std::string_view typeName,
       boxes->push_back(boxPrimitiveListValue(kind, typeName, raw.integer, raw.floating));
     }
     list.objectAssign(*boxes);
-    list.elementType = name;
+    list.elementType = typeName;
     return true;
   }
-  resetToPrimitiveStorage(list, kind, name, n);
-  list.elementType = name;
+  resetToPrimitiveStorage(list, kind, typeName, n);
+  list.elementType = typeName;
   if (values == nullptr) {
     std::memset(list.primitive.data, 0, n * list.primitive.elementSize);
   } else {
@@ -81,12 +79,12 @@ bool assignValues(ListData& list, PrimitiveKind kind, std::string_view typeName,
 
 }  // namespace vorn::collections
 
-bool primitiveListAssignFromI64Values(ListData& list, PrimitiveKind kind, std::string_view typeName,
+bool primitiveListAssignFromI64Values(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName,
                                       const long long* values, std::uint64_t n) {
   return vorn::collections::assignValues(list, kind, typeName, values, n);
 }
 
-bool primitiveListAssignFromF64Values(ListData& list, PrimitiveKind kind, std::string_view typeName,
+bool primitiveListAssignFromF64Values(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName,
                                       const double* values, std::uint64_t n) {
   return vorn::collections::assignValues(list, kind, typeName, values, n);
 }

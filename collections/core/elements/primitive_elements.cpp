@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
@@ -16,17 +17,15 @@ using vorn::collections::visitKind;
 
 namespace vorn::collections {
 
-bool checkCharacterRangeOrRaise(std::string_view primitiveType, long long integer) {
-  const auto bits = static_cast<unsigned long long>(integer);
-  if (primitiveType == "CodeUnit" && bits > 0xFFFF) {
+bool checkCharacterRangeOrRaise(RuntimeTypeName typeName, long long integer) {
+  if (storableValues(typeName).contains(integer)) [[likely]]
+    return true;
+  if (typeName.primitiveType() == PrimitiveType::CodeUnit) {
     errors::raiseCodeUnitOutOfRange();
-    return false;
-  }
-  if (primitiveType == "Char" && !isUnicodeScalar(integer)) {
+  } else {
     errors::raiseCharNotScalar();
-    return false;
   }
-  return true;
+  return false;
 }
 
 }  // namespace vorn::collections
@@ -35,7 +34,7 @@ namespace {
 
 // The check goes by the name the elements are kept under, not by the kind: a buffer of doubles may be named "Char".
 bool checkStoredValueOrRaise(const ListData& list, long long integer) {
-  return checkCharacterRangeOrRaise(list.primitiveType.get(), integer);
+  return checkCharacterRangeOrRaise(list.primitiveType, integer);
 }
 
 }  // namespace

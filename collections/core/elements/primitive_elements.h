@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "collections/core/storage/list_data.h"
 
@@ -32,14 +31,14 @@ void primitiveListReverse(ListData& list);
 // Makes the list primitive storage of this kind and name, declared so as well, holding n converted values; null gives n
 // zeros. Checks all values of a "CodeUnit" or "Char" first; false, after raising and with nothing changed, when one is
 // out of range. A linked list keeps its storage: it is emptied and the values are appended as boxes. Allocates.
-bool primitiveListAssignFromI64Values(ListData& list, ListData::PrimitiveKind kind, std::string_view typeName,
+bool primitiveListAssignFromI64Values(ListData& list, ListData::PrimitiveKind kind, RuntimeTypeName typeName,
                                       const long long* values, std::uint64_t n);
-bool primitiveListAssignFromF64Values(ListData& list, ListData::PrimitiveKind kind, std::string_view typeName,
+bool primitiveListAssignFromF64Values(ListData& list, ListData::PrimitiveKind kind, RuntimeTypeName typeName,
                                       const double* values, std::uint64_t n);
 
 namespace vorn::collections {
 
 // Whether a value may be kept under the type name: false, after raising, for a "CodeUnit" or "Char" out of range.
-bool checkCharacterRangeOrRaise(std::string_view primitiveType, long long integer);
+bool checkCharacterRangeOrRaise(RuntimeTypeName typeName, long long integer);
 
 }  // namespace vorn::collections

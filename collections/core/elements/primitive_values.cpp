@@ -14,6 +14,8 @@
 using vorn::collections::ElementType;
 using vorn::collections::isFloatingKind;
 using vorn::collections::PrimitiveKind;
+using vorn::collections::PrimitiveType;
+using vorn::collections::typeNameOf;
 
 namespace {
 
@@ -53,10 +55,12 @@ long long readListItemI64(void* handle) {
   return Vorn_getField_i64(handle, kValueField);
 }
 
-void* boxPrimitiveListValue(PrimitiveKind kind, std::string_view typeName, long long integer, double floating) {
-  if (isFloatingKind(kind)) return boxFloatingLikeLocal(typeName.empty() ? "Double" : typeName, floating);
+void* boxPrimitiveListValue(PrimitiveKind kind, RuntimeTypeName typeName, long long integer, double floating) {
+  if (isFloatingKind(kind)) {
+    return boxFloatingLikeLocal(typeName.empty() ? typeNameOf(PrimitiveType::Double) : typeName, floating);
+  }
   if (kind == PrimitiveKind::Boolean) return Vorn_boxBool(integer != 0);
-  return boxIntegerLikeLocal(typeName.empty() ? "Int" : typeName, integer);
+  return boxIntegerLikeLocal(typeName.empty() ? typeNameOf(PrimitiveType::Int) : typeName, integer);
 }
 
 void* boxPrimitiveElement(const ListData& list, std::uint64_t index) {
@@ -66,7 +70,7 @@ void* boxPrimitiveElement(const ListData& list, std::uint64_t index) {
       [&](auto tag) {
         constexpr bool kFloating = isFloatingKind(decltype(tag)::kind);
         const unsigned char* const data = list.primitive.data;
-        return boxPrimitiveListValue(decltype(tag)::kind, list.primitiveType.get(),
+        return boxPrimitiveListValue(decltype(tag)::kind, list.primitiveType,
                                      kFloating ? 0 : vorn::collections::readElementI64(tag, data, index),
                                      kFloating ? vorn::collections::readElementF64(tag, data, index) : 0.0);
       },
@@ -86,10 +90,11 @@ bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
   return true;
 }
 
-bool convertPrimitiveListValueToDeclared(PrimitiveKind declaredKind, std::string_view declaredName,
+bool convertPrimitiveListValueToDeclared(PrimitiveKind declaredKind, RuntimeTypeName declaredName,
                                          const BulkPrimitiveListValue& value, long long& integer, double& floating) {
-  const ElementType declared{declaredKind, declaredName};
-  if (!vorn::collections::acceptedValues(declared, {value.kind, value.typeName}).contains(value.integer)) return false;
+  if (!vorn::collections::acceptedValues({declaredKind, declaredName}, value.type()).contains(value.integer)) {
+    return false;
+  }
   if (isFloatingKind(declaredKind) && isFloatingKind(value.kind)) {
     floating = value.floating;
     integer = vorn::collections::truncateToI64(floating);

@@ -2,17 +2,18 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
+#include "collections/core/elements/element_types.h"
 #include "collections/core/storage/list_data.h"
 
-// A value converted to a primitive kind. `typeName` is normalised and refers to the kinds table, to an interned name or
-// to the caller's text.
+// A value converted to a primitive kind, under a normalised type name.
 struct BulkPrimitiveListValue {
   ListData::PrimitiveKind kind = ListData::PrimitiveKind::None;
-  std::string_view typeName;
+  RuntimeTypeName typeName;
   long long integer = 0;
   double floating = 0.0;
+
+  [[nodiscard]] vorn::collections::ElementType type() const { return {kind, typeName}; }
 };
 
 // The integer of a boxed integer-like element: the registered record's value, else the field "_value".
@@ -20,8 +21,7 @@ long long readListItemI64(void* handle);
 
 // Boxes one raw value: floating kinds under the name or "Double", Boolean as the shared boxes, every other kind under
 // the name or "Int". Allocates.
-void* boxPrimitiveListValue(ListData::PrimitiveKind kind, std::string_view typeName, long long integer,
-                            double floating);
+void* boxPrimitiveListValue(ListData::PrimitiveKind kind, RuntimeTypeName typeName, long long integer, double floating);
 
 // Boxes an element of primitive storage under the list's primitive type name. Allocates.
 void* boxPrimitiveElement(const ListData& list, std::uint64_t index);
@@ -32,5 +32,5 @@ bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out);
 
 // Whether a value can be kept as the declared kind and name, and as what pair: integers widen within range into integer
 // and floating kinds, floating values only into floating kinds, and Boolean, Char and CodeUnit only match themselves.
-bool convertPrimitiveListValueToDeclared(ListData::PrimitiveKind declaredKind, std::string_view declaredName,
+bool convertPrimitiveListValueToDeclared(ListData::PrimitiveKind declaredKind, RuntimeTypeName declaredName,
                                          const BulkPrimitiveListValue& value, long long& integer, double& floating);

@@ -72,7 +72,7 @@ void copyPrimitiveListStorage(const ListData& source, ListData& target) {
   SmallPrimitiveBuffer& to = target.primitive;
   target.primitiveType = source.primitiveType;
   target.primitiveKind = source.primitiveKind;
-  target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
+  target.elementType = !source.elementType.empty() ? source.elementType : source.primitiveType;
   to.size = 0;
   configurePrimitiveStorage(target, source.primitiveKind);
   if (from.size == 0) return;
@@ -99,8 +99,8 @@ void resetToPrimitiveStorage(ListData& list, PrimitiveKind kind, RuntimeTypeName
 
 void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n) {
   resetToPrimitiveStorage(target, source.primitiveKind, source.primitiveType, n);
-  if (target.elementType.text != nullptr) return;
-  target.elementType = source.elementType.text != nullptr ? source.elementType : source.primitiveType;
+  if (!target.elementType.empty()) return;
+  target.elementType = !source.elementType.empty() ? source.elementType : source.primitiveType;
 }
 
 }  // namespace vorn::collections

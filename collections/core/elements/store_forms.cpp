@@ -1,19 +1,16 @@
 #include "collections/core/elements/store_forms.h"
 
-#include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
-#include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/roots.h"
-#include "collections/core/port/type_names.h"
 
 using vorn::collections::declaredElementType;
 using vorn::collections::ElementType;
+using vorn::collections::keptElementType;
 using vorn::collections::PrimitiveKind;
-using vorn::collections::sameName;
 
 namespace {
 
@@ -41,15 +38,11 @@ bool convertToDeclared(const ElementType& declared, const BulkPrimitiveListValue
 bool accepts(const ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
              BulkPrimitiveListValue& converted) {
   if (declared.kind != PrimitiveKind::None) return own != nullptr && convertToDeclared(declared, *own, converted);
-  // The name is a suffix of a NUL-terminated one, or a literal.
-  return sameName(declared.name, "Object") || handle == nullptr || Vorn_isInstanceOf(handle, declared.name.data());
+  return isObjectType(declared) || handle == nullptr || Vorn_isInstanceOf(handle, declared.name.get().data());
 }
 
-bool acceptedOrRaise(const ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
-                     BulkPrimitiveListValue& converted) {
-  if (accepts(declared, handle, own, converted)) return true;
-  vorn::collections::errors::raiseElementTypeRefused(declared.name, Vorn_objectTypeName(handle));
-  return false;
+void raiseRefused(const ElementType& declared, void* handle) {
+  vorn::collections::errors::raiseElementTypeRefused(declared.name.get(), Vorn_objectTypeName(handle));
 }
 
 }  // namespace
@@ -66,15 +59,13 @@ bool listValueToDeclaredPrimitiveValue(const ListData& list, void* handle, BulkP
          convertToDeclared(declared, value, out);
 }
 
-bool primitiveStorageCompatible(const ListData& list, PrimitiveKind kind, std::string_view typeName) {
+bool primitiveStorageCompatible(const ListData& list, PrimitiveKind kind, RuntimeTypeName typeName) {
+  const ElementType type{kind, typeName};
   if (list.linked) return false;
-  if (list.primitiveKind != PrimitiveKind::None) {
-    return kind == list.primitiveKind && list.primitiveType == typeName;
-  }
+  if (list.primitiveKind != PrimitiveKind::None) return type == keptElementType(list);
   if (list.objects.size != 0) return false;
   const ElementType declared = declaredElementType(list);
-  if (declared.kind != PrimitiveKind::None) return kind == declared.kind && sameName(typeName, declared.name);
-  return list.elementType == std::string_view();
+  return declared.kind != PrimitiveKind::None ? type == declared : list.elementType.empty();
 }
 
 void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value) {
@@ -83,15 +74,13 @@ void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value) {
     if (list.objects.size != 0) return boxAndPushBack(list, value);
     if (!vorn::collections::adoptPrimitiveKindOrRaise(list, value)) return;
   }
-  if (list.primitiveKind == value.kind && list.primitiveType == value.typeName) {
-    return primitiveListAppend(list, value.integer, value.floating);
-  }
-  boxAndPushBack(list, value);
+  if (value.type() != keptElementType(list)) return boxAndPushBack(list, value);
+  primitiveListAppend(list, value.integer, value.floating);
 }
 
 bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle) {
   if (vorn::collections::declaredTypeAccepts(list, handle)) return true;
-  vorn::collections::errors::raiseElementTypeRefused(declaredElementType(list).name, Vorn_objectTypeName(handle));
+  raiseRefused(declaredElementType(list), handle);
   return false;
 }
 
@@ -105,29 +94,37 @@ bool declaredTypeAccepts(const ListData& list, void* handle) {
   return accepts(declared, handle, unboxed ? &own : nullptr, raw);
 }
 
-bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& value) {
-  if (!checkCharacterRangeOrRaise(value.typeName, value.integer)) return false;
-  const RuntimeTypeName name = internRuntimeTypeName(value.typeName);
-  configurePrimitiveStorage(list, value.kind);
-  list.primitiveKind = value.kind;
-  list.primitiveType = name;
-  return true;
-}
-
 StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimitiveListValue& raw) {
   const ElementType declared = declaredElementType(list);
+  const bool typed = declared.kind != PrimitiveKind::None;
   // Boxed elements or nodes never make way for unboxed ones, and then only a primitive declared type looks inside.
   const bool mayUnbox = !list.linked && (list.primitiveKind != PrimitiveKind::None || list.objects.size == 0);
   BulkPrimitiveListValue own;
-  const bool unboxed = (mayUnbox || declared.kind != PrimitiveKind::None) && objectToPrimitiveListValue(handle, own);
-  if (!acceptedOrRaise(declared, handle, unboxed ? &own : nullptr, raw)) return StoreForm::Refused;
-  if (!mayUnbox || !unboxed) return StoreForm::Boxed;
-  if (declared.kind != PrimitiveKind::None && primitiveStorageCompatible(list, raw.kind, raw.typeName)) {
-    return StoreForm::Unboxed;
+  const bool unboxed = (mayUnbox || typed) && objectToPrimitiveListValue(handle, own);
+  if (!accepts(declared, handle, unboxed ? &own : nullptr, raw)) {
+    raiseRefused(declared, handle);
+    return StoreForm::Refused;
   }
-  if (!primitiveStorageCompatible(list, own.kind, own.typeName)) return StoreForm::Boxed;
+  if (!mayUnbox || !unboxed) return StoreForm::Boxed;
+
+  if (list.primitiveKind == PrimitiveKind::None) {
+    // An empty list becomes what it declares; without a declared type, what its first value is.
+    if (!typed && !list.elementType.empty()) return StoreForm::Boxed;
+    if (!typed) raw = own;
+    return StoreForm::Adopted;
+  }
+  if (typed && raw.type() == keptElementType(list)) return StoreForm::Kept;
+  if (own.type() != keptElementType(list)) return StoreForm::Boxed;
   raw = own;
-  return StoreForm::Unboxed;
+  return StoreForm::Kept;
+}
+
+bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& value) {
+  if (!checkCharacterRangeOrRaise(value.typeName, value.integer)) return false;
+  configurePrimitiveStorage(list, value.kind);
+  list.primitiveKind = value.kind;
+  list.primitiveType = value.typeName;
+  return true;
 }
 
 }  // namespace vorn::collections

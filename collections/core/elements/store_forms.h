@@ -1,10 +1,14 @@
-// How a value enters a list: does the declared element type accept it, and can it be kept unboxed. Nothing here locks.
+// How a value enters a list: does the declared element type accept it, and can it be kept unboxed. The one place that
+// decides it. Nothing here locks.
 #pragma once
 
+#include <bit>
 #include <cstdint>
-#include <string_view>
 
+#include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/kernels/element_access.h"
+#include "collections/core/port/object_layout.h"
 #include "collections/core/storage/list_data.h"
 
 // The value converted to the list's declared element type; false when that is no primitive type or refuses the value.
@@ -13,11 +17,15 @@ bool rawPrimitiveValueToDeclared(const ListData& list, const BulkPrimitiveListVa
 bool listValueToDeclaredPrimitiveValue(const ListData& list, void* handle, BulkPrimitiveListValue& out);
 
 // Whether a value of this kind and name may be stored unboxed in the list as it stands.
-bool primitiveStorageCompatible(const ListData& list, ListData::PrimitiveKind kind, std::string_view typeName);
+bool primitiveStorageCompatible(const ListData& list, ListData::PrimitiveKind kind, RuntimeTypeName typeName);
 
 // Appends a raw value: unboxed when the list is empty (it then adopts the kind) or keeps this kind and name, otherwise
 // boxed, materialising first. May raise the character range errors. Allocates.
 void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value);
+
+// The declared-type gate of every list store; raises TypeError "ArrayList<...> cannot accept ..." and gives false when
+// the value is refused.
+bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle);
 
 namespace vorn::collections {
 
@@ -25,23 +33,74 @@ namespace vorn::collections {
 // raises. Neither allocates nor runs user code.
 bool declaredTypeAccepts(const ListData& list, void* handle);
 
+// How a value enters a list.
+enum class StoreForm : std::uint8_t {
+  Refused,  // the declared element type does not accept it; the error is pending
+  Kept,     // as the raw value, converted if need be, in unboxed storage of its type
+  Adopted,  // as the raw value; the empty list becomes unboxed storage of its type
+  Boxed,    // as the handle, in boxed storage
+};
+
+// Decides how a value enters the list; `raw` is filled for the two unboxed forms. A character may still be out of the
+// range that its storage takes.
+StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimitiveListValue& raw);
+
 // Makes an empty array-backed list keep values of this kind and name unboxed; false, after raising and with nothing
 // changed, when the value is a Char or CodeUnit out of range.
 bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& value);
 
-// How a value enters a list.
-enum class StoreForm {
-  Refused,  // the declared element type does not accept it; the error is pending
-  Unboxed,  // as the raw value, which the present storage can keep
-  Boxed,    // as the handle, in boxed storage
-};
+// ---- The common cases of that decision, which look at no type but one -----------------------------------------------
 
-// Decides how a value enters the list; `raw` is filled for the unboxed form. One lookup of the declared type and one
-// unboxing serve the gate and the storage decision.
-StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimitiveListValue& raw);
+// Whether the list takes every value as one more handle: it holds handles, and it is untyped.
+inline bool takesEveryHandle(const ListData& list) {
+  return list.primitiveKind == PrimitiveKind::None && list.objects.size != 0 &&
+         (list.elementType.empty() || isObjectType(elementTypeNamed(list.elementType)));
+}
+
+// Stores the value of a box over element `index` of elements of the list's kind, the list's own or others. False, with
+// nothing stored, when the value is not a box of exactly the type that the list keeps and, if it is typed, declares, or
+// when it does not fit: chooseStoreFormOrRaise then decides. Takes no part in growing and sets no size.
+inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, std::uint64_t index, void* value) {
+  const RegisteredObject* box = getRegisteredObjectUnsafe(value);
+  if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return false;
+  const PrimitiveType type = boxedTypeOf(*box);
+  if (list.primitiveType.primitiveType() != type || list.primitiveKind != kindOf(type)) return false;
+  if (!list.elementType.empty() && list.elementType != list.primitiveType) return false;
+  return visitKind(
+      list.primitiveKind,
+      [&](auto tag) {
+        using Tag = decltype(tag);
+        if constexpr (isFloatingKind(Tag::kind)) {
+          storeElement(tag, elements, index, 0, std::bit_cast<double>(box->integer));
+          return true;
+        } else {
+          const long long integer = box->integer;
+          if (static_cast<long long>(static_cast<typename Tag::Element>(integer)) != integer) return false;
+          // A character has a range of its own, and ULong takes no value that is negative as a signed number.
+          if ((Tag::kind == PrimitiveKind::UInt && box->kind() == ObjectKind::CharacterBox) ||
+              (Tag::kind == PrimitiveKind::ULong && integer < 0)) {
+            return false;
+          }
+          storeElement(tag, elements, index, integer, 0.0);
+          return true;
+        }
+      },
+      false);
+}
+
+// Appends a value that one of the two cases takes and that there is room for; false, with nothing changed, otherwise.
+inline bool appendInPlace(ListData& list, void* value) {
+  if (takesEveryHandle(list)) {
+    SmallObjectVector& objects = list.objects;
+    if (objects.size == objects.capacity) return false;
+    objects.data[objects.size] = value;
+    ++objects.size;
+    return true;
+  }
+  SmallPrimitiveBuffer& buffer = list.primitive;
+  if (buffer.size >= buffer.capacity || !storeBoxOfSameType(list, buffer.data, buffer.size, value)) return false;
+  ++buffer.size;
+  return true;
+}
 
 }  // namespace vorn::collections
-
-// The declared-type gate of every list store; raises TypeError "ArrayList<...> cannot accept ..." and gives false when
-// the value is refused.
-bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle);

@@ -1,49 +1,66 @@
-// Interned type names.
+// Interned type names, which carry what they classify.
 #pragma once
 
-#include <cstdint>
-#include <cstring>
-#include <string>
+#include <vorn/collections/export.h>
+
+#include <cstddef>
 #include <string_view>
+
+#include "collections/core/kinds.h"
 
 namespace vorn::collections {
 
-// Equality of names. Those of primitive types are three to eight bytes long and compare as two overlapping words,
-// without a call.
-inline bool sameName(std::string_view left, std::string_view right) {
-  if (left.size() != right.size()) return false;
-  const std::size_t size = left.size();
-  const auto sameEnds = [&](auto word) {
-    const auto at = [&](const char* bytes) {
-      std::memcpy(&word, bytes, sizeof(word));
-      return word;
-    };
-    const std::size_t tail = size - sizeof(word);
-    return at(left.data()) == at(right.data()) && at(left.data() + tail) == at(right.data() + tail);
-  };
-  if (size == 3) return sameEnds(std::uint16_t{});
-  if (size >= 4 && size <= 8) return sameEnds(std::uint32_t{});
-  return std::memcmp(left.data(), right.data(), size) == 0;
-}
+// A type name with what the library asks about it, made once for each name and never destroyed. Lists compare and
+// classify the types of values by these facts and never by text.
+struct InternedTypeName {
+  std::string_view text;                              // NUL-terminated
+  PrimitiveType primitiveType = PrimitiveType::None;  // the primitive type of exactly this name
+  const InternedTypeName* normalized = nullptr;       // the canonical short form; null for a name that has it already
+};
+
+// The names that the library itself refers to: those of the primitive types and "Object". Null for every other name.
+VORN_EXPORT const InternedTypeName* standardTypeName(std::string_view name);
 
 }  // namespace vorn::collections
 
-// A pointer to a shared string that lives as long as the process. Equal names have equal pointers; null is the empty
-// name. Made by internRuntimeTypeName (runtime_interface.h).
+// A pointer to an interned name. Equal names have equal pointers; null is the empty name. Made by
+// internRuntimeTypeName (type_names.h).
 struct RuntimeTypeName {
-  const std::string* text = nullptr;
+  const vorn::collections::InternedTypeName* name = nullptr;
 
-  // The name; the empty string for null.
-  [[nodiscard]] const std::string& get() const {
-    if (text != nullptr) return *text;
-    static const std::string empty;
-    return empty;
+  // The name, NUL-terminated; the empty string for null.
+  [[nodiscard]] std::string_view get() const { return name != nullptr ? name->text : std::string_view(""); }
+
+  [[nodiscard]] bool empty() const { return name == nullptr; }
+
+  // The primitive type of exactly this name: "Int" is one, "vorn.Int" is none.
+  [[nodiscard]] vorn::collections::PrimitiveType primitiveType() const {
+    return name != nullptr ? name->primitiveType : vorn::collections::PrimitiveType::None;
   }
 
-  friend bool operator==(RuntimeTypeName left, RuntimeTypeName right) { return left.text == right.text; }
+  // The canonical short form, without the module; the empty name stays empty.
+  [[nodiscard]] RuntimeTypeName shortForm() const {
+    return name != nullptr && name->normalized != nullptr ? RuntimeTypeName{name->normalized} : *this;
+  }
+
+  friend bool operator==(RuntimeTypeName left, RuntimeTypeName right) { return left.name == right.name; }
 
   // Lengths first, then bytes; an empty view equals a null or empty name.
-  friend bool operator==(RuntimeTypeName left, std::string_view right) {
-    return left.text == nullptr ? right.empty() : vorn::collections::sameName(*left.text, right);
-  }
+  friend bool operator==(RuntimeTypeName left, std::string_view right) { return left.get() == right; }
 };
+
+namespace vorn::collections {
+
+// The standard names, indexed by PrimitiveType; "Object" stands at None. The library's own: a runtime asks
+// standardTypeName.
+extern const InternedTypeName standardTypeNames[kPrimitiveTypes];
+
+// The name of a primitive type; "Object" for None.
+inline RuntimeTypeName typeNameOf(PrimitiveType type) { return {&standardTypeNames[static_cast<std::size_t>(type)]}; }
+
+// The canonical short form of a name; "Object" for the empty one.
+inline RuntimeTypeName normalizedTypeName(RuntimeTypeName name) {
+  return name.empty() ? typeNameOf(PrimitiveType::None) : name.shortForm();
+}
+
+}  // namespace vorn::collections

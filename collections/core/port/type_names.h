@@ -15,7 +15,10 @@
 std::string_view shortTypeName(std::string_view typeName);
 std::string_view shortTypeNameLocal(std::string_view typeName);
 
-// The shared, interned handle of a name; the null handle for the empty name. Does not touch the collected heap.
+// The shared, interned handle of a name; the null handle for the empty name. The library's standard names are found
+// with standardTypeName. Every other name is made once, with no primitive type, and refers to its canonical short form,
+// which is shortTypeNameLocal's ("Object" when that is empty), unless it is that form. Does not touch the collected
+// heap.
 RuntimeTypeName internRuntimeTypeName(std::string_view name);
 
 // The short collection class name without type arguments ("vorn.collections.LinkedList<Int>" gives "LinkedList").

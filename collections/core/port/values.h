@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "collections/core/array_slot_kind.h"
+#include "collections/core/port/type_name.h"
 
 #pragma GCC visibility push(default)
 
@@ -18,12 +19,13 @@ int Vorn_strEquals(const char* left, const char* right);
 
 }  // extern "C"
 
-// A new box of the named integer-like type ("Int", "Byte", "Char", "CodeUnit", ...); all 64 bits are kept. Another
-// name boxes as "Int" when the value fits 32 bits, else as "Long". "Boolean" gives the shared box. Allocates.
-void* boxIntegerLikeLocal(std::string_view typeName, long long value);
+// A new box of the named integer-like type ("Int", "Byte", "Char", "CodeUnit", ..., also under the language's module);
+// all 64 bits are kept. Another name boxes as "Int" when the value fits 32 bits, else as "Long". "Boolean" gives the
+// shared box. Allocates. Every boxed read of unboxed storage comes here: the name tells its type without its text.
+void* boxIntegerLikeLocal(RuntimeTypeName typeName, long long value);
 
 // A new "Float" or "Double" box ("Double" for another name). Allocates.
-void* boxFloatingLikeLocal(std::string_view typeName, double value);
+void* boxFloatingLikeLocal(RuntimeTypeName typeName, double value);
 
 // A new String object. Allocates.
 void* Vorn_allocString(std::string_view text);

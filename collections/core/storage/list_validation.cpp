@@ -13,7 +13,7 @@ std::string validatePrimitive(const ListData& list) {
   if (buffer.size > buffer.capacity) return "the primitive size exceeds its capacity";
   if (buffer.data == nullptr) return "the primitive buffer has no data";
   if (list.primitiveKind == PrimitiveKind::None) {
-    if (list.primitiveType.text != nullptr) return "a list without a primitive kind has a primitive type name";
+    if (!list.primitiveType.empty()) return "a list without a primitive kind has a primitive type name";
     if (buffer.size != 0) return "a list without a primitive kind has primitive elements";
     return {};
   }
