@@ -7,18 +7,22 @@ namespace vorn::collections {
 
 namespace {
 
-// The primitive type of a name with or without the language's module; None for null.
-PrimitiveType languageTypeNamed(const char* name) {
+// The primitive type of a name with or without the language's module.
+PrimitiveType languageTypeNamed(std::string_view name) {
   constexpr std::string_view kModule = "vorn.";
-  if (name == nullptr) return PrimitiveType::None;
-  std::string_view text(name);
-  if (text.starts_with(kModule)) text.remove_prefix(kModule.size());
-  return primitiveTypeNamed(text);
+  if (name.starts_with(kModule)) name.remove_prefix(kModule.size());
+  return primitiveTypeNamed(name);
+}
+
+const PrimitiveTypeInfo& infoOfLanguageType(const char* name) {
+  return infoOf(name != nullptr ? languageTypeNamed(name) : PrimitiveType::None);
 }
 
 }  // namespace
 
 ElementType normalizedElementType(std::string_view typeName) {
+  const PrimitiveType type = languageTypeNamed(typeName);
+  if (type != PrimitiveType::None) return elementTypeOf(type);
   return elementTypeNamed(normalizedTypeName(internRuntimeTypeName(typeName)));
 }
 
@@ -35,8 +39,8 @@ std::string_view normalizePrimitiveTypeName(std::string_view name) {
 }
 
 bool isIntLikeListType(const char* name) {
-  const PrimitiveTypeInfo& type = infoOf(languageTypeNamed(name));
+  const PrimitiveTypeInfo& type = infoOfLanguageType(name);
   return (type.family == KindFamily::Integer && !type.isCharacter) || type.family == KindFamily::Boolean;
 }
 
-bool isFloatLikeListType(const char* name) { return infoOf(languageTypeNamed(name)).family == KindFamily::Floating; }
+bool isFloatLikeListType(const char* name) { return infoOfLanguageType(name).family == KindFamily::Floating; }

@@ -23,7 +23,7 @@ inline ElementType elementTypeNamed(RuntimeTypeName name) { return {kindOf(name.
 // The element type of boxes of a primitive type; None gives "Object" without a kind.
 inline ElementType elementTypeOf(PrimitiveType type) { return {kindOf(type), typeNameOf(type)}; }
 
-// The type of a name that comes as text, normalised. Interns it.
+// The type of a name that comes as text, normalised. Interns names that are not those of primitive types.
 ElementType normalizedElementType(std::string_view typeName);
 
 // A list's declared element type; an unset type gives "Object".

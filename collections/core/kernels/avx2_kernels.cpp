@@ -25,7 +25,7 @@ const KernelTable kAvx2Kernels = {
     avx2::Lanes::kBytes,
     &kSse2Kernels,
     true,
-    VORN_SUM_KERNELS(avx2::sum),
+    sumKernels([](auto tag) -> SumKernel { return avx2::sum<decltype(tag)::kind>; }),
     VORN_SEARCH_KERNELS(avx2::findFirst, avx2::findLast, avx2::count),
     {avx2::reverse<1>, avx2::reverse<2>, avx2::reverse<4>, avx2::reverse<8>},
 };

@@ -3,6 +3,7 @@
 // A table is constant data, so the pointer to the active one needs no ordering: whoever sees it sees the table.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 
@@ -41,7 +42,8 @@ struct KernelTable {
   const KernelTable* narrower;
   // Whether a Double other than zero and NaN is found sooner by its bits than by a floating comparison.
   bool searchesDoublesByBits;
-  SumKernel sums[kPrimitiveKinds];  // by kind; null for None and the floating kinds, whose sums are never vectors
+  std::array<SumKernel, kPrimitiveKinds>
+      sums;  // by kind; null for None and the floating kinds, whose sums are never vectors
   SearchKernels searches[kSearchLanes];
   ReversalKernel reversals[kReversalWidths];  // by the binary logarithm of the width
 };
@@ -78,13 +80,16 @@ inline const KernelTable& kernelsFor(std::uint64_t bytes) {
         VORN_SEARCH_KERNELS_OF(NonZero8, first, last, count),                                                   \
   }
 
-// The initialiser of `sums`, from the name of a function template over a PrimitiveKind.
-#define VORN_SUM_KERNELS(sum)                                                                                    \
-  {                                                                                                              \
-    nullptr, sum<PrimitiveKind::SByte>, sum<PrimitiveKind::Byte>, sum<PrimitiveKind::Short>,                     \
-        sum<PrimitiveKind::UShort>, sum<PrimitiveKind::Int>, sum<PrimitiveKind::UInt>, sum<PrimitiveKind::Long>, \
-        sum<PrimitiveKind::ULong>, nullptr, nullptr, sum<PrimitiveKind::Boolean>,                                \
-  }
+// `sums` from a function that gives the kernel of a kind's tag; the floating kinds have none.
+template <class SumOf>
+consteval std::array<SumKernel, kPrimitiveKinds> sumKernels(SumOf sumOf) {
+  std::array<SumKernel, kPrimitiveKinds> sums{};
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot) \
+  if constexpr (KindFamily::family != KindFamily::Floating)               \
+    sums[value] = sumOf(KindTag<PrimitiveKind::enumerator, type>{});
+#include "collections/core/kinds.def"
+  return sums;
+}
 
 // Width in bytes of the elements that a lane compares.
 constexpr std::uint64_t searchWidth(SearchLane lane) {

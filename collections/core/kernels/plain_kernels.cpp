@@ -140,7 +140,7 @@ const KernelTable kPlainKernels = {
     0,
     nullptr,
     false,
-    VORN_SUM_KERNELS(plain::sum),
+    sumKernels([](auto tag) -> SumKernel { return plain::sum<decltype(tag)::kind>; }),
     VORN_SEARCH_KERNELS(plain::findFirst, plain::findLast, plain::count),
     {plain::reverse<1>, plain::reverse<2>, plain::reverse<4>, plain::reverse<8>},
 };

@@ -25,7 +25,7 @@ const KernelTable kSse2Kernels = {
     sse2::Lanes::kBytes,
     &kPlainKernels,
     false,
-    VORN_SUM_KERNELS(sse2::sum),
+    sumKernels([](auto tag) -> SumKernel { return sse2::sum<decltype(tag)::kind>; }),
     VORN_SEARCH_KERNELS(sse2::findFirst, sse2::findLast, sse2::count),
     {sse2::reverse<1>, sse2::reverse<2>, sse2::reverse<4>, sse2::reverse<8>},
 };

@@ -24,9 +24,13 @@ long long sumIntegers(PrimitiveKind kind, const unsigned char* data, std::uint64
 }
 
 double sumFloating(PrimitiveKind kind, const unsigned char* data, std::uint64_t n) {
-  if (kind == PrimitiveKind::Double) return sumInOrder<double>(data, n);
-  if (kind == PrimitiveKind::Float) return sumInOrder<float>(data, n);
-  return 0.0;
+  return visitKind(
+      kind,
+      [&](auto tag) {
+        if constexpr (isFloatingKind(decltype(tag)::kind)) return sumInOrder<typename decltype(tag)::Element>(data, n);
+        return 0.0;
+      },
+      0.0);
 }
 
 }  // namespace vorn::collections

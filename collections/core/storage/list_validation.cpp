@@ -9,7 +9,8 @@ namespace {
 
 std::string validatePrimitive(const ListData& list) {
   const SmallPrimitiveBuffer& buffer = list.primitive;
-  if (list.primitiveKind > PrimitiveKind::Boolean) return "the primitive kind is unknown";
+  if (static_cast<std::size_t>(list.primitiveKind) >= vorn::collections::kPrimitiveKinds)
+    return "the primitive kind is unknown";
   if (buffer.size > buffer.capacity) return "the primitive size exceeds its capacity";
   if (buffer.data == nullptr) return "the primitive buffer has no data";
   if (list.primitiveKind == PrimitiveKind::None) {
