@@ -28,6 +28,7 @@ const KernelTable kSse2Kernels = {
     VORN_SUM_KERNELS(sse2::sum),
     VORN_SEARCH_KERNELS(sse2::findFirst, sse2::findLast, sse2::count),
     {sse2::reverse<1>, sse2::reverse<2>, sse2::reverse<4>, sse2::reverse<8>},
+    {sortPlain, sortPlain, sortPlain},
 };
 
 }  // namespace vorn::collections::kernels
