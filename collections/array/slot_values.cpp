@@ -11,6 +11,7 @@
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
+#include "collections/core/unicode.h"
 
 namespace vc = vorn::collections;
 

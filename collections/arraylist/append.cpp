@@ -12,7 +12,9 @@
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
 #include "collections/core/kinds.h"
+#include "collections/core/number_rules.h"
 #include "collections/core/port/object_layout.h"
+#include "collections/core/unicode.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;
@@ -42,9 +44,6 @@ inline bool appendToIntStorage(ListData& list, long long value) {
   return true;
 }
 
-long long integerReading(long long value) { return value; }
-long long integerReading(double value) { return vc::truncateToI64(value); }
-
 // Whether the list keeps its elements under its kind's own name, and as such takes the value: the character types,
 // which have their kind's second name, take some only.
 template <class Value>
@@ -52,10 +51,10 @@ inline bool keptUnderOwnNameTakes(const ListData& list, Value value) {
   if (list.primitiveType == vc::elementTypeOf(static_cast<vc::PrimitiveType>(list.primitiveKind)).name) [[likely]]
     return true;
   if (list.primitiveKind == PrimitiveKind::UInt && list.primitiveType == std::string_view("Char")) {
-    return vc::isUnicodeScalar(integerReading(value));
+    return vc::isUnicodeScalar(vc::integerReading(value));
   }
   return list.primitiveKind == PrimitiveKind::UShort && list.primitiveType == std::string_view("CodeUnit") &&
-         static_cast<unsigned long long>(integerReading(value)) <= 0xFFFF;
+         vc::isCodeUnit(vc::integerReading(value));
 }
 
 // Equality of names without a call: they are short.
@@ -81,7 +80,7 @@ inline bool appendToStorageOf(ListData& list, const char* typeName, Value value)
       [&](auto tag) {
         using Tag = decltype(tag);
         if (buffer.elementSize != sizeof(typename Tag::Element)) return false;
-        const long long integer = vc::isFloatingKind(Tag::kind) ? 0 : integerReading(value);
+        const long long integer = vc::isFloatingKind(Tag::kind) ? 0 : vc::integerReading(value);
         vc::storeElement(tag, buffer.data, buffer.size, integer, static_cast<double>(value));
         ++buffer.size;
         return true;
@@ -120,7 +119,7 @@ inline bool appendToUntypedHandles(ListData& list, void* value) {
 template <class Value>
 [[gnu::noinline]] void lockedAddRaw(ListData& list, Value value, const vc::ElementType& type) {
   const ListDataLock lock(list);
-  appendRawValue(list, {type.kind, type.name, integerReading(value), static_cast<double>(value)});
+  appendRawValue(list, {type.kind, type.name, vc::integerReading(value), static_cast<double>(value)});
 }
 
 // The kind and name of a raw append's type argument.

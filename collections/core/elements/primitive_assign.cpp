@@ -9,6 +9,7 @@
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
+#include "collections/core/number_rules.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 
@@ -36,9 +37,6 @@ void fillElements(Tag tag, unsigned char* data, const Value* values, std::uint64
     }
   }
 }
-
-long long integerReading(long long value) { return value; }
-long long integerReading(double value) { return truncateToI64(value); }
 
 // One look at the name serves all values.
 template <class Value>

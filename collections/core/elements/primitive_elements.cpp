@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kernels/reverse_kernels.h"
 #include "collections/core/kinds.h"
+#include "collections/core/unicode.h"
 
 using vorn::collections::checkCharacterRangeOrRaise;
 using vorn::collections::storeElement;
@@ -17,8 +17,7 @@ using vorn::collections::visitKind;
 namespace vorn::collections {
 
 bool checkCharacterRangeOrRaise(std::string_view primitiveType, long long integer) {
-  const auto bits = static_cast<unsigned long long>(integer);
-  if (primitiveType == "CodeUnit" && bits > 0xFFFF) {
+  if (primitiveType == "CodeUnit" && !isCodeUnit(integer)) {
     errors::raiseCodeUnitOutOfRange();
     return false;
   }
