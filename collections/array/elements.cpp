@@ -83,7 +83,7 @@ void assignOrRaise(ArrayData& array, std::uint64_t index, void* value) {
 // Stores a raw value at a checked index: in both forms into an unboxed slot, else as the box that `makeBox` gives.
 template <class MakeBox>
 void storeOrRaise(ArrayData& array, std::uint64_t at, long long integer, double floating, MakeBox makeBox) {
-  if (array.slotKind != SlotKind::Object) return arrayWrite(array, at, integer, floating);
+  if (array.isUnboxed()) return arrayWrite(array, at, integer, floating);
   const vc::RootedHandle box(makeBox());
   assignOrRaise(array, at, box.get());
 }
@@ -139,7 +139,7 @@ long long vorn_collections_Array_rawSize(void* array) {
 
 void* vorn_collections_Array_rawDataPtr(void* array) {
   ArrayData* data = unlockedRecord(array);
-  return data != nullptr && data->slotKind != SlotKind::Object ? data->primitive.data : nullptr;
+  return data != nullptr && data->isUnboxed() ? data->primitive.data : nullptr;
 }
 
 long long* vorn_collections_Array_i64DataPtr(void* array) {

@@ -38,7 +38,7 @@ class SlotMatcher {
 };
 
 std::uint64_t findFirst(const ArrayData& array, void* value, std::uint64_t from) {
-  if (array.slotKind != ArraySlotKind::Object) {
+  if (array.isUnboxed()) {
     vc::SlotScalar scalar;
     if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return kNotFound;
     return vc::findFirstElement(primitiveKindOf(array.slotKind), array.primitive.data, from, array.primitive.size,
@@ -53,7 +53,7 @@ std::uint64_t findFirst(const ArrayData& array, void* value, std::uint64_t from)
 
 // Downwards from below `end`.
 std::uint64_t findLast(const ArrayData& array, void* value, std::uint64_t end) {
-  if (array.slotKind != ArraySlotKind::Object) {
+  if (array.isUnboxed()) {
     vc::SlotScalar scalar;
     if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return kNotFound;
     return vc::findLastElement(primitiveKindOf(array.slotKind), array.primitive.data, end, scalar.integer,
@@ -70,7 +70,7 @@ std::uint64_t findLast(const ArrayData& array, void* value, std::uint64_t end) {
 }
 
 std::uint64_t countEqual(const ArrayData& array, void* value) {
-  if (array.slotKind != ArraySlotKind::Object) {
+  if (array.isUnboxed()) {
     vc::SlotScalar scalar;
     if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return 0;
     return vc::countElements(primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size,

@@ -56,7 +56,7 @@ long long vorn_collections_Array_sumI64Fast(void* array) {
   const ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
   if (arraySlotKindIsFloating(data.slotKind)) return sumTruncated(data);
-  if (data.slotKind != ArraySlotKind::Object) {
+  if (data.isUnboxed()) {
     return vc::sumIntegers(primitiveKindOf(data.slotKind), data.primitive.data, data.primitive.size);
   }
   // Unsigned, so that the sum wraps around.
@@ -68,6 +68,6 @@ double vorn_collections_Array_sumF64Fast(void* array) {
   if (array == nullptr) return 0.0;
   const ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
-  if (data.slotKind != ArraySlotKind::Object) return sumAsDoubles(data);
+  if (data.isUnboxed()) return sumAsDoubles(data);
   return sumObjectsOrRaise<double>(data.objects, [](void* element) { return Vorn_getField_double(element, "_value"); });
 }

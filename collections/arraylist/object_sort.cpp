@@ -70,7 +70,7 @@ void sortByElementOrder(ListData& list) {
   HandleVector handles;
   list.copyObjectsTo(*handles);
   if (!sortHandles(handles->data(), handles->size())) return;
-  if (list.primitiveKind != PrimitiveKind::None || list.elementType != elementType) return;
+  if (list.isUnboxed() || list.elementType != elementType) return;
   ObjectCursor cursor(list);
   const std::uint64_t count = std::min<std::uint64_t>(handles->size(), list.objectCount());
   for (std::uint64_t i = 0; i < count; ++i) cursor.replace(i, (*handles)[i]);

@@ -18,7 +18,7 @@ void vorn_collections_ArrayList_removeAt(void* list, long long index) {
   const ListDataLock lock(data);
   const auto at = vc::elementIndexOrRaise(data.logicalSize(), index);
   if (!at) return;
-  if (data.primitiveKind != PrimitiveKind::None) {
+  if (data.isUnboxed()) {
     primitiveListEraseAt(data, *at);
   } else {
     data.objectErase(*at);

@@ -18,7 +18,7 @@ namespace {
 
 // Fills a new list with the selected elements; both records are locked by the caller.
 void copySlice(ListData& source, const vc::SlicePositions& positions, ListData& target) {
-  if (source.primitiveKind != PrimitiveKind::None) {
+  if (source.isUnboxed()) {
     vc::adoptPrimitiveStorageOf(source, target, positions.count);
     return vc::appendPrimitiveElements(source, positions.first, positions.step, positions.count, target);
   }

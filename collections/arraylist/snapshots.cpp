@@ -22,14 +22,14 @@ void appendBoxes(PrimitiveKind kind, std::string_view typeName, const unsigned c
 }
 
 void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values) {
-  if (list.primitiveKind == PrimitiveKind::None) return list.copyObjectsTo(values);
+  if (!list.isUnboxed()) return list.copyObjectsTo(values);
   appendBoxes(list.primitiveKind, list.primitiveType.get(), list.primitive.data, list.primitive.size, values);
 }
 
 }  // namespace vorn::collections
 
 std::uint64_t ListStorageSnapshot::size() const {
-  if (primitiveKind == PrimitiveKind::None) return objects->size();
+  if (!isUnboxed()) return objects->size();
   return elements.size() / vorn::collections::primitiveWidth(primitiveKind);
 }
 
@@ -40,7 +40,7 @@ void snapshotListStorage(void* list, ListStorageSnapshot& snapshot) {
   const ListDataLock lock(data);
   snapshot.primitiveKind = data.primitiveKind;
   snapshot.primitiveType = data.primitiveType;
-  if (data.primitiveKind == PrimitiveKind::None) return data.copyObjectsTo(*snapshot.objects);
+  if (!data.isUnboxed()) return data.copyObjectsTo(*snapshot.objects);
   const unsigned char* elements = data.primitive.data;
   snapshot.elements.assign(elements, elements + data.primitive.size * data.primitive.elementSize);
 }

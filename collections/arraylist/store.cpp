@@ -55,7 +55,7 @@ void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
       return;
     case StoreForm::Unboxed:
       // An empty list adopts the value's kind here as it does in an append.
-      if (list.primitiveKind == PrimitiveKind::None && !adoptPrimitiveKindOrRaise(list, raw)) return;
+      if (!list.isUnboxed() && !adoptPrimitiveKindOrRaise(list, raw)) return;
       return primitiveListInsertAt(list, index, raw.integer, raw.floating);
     case StoreForm::Boxed:
       return insertBoxed(list, index, value);
@@ -65,7 +65,7 @@ void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
 void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
   if (storeBoxOfSameType(list, list.primitive.data, index, value)) return;
   BulkPrimitiveListValue raw;
-  if (list.primitiveKind != PrimitiveKind::None && rawReplacement(list, value, raw)) {
+  if (list.isUnboxed() && rawReplacement(list, value, raw)) {
     return primitiveListWrite(list, index, raw.integer, raw.floating);
   }
   if (!ensureListValueMatchesDeclaredElementType(list, value)) return;

@@ -42,7 +42,7 @@ void appendDisplay(DisplayBuffer& text, void* list, const ListTexts& texts, void
   vc::HandleVector handles;
   {
     const ListDataLock lock(data);
-    if (data.primitiveKind != ListData::PrimitiveKind::None) {
+    if (data.isUnboxed()) {
       text.append(texts.prefix(list, data.primitive.size));
       vc::appendUnboxedElements(text, data, kSeparator);
       text.append("]");

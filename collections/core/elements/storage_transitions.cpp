@@ -38,7 +38,7 @@ void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
 }
 
 void materializePrimitiveList(ListData& list, std::uint64_t room) {
-  if (list.primitiveKind == ListData::PrimitiveKind::None) return;
+  if (!list.isUnboxed()) return;
   const std::uint64_t n = list.primitive.size;
 
   // Boxes go straight into the record's own storage, where the collector finds them. While the kind still stands, that
@@ -64,7 +64,7 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
 
 void replaceWithObjects(ListData& list, const HandleVector::Storage& values) {
   list.objectAssign(values);
-  if (list.primitiveKind != ListData::PrimitiveKind::None) endPrimitiveStorage(list);
+  if (list.isUnboxed()) endPrimitiveStorage(list);
 }
 
 void copyPrimitiveListStorage(const ListData& source, ListData& target) {
