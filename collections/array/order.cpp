@@ -13,7 +13,6 @@
 #include "collections/core/port/roots.h"
 
 namespace vc = vorn::collections;
-using vc::primitiveKindOf;
 
 namespace {
 
@@ -30,7 +29,7 @@ void sortObjectSlots(ArrayData& array) {
 
 void sortSlots(ArrayData& array) {
   if (!array.isUnboxed()) return sortObjectSlots(array);
-  vc::sortElements(primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size);
+  vc::sortElements(vc::primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size);
 }
 
 void reverseSlots(ArrayData& array) {

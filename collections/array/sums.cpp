@@ -10,7 +10,6 @@
 #include "collections/core/port/objects.h"
 
 namespace vc = vorn::collections;
-using vc::primitiveKindOf;
 
 namespace {
 
@@ -31,7 +30,7 @@ Sum sumObjectsOrRaise(const SmallObjectVector& objects, Read read) {
 // In floating slots every element is truncated by itself, unlike in the sum of a list.
 long long sumTruncated(const ArrayData& array) {
   unsigned long long sum = 0;
-  vc::visitKind(primitiveKindOf(array.slotKind), [&](auto tag) {
+  vc::visitKind(vc::primitiveKindOf(array.slotKind), [&](auto tag) {
     for (std::uint64_t i = 0; i < array.primitive.size; ++i) {
       sum += static_cast<unsigned long long>(vc::readElementI64(tag, array.primitive.data, i));
     }
@@ -41,7 +40,7 @@ long long sumTruncated(const ArrayData& array) {
 
 double sumAsDoubles(const ArrayData& array) {
   double sum = 0.0;
-  vc::visitKind(primitiveKindOf(array.slotKind), [&](auto tag) {
+  vc::visitKind(vc::primitiveKindOf(array.slotKind), [&](auto tag) {
     for (std::uint64_t i = 0; i < array.primitive.size; ++i) {
       sum += vc::readElementF64(tag, array.primitive.data, i);
     }
@@ -57,7 +56,7 @@ long long vorn_collections_Array_sumI64Fast(void* array) {
   const ArrayDataLock lock(data);
   if (arraySlotKindIsFloating(data.slotKind)) return sumTruncated(data);
   if (data.isUnboxed()) {
-    return vc::sumIntegers(primitiveKindOf(data.slotKind), data.primitive.data, data.primitive.size);
+    return vc::sumIntegers(vc::primitiveKindOf(data.slotKind), data.primitive.data, data.primitive.size);
   }
   // Unsigned, so that the sum wraps around.
   return static_cast<long long>(sumObjectsOrRaise<unsigned long long>(

@@ -8,13 +8,11 @@
 #include "collections/arraylist/result_lists.h"
 #include "collections/arraylist/snapshots.h"
 #include "collections/core/elements/storage_transitions.h"
-#include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/storage/primitive_copies.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "collections/arraylist/object_cursor.h"
 #include "collections/core/equality/element_order.h"
 #include "collections/core/kernels/sort/introsort.h"
-#include "collections/core/kinds.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/comparison.h"
 #include "collections/core/storage/list_data.h"

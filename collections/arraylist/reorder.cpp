@@ -13,7 +13,6 @@
 #include "collections/core/port/text.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 

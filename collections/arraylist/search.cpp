@@ -16,6 +16,8 @@
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -132,8 +134,6 @@ bool removeEqual(ListData& list, void* value) {
 }
 
 }  // namespace vorn::collections
-
-namespace vc = vorn::collections;
 
 long long arrayListIndexOfLocked(ListData& list, void* value, long long start, bool last) {
   const auto from = vc::searchStart(list.logicalSize(), start, last);

@@ -7,12 +7,10 @@
 #include "collections/arraylist/slice_indexes.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
-#include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/primitive_copies.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 

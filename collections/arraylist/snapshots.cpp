@@ -5,8 +5,8 @@
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 
-using vorn::collections::HandleVector;
-using vorn::collections::PrimitiveKind;
+namespace vc = vorn::collections;
+using vc::HandleVector;
 
 namespace vorn::collections {
 
@@ -30,12 +30,12 @@ void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values
 
 std::uint64_t ListStorageSnapshot::size() const {
   if (!isUnboxed()) return objects->size();
-  return elements.size() / vorn::collections::primitiveWidth(primitiveKind);
+  return elements.size() / vc::primitiveWidth(primitiveKind);
 }
 
 void snapshotListStorage(void* list, ListStorageSnapshot& snapshot) {
   if (list == nullptr) return;
-  const vorn::collections::RootedHandle keepList(list);
+  const vc::RootedHandle keepList(list);
   const ListData& data = *getListData(list);
   const ListDataLock lock(data);
   snapshot.primitiveKind = data.primitiveKind;
@@ -48,6 +48,6 @@ void snapshotListStorage(void* list, ListStorageSnapshot& snapshot) {
 HandleVector::Storage snapshotListObjectValues(ListData& list) {
   HandleVector values;
   const ListDataLock lock(list);
-  vorn::collections::appendListObjectsLocked(list, *values);
+  vc::appendListObjectsLocked(list, *values);
   return std::move(*values);
 }

@@ -11,6 +11,8 @@
 #include "collections/core/index_rules.h"
 #include "collections/core/kinds.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -74,8 +76,6 @@ void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
 }
 
 }  // namespace vorn::collections
-
-namespace vc = vorn::collections;
 
 void vorn_collections_ArrayList_addAt(void* list, long long index, void* value) {
   if (list == nullptr) return;

@@ -13,7 +13,6 @@
 #include "collections/core/port/objects.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 

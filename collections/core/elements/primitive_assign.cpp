@@ -13,7 +13,8 @@
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 
-using vorn::collections::PrimitiveKind;
+namespace vc = vorn::collections;
+using vc::PrimitiveKind;
 
 namespace vorn::collections {
 
@@ -81,10 +82,10 @@ bool assignValues(ListData& list, PrimitiveKind kind, std::string_view typeName,
 
 bool primitiveListAssignFromI64Values(ListData& list, PrimitiveKind kind, std::string_view typeName,
                                       const long long* values, std::uint64_t n) {
-  return vorn::collections::assignValues(list, kind, typeName, values, n);
+  return vc::assignValues(list, kind, typeName, values, n);
 }
 
 bool primitiveListAssignFromF64Values(ListData& list, PrimitiveKind kind, std::string_view typeName,
                                       const double* values, std::uint64_t n) {
-  return vorn::collections::assignValues(list, kind, typeName, values, n);
+  return vc::assignValues(list, kind, typeName, values, n);
 }

@@ -6,8 +6,7 @@
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/kinds.h"
 
-using vorn::collections::HandleVector;
-using vorn::collections::primitiveWidth;
+namespace vc = vorn::collections;
 
 namespace {
 
@@ -33,7 +32,7 @@ void endPrimitiveStorage(ListData& list) {
 }  // namespace
 
 void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
-  const std::uint64_t width = primitiveWidth(kind);
+  const std::uint64_t width = vc::primitiveWidth(kind);
   if (list.primitive.elementSize != width) list.primitive.resetToInline(width);
 }
 
@@ -53,7 +52,7 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
 
   emptyObjectStorage(list);
   if (!list.linked) list.objects.reserve(n + room);
-  vorn::collections::RootedHandle box;
+  vc::RootedHandle box;
   for (std::uint64_t i = 0; i < n; ++i) {
     box = boxPrimitiveElement(list, i);
     list.objectPushBack(box.get());
@@ -62,7 +61,7 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
   endPrimitiveStorage(list);
 }
 
-void replaceWithObjects(ListData& list, const HandleVector::Storage& values) {
+void replaceWithObjects(ListData& list, const vc::HandleVector::Storage& values) {
   list.objectAssign(values);
   if (list.isUnboxed()) endPrimitiveStorage(list);
 }
