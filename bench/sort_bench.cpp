@@ -15,6 +15,7 @@
 
 #include "collections/core/kernels/sort/introsort.h"
 #include "collections/core/kernels/sort/primitive_sort.h"
+#include "collections/core/kernels/vector_path.h"
 
 #if defined(VORN_BENCH_VQSORT)
 #include <hwy/contrib/sort/vqsort.h>
@@ -22,7 +23,7 @@
 
 namespace {
 
-using vorn::collections::SortPath;
+using vorn::collections::VectorPath;
 
 enum class Pattern { Random, Sorted, Reversed, SixteenValues };
 
@@ -58,7 +59,8 @@ std::vector<Element> inputsOf(Pattern pattern, std::size_t length, std::size_t b
 }
 
 template <class Element, class Sort>
-void measure(benchmark::State& state, Pattern pattern, Sort sort) {
+void measure(benchmark::State& state, Pattern pattern, VectorPath path, Sort sort) {
+  const vorn::collections::VectorPathScope scope(path);
   const auto length = static_cast<std::size_t>(state.range(0));
   const std::size_t batch = std::max<std::size_t>(1, kBatchElements / length);
   const std::vector<Element> inputs = inputsOf<Element>(pattern, length, batch);
@@ -75,16 +77,17 @@ void measure(benchmark::State& state, Pattern pattern, Sort sort) {
 }
 
 template <class Element, class Sort>
-void add(const std::string& type, const char* sorter, Sort sort) {
+void add(const std::string& type, const char* sorter, Sort sort, VectorPath path = vorn::collections::vectorPath()) {
   struct Named {
     Pattern pattern;
     const char* name;
   };
   for (const Named& input : {Named{Pattern::Random, "random"}, Named{Pattern::Sorted, "sorted"},
                              Named{Pattern::Reversed, "reversed"}, Named{Pattern::SixteenValues, "16values"}}) {
-    auto* bench = benchmark::RegisterBenchmark(
-        ("sort/" + type + "/" + input.name + "/" + sorter).c_str(),
-        [pattern = input.pattern, sort](benchmark::State& state) { measure<Element>(state, pattern, sort); });
+    auto* bench = benchmark::RegisterBenchmark(("sort/" + type + "/" + input.name + "/" + sorter).c_str(),
+                                               [pattern = input.pattern, path, sort](benchmark::State& state) {
+                                                 measure<Element>(state, pattern, path, sort);
+                                               });
     for (const std::int64_t length : {100, 1'000, 100'000, 1'000'000, 10'000'000}) {
       if (input.pattern == Pattern::Random || length == 1'000'000) bench->Arg(length);
     }
@@ -110,12 +113,11 @@ void addAll(const std::string& type) {
     });
   }
 #endif
-  for (const auto& [path, name] : {std::pair{SortPath::Plain, "plain"}, std::pair{SortPath::Avx2, "avx2"},
-                                   std::pair{SortPath::Avx512, "avx512"}}) {
-    if (!vorn::collections::sortPathSupported(path)) continue;
-    add<Element>(type, name, [path = path](Element* data, std::size_t count) {
-      vorn::collections::sortPrimitiveOn(path, data, count);
-    });
+  for (const auto& [path, name] : {std::pair{VectorPath::Plain, "plain"}, std::pair{VectorPath::Avx2, "avx2"},
+                                   std::pair{VectorPath::Avx512, "avx512"}}) {
+    if (!vorn::collections::isVectorPathAvailable(path)) continue;
+    const auto sort = [](Element* data, std::size_t count) { vorn::collections::sortPrimitive(data, count); };
+    add<Element>(type, name, sort, path);
   }
 }
 

@@ -6,7 +6,6 @@
 #include "collections/core/kinds.h"
 
 namespace vc = vorn::collections;
-using vc::primitiveKindOf;
 
 namespace {
 
@@ -73,17 +72,17 @@ void copyArrayStorage(const ArrayData& source, ArrayData& target) {
 
 long long arrayReadI64(const ArrayData& array, std::uint64_t index) {
   return vc::visitKind(
-      primitiveKindOf(array.slotKind), [&](auto tag) { return vc::readElementI64(tag, array.primitive.data, index); },
-      0LL);
+      vc::primitiveKindOf(array.slotKind),
+      [&](auto tag) { return vc::readElementI64(tag, array.primitive.data, index); }, 0LL);
 }
 
 double arrayReadF64(const ArrayData& array, std::uint64_t index) {
   return vc::visitKind(
-      primitiveKindOf(array.slotKind), [&](auto tag) { return vc::readElementF64(tag, array.primitive.data, index); },
-      0.0);
+      vc::primitiveKindOf(array.slotKind),
+      [&](auto tag) { return vc::readElementF64(tag, array.primitive.data, index); }, 0.0);
 }
 
 void arrayWrite(ArrayData& array, std::uint64_t index, long long integer, double floating) {
-  vc::visitKind(primitiveKindOf(array.slotKind),
+  vc::visitKind(vc::primitiveKindOf(array.slotKind),
                 [&](auto tag) { vc::storeElement(tag, array.primitive.data, index, integer, floating); });
 }

@@ -32,6 +32,9 @@ struct ArrayData {
   ArrayData() = default;
   ArrayData(const ArrayData&) = delete;
   ArrayData& operator=(const ArrayData&) = delete;
+
+  // Whether the slots are unboxed, not handles.
+  [[nodiscard]] bool isUnboxed() const { return slotKind != SlotKind::Object; }
 };
 
 using ArrayDataLock = vorn::collections::RecordLock<ArrayData>;

@@ -14,7 +14,7 @@ std::string validateArrayData(const ArrayData& array) {
   if (slots.data == slots.inlineBytes && slots.capacity * slots.elementSize > SmallPrimitiveBuffer::kInlineBytes) {
     return "the inline capacity exceeds the inline storage";
   }
-  if (array.slotKind == ArraySlotKind::Object) {
+  if (!array.isUnboxed()) {
     if (slots.size != 0) return "an array of handles has unboxed slots";
   } else {
     if (objects.size != 0) return "an unboxed array has handles";

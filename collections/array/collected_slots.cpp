@@ -66,7 +66,7 @@ void* const* handlesForSlots(ArraySlotKind kind, const CollectedValues& values, 
 
 bool assignCollectedOrRaise(ArrayData& array, const SlicePositions& positions, const CollectedValues& values,
                             void* const* handles, AfterRefusal then) {
-  if (values.raw() && array.slotKind != ArraySlotKind::Object) return assignRawOrRaise(array, positions, values, then);
+  if (values.raw() && array.isUnboxed()) return assignRawOrRaise(array, positions, values, then);
   return assignHandlesOrRaise(array, positions, handles, then);
 }
 

@@ -20,13 +20,12 @@
 #include "collections/core/port/values.h"
 
 namespace vc = vorn::collections;
-using SlotKind = ArrayData::SlotKind;
 
 namespace {
 
 // The commonest accesses of all, an index from the start into slots of Int or Double: kept free of calls, so that the
 // natives need no frame for them, and of the arithmetic of negative indexes. Everything else goes the long way.
-inline bool isPlainIndex(const ArrayData& array, SlotKind kind, long long index) {
+inline bool isPlainIndex(const ArrayData& array, ArraySlotKind kind, long long index) {
   return array.slotKind == kind && static_cast<std::uint64_t>(index) < array.primitive.size;
 }
 
@@ -83,7 +82,7 @@ void assignOrRaise(ArrayData& array, std::uint64_t index, void* value) {
 // Stores a raw value at a checked index: in both forms into an unboxed slot, else as the box that `makeBox` gives.
 template <class MakeBox>
 void storeOrRaise(ArrayData& array, std::uint64_t at, long long integer, double floating, MakeBox makeBox) {
-  if (array.slotKind != SlotKind::Object) return arrayWrite(array, at, integer, floating);
+  if (array.isUnboxed()) return arrayWrite(array, at, integer, floating);
   const vc::RootedHandle box(makeBox());
   assignOrRaise(array, at, box.get());
 }
@@ -139,19 +138,19 @@ long long vorn_collections_Array_rawSize(void* array) {
 
 void* vorn_collections_Array_rawDataPtr(void* array) {
   ArrayData* data = unlockedRecord(array);
-  return data != nullptr && data->slotKind != SlotKind::Object ? data->primitive.data : nullptr;
+  return data != nullptr && data->isUnboxed() ? data->primitive.data : nullptr;
 }
 
 long long* vorn_collections_Array_i64DataPtr(void* array) {
   if (array == nullptr) return nullptr;
   ArrayData& data = *getArrayData(array);
-  return data.slotKind == SlotKind::Int64 ? reinterpret_cast<long long*>(data.primitive.data) : nullptr;
+  return data.slotKind == ArraySlotKind::Int64 ? reinterpret_cast<long long*>(data.primitive.data) : nullptr;
 }
 
 double* vorn_collections_Array_f64DataPtr(void* array) {
   if (array == nullptr) return nullptr;
   ArrayData& data = *getArrayData(array);
-  return data.slotKind == SlotKind::Float64 ? reinterpret_cast<double*>(data.primitive.data) : nullptr;
+  return data.slotKind == ArraySlotKind::Float64 ? reinterpret_cast<double*>(data.primitive.data) : nullptr;
 }
 
 long long vorn_collections_Array_getInt(void* array, long long index) {
@@ -159,7 +158,7 @@ long long vorn_collections_Array_getInt(void* array, long long index) {
   const ArrayData& data = *getArrayData(array);
   if (data.synchronized) [[unlikely]]
     return lockedIntAtOrRaise(data, index);
-  if (!isPlainIndex(data, SlotKind::Int32, index)) [[unlikely]]
+  if (!isPlainIndex(data, ArraySlotKind::Int32, index)) [[unlikely]]
     return intAtOrRaise(data, index);
   return vc::loadElement<std::int32_t>(data.primitive.data, static_cast<std::uint64_t>(index));
 }
@@ -169,7 +168,7 @@ double vorn_collections_Array_getDouble(void* array, long long index) {
   const ArrayData& data = *getArrayData(array);
   if (data.synchronized) [[unlikely]]
     return lockedDoubleAtOrRaise(data, index);
-  if (!isPlainIndex(data, SlotKind::Float64, index)) [[unlikely]]
+  if (!isPlainIndex(data, ArraySlotKind::Float64, index)) [[unlikely]]
     return doubleAtOrRaise(data, index);
   return vc::loadElement<double>(data.primitive.data, static_cast<std::uint64_t>(index));
 }
@@ -180,7 +179,7 @@ void vorn_collections_Array_setInt(void* array, long long index, long long value
   if (data.synchronized) [[unlikely]]
     return lockedSetIntOrRaise(data, index, value);
   // No character type has slots of this kind.
-  if (!isPlainIndex(data, SlotKind::Int32, index)) [[unlikely]]
+  if (!isPlainIndex(data, ArraySlotKind::Int32, index)) [[unlikely]]
     return setIntOrRaise(data, index, value);
   const auto element = static_cast<std::int32_t>(value);
   std::memcpy(data.primitive.data + static_cast<std::uint64_t>(index) * sizeof(element), &element, sizeof(element));

@@ -13,7 +13,6 @@
 #include "collections/core/port/roots.h"
 
 namespace vc = vorn::collections;
-using vc::primitiveKindOf;
 
 namespace {
 
@@ -24,17 +23,17 @@ void sortObjectSlots(ArrayData& array) {
   vc::HandleVector handles;
   handles->assign(array.objects.data, array.objects.data + array.objects.size);
   vc::sortHandlesThroughErrors(handles->data(), handles->size());
-  if (array.slotKind != ArraySlotKind::Object || array.elementType != elementType) return;
+  if (array.isUnboxed() || array.elementType != elementType) return;
   std::copy_n(handles->data(), std::min<std::uint64_t>(handles->size(), array.objects.size), array.objects.data);
 }
 
 void sortSlots(ArrayData& array) {
-  if (array.slotKind == ArraySlotKind::Object) return sortObjectSlots(array);
-  vc::sortElements(primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size);
+  if (!array.isUnboxed()) return sortObjectSlots(array);
+  vc::sortElements(vc::primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size);
 }
 
 void reverseSlots(ArrayData& array) {
-  if (array.slotKind == ArraySlotKind::Object) {
+  if (!array.isUnboxed()) {
     return std::reverse(array.objects.data, array.objects.data + array.objects.size);
   }
   vc::reverseElements(array.primitive.data, array.primitive.size, array.primitive.elementSize);

@@ -11,8 +11,6 @@
 #include "collections/core/port/object_layout.h"
 
 namespace vc = vorn::collections;
-using vc::kNotFound;
-using vc::primitiveKindOf;
 
 namespace {
 
@@ -38,25 +36,25 @@ class SlotMatcher {
 };
 
 std::uint64_t findFirst(const ArrayData& array, void* value, std::uint64_t from) {
-  if (array.slotKind != ArraySlotKind::Object) {
+  if (array.isUnboxed()) {
     vc::SlotScalar scalar;
-    if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return kNotFound;
-    return vc::findFirstElement(primitiveKindOf(array.slotKind), array.primitive.data, from, array.primitive.size,
+    if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return vc::kNotFound;
+    return vc::findFirstElement(vc::primitiveKindOf(array.slotKind), array.primitive.data, from, array.primitive.size,
                                 scalar.integer, scalar.floating);
   }
   SlotMatcher matcher(array, value);
   for (std::uint64_t i = from; i < arrayLogicalSize(array) && !matcher.failed(); ++i) {
     if (matcher.matches(i)) return i;
   }
-  return kNotFound;
+  return vc::kNotFound;
 }
 
 // Downwards from below `end`.
 std::uint64_t findLast(const ArrayData& array, void* value, std::uint64_t end) {
-  if (array.slotKind != ArraySlotKind::Object) {
+  if (array.isUnboxed()) {
     vc::SlotScalar scalar;
-    if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return kNotFound;
-    return vc::findLastElement(primitiveKindOf(array.slotKind), array.primitive.data, end, scalar.integer,
+    if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return vc::kNotFound;
+    return vc::findLastElement(vc::primitiveKindOf(array.slotKind), array.primitive.data, end, scalar.integer,
                                scalar.floating);
   }
   SlotMatcher matcher(array, value);
@@ -66,14 +64,14 @@ std::uint64_t findLast(const ArrayData& array, void* value, std::uint64_t end) {
     --end;
     if (matcher.matches(end)) return end;
   }
-  return kNotFound;
+  return vc::kNotFound;
 }
 
 std::uint64_t countEqual(const ArrayData& array, void* value) {
-  if (array.slotKind != ArraySlotKind::Object) {
+  if (array.isUnboxed()) {
     vc::SlotScalar scalar;
     if (value == nullptr || !vc::readSlotScalar(array, value, scalar)) return 0;
-    return vc::countElements(primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size,
+    return vc::countElements(vc::primitiveKindOf(array.slotKind), array.primitive.data, array.primitive.size,
                              scalar.integer, scalar.floating);
   }
   SlotMatcher matcher(array, value);
@@ -95,7 +93,7 @@ bool vorn_collections_Array_operator_in(void* array, void* value) {
   if (array == nullptr) return false;
   const ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
-  return findFirst(data, value, 0) != kNotFound;
+  return findFirst(data, value, 0) != vc::kNotFound;
 }
 
 // A negative start begins at the first element: here it does not count from the end.

@@ -8,7 +8,7 @@ namespace vorn::collections {
 
 void copySlots(const ArrayData& source, long long first, long long step, std::uint64_t count, ArrayData& target,
                std::uint64_t at) {
-  if (source.slotKind == ArraySlotKind::Object) {
+  if (!source.isUnboxed()) {
     auto position = static_cast<std::uint64_t>(first);
     for (std::uint64_t i = 0; i < count; ++i, position += static_cast<std::uint64_t>(step)) {
       target.objects.data[at + i] = source.objects.data[position];

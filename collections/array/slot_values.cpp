@@ -11,6 +11,7 @@
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
+#include "collections/core/unicode.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveType;
@@ -55,7 +56,7 @@ bool acceptsHandle(const ArrayData& array, void* value) {
 namespace vorn::collections {
 
 bool readSlotScalar(const ArrayData& array, void* value, SlotScalar& scalar) {
-  if (array.slotKind == ArraySlotKind::Object) return false;
+  if (!array.isUnboxed()) return false;
   if (arraySlotKindIsFloating(array.slotKind)) {
     if (!extractArrayElementDouble(value, scalar.floating)) return false;
     scalar.integer = truncateToI64(scalar.floating);
@@ -87,7 +88,7 @@ AcceptedValues acceptedBySlots(const ArrayData& array, const ElementType& type) 
 
 void* arraySlotToObject(const ArrayData& array, std::uint64_t index) {
   if (index >= arrayLogicalSize(array)) return nullptr;
-  if (array.slotKind == ArraySlotKind::Object) return array.objects.data[index];
+  if (!array.isUnboxed()) return array.objects.data[index];
   if (array.slotKind == ArraySlotKind::Bool) return Vorn_boxBool(arrayReadI64(array, index) != 0);
   const RuntimeTypeName type = array.elementType.shortForm();
   const auto typeOr = [&](PrimitiveType otherwise) { return type.empty() ? vc::typeNameOf(otherwise) : type; };
@@ -98,7 +99,7 @@ void* arraySlotToObject(const ArrayData& array, std::uint64_t index) {
 }
 
 bool assignArraySlotValue(ArrayData& array, std::uint64_t index, void* value) {
-  if (array.slotKind == ArraySlotKind::Object) {
+  if (!array.isUnboxed()) {
     if (!acceptsHandle(array, value)) return false;
     array.objects.data[index] = value;
     return true;
@@ -111,7 +112,7 @@ bool assignArraySlotValue(ArrayData& array, std::uint64_t index, void* value) {
 
 bool arraySlotEqualsObject(const ArrayData& array, std::uint64_t index, void* value) {
   if (index >= arrayLogicalSize(array)) return false;
-  if (array.slotKind == ArraySlotKind::Object) {
+  if (!array.isUnboxed()) {
     // User equality may replace the slot, and then only this frame holds what it compares.
     const vc::RootedHandle slot(array.objects.data[index]);
     return listValuesEqual(value, slot.get());

@@ -10,7 +10,6 @@
 #include "collections/core/port/objects.h"
 
 namespace vc = vorn::collections;
-using vc::primitiveKindOf;
 
 namespace {
 
@@ -31,7 +30,7 @@ Sum sumObjectsOrRaise(const SmallObjectVector& objects, Read read) {
 // In floating slots every element is truncated by itself, unlike in the sum of a list.
 long long sumTruncated(const ArrayData& array) {
   unsigned long long sum = 0;
-  vc::visitKind(primitiveKindOf(array.slotKind), [&](auto tag) {
+  vc::visitKind(vc::primitiveKindOf(array.slotKind), [&](auto tag) {
     for (std::uint64_t i = 0; i < array.primitive.size; ++i) {
       sum += static_cast<unsigned long long>(vc::readElementI64(tag, array.primitive.data, i));
     }
@@ -41,7 +40,7 @@ long long sumTruncated(const ArrayData& array) {
 
 double sumAsDoubles(const ArrayData& array) {
   double sum = 0.0;
-  vc::visitKind(primitiveKindOf(array.slotKind), [&](auto tag) {
+  vc::visitKind(vc::primitiveKindOf(array.slotKind), [&](auto tag) {
     for (std::uint64_t i = 0; i < array.primitive.size; ++i) {
       sum += vc::readElementF64(tag, array.primitive.data, i);
     }
@@ -56,8 +55,8 @@ long long vorn_collections_Array_sumI64Fast(void* array) {
   const ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
   if (arraySlotKindIsFloating(data.slotKind)) return sumTruncated(data);
-  if (data.slotKind != ArraySlotKind::Object) {
-    return vc::sumIntegers(primitiveKindOf(data.slotKind), data.primitive.data, data.primitive.size);
+  if (data.isUnboxed()) {
+    return vc::sumIntegers(vc::primitiveKindOf(data.slotKind), data.primitive.data, data.primitive.size);
   }
   // Unsigned, so that the sum wraps around.
   return static_cast<long long>(sumObjectsOrRaise<unsigned long long>(
@@ -68,6 +67,6 @@ double vorn_collections_Array_sumF64Fast(void* array) {
   if (array == nullptr) return 0.0;
   const ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
-  if (data.slotKind != ArraySlotKind::Object) return sumAsDoubles(data);
+  if (data.isUnboxed()) return sumAsDoubles(data);
   return sumObjectsOrRaise<double>(data.objects, [](void* element) { return Vorn_getField_double(element, "_value"); });
 }

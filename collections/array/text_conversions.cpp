@@ -10,10 +10,10 @@
 #include "collections/core/array_slot_kind.h"
 #include "collections/core/errors.h"
 #include "collections/core/kernels/element_access.h"
-#include "collections/core/number_rules.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/pending_errors.h"
 #include "collections/core/port/values.h"
+#include "collections/core/unicode.h"
 
 namespace vc = vorn::collections;
 
@@ -59,22 +59,8 @@ class Utf8Writer {
   explicit Utf8Writer(std::string& text) : text_(text) {}
 
   void put(std::uint32_t scalar) {
-    if (used_ > sizeof(bytes_) - 4) flush();
-    if (scalar <= 0x7F) {
-      putByte(scalar);
-    } else if (scalar <= 0x7FF) {
-      putByte(0xC0 | scalar >> 6);
-      putByte(0x80 | (scalar & 0x3F));
-    } else if (scalar <= 0xFFFF) {
-      putByte(0xE0 | scalar >> 12);
-      putByte(0x80 | (scalar >> 6 & 0x3F));
-      putByte(0x80 | (scalar & 0x3F));
-    } else {
-      putByte(0xF0 | (scalar >> 18 & 0x07));
-      putByte(0x80 | (scalar >> 12 & 0x3F));
-      putByte(0x80 | (scalar >> 6 & 0x3F));
-      putByte(0x80 | (scalar & 0x3F));
-    }
+    if (used_ > sizeof(bytes_) - vc::kLongestUtf8) flush();
+    used_ += vc::encodeUtf8(scalar, bytes_ + used_);
   }
 
   void put(const char* text) {
@@ -97,8 +83,6 @@ class Utf8Writer {
   }
 
  private:
-  void putByte(std::uint32_t bits) { bytes_[used_++] = static_cast<char>(bits); }
-
   std::string& text_;
   std::size_t used_ = 0;
   char bytes_[512];
@@ -147,9 +131,6 @@ struct CharacterText {
   }
 };
 
-constexpr bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-constexpr bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 struct CodeUnitText {
   // The order of the tests decides which error a text with several faults raises.
   template <class Slots>
@@ -161,16 +142,16 @@ struct CodeUnitText {
         vc::errors::raiseNulInString();
         return kRaised;
       }
-      if (isHighSurrogate(unit)) {
+      if (vc::isHighSurrogate(unit)) {
         const std::uint32_t low = at + 1 < size ? unitAt(at + 1) : 0;
-        if (!isLowSurrogate(low)) [[unlikely]] {
+        if (!vc::isLowSurrogate(low)) [[unlikely]] {
           vc::errors::raiseUnpairedHighSurrogate();
           return kRaised;
         }
         writer.put((unit - 0xD800) * 0x400 + (low - 0xDC00) + 0x10000);
         return at + 2;
       }
-      if (isLowSurrogate(unit)) [[unlikely]] {
+      if (vc::isLowSurrogate(unit)) [[unlikely]] {
         vc::errors::raiseUnpairedLowSurrogate();
         return kRaised;
       }
@@ -182,7 +163,7 @@ struct CodeUnitText {
  private:
   // A unit that is no surrogate. Beyond 16 bits only the runtime knows whether it has a text.
   static void putUnit(std::uint32_t unit, Utf8Writer& writer) {
-    if (unit <= 0xFFFF) [[likely]]
+    if (vc::isCodeUnit(unit)) [[likely]]
       return writer.put(unit);
     if (const char* unitText = Vorn_codeUnitToString(unit)) writer.put(unitText);
   }

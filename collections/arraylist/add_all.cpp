@@ -46,7 +46,7 @@ unsigned char* openPrimitiveGap(SmallPrimitiveBuffer& buffer, std::uint64_t inde
 
 // Makes the list ready to keep `count` elements more of a type that it can keep unboxed, and opens the gap for them.
 unsigned char* openUnboxedGap(ListData& list, std::uint64_t index, std::uint64_t count, const vc::ElementType& type) {
-  if (list.primitiveKind == PrimitiveKind::None) {
+  if (!list.isUnboxed()) {
     vc::resetToPrimitiveStorage(list, type.kind, type.name, count);
   } else {
     configurePrimitiveStorage(list, list.primitiveKind);

@@ -12,7 +12,9 @@
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
 #include "collections/core/kinds.h"
+#include "collections/core/number_rules.h"
 #include "collections/core/port/object_layout.h"
+#include "collections/core/unicode.h"
 
 namespace vc = vorn::collections;
 using vc::PrimitiveKind;
@@ -48,9 +50,6 @@ inline bool appendToIntStorage(ListData& list, long long value) {
   return true;
 }
 
-long long integerReading(long long value) { return value; }
-long long integerReading(double value) { return vc::truncateToI64(value); }
-
 // Whether the list keeps its elements under its kind's own name, and as such takes the value: the character types,
 // which have their kind's second name, take some only.
 template <class Value>
@@ -59,7 +58,7 @@ inline bool keptUnderOwnNameTakes(const ListData& list, Value value) {
   if (type == vc::plainTypeOf(list.primitiveKind)) [[likely]]
     return true;
   return vc::kindOf(type) == list.primitiveKind &&
-         vc::storableValues(list.primitiveType).contains(integerReading(value));
+         vc::storableValues(list.primitiveType).contains(vc::integerReading(value));
 }
 
 // Equality of names without a call: they are short.
@@ -77,7 +76,7 @@ inline bool sameText(const char* left, const char* right) {
 template <class Value>
 inline bool appendToStorageOf(ListData& list, const char* typeName, Value value) {
   SmallPrimitiveBuffer& buffer = list.primitive;
-  if (list.primitiveKind == PrimitiveKind::None || buffer.size >= buffer.capacity) return false;
+  if (!list.isUnboxed() || buffer.size >= buffer.capacity) return false;
   if (!list.elementType.empty() && list.elementType != list.primitiveType) return false;
   if (!keptUnderOwnNameTakes(list, value) || !sameText(list.primitiveType.get().data(), typeName)) return false;
   return vc::visitKind(
@@ -85,7 +84,7 @@ inline bool appendToStorageOf(ListData& list, const char* typeName, Value value)
       [&](auto tag) {
         using Tag = decltype(tag);
         if (buffer.elementSize != sizeof(typename Tag::Element)) return false;
-        const long long integer = vc::isFloatingKind(Tag::kind) ? 0 : integerReading(value);
+        const long long integer = vc::isFloatingKind(Tag::kind) ? 0 : vc::integerReading(value);
         vc::storeElement(tag, buffer.data, buffer.size, integer, static_cast<double>(value));
         ++buffer.size;
         return true;

@@ -5,7 +5,8 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/port/type_names.h"
 
-using vorn::collections::CollectedValues;
+namespace vc = vorn::collections;
+using vc::CollectedValues;
 
 namespace {
 

@@ -77,11 +77,11 @@ void CollectedValues::collectList(void* list, bool lent) {
   const ListData& data = *getListData(list);
   // A linked list has nothing to lend but its nodes.
   if (lent && !data.synchronized && !data.linked) {
-    if (data.primitiveKind == PrimitiveKind::None) return useHandles(data.objects.data, data.objects.size);
+    if (!data.isUnboxed()) return useHandles(data.objects.data, data.objects.size);
     return useElements(data.primitiveKind, data.primitiveType, data.primitive.data, data.primitive.size);
   }
   snapshotListStorage(list, copy_);
-  if (copy_.primitiveKind == PrimitiveKind::None) return useHandles(copy_.objects->data(), copy_.objects->size());
+  if (!copy_.isUnboxed()) return useHandles(copy_.objects->data(), copy_.objects->size());
   useElements(copy_.primitiveKind, copy_.primitiveType, copy_.elements.data(), copy_.size());
 }
 

@@ -9,13 +9,11 @@
 #include "collections/arraylist/snapshots.h"
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/storage_transitions.h"
-#include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/storage/primitive_copies.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 
@@ -37,7 +35,7 @@ std::uint64_t sizeNow(void* list) {
 
 // The first operand: the new list takes over its storage, with room for what will probably follow.
 void copyFirst(const ListData& source, std::uint64_t expected, ListData& result) {
-  if (source.primitiveKind == PrimitiveKind::None || result.linked) return appendBoxed(source, result);
+  if (!source.isUnboxed() || result.linked) return appendBoxed(source, result);
   vc::adoptPrimitiveStorageOf(source, result, source.primitive.size + expected);
   vc::appendPrimitiveElements(source, 0, 1, source.primitive.size, result);
 }
@@ -45,7 +43,7 @@ void copyFirst(const ListData& source, std::uint64_t expected, ListData& result)
 // The second operand: unboxed only behind elements of its own kind and name. `classElementType` is what the result's
 // class declares, to which a result in boxed storage goes back.
 void appendSecond(const ListData& source, ListData& result, RuntimeTypeName classElementType) {
-  if (source.primitiveKind != PrimitiveKind::None && vc::keptElementType(source) == vc::keptElementType(result)) {
+  if (source.isUnboxed() && vc::keptElementType(source) == vc::keptElementType(result)) {
     return vc::appendPrimitiveElements(source, 0, 1, source.primitive.size, result);
   }
   materializePrimitiveList(result, source.logicalSize());
@@ -60,7 +58,7 @@ std::uint64_t repeatedSize(std::uint64_t size, std::uint64_t times) {
 
 void repeatInto(const ListData& source, std::uint64_t times, ListData& result) {
   const std::uint64_t size = source.logicalSize();
-  if (source.primitiveKind != PrimitiveKind::None) {
+  if (source.isUnboxed()) {
     vc::adoptPrimitiveStorageOf(source, result, repeatedSize(size, times));
     vc::appendPrimitiveElements(source, 0, 1, size, result);
     return vc::repeatPrimitiveElements(result, size, times);

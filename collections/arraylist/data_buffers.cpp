@@ -105,7 +105,7 @@ void commitDouble(ListData& list, long long n) {
 }
 
 void commitPrimitive(ListData& list, long long n) {
-  if (list.primitiveKind == PrimitiveKind::None) return vc::errors::raisePrimitiveStorageExpected();
+  if (!list.isUnboxed()) return vc::errors::raisePrimitiveStorageExpected();
   list.primitive.reserve(countOf(n));
   list.primitive.size = countOf(n);
   list.i64Mirror.size = 0;
@@ -226,7 +226,7 @@ void* vorn_collections_ArrayList_primitiveDataPtr(void* list) {
   if (list == nullptr) return nullptr;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  if (data.primitiveKind == PrimitiveKind::None) return nullptr;
+  if (!data.isUnboxed()) return nullptr;
   configurePrimitiveStorage(data, data.primitiveKind);
   return data.primitive.data;
 }
@@ -239,11 +239,11 @@ void vorn_collections_ArrayList_reserve(void* list, long long n) {
   if (data.linked) return;
   const ListDataLock lock(data);
   const std::uint64_t count = countOf(n);
-  const bool empty = data.primitiveKind == PrimitiveKind::None && data.objects.size == 0;
+  const bool empty = !data.isUnboxed() && data.objects.size == 0;
   const vc::ElementType declared = empty ? vc::declaredElementType(data) : vc::ElementType{};
   if (declared.kind != PrimitiveKind::None) {
     vc::resetToPrimitiveStorage(data, declared.kind, declared.name, count);
-  } else if (data.primitiveKind != PrimitiveKind::None) {
+  } else if (data.isUnboxed()) {
     configurePrimitiveStorage(data, data.primitiveKind);
     data.primitive.reserve(count);
   } else {

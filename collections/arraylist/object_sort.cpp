@@ -5,7 +5,6 @@
 #include "collections/arraylist/object_cursor.h"
 #include "collections/core/equality/element_order.h"
 #include "collections/core/kernels/sort/introsort.h"
-#include "collections/core/kinds.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/comparison.h"
 #include "collections/core/storage/list_data.h"
@@ -70,7 +69,7 @@ void sortByElementOrder(ListData& list) {
   HandleVector handles;
   list.copyObjectsTo(*handles);
   if (!sortHandles(handles->data(), handles->size())) return;
-  if (list.primitiveKind != PrimitiveKind::None || list.elementType != elementType) return;
+  if (list.isUnboxed() || list.elementType != elementType) return;
   ObjectCursor cursor(list);
   const std::uint64_t count = std::min<std::uint64_t>(handles->size(), list.objectCount());
   for (std::uint64_t i = 0; i < count; ++i) cursor.replace(i, (*handles)[i]);

@@ -21,7 +21,7 @@ namespace {
 void* elementAtOrRaise(ListData& list, long long index) {
   const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
   if (!at) return nullptr;
-  if (list.primitiveKind == PrimitiveKind::None) return vc::ObjectCursor(list).at(*at);
+  if (!list.isUnboxed()) return vc::ObjectCursor(list).at(*at);
   return boxPrimitiveElement(list, *at);
 }
 
@@ -44,7 +44,7 @@ inline bool readUnboxedInt(const ListData& list, long long index, long long& val
 [[gnu::noinline]] long long intAtOrRaise(ListData& list, long long index) {
   const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
   if (!at) return 0;
-  if (list.primitiveKind != PrimitiveKind::None) return primitiveListReadI64(list, *at);
+  if (list.isUnboxed()) return primitiveListReadI64(list, *at);
   void* element = vc::ObjectCursor(list).at(*at);
   if (element == nullptr) {
     vc::errors::raiseExpectedIntItem();
@@ -66,7 +66,7 @@ inline bool readUnboxedInt(const ListData& list, long long index, long long& val
 double doubleAtOrRaise(ListData& list, long long index) {
   const auto at = vc::elementIndexOrRaise(list.logicalSize(), index);
   if (!at) return 0.0;
-  if (list.primitiveKind != PrimitiveKind::None) return primitiveListReadF64(list, *at);
+  if (list.isUnboxed()) return primitiveListReadF64(list, *at);
   void* element = vc::ObjectCursor(list).at(*at);
   if (element == nullptr) {
     vc::errors::raiseExpectedFloatingItem();

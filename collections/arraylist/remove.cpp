@@ -6,11 +6,9 @@
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/index_rules.h"
-#include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 void vorn_collections_ArrayList_removeAt(void* list, long long index) {
   if (list == nullptr) return;
@@ -18,7 +16,7 @@ void vorn_collections_ArrayList_removeAt(void* list, long long index) {
   const ListDataLock lock(data);
   const auto at = vc::elementIndexOrRaise(data.logicalSize(), index);
   if (!at) return;
-  if (data.primitiveKind != PrimitiveKind::None) {
+  if (data.isUnboxed()) {
     primitiveListEraseAt(data, *at);
   } else {
     data.objectErase(*at);

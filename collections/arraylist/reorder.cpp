@@ -13,7 +13,6 @@
 #include "collections/core/port/text.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 
@@ -55,7 +54,7 @@ void shuffleHandles(void** handles, std::uint64_t size) {
 
 void shuffleList(ListData& list) {
   if (list.logicalSize() < 2) return;
-  if (list.primitiveKind != PrimitiveKind::None) return shufflePrimitive(list.primitive);
+  if (list.isUnboxed()) return shufflePrimitive(list.primitive);
   if (!list.linked) return shuffleHandles(list.objects.data, list.objects.size);
   vc::HandleVector handles;
   list.copyObjectsTo(*handles);
@@ -69,7 +68,7 @@ void vorn_collections_ArrayList_reverse(void* list) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  if (data.primitiveKind != PrimitiveKind::None) return primitiveListReverse(data);
+  if (data.isUnboxed()) return primitiveListReverse(data);
   if (data.linked) return data.linkedObjects.reverse();
   std::reverse(data.objects.data, data.objects.data + data.objects.size);
 }

@@ -3,6 +3,8 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/port/type_names.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 void* allocateListOfClass(const char* className, ListData** out) {
@@ -18,7 +20,7 @@ void* allocateMutableListResultLike(void* list, ListData** out) {
   *out = nullptr;
   const char* className = Vorn_objectTypeName(list);
   if (className != nullptr && isLinkedListLike(className)) {
-    return vorn::collections::allocateListOfClass(className, out);
+    return vc::allocateListOfClass(className, out);
   }
   const bool synchronised = className != nullptr && isSyncArrayListLike(className);
   return Vorn_allocArrayListObjectFast(synchronised, out, true);

@@ -16,6 +16,8 @@
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -30,7 +32,7 @@ bool asOwnElement(const ListData& list, void* value, BulkPrimitiveListValue& raw
 
 // Whether a primitive list can be searched unboxed for the value. Otherwise the list is boxed storage afterwards.
 bool searchesUnboxed(ListData& list, void* value, BulkPrimitiveListValue& raw) {
-  if (list.primitiveKind == PrimitiveKind::None) return false;
+  if (!list.isUnboxed()) return false;
   if (asOwnElement(list, value, raw)) return true;
   materializePrimitiveList(list);
   return false;
@@ -133,12 +135,10 @@ bool removeEqual(ListData& list, void* value) {
 
 }  // namespace vorn::collections
 
-namespace vc = vorn::collections;
-
 long long arrayListIndexOfLocked(ListData& list, void* value, long long start, bool last) {
   const auto from = vc::searchStart(list.logicalSize(), start, last);
   if (!from) return -1;
-  if (list.primitiveKind != vc::PrimitiveKind::None) {
+  if (list.isUnboxed()) {
     BulkPrimitiveListValue raw;
     if (!vc::asOwnElement(list, value, raw)) return -1;
     return vc::indexOrMinusOne(last ? vc::findLastPrimitive(list, raw, *from)

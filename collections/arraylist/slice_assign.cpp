@@ -132,7 +132,7 @@ void writeBoxed(ListData& list, const vc::SlicePositions& positions, const vc::C
 // Assigns value by value as operator_index_eq would; the first refusal ends it.
 void assignElementwise(ListData& list, const vc::SlicePositions& positions, const vc::CollectedValues& values) {
   if (positions.empty()) return;
-  const bool boxed = list.primitiveKind == PrimitiveKind::None;
+  const bool boxed = !list.isUnboxed();
   StagedElements staged(list, boxed || values.raw() ? 0 : values.size());
   const AssignmentPlan plan = boxed          ? planBoxed(list, values)
                               : values.raw() ? planRaw(list, values)

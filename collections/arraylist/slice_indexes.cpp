@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -33,8 +35,6 @@ SliceBounds SliceExpression::forwardBounds(std::uint64_t length) const {
 }
 
 }  // namespace vorn::collections
-
-namespace vc = vorn::collections;
 
 vc::SlicePositions computeSliceIndexes(long long length, long long start, long long stop, long long step, bool hasStart,
                                        bool hasStop) {

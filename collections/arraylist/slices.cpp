@@ -7,18 +7,16 @@
 #include "collections/arraylist/slice_indexes.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
-#include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/primitive_copies.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 
 // Fills a new list with the selected elements; both records are locked by the caller.
 void copySlice(ListData& source, const vc::SlicePositions& positions, ListData& target) {
-  if (source.primitiveKind != PrimitiveKind::None) {
+  if (source.isUnboxed()) {
     vc::adoptPrimitiveStorageOf(source, target, positions.count);
     return vc::appendPrimitiveElements(source, positions.first, positions.step, positions.count, target);
   }

@@ -5,8 +5,8 @@
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 
-using vorn::collections::HandleVector;
-using vorn::collections::PrimitiveKind;
+namespace vc = vorn::collections;
+using vc::HandleVector;
 
 namespace vorn::collections {
 
@@ -22,25 +22,25 @@ void appendBoxes(PrimitiveKind kind, RuntimeTypeName typeName, const unsigned ch
 }
 
 void appendListObjectsLocked(const ListData& list, HandleVector::Storage& values) {
-  if (list.primitiveKind == PrimitiveKind::None) return list.copyObjectsTo(values);
+  if (!list.isUnboxed()) return list.copyObjectsTo(values);
   appendBoxes(list.primitiveKind, list.primitiveType, list.primitive.data, list.primitive.size, values);
 }
 
 }  // namespace vorn::collections
 
 std::uint64_t ListStorageSnapshot::size() const {
-  if (primitiveKind == PrimitiveKind::None) return objects->size();
-  return elements.size() / vorn::collections::primitiveWidth(primitiveKind);
+  if (!isUnboxed()) return objects->size();
+  return elements.size() / vc::primitiveWidth(primitiveKind);
 }
 
 void snapshotListStorage(void* list, ListStorageSnapshot& snapshot) {
   if (list == nullptr) return;
-  const vorn::collections::RootedHandle keepList(list);
+  const vc::RootedHandle keepList(list);
   const ListData& data = *getListData(list);
   const ListDataLock lock(data);
   snapshot.primitiveKind = data.primitiveKind;
   snapshot.primitiveType = data.primitiveType;
-  if (data.primitiveKind == PrimitiveKind::None) return data.copyObjectsTo(*snapshot.objects);
+  if (!data.isUnboxed()) return data.copyObjectsTo(*snapshot.objects);
   const unsigned char* elements = data.primitive.data;
   snapshot.elements.assign(elements, elements + data.primitive.size * data.primitive.elementSize);
 }
@@ -48,6 +48,6 @@ void snapshotListStorage(void* list, ListStorageSnapshot& snapshot) {
 HandleVector::Storage snapshotListObjectValues(ListData& list) {
   HandleVector values;
   const ListDataLock lock(list);
-  vorn::collections::appendListObjectsLocked(list, *values);
+  vc::appendListObjectsLocked(list, *values);
   return std::move(*values);
 }

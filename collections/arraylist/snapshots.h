@@ -14,6 +14,7 @@ struct ListStorageSnapshot {
   RuntimeTypeName primitiveType;
   std::vector<unsigned char> elements;      // of a primitive list
   vorn::collections::HandleVector objects;  // of any other
+  [[nodiscard]] bool isUnboxed() const { return primitiveKind != ListData::PrimitiveKind::None; }
   [[nodiscard]] std::uint64_t size() const;
 };
 

@@ -16,7 +16,7 @@ using vc::PrimitiveKind;
 namespace {
 
 void sortLocked(ListData& list) {
-  if (list.primitiveKind != PrimitiveKind::None) return primitiveListSort(list);
+  if (list.isUnboxed()) return primitiveListSort(list);
   vc::sortObjects(list);
 }
 

@@ -10,6 +10,8 @@
 #include "collections/core/index_rules.h"
 #include "collections/core/kinds.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -69,7 +71,7 @@ void insertValueOrRaise(ListData& list, std::uint64_t index, void* value) {
 void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
   if (storeBoxOfSameType(list, list.primitive.data, index, value)) return;
   BulkPrimitiveListValue raw;
-  if (list.primitiveKind != PrimitiveKind::None && rawReplacement(list, value, raw)) {
+  if (list.isUnboxed() && rawReplacement(list, value, raw)) {
     return primitiveListWrite(list, index, raw.integer, raw.floating);
   }
   if (!ensureListValueMatchesDeclaredElementType(list, value)) return;
@@ -78,8 +80,6 @@ void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
 }
 
 }  // namespace vorn::collections
-
-namespace vc = vorn::collections;
 
 void vorn_collections_ArrayList_addAt(void* list, long long index, void* value) {
   if (list == nullptr) return;

@@ -13,7 +13,6 @@
 #include "collections/core/port/objects.h"
 
 namespace vc = vorn::collections;
-using vc::PrimitiveKind;
 
 namespace {
 
@@ -45,7 +44,7 @@ long long vorn_collections_ArrayList_sumInt(void* list) {
   if (list == nullptr) return 0;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  if (data.primitiveKind != PrimitiveKind::None) return primitiveListSumI64(data);
+  if (data.isUnboxed()) return primitiveListSumI64(data);
   // Unsigned, so that the sum wraps around.
   return static_cast<long long>(sumObjectsOrRaise<unsigned long long>(
       data, [](void* element) { return static_cast<unsigned long long>(readListItemI64(element)); }));
@@ -60,6 +59,6 @@ double vorn_collections_ArrayList_sumF64Fast(void* list) {
   if (vc::isFloatingKind(data.primitiveKind)) {
     return vc::sumFloating(data.primitiveKind, data.primitive.data, data.primitive.size);
   }
-  if (data.primitiveKind != PrimitiveKind::None) return static_cast<double>(primitiveListSumI64(data));
+  if (data.isUnboxed()) return static_cast<double>(primitiveListSumI64(data));
   return sumObjectsOrRaise<double>(data, floatingItem);
 }

@@ -19,7 +19,7 @@ void* transformedCopy(void* list, OnPrimitive onPrimitive, OnHandles onHandles) 
   HandleVector handles;
   {
     const ListDataLock lock(source);
-    if (source.primitiveKind != ListData::PrimitiveKind::None) {
+    if (source.isUnboxed()) {
       const RootedHandle result(allocateListOfClass(Vorn_objectTypeName(list), &target));
       if (target == nullptr) return nullptr;
       const ListDataLock lockResult(*target);

@@ -1,4 +1,4 @@
-// Two rules of numbers that storage, kernels and the runtime share.
+// How numbers become integers, in storage, kernels and the runtime alike.
 #pragma once
 
 #include <limits>
@@ -12,10 +12,8 @@ inline long long truncateToI64(double value) {
   return std::numeric_limits<long long>::min();
 }
 
-// Whether a number is a Unicode scalar: at most U+10FFFF and no surrogate.
-constexpr bool isUnicodeScalar(long long value) {
-  const auto bits = static_cast<unsigned long long>(value);
-  return bits <= 0x10FFFF && (bits < 0xD800 || bits > 0xDFFF);
-}
+// The integer reading of a raw value, which comes as either type.
+constexpr long long integerReading(long long value) { return value; }
+inline long long integerReading(double value) { return truncateToI64(value); }
 
 }  // namespace vorn::collections

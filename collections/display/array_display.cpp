@@ -12,6 +12,8 @@
 #include "collections/display/element_text.h"
 #include "collections/display/value_display.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -50,11 +52,9 @@ void appendArrayDisplay(DisplayBuffer& text, void* array, void** string) {
 }  // namespace vorn::collections
 
 std::string arrayToDisplayStringInternal(void* array) {
-  vorn::collections::DisplayBuffer text;
-  vorn::collections::appendArrayDisplay(text, array);
+  vc::DisplayBuffer text;
+  vc::appendArrayDisplay(text, array);
   return std::string(text.view());
 }
 
-void* vorn_collections_Array_toString(void* array) {
-  return vorn::collections::displayAsString(vorn::collections::appendArrayDisplay, array);
-}
+void* vorn_collections_Array_toString(void* array) { return vc::displayAsString(vc::appendArrayDisplay, array); }

@@ -50,7 +50,7 @@ void joinHandles(DisplayBuffer& text, ListData& list, std::string_view separator
 void joinSlots(DisplayBuffer& text, const ArrayData& array, std::string_view separator) {
   const auto kind = vc::primitiveKindOf(array.slotKind);
   const vc::ElementText form = vc::elementTextOf(kind, array.elementType.shortForm());
-  if (array.slotKind != ArraySlotKind::Object && form != vc::ElementText::Boxed) {
+  if (array.isUnboxed() && form != vc::ElementText::Boxed) {
     return vc::appendElements(text, form, kind, array.primitive.data, array.primitive.size, separator);
   }
   vc::RootedHandle element;
@@ -68,7 +68,7 @@ void* vorn_collections_ArrayList_join(void* list, const char* separator) {
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
   DisplayBuffer text;
-  if (data.primitiveKind != ListData::PrimitiveKind::None) {
+  if (data.isUnboxed()) {
     text.reserve(kExpectedText * data.primitive.size);
     vc::appendUnboxedElements(text, data, separatorOf(separator));
   } else {

@@ -16,7 +16,6 @@
 #include "collections/display/value_display.h"
 
 namespace vc = vorn::collections;
-using vc::DisplayBuffer;
 
 namespace {
 
@@ -32,7 +31,7 @@ struct ListTexts {
 };
 
 // Handles are copied under the lock and shown without it; unboxed elements are shown under it.
-void appendDisplay(DisplayBuffer& text, void* list, const ListTexts& texts, void** string) {
+void appendDisplay(vc::DisplayBuffer& text, void* list, const ListTexts& texts, void** string) {
   if (list == nullptr || CollectionDisplayGuard::isDisplaying(list)) {
     text.append(list == nullptr ? texts.null : texts.cycle);
     return vc::finishDisplay(text, string);
@@ -42,7 +41,7 @@ void appendDisplay(DisplayBuffer& text, void* list, const ListTexts& texts, void
   vc::HandleVector handles;
   {
     const ListDataLock lock(data);
-    if (data.primitiveKind != ListData::PrimitiveKind::None) {
+    if (data.isUnboxed()) {
       text.append(texts.prefix(list, data.primitive.size));
       vc::appendUnboxedElements(text, data, kSeparator);
       text.append("]");

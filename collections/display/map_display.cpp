@@ -11,6 +11,8 @@
 #include "collections/display/value_display.h"
 #include "collections/keyed/map_snapshot.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -63,6 +65,4 @@ void appendMapDisplay(DisplayBuffer& text, void* map, void** string) {
 
 }  // namespace vorn::collections
 
-void* vorn_collections_Map_toString(void* map) {
-  return vorn::collections::displayAsString(vorn::collections::appendMapDisplay, map);
-}
+void* vorn_collections_Map_toString(void* map) { return vc::displayAsString(vc::appendMapDisplay, map); }

@@ -9,6 +9,8 @@
 #include "collections/display/value_display.h"
 #include "collections/keyed/set_data.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -44,6 +46,4 @@ void appendSetDisplay(DisplayBuffer& text, void* set, void** string) {
 
 }  // namespace vorn::collections
 
-void* vorn_collections_HashSet_toString(void* set) {
-  return vorn::collections::displayAsString(vorn::collections::appendSetDisplay, set);
-}
+void* vorn_collections_HashSet_toString(void* set) { return vc::displayAsString(vc::appendSetDisplay, set); }

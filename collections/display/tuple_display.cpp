@@ -9,6 +9,8 @@
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 void appendTupleDisplay(DisplayBuffer& text, void* tuple, void** string) {
@@ -31,6 +33,4 @@ void appendTupleDisplay(DisplayBuffer& text, void* tuple, void** string) {
 
 }  // namespace vorn::collections
 
-void* vorn_collections_Tuple_toString(void* tuple) {
-  return vorn::collections::displayAsString(vorn::collections::appendTupleDisplay, tuple);
-}
+void* vorn_collections_Tuple_toString(void* tuple) { return vc::displayAsString(vc::appendTupleDisplay, tuple); }

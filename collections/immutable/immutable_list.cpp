@@ -21,8 +21,6 @@ void resetLocked(ListData& list) {
   list.elementType = {};
 }
 
-bool isUnboxed(const ListData& list) { return list.primitiveKind != ListData::PrimitiveKind::None; }
-
 // Copies unboxed elements into an empty list that is not linked. The block comes first: without one, the list stays an
 // empty list of objects. The caller holds both locks.
 void copyUnboxedLocked(const ListData& source, ListData& target) {
@@ -36,7 +34,7 @@ void fillFrom(const ListData& source, ListData& target) {
   vc::HandleVector handles;
   {
     const ListDataLock lock(source);
-    if (isUnboxed(source) && !target.linked) {
+    if (source.isUnboxed() && !target.linked) {
       const ListDataLock lockTarget(target);
       resetLocked(target);
       return copyUnboxedLocked(source, target);
@@ -53,7 +51,7 @@ void fillSorted(const ListData& source, ListData& target) {
   vc::HandleVector handles;
   {
     const ListDataLock lock(source);
-    if (isUnboxed(source)) {
+    if (source.isUnboxed()) {
       const ListDataLock lockTarget(target);
       copyUnboxedLocked(source, target);
       return primitiveListSort(target);

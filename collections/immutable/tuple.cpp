@@ -97,7 +97,7 @@ std::uint64_t storeElements(void* tuple, const ListData& list) {
   std::optional<RawValues> raw;
   {
     const ListDataLock lock(list);
-    if (list.primitiveKind != ListData::PrimitiveKind::None) {
+    if (list.isUnboxed()) {
       raw.emplace(list);
     } else {
       list.copyObjectsTo(*handles);

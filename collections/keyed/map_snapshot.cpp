@@ -4,6 +4,8 @@
 
 #include "collections/keyed/map_data.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 void snapshotTypedMapEntries(const MapData& map, MapEntryVector& entries, RuntimeTypeName& valueType) {
@@ -17,9 +19,9 @@ void snapshotTypedMapEntries(const MapData& map, MapEntryVector& entries, Runtim
 
 }  // namespace vorn::collections
 
-vorn::collections::MapEntryVector::Storage snapshotMapEntries(const MapData& map) {
-  vorn::collections::MapEntryVector entries;
+vc::MapEntryVector::Storage snapshotMapEntries(const MapData& map) {
+  vc::MapEntryVector entries;
   RuntimeTypeName valueType;
-  vorn::collections::snapshotTypedMapEntries(map, entries, valueType);
+  vc::snapshotTypedMapEntries(map, entries, valueType);
   return std::move(*entries);
 }

@@ -17,19 +17,11 @@ namespace {
 
 constexpr std::uint32_t kReplacement = 0xFFFD;
 
-std::uint32_t decoded(std::string_view sequence) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(sequence[i]); };
-  if (sequence.size() == 1) return byte(0);
-  std::uint32_t scalar = byte(0) & (0x7FU >> sequence.size());
-  for (std::size_t i = 1; i < sequence.size(); ++i) scalar = scalar << 6 | (byte(i) & 0x3F);
-  return scalar;
-}
-
 std::vector<std::uint32_t> charactersOf(std::string_view text) {
   std::vector<std::uint32_t> characters;
   while (!text.empty()) {
     const std::size_t length = utf8SequenceLength(text);
-    const std::uint32_t scalar = length == 0 ? kReplacement : decoded(text.substr(0, length));
+    const std::uint32_t scalar = length == 0 ? kReplacement : utf8Decoded(text.substr(0, length));
     characters.push_back(scalar == 0 ? kReplacement : scalar);
     text.remove_prefix(length == 0 ? 1 : length);
   }

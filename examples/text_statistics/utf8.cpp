@@ -24,6 +24,14 @@ std::size_t utf8SequenceLength(std::string_view text) {
   return refused ? 0 : length;
 }
 
+std::uint32_t utf8Decoded(std::string_view sequence) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(sequence[i]); };
+  if (sequence.size() == 1) return byte(0);
+  std::uint32_t scalar = byte(0) & (0x7FU >> sequence.size());
+  for (std::size_t i = 1; i < sequence.size(); ++i) scalar = scalar << 6 | (byte(i) & 0x3F);
+  return scalar;
+}
+
 long long countCharacters(std::string_view text) {
   long long count = 0;
   while (!text.empty()) {

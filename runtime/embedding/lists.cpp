@@ -10,7 +10,7 @@ void describe(const ListData& list, vorn_list_storage_info& info) {
   info.element_type = list.elementType.get().data();
   info.primitive_type = list.primitiveType.get().data();
   info.size = list.logicalSize();
-  if (list.primitiveKind != ListData::PrimitiveKind::None) {
+  if (list.isUnboxed()) {
     info.storage = VORN_LIST_PRIMITIVE;
     info.capacity = list.primitive.capacity;
     info.bytes_per_element = list.primitive.elementSize;

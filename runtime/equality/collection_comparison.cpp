@@ -161,7 +161,7 @@ class Comparison {
     UnboxedElements leftInPlace;
     {
       const Lock lock(leftData);
-      if (!isUnboxed(leftData)) {
+      if (!leftData.isUnboxed()) {
         leftElements.emplace(firstHandle, appendHandles(leftData, *handles_));
       } else {
         leftInPlace = UnboxedElements(leftData);
@@ -170,7 +170,7 @@ class Comparison {
       }
     }
     const Lock lock(rightData);
-    if (!isUnboxed(rightData)) {
+    if (!rightData.isUnboxed()) {
       if (!leftElements) leftElements.emplace(leftInPlace);
       const std::size_t rightFirst = handles_->size();
       levels_.push_back(

@@ -66,10 +66,6 @@ class ElementSnapshot {
   std::size_t count_ = 0;
 };
 
-// Whether the elements are unboxed. The caller holds the lock.
-inline bool isUnboxed(const ListData& list) { return list.primitiveKind != ListData::PrimitiveKind::None; }
-inline bool isUnboxed(const ArrayData& array) { return array.slotKind != ArraySlotKind::Object; }
-
 // Appends the list's handles to the vector and gives their number. The caller holds the list's lock. Allocates.
 std::size_t appendHandles(const ListData& list, collections::HandleVector::Storage& handles);
 

@@ -55,7 +55,7 @@ class SequenceHash {
     collections::HandleVector handles;
     {
       const ListDataLock lock(data);
-      if (data.primitiveKind != ListData::PrimitiveKind::None) return addUnboxed(state, UnboxedElements(data));
+      if (data.isUnboxed()) return addUnboxed(state, UnboxedElements(data));
       if (data.synchronized || data.linked) appendHandles(data, *handles);
     }
     // A list that has no lock is read where it is.

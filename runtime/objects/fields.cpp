@@ -2,9 +2,9 @@
 
 #include <bit>
 #include <cstring>
-#include <limits>
 #include <string_view>
 
+#include "collections/core/number_rules.h"
 #include "collections/core/port/objects.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/tuple_object.h"
@@ -40,7 +40,7 @@ Result readNumber(const void* handle, const char* name) {
   if (field == nullptr || field->kind == ObjectField::Kind::Handle) return Result{};
   const std::uint64_t word = loadField(handle, *field);
   if (field->kind != ObjectField::Kind::Floating) return static_cast<Result>(static_cast<std::int64_t>(word));
-  if constexpr (std::is_same_v<Result, long long>) return truncateToInteger(std::bit_cast<double>(word));
+  if constexpr (std::is_same_v<Result, long long>) return collections::truncateToI64(std::bit_cast<double>(word));
   return static_cast<Result>(std::bit_cast<double>(word));
 }
 
@@ -70,12 +70,6 @@ bool isWritable(const void* object) {
   return hasObjectMagic(object) && !isBoxKind(static_cast<const ObjectRecord*>(object)->kind());
 }
 
-std::int64_t truncateToInteger(double value) {
-  constexpr double kLimit = 0x1p63;
-  if (!(value >= -kLimit && value < kLimit)) return std::numeric_limits<std::int64_t>::min();
-  return static_cast<std::int64_t>(value);
-}
-
 }  // namespace vorn::runtime
 
 using vorn::runtime::boxAskedForValue;
@@ -84,7 +78,7 @@ using vorn::runtime::TupleObject;
 extern "C" long long Vorn_getField_i64(void* handle, const char* field) {
   if (const RegisteredObject* box = boxAskedForValue(handle, field)) [[likely]] {
     if (box->kind() != ObjectKind::FloatingBox) return box->integer;
-    return vorn::runtime::truncateToInteger(std::bit_cast<double>(box->integer));
+    return vorn::collections::truncateToI64(std::bit_cast<double>(box->integer));
   }
   return vorn::runtime::readNumber<long long>(handle, field);
 }

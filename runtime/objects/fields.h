@@ -17,7 +17,4 @@ void storeField(void* object, const ObjectField& field, std::uint64_t word);
 // Boxes are shared freely, so their value never changes.
 bool isWritable(const void* object);
 
-// Truncation toward zero; NaN and everything outside the signed 64-bit range give the minimum.
-std::int64_t truncateToInteger(double value);
-
 }  // namespace vorn::runtime

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "collections/core/port/text.h"
+#include "collections/core/unicode.h"
 #include "runtime/text/text.h"
 
 namespace vorn::runtime {
@@ -25,25 +26,10 @@ void appendFloating(std::string& text, double value) {
 }
 
 void appendScalarValue(std::string& text, std::uint64_t scalar) {
-  const bool isScalar = scalar <= 0x10FFFF && (scalar < 0xD800 || scalar > 0xDFFF);
-  const auto value = static_cast<std::uint32_t>(isScalar ? scalar : 0xFFFD);
-  const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-  const auto appendTail = [&](int shift) { append(0x80 | ((value >> shift) & 0x3F)); };
-  if (value < 0x80) {
-    append(value);
-  } else if (value < 0x800) {
-    append(0xC0 | (value >> 6));
-    appendTail(0);
-  } else if (value < 0x10000) {
-    append(0xE0 | (value >> 12));
-    appendTail(6);
-    appendTail(0);
-  } else {
-    append(0xF0 | (value >> 18));
-    appendTail(12);
-    appendTail(6);
-    appendTail(0);
-  }
+  constexpr std::uint32_t kReplacement = 0xFFFD;
+  const bool isScalar = collections::isUnicodeScalar(static_cast<long long>(scalar));
+  char bytes[collections::kLongestUtf8];
+  text.append(bytes, collections::encodeUtf8(isScalar ? static_cast<std::uint32_t>(scalar) : kReplacement, bytes));
 }
 
 }  // namespace vorn::runtime

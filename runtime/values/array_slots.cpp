@@ -4,10 +4,10 @@
 
 #include "collections/core/array_slot_kind.h"
 #include "collections/core/errors.h"
-#include "collections/core/kernels/element_access.h"
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/values.h"
+#include "collections/core/unicode.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/values/scalars.h"
 
@@ -26,23 +26,12 @@ class CodeUnitTexts {
   static constexpr std::size_t kUnits = 0x10000;
 
   CodeUnitTexts() {
-    for (std::size_t unit = 0; unit < kUnits; ++unit) write(texts_[unit], static_cast<unsigned>(unit));
+    for (std::uint32_t unit = 0; unit < kUnits; ++unit) vorn::collections::encodeUtf8(unit, texts_[unit].data());
   }
   [[nodiscard]] const char* at(std::size_t unit) const { return texts_[unit].data(); }
 
  private:
-  using Text = std::array<char, 4>;  // up to three bytes and the NUL
-
-  static void write(Text& text, unsigned unit) {
-    const auto byte = [](unsigned bits) { return static_cast<char>(bits); };
-    if (unit < 0x80) {
-      text = {byte(unit)};
-    } else if (unit < 0x800) {
-      text = {byte(0xC0 | unit >> 6), byte(0x80 | (unit & 0x3F))};
-    } else {
-      text = {byte(0xE0 | unit >> 12), byte(0x80 | (unit >> 6 & 0x3F)), byte(0x80 | (unit & 0x3F))};
-    }
-  }
+  using Text = std::array<char, vorn::collections::kLongestUtf8>;  // up to three bytes and the NUL
 
   std::array<Text, kUnits> texts_{};
 };
@@ -81,13 +70,13 @@ extern "C" long long Vorn_intToChar(long long value) {
 }
 
 extern "C" long long Vorn_intToCodeUnit(long long value) {
-  if (static_cast<unsigned long long>(value) <= 0xFFFF) return value;
+  if (vorn::collections::isCodeUnit(value)) return value;
   vorn::collections::errors::raiseCodeUnitOutOfRange();
   return 0;
 }
 
 extern "C" const char* Vorn_codeUnitToString(long long unit) {
   static const CodeUnitTexts texts;
-  if (static_cast<unsigned long long>(unit) >= CodeUnitTexts::kUnits) return nullptr;
+  if (!vorn::collections::isCodeUnit(unit)) return nullptr;
   return texts.at(static_cast<std::size_t>(unit));
 }

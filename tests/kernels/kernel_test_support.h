@@ -24,13 +24,11 @@ using collections::VectorPath;
 class OnEveryPath : public ::testing::TestWithParam<VectorPath> {
  protected:
   void SetUp() override {
-    former_ = collections::vectorPath();
-    if (!collections::setVectorPath(GetParam())) GTEST_SKIP() << "not available here";
+    if (!collections::isVectorPathAvailable(GetParam())) GTEST_SKIP() << "not available here";
   }
-  void TearDown() override { collections::setVectorPath(former_); }
 
  private:
-  VectorPath former_ = VectorPath::Plain;
+  collections::VectorPathScope scope_{GetParam()};
 };
 
 inline std::string pathTestName(const ::testing::TestParamInfo<VectorPath>& path) {

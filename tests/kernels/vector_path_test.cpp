@@ -31,6 +31,16 @@ TEST(VectorPaths, HaveNames) {
   EXPECT_STREQ(vectorPathName(VectorPath::Plain), "plain");
   EXPECT_STREQ(vectorPathName(VectorPath::Sse2), "SSE2");
   EXPECT_STREQ(vectorPathName(VectorPath::Avx2), "AVX2");
+  EXPECT_STREQ(vectorPathName(VectorPath::Avx512), "AVX512");
+}
+
+TEST(VectorPaths, AScopePutsTheFormerOneBack) {
+  const VectorPath former = vectorPath();
+  {
+    const collections::VectorPathScope scope(VectorPath::Plain);
+    EXPECT_EQ(vectorPath(), VectorPath::Plain);
+  }
+  EXPECT_EQ(vectorPath(), former);
 }
 
 TEST(VectorPaths, OneThatIsNotAvailableIsNotSet) {
@@ -67,6 +77,16 @@ TEST_P(KernelTables, HoldAKernelForEachKindLaneAndWidth) {
     EXPECT_NE(search.count, nullptr);
   }
   for (const auto reversal : table.reversals) EXPECT_NE(reversal, nullptr);
+}
+
+TEST_P(KernelTables, SortByKernelsOfTheirOwnWhereThePathHasThem) {
+  using Kernel = decltype(collections::kernels::SortKernels::doubleWords);
+  Kernel expected = collections::sortPlain;
+#if defined(__x86_64__)
+  if (GetParam() == VectorPath::Avx2) expected = collections::sortAvx2;
+  if (GetParam() == VectorPath::Avx512) expected = collections::sortAvx512;
+#endif
+  EXPECT_EQ(kernelsFor(1000).sorts.doubleWords, expected);
 }
 
 }  // namespace

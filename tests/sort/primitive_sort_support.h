@@ -16,21 +16,26 @@
 #include <vector>
 
 #include "collections/core/kernels/sort/primitive_sort.h"
+#include "collections/core/kernels/vector_path.h"
 
 namespace vorn::tests {
 
-using collections::SortPath;
+using collections::VectorPath;
 
-inline std::vector<SortPath> supportedPaths() {
-  std::vector<SortPath> paths;
-  for (const SortPath path : {SortPath::Plain, SortPath::Avx2, SortPath::Avx512}) {
-    if (collections::sortPathSupported(path)) paths.push_back(path);
+// Those that this machine has; SSE2 is left out, as it sorts by the plain code.
+inline std::vector<VectorPath> sortingPaths() {
+  std::vector<VectorPath> paths;
+  for (const VectorPath path : {VectorPath::Plain, VectorPath::Avx2, VectorPath::Avx512}) {
+    if (collections::isVectorPathAvailable(path)) paths.push_back(path);
   }
   return paths;
 }
 
-inline const char* nameOf(SortPath path) {
-  return path == SortPath::Plain ? "plain" : (path == SortPath::Avx2 ? "avx2" : "avx512");
+template <class Element>
+void sortOn(VectorPath path, Element* data, std::uint64_t count) {
+  const collections::VectorPathScope scope(path);
+  ASSERT_EQ(collections::vectorPath(), path);
+  collections::sortPrimitive(data, count);
 }
 
 template <class Element>
@@ -167,14 +172,14 @@ void expectSortedOnEveryPath(const Input<Element>& input) {
   const std::vector<Element> numbers = numbersInOrder(input.elements);
   const auto bits = sortedBits(input.elements);
   std::vector<unsigned char> guard(kGuards * sizeof(Element), 0xA5);
-  for (const SortPath path : supportedPaths()) {
-    SCOPED_TRACE(std::string(nameOf(path)) + ", " + input.name + ", " + std::to_string(count));
+  for (const VectorPath path : sortingPaths()) {
+    SCOPED_TRACE(std::string(collections::vectorPathName(path)) + ", " + input.name + ", " + std::to_string(count));
     std::vector<Element> block(count + 2 * kGuards);
     std::memcpy(block.data(), guard.data(), guard.size());
     if (count > 0) std::memcpy(block.data() + kGuards, input.elements.data(), count * sizeof(Element));
     std::memcpy(block.data() + kGuards + count, guard.data(), guard.size());
 
-    collections::sortPrimitiveOn(path, block.data() + kGuards, count);
+    sortOn(path, block.data() + kGuards, count);
 
     ASSERT_EQ(std::memcmp(block.data(), guard.data(), guard.size()), 0) << "wrote before the range";
     ASSERT_EQ(std::memcmp(block.data() + kGuards + count, guard.data(), guard.size()), 0) << "wrote after the range";

@@ -47,12 +47,12 @@ TYPED_TEST(PrimitiveSort, EveryAlignmentOfTheFirstElement) {
   for (std::size_t shift = 0; shift < 64 / sizeof(TypeParam); ++shift) {
     std::vector<TypeParam> elements(shift + 2'000);
     for (auto& element : elements) element = anyElement<TypeParam>(random);
-    for (const SortPath path : supportedPaths()) {
+    for (const VectorPath path : sortingPaths()) {
       auto sorted = elements;
-      collections::sortPrimitiveOn(path, sorted.data() + shift, 2'000);
+      sortOn(path, sorted.data() + shift, 2'000);
       auto expected = elements;
       std::sort(expected.begin() + static_cast<std::ptrdiff_t>(shift), expected.end());
-      ASSERT_EQ(sorted, expected) << nameOf(path) << ", " << shift;
+      ASSERT_EQ(sorted, expected) << collections::vectorPathName(path) << ", " << shift;
     }
   }
 }
@@ -75,18 +75,13 @@ TEST(PrimitiveSort, UnsignedElements_CompareAsUnsigned) {
 
 TEST(PrimitiveSort, NaN_ComesLast) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  for (const SortPath path : supportedPaths()) {
+  for (const VectorPath path : sortingPaths()) {
     std::vector<double> elements = {std::numeric_limits<double>::quiet_NaN(), 1.0, -kInfinity};
-    collections::sortPrimitiveOn(path, elements.data(), elements.size());
+    sortOn(path, elements.data(), elements.size());
     EXPECT_EQ(elements[0], -kInfinity);
     EXPECT_EQ(elements[1], 1.0);
     EXPECT_TRUE(std::isnan(elements[2]));
   }
-}
-
-TEST(PrimitiveSort, ThePlainPath_RunsEverywhere) {
-  EXPECT_TRUE(collections::sortPathSupported(SortPath::Plain));
-  EXPECT_TRUE(collections::sortPathSupported(collections::bestSortPath()));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "collections/core/elements/element_types.h"
 #include "collections/core/kinds.h"
+#include "collections/core/unicode.h"
 
 namespace vorn::collections {
 
@@ -21,7 +22,7 @@ struct AcceptedValues {
   static constexpr AcceptedValues scalars() { return {0, 0x10FFFF, true}; }
 
   [[nodiscard]] bool contains(long long integer) const {
-    return integer >= least && integer <= greatest && !(scalarsOnly && integer >= 0xD800 && integer <= 0xDFFF);
+    return integer >= least && integer <= greatest && (!scalarsOnly || isUnicodeScalar(integer));
   }
   // Whether no value that storage of this kind can hold is refused, as its integer reading goes.
   [[nodiscard]] bool containsAllOf(PrimitiveKind kind) const;

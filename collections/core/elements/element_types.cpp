@@ -3,6 +3,8 @@
 #include "collections/core/kinds.h"
 #include "collections/core/port/type_names.h"
 
+namespace vc = vorn::collections;
+
 namespace vorn::collections {
 
 namespace {
@@ -28,9 +30,7 @@ ElementType normalizedElementType(std::string_view typeName) {
 
 }  // namespace vorn::collections
 
-using namespace vorn::collections;
-
-PrimitiveKind primitiveKindForType(std::string_view name) { return kindOf(primitiveTypeNamed(name)); }
+vc::PrimitiveKind primitiveKindForType(std::string_view name) { return vc::kindOf(vc::primitiveTypeNamed(name)); }
 
 std::string_view normalizePrimitiveTypeName(std::string_view name) {
   const std::string_view shortName = shortTypeNameLocal(name);
@@ -39,8 +39,8 @@ std::string_view normalizePrimitiveTypeName(std::string_view name) {
 }
 
 bool isIntLikeListType(const char* name) {
-  const PrimitiveTypeInfo& type = infoOfLanguageType(name);
-  return (type.family == KindFamily::Integer && !type.isCharacter) || type.family == KindFamily::Boolean;
+  const vc::PrimitiveTypeInfo& type = vc::infoOfLanguageType(name);
+  return (type.family == vc::KindFamily::Integer && !type.isCharacter) || type.family == vc::KindFamily::Boolean;
 }
 
-bool isFloatLikeListType(const char* name) { return infoOfLanguageType(name).family == KindFamily::Floating; }
+bool isFloatLikeListType(const char* name) { return vc::infoOfLanguageType(name).family == vc::KindFamily::Floating; }

@@ -9,9 +9,11 @@
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
+#include "collections/core/number_rules.h"
 #include "collections/core/port/roots.h"
 
-using vorn::collections::PrimitiveKind;
+namespace vc = vorn::collections;
+using vc::PrimitiveKind;
 
 namespace vorn::collections {
 
@@ -35,9 +37,6 @@ void fillElements(Tag tag, unsigned char* data, const Value* values, std::uint64
     }
   }
 }
-
-long long integerReading(long long value) { return value; }
-long long integerReading(double value) { return truncateToI64(value); }
 
 // One look at the name serves all values.
 template <class Value>
@@ -81,10 +80,10 @@ bool assignValues(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName, 
 
 bool primitiveListAssignFromI64Values(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName,
                                       const long long* values, std::uint64_t n) {
-  return vorn::collections::assignValues(list, kind, typeName, values, n);
+  return vc::assignValues(list, kind, typeName, values, n);
 }
 
 bool primitiveListAssignFromF64Values(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName,
                                       const double* values, std::uint64_t n) {
-  return vorn::collections::assignValues(list, kind, typeName, values, n);
+  return vc::assignValues(list, kind, typeName, values, n);
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/storage_transitions.h"
@@ -10,10 +9,9 @@
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kernels/reverse_kernels.h"
 #include "collections/core/kinds.h"
+#include "collections/core/unicode.h"
 
-using vorn::collections::checkCharacterRangeOrRaise;
-using vorn::collections::storeElement;
-using vorn::collections::visitKind;
+namespace vc = vorn::collections;
 
 namespace vorn::collections {
 
@@ -34,35 +32,34 @@ namespace {
 
 // The check goes by the name the elements are kept under, not by the kind: a buffer of doubles may be named "Char".
 bool checkStoredValueOrRaise(const ListData& list, long long integer) {
-  return checkCharacterRangeOrRaise(list.primitiveType, integer);
+  return vc::checkCharacterRangeOrRaise(list.primitiveType, integer);
 }
 
 }  // namespace
 
 long long primitiveListReadI64(const ListData& list, std::uint64_t index) {
-  return visitKind(
-      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementI64(tag, list.primitive.data, index); },
-      0LL);
+  return vc::visitKind(
+      list.primitiveKind, [&](auto tag) { return vc::readElementI64(tag, list.primitive.data, index); }, 0LL);
 }
 
 double primitiveListReadF64(const ListData& list, std::uint64_t index) {
-  return visitKind(
-      list.primitiveKind, [&](auto tag) { return vorn::collections::readElementF64(tag, list.primitive.data, index); },
-      0.0);
+  return vc::visitKind(
+      list.primitiveKind, [&](auto tag) { return vc::readElementF64(tag, list.primitive.data, index); }, 0.0);
 }
 
 void primitiveListWrite(ListData& list, std::uint64_t index, long long integer, double floating) {
   if (!checkStoredValueOrRaise(list, integer)) return;
   configurePrimitiveStorage(list, list.primitiveKind);
-  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, list.primitive.data, index, integer, floating); });
+  vc::visitKind(list.primitiveKind,
+                [&](auto tag) { vc::storeElement(tag, list.primitive.data, index, integer, floating); });
 }
 
 void primitiveListAppend(ListData& list, long long integer, double floating) {
   if (!checkStoredValueOrRaise(list, integer)) return;
   configurePrimitiveStorage(list, list.primitiveKind);
   list.primitive.reserve(list.primitive.size + 1);
-  visitKind(list.primitiveKind,
-            [&](auto tag) { storeElement(tag, list.primitive.data, list.primitive.size, integer, floating); });
+  vc::visitKind(list.primitiveKind,
+                [&](auto tag) { vc::storeElement(tag, list.primitive.data, list.primitive.size, integer, floating); });
   ++list.primitive.size;
 }
 
@@ -74,7 +71,7 @@ void primitiveListInsertAt(ListData& list, std::uint64_t index, long long intege
   buffer.reserve(buffer.size + 1);
   unsigned char* at = buffer.data + index * buffer.elementSize;
   std::memmove(at + buffer.elementSize, at, (buffer.size - index) * buffer.elementSize);
-  visitKind(list.primitiveKind, [&](auto tag) { storeElement(tag, buffer.data, index, integer, floating); });
+  vc::visitKind(list.primitiveKind, [&](auto tag) { vc::storeElement(tag, buffer.data, index, integer, floating); });
   ++buffer.size;
 }
 
@@ -91,5 +88,5 @@ void primitiveListEraseAt(ListData& list, std::uint64_t index) {
 }
 
 void primitiveListReverse(ListData& list) {
-  vorn::collections::reverseElements(list.primitive.data, list.primitive.size, list.primitive.elementSize);
+  vc::reverseElements(list.primitive.data, list.primitive.size, list.primitive.elementSize);
 }

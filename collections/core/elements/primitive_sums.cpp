@@ -9,7 +9,7 @@ namespace vc = vorn::collections;
 
 long long primitiveListSumI64(const ListData& list) {
   const SmallPrimitiveBuffer& buffer = list.primitive;
-  if (list.primitiveKind == ListData::PrimitiveKind::None) return 0;
+  if (!list.isUnboxed()) return 0;
   if (!vc::isFloatingKind(list.primitiveKind)) return vc::sumIntegers(list.primitiveKind, buffer.data, buffer.size);
   return vc::truncateToI64(vc::sumFloating(list.primitiveKind, buffer.data, buffer.size));
 }

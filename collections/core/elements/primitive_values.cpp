@@ -11,22 +11,20 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/port/values.h"
 
-using vorn::collections::ElementType;
-using vorn::collections::isFloatingKind;
-using vorn::collections::PrimitiveKind;
-using vorn::collections::PrimitiveType;
-using vorn::collections::typeNameOf;
+namespace vc = vorn::collections;
+using vc::PrimitiveKind;
+using vc::PrimitiveType;
 
 namespace {
 
 constexpr const char* kValueField = "_value";
 
-void setInteger(BulkPrimitiveListValue& out, const ElementType& type, long long value) {
+void setInteger(BulkPrimitiveListValue& out, const vc::ElementType& type, long long value) {
   out = {type.kind, type.name, value, static_cast<double>(value)};
 }
 
-void setFloating(BulkPrimitiveListValue& out, const ElementType& type, double value) {
-  out = {type.kind, type.name, vorn::collections::truncateToI64(value), value};
+void setFloating(BulkPrimitiveListValue& out, const vc::ElementType& type, double value) {
+  out = {type.kind, type.name, vc::truncateToI64(value), value};
 }
 
 // A user class may bear the name of a primitive type in a module of its own; its objects then count as that type and
@@ -35,9 +33,10 @@ void setFloating(BulkPrimitiveListValue& out, const ElementType& type, double va
   if (getObject(handle)->kind() != ObjectKind::Instance) return false;
   const char* typeName = Vorn_objectTypeName(handle);
   if (typeName == nullptr) return false;
-  const ElementType type = vorn::collections::normalizedElementType(typeName);
-  if (type.kind == PrimitiveKind::None) return false;
-  if (isFloatingKind(type.kind)) {
+  const PrimitiveType named = vc::primitiveTypeNamed(normalizePrimitiveTypeName(typeName));
+  if (named == PrimitiveType::None) return false;
+  const vc::ElementType type = vc::elementTypeOf(named);
+  if (vc::isFloatingKind(type.kind)) {
     setFloating(out, type, Vorn_getField_double(handle, kValueField));
   } else if (type.kind == PrimitiveKind::Boolean) {
     setInteger(out, type, Vorn_getField_i1(handle, kValueField) ? 1 : 0);
@@ -56,23 +55,23 @@ long long readListItemI64(void* handle) {
 }
 
 void* boxPrimitiveListValue(PrimitiveKind kind, RuntimeTypeName typeName, long long integer, double floating) {
-  if (isFloatingKind(kind)) {
-    return boxFloatingLikeLocal(typeName.empty() ? typeNameOf(PrimitiveType::Double) : typeName, floating);
+  if (vc::isFloatingKind(kind)) {
+    return boxFloatingLikeLocal(typeName.empty() ? vc::typeNameOf(PrimitiveType::Double) : typeName, floating);
   }
   if (kind == PrimitiveKind::Boolean) return Vorn_boxBool(integer != 0);
-  return boxIntegerLikeLocal(typeName.empty() ? typeNameOf(PrimitiveType::Int) : typeName, integer);
+  return boxIntegerLikeLocal(typeName.empty() ? vc::typeNameOf(PrimitiveType::Int) : typeName, integer);
 }
 
 void* boxPrimitiveElement(const ListData& list, std::uint64_t index) {
   // Only the reading that the box keeps is made.
-  return vorn::collections::visitKind(
+  return vc::visitKind(
       list.primitiveKind,
       [&](auto tag) {
-        constexpr bool kFloating = isFloatingKind(decltype(tag)::kind);
+        constexpr bool kFloating = vc::isFloatingKind(decltype(tag)::kind);
         const unsigned char* const data = list.primitive.data;
         return boxPrimitiveListValue(decltype(tag)::kind, list.primitiveType,
-                                     kFloating ? 0 : vorn::collections::readElementI64(tag, data, index),
-                                     kFloating ? vorn::collections::readElementF64(tag, data, index) : 0.0);
+                                     kFloating ? 0 : vc::readElementI64(tag, data, index),
+                                     kFloating ? vc::readElementF64(tag, data, index) : 0.0);
       },
       static_cast<void*>(nullptr));
 }
@@ -81,8 +80,8 @@ bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
   const RegisteredObject* box = getRegisteredObjectUnsafe(handle);
   if (box == nullptr) return false;
   if (box->kind() > ObjectKind::CharacterBox) return instanceToPrimitiveListValue(handle, out);
-  const ElementType type = vorn::collections::elementTypeOf(boxedTypeOf(*box));
-  if (isFloatingKind(type.kind)) {
+  const vc::ElementType type = vc::elementTypeOf(boxedTypeOf(*box));
+  if (vc::isFloatingKind(type.kind)) {
     setFloating(out, type, std::bit_cast<double>(box->integer));
   } else {
     setInteger(out, type, box->integer);
@@ -92,12 +91,12 @@ bool objectToPrimitiveListValue(void* handle, BulkPrimitiveListValue& out) {
 
 bool convertPrimitiveListValueToDeclared(PrimitiveKind declaredKind, RuntimeTypeName declaredName,
                                          const BulkPrimitiveListValue& value, long long& integer, double& floating) {
-  if (!vorn::collections::acceptedValues({declaredKind, declaredName}, value.type()).contains(value.integer)) {
+  if (!vc::acceptedValues({declaredKind, declaredName}, value.type()).contains(value.integer)) {
     return false;
   }
-  if (isFloatingKind(declaredKind) && isFloatingKind(value.kind)) {
+  if (vc::isFloatingKind(declaredKind) && vc::isFloatingKind(value.kind)) {
     floating = value.floating;
-    integer = vorn::collections::truncateToI64(floating);
+    integer = vc::truncateToI64(floating);
   } else {
     integer = declaredKind == PrimitiveKind::Boolean ? (value.integer != 0 ? 1 : 0) : value.integer;
     floating = static_cast<double>(integer);

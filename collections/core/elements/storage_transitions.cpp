@@ -6,8 +6,7 @@
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/kinds.h"
 
-using vorn::collections::HandleVector;
-using vorn::collections::primitiveWidth;
+namespace vc = vorn::collections;
 
 namespace {
 
@@ -33,12 +32,12 @@ void endPrimitiveStorage(ListData& list) {
 }  // namespace
 
 void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
-  const std::uint64_t width = primitiveWidth(kind);
+  const std::uint64_t width = vc::primitiveWidth(kind);
   if (list.primitive.elementSize != width) list.primitive.resetToInline(width);
 }
 
 void materializePrimitiveList(ListData& list, std::uint64_t room) {
-  if (list.primitiveKind == ListData::PrimitiveKind::None) return;
+  if (!list.isUnboxed()) return;
   const std::uint64_t n = list.primitive.size;
 
   // Boxes go straight into the record's own storage, where the collector finds them. While the kind still stands, that
@@ -53,7 +52,7 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
 
   emptyObjectStorage(list);
   if (!list.linked) list.objects.reserve(n + room);
-  vorn::collections::RootedHandle box;
+  vc::RootedHandle box;
   for (std::uint64_t i = 0; i < n; ++i) {
     box = boxPrimitiveElement(list, i);
     list.objectPushBack(box.get());
@@ -62,9 +61,9 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
   endPrimitiveStorage(list);
 }
 
-void replaceWithObjects(ListData& list, const HandleVector::Storage& values) {
+void replaceWithObjects(ListData& list, const vc::HandleVector::Storage& values) {
   list.objectAssign(values);
-  if (list.primitiveKind != ListData::PrimitiveKind::None) endPrimitiveStorage(list);
+  if (list.isUnboxed()) endPrimitiveStorage(list);
 }
 
 void copyPrimitiveListStorage(const ListData& source, ListData& target) {

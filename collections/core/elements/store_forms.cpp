@@ -7,24 +7,22 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/port/roots.h"
 
-using vorn::collections::declaredElementType;
-using vorn::collections::ElementType;
-using vorn::collections::keptElementType;
-using vorn::collections::PrimitiveKind;
+namespace vc = vorn::collections;
+using vc::PrimitiveKind;
 
 namespace {
 
 // Appends to object or linked storage, materialising first. The box comes first, so that its failure changes nothing,
 // and is rooted because what follows allocates.
 void boxAndPushBack(ListData& list, const BulkPrimitiveListValue& value) {
-  const vorn::collections::RootedHandle box(
-      boxPrimitiveListValue(value.kind, value.typeName, value.integer, value.floating));
+  const vc::RootedHandle box(boxPrimitiveListValue(value.kind, value.typeName, value.integer, value.floating));
   materializePrimitiveList(list, 1);
   list.objectPushBack(box.get());
 }
 
 // Converts against a declared type that the caller has looked up.
-bool convertToDeclared(const ElementType& declared, const BulkPrimitiveListValue& value, BulkPrimitiveListValue& out) {
+bool convertToDeclared(const vc::ElementType& declared, const BulkPrimitiveListValue& value,
+                       BulkPrimitiveListValue& out) {
   if (declared.kind == PrimitiveKind::None) return false;
   long long integer = 0;
   double floating = 0.0;
@@ -35,52 +33,52 @@ bool convertToDeclared(const ElementType& declared, const BulkPrimitiveListValue
 
 // The declared-type gate. `own` is the unboxed value, null when it is no primitive box; for a primitive declared type
 // `converted` receives what it becomes there.
-bool accepts(const ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
+bool accepts(const vc::ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
              BulkPrimitiveListValue& converted) {
   if (declared.kind != PrimitiveKind::None) return own != nullptr && convertToDeclared(declared, *own, converted);
   return isObjectType(declared) || handle == nullptr || Vorn_isInstanceOf(handle, declared.name.get().data());
 }
 
-void raiseRefused(const ElementType& declared, void* handle) {
-  vorn::collections::errors::raiseElementTypeRefused(declared.name.get(), Vorn_objectTypeName(handle));
+void raiseRefused(const vc::ElementType& declared, void* handle) {
+  vc::errors::raiseElementTypeRefused(declared.name.get(), Vorn_objectTypeName(handle));
 }
 
 }  // namespace
 
 bool rawPrimitiveValueToDeclared(const ListData& list, const BulkPrimitiveListValue& value,
                                  BulkPrimitiveListValue& out) {
-  return convertToDeclared(declaredElementType(list), value, out);
+  return convertToDeclared(vc::declaredElementType(list), value, out);
 }
 
 bool listValueToDeclaredPrimitiveValue(const ListData& list, void* handle, BulkPrimitiveListValue& out) {
-  const ElementType declared = declaredElementType(list);
+  const vc::ElementType declared = vc::declaredElementType(list);
   BulkPrimitiveListValue value;
   return declared.kind != PrimitiveKind::None && objectToPrimitiveListValue(handle, value) &&
          convertToDeclared(declared, value, out);
 }
 
 bool primitiveStorageCompatible(const ListData& list, PrimitiveKind kind, RuntimeTypeName typeName) {
-  const ElementType type{kind, typeName};
+  const vc::ElementType type{kind, typeName};
   if (list.linked) return false;
-  if (list.primitiveKind != PrimitiveKind::None) return type == keptElementType(list);
+  if (list.isUnboxed()) return type == vc::keptElementType(list);
   if (list.objects.size != 0) return false;
-  const ElementType declared = declaredElementType(list);
+  const vc::ElementType declared = vc::declaredElementType(list);
   return declared.kind != PrimitiveKind::None ? type == declared : list.elementType.empty();
 }
 
 void appendPrimitiveValue(ListData& list, const BulkPrimitiveListValue& value) {
   if (list.linked) return boxAndPushBack(list, value);
-  if (list.primitiveKind == PrimitiveKind::None) {
+  if (!list.isUnboxed()) {
     if (list.objects.size != 0) return boxAndPushBack(list, value);
-    if (!vorn::collections::adoptPrimitiveKindOrRaise(list, value)) return;
+    if (!vc::adoptPrimitiveKindOrRaise(list, value)) return;
   }
-  if (value.type() != keptElementType(list)) return boxAndPushBack(list, value);
+  if (value.type() != vc::keptElementType(list)) return boxAndPushBack(list, value);
   primitiveListAppend(list, value.integer, value.floating);
 }
 
 bool ensureListValueMatchesDeclaredElementType(const ListData& list, void* handle) {
-  if (vorn::collections::declaredTypeAccepts(list, handle)) return true;
-  raiseRefused(declaredElementType(list), handle);
+  if (vc::declaredTypeAccepts(list, handle)) return true;
+  raiseRefused(vc::declaredElementType(list), handle);
   return false;
 }
 
@@ -98,7 +96,7 @@ StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimiti
   const ElementType declared = declaredElementType(list);
   const bool typed = declared.kind != PrimitiveKind::None;
   // Boxed elements or nodes never make way for unboxed ones, and then only a primitive declared type looks inside.
-  const bool mayUnbox = !list.linked && (list.primitiveKind != PrimitiveKind::None || list.objects.size == 0);
+  const bool mayUnbox = !list.linked && (list.isUnboxed() || list.objects.size == 0);
   BulkPrimitiveListValue own;
   const bool unboxed = (mayUnbox || typed) && objectToPrimitiveListValue(handle, own);
   if (!accepts(declared, handle, unboxed ? &own : nullptr, raw)) {
@@ -107,7 +105,7 @@ StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimiti
   }
   if (!mayUnbox || !unboxed) return StoreForm::Boxed;
 
-  if (list.primitiveKind == PrimitiveKind::None) {
+  if (!list.isUnboxed()) {
     // An empty list becomes what it declares; without a declared type, what its first value is.
     if (!typed && !list.elementType.empty()) return StoreForm::Boxed;
     if (!typed) raw = own;

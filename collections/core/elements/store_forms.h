@@ -53,7 +53,7 @@ bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& val
 
 // Whether the list takes every value as one more handle: it holds handles, and it is untyped.
 inline bool takesEveryHandle(const ListData& list) {
-  return list.primitiveKind == PrimitiveKind::None && list.objects.size != 0 &&
+  return !list.isUnboxed() && list.objects.size != 0 &&
          (list.elementType.empty() || isObjectType(elementTypeNamed(list.elementType)));
 }
 

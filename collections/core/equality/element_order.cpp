@@ -17,6 +17,8 @@
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
 
+namespace vc = vorn::collections;
+
 namespace {
 
 constexpr const char* kValueField = "_value";
@@ -92,7 +94,7 @@ bool stringsEqual(void* left, OperandClass leftClass, void* right, OperandClass 
   const char* leftText = leftClass == OperandClass::Plain ? textOf(left) : textOfString(left, leftClass);
   // A class that merely bears the name String makes its text in user code: it is a new block, and so may the other one
   // be, whose making can collect.
-  std::optional<vorn::collections::RootedHandle> keepLeftText;
+  std::optional<vc::RootedHandle> keepLeftText;
   if (leftClass == OperandClass::String && rightClass == OperandClass::String) {
     keepLeftText.emplace(const_cast<char*>(leftText));
   }

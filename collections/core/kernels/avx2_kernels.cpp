@@ -20,7 +20,7 @@ namespace avx2 {
 
 }  // namespace avx2
 
-const KernelTable kAvx2Kernels = {
+constexpr KernelTable kAvx2Kernels = {
     VectorPath::Avx2,
     avx2::Lanes::kBytes,
     &kSse2Kernels,
@@ -28,7 +28,15 @@ const KernelTable kAvx2Kernels = {
     sumKernels([](auto tag) -> SumKernel { return avx2::sum<decltype(tag)::kind>; }),
     VORN_SEARCH_KERNELS(avx2::findFirst, avx2::findLast, avx2::count),
     {avx2::reverse<1>, avx2::reverse<2>, avx2::reverse<4>, avx2::reverse<8>},
+    {sortAvx2, sortAvx2, sortAvx2},
 };
+
+constexpr KernelTable kAvx512Kernels = [] {
+  KernelTable table = kAvx2Kernels;
+  table.path = VectorPath::Avx512;
+  table.sorts = {sortAvx512, sortAvx512, sortAvx512};
+  return table;
+}();
 
 }  // namespace vorn::collections::kernels
 

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "collections/core/kernels/sort/sort_paths.h"
 #include "collections/core/kernels/vector_path.h"
 #include "collections/core/kinds.h"
 
@@ -34,10 +35,18 @@ struct SearchKernels {
   SearchKernel count;
 };
 
+// By the width of the elements. Single bytes are counted on every path, so they have no kernel here.
+struct SortKernels {
+  void (*words)(SortSlot<std::int16_t>* slots, std::uint64_t count, KeyOrder order);
+  void (*doubleWords)(SortSlot<std::int32_t>* slots, std::uint64_t count, KeyOrder order);
+  void (*quadWords)(SortSlot<std::int64_t>* slots, std::uint64_t count, KeyOrder order);
+};
+
 struct KernelTable {
   VectorPath path;
-  // The kernels take ranges of at least this many bytes, one vector; shorter ones go to the narrower table. Any range
-  // then ends in a vector that overlaps the one before, so that no kernel reads outside it or finishes by the element.
+  // The kernels, but for the sorts, take ranges of at least this many bytes, one vector; shorter ones go to the narrower
+  // table. Any range then ends in a vector that overlaps the one before, so that no kernel reads outside it or finishes
+  // by the element.
   std::uint64_t shortest;
   const KernelTable* narrower;
   // Whether a Double other than zero and NaN is found sooner by its bits than by a floating comparison.
@@ -46,16 +55,18 @@ struct KernelTable {
       sums;  // by kind; null for None and the floating kinds, whose sums are never vectors
   SearchKernels searches[kSearchLanes];
   ReversalKernel reversals[kReversalWidths];  // by the binary logarithm of the width
+  SortKernels sorts;                          // of any count
 };
 
 // The bytes of the narrowest vector of any path.
 inline constexpr std::uint64_t kNarrowestVector = 16;
 
-// Takes ranges of any length, none included.
+// Its kernels take ranges of any length, none included.
 extern const KernelTable kPlainKernels;
 #if defined(__x86_64__)
 extern const KernelTable kSse2Kernels;
 extern const KernelTable kAvx2Kernels;
+extern const KernelTable kAvx512Kernels;
 #endif
 
 // Never null, so that taking it costs no branch.

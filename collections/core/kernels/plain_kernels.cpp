@@ -143,6 +143,7 @@ const KernelTable kPlainKernels = {
     sumKernels([](auto tag) -> SumKernel { return plain::sum<decltype(tag)::kind>; }),
     VORN_SEARCH_KERNELS(plain::findFirst, plain::findLast, plain::count),
     {plain::reverse<1>, plain::reverse<2>, plain::reverse<4>, plain::reverse<8>},
+    {sortPlain, sortPlain, sortPlain},
 };
 
 }  // namespace vorn::collections::kernels

@@ -28,6 +28,7 @@ const KernelTable kSse2Kernels = {
     sumKernels([](auto tag) -> SumKernel { return sse2::sum<decltype(tag)::kind>; }),
     VORN_SEARCH_KERNELS(sse2::findFirst, sse2::findLast, sse2::count),
     {sse2::reverse<1>, sse2::reverse<2>, sse2::reverse<4>, sse2::reverse<8>},
+    {sortPlain, sortPlain, sortPlain},
 };
 
 }  // namespace vorn::collections::kernels

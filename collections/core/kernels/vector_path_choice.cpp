@@ -17,6 +17,22 @@ constinit std::atomic<const KernelTable*> activeKernels{&kPlainKernels};
 
 namespace {
 
+#if defined(__x86_64__)
+
+// The builtins ask the operating system as well: wide registers that it does not save are of no use.
+bool processorHasAvx2() {
+  __builtin_cpu_init();
+  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+         __builtin_cpu_supports("popcnt");
+}
+
+bool processorHasAvx512() {
+  return processorHasAvx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+         __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+}
+
+#endif
+
 // The path's table, or null where the build or the processor lacks it.
 const KernelTable* tableOf(VectorPath path) {
   switch (path) {
@@ -26,12 +42,13 @@ const KernelTable* tableOf(VectorPath path) {
     case VectorPath::Sse2:
       return &kSse2Kernels;
     case VectorPath::Avx2:
-      // Asks the operating system as well: wide registers that it does not save are of no use.
-      __builtin_cpu_init();
-      return __builtin_cpu_supports("avx2") ? &kAvx2Kernels : nullptr;
+      return processorHasAvx2() ? &kAvx2Kernels : nullptr;
+    case VectorPath::Avx512:
+      return processorHasAvx512() ? &kAvx512Kernels : nullptr;
 #else
     case VectorPath::Sse2:
     case VectorPath::Avx2:
+    case VectorPath::Avx512:
       break;
 #endif
   }
@@ -63,6 +80,8 @@ const char* vectorPathName(VectorPath path) {
       return "SSE2";
     case VectorPath::Avx2:
       return "AVX2";
+    case VectorPath::Avx512:
+      return "AVX512";
   }
   return "unknown";
 }

@@ -7,7 +7,8 @@
 
 #include "collections/core/kinds.h"
 
-using vorn::collections::HandleVector;
+namespace vc = vorn::collections;
+using vc::HandleVector;
 
 static_assert(std::is_same_v<std::underlying_type_t<ListData::PrimitiveKind>, std::uint8_t>);
 static_assert(sizeof(SmallPrimitiveBuffer) == 160, "128 inline bytes and four words");

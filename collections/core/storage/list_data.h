@@ -48,13 +48,14 @@ struct ListData {
   ListData(const ListData&) = delete;
   ListData& operator=(const ListData&) = delete;
 
+  // Whether the live storage is the primitive one.
+  [[nodiscard]] bool isUnboxed() const { return primitiveKind != PrimitiveKind::None; }
+
   // Number of elements in the object or linked storage, whichever `linked` selects.
   [[nodiscard]] std::uint64_t objectCount() const { return linked ? linkedObjects.count : objects.size; }
 
   // Number of elements in the live storage.
-  [[nodiscard]] std::uint64_t logicalSize() const {
-    return primitiveKind != PrimitiveKind::None ? primitive.size : objectCount();
-  }
+  [[nodiscard]] std::uint64_t logicalSize() const { return isUnboxed() ? primitive.size : objectCount(); }
 
   // The four below work on the object or linked storage, whichever `linked` selects, and never look at primitiveKind.
 

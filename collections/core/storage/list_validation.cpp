@@ -9,11 +9,10 @@ namespace {
 
 std::string validatePrimitive(const ListData& list) {
   const SmallPrimitiveBuffer& buffer = list.primitive;
-  if (static_cast<std::size_t>(list.primitiveKind) >= vorn::collections::kPrimitiveKinds)
-    return "the primitive kind is unknown";
+  if (static_cast<std::size_t>(list.primitiveKind) >= kPrimitiveKinds) return "the primitive kind is unknown";
   if (buffer.size > buffer.capacity) return "the primitive size exceeds its capacity";
   if (buffer.data == nullptr) return "the primitive buffer has no data";
-  if (list.primitiveKind == PrimitiveKind::None) {
+  if (!list.isUnboxed()) {
     if (!list.primitiveType.empty()) return "a list without a primitive kind has a primitive type name";
     if (buffer.size != 0) return "a list without a primitive kind has primitive elements";
     return {};
@@ -73,7 +72,7 @@ std::string validateListData(const ListData& list) {
   if (std::string fault = validateObjects(list); !fault.empty()) return fault;
   if (std::string fault = validateLinked(list); !fault.empty()) return fault;
   if (!mirrorIsSound(list.i64Mirror) || !mirrorIsSound(list.f64Mirror)) return "a mirror's size exceeds its capacity";
-  if (list.primitiveKind == PrimitiveKind::None && (list.i64Mirror.size != 0 || list.f64Mirror.size != 0)) {
+  if (!list.isUnboxed() && (list.i64Mirror.size != 0 || list.f64Mirror.size != 0)) {
     return "a mirror outlives the primitive storage that it copied";
   }
   return {};
