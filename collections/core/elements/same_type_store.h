@@ -11,9 +11,9 @@
 
 namespace vorn::collections {
 
-// Stores the value of a box over element `index` of elements of the list's kind, the list's own or others. False, with
-// nothing stored, when the value is not a box of exactly the type that the list keeps and, if it is typed, declares, or
-// when it does not fit: the ordinary path then decides. Takes no part in growing and sets no size.
+// Stores the value of a box at `index` of a buffer with elements of the list's kind, which need not be the list's own.
+// False, with nothing stored, when the value does not fit, or is no box of exactly the type that the list keeps and, if
+// it declares one, declares: the ordinary path then decides. Neither grows the buffer nor sets a size.
 inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, std::uint64_t index, void* value) {
   const RegisteredObject* box = getRegisteredObjectUnsafe(value);
   if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return false;
