@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 #include <vorn/collections/array.h>
 #include <vorn/runtime.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -18,7 +19,6 @@
 #include "bench/native_support.h"
 #include "bench/program.h"
 #include "collections/array/array_data.h"
-#include "collections/array/byte_conversions.h"
 #include "collections/core/port/object_layout.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #pragma once
 
 #include <pthread.h>
-#include <vorn/collections/export.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <cstdint>
 
@@ -38,27 +38,6 @@ struct ArrayData {
 };
 
 using ArrayDataLock = vorn::collections::RecordLock<ArrayData>;
-
-// The number of slots.
-VORN_EXPORT std::uint64_t arrayLogicalSize(const ArrayData& array);
-
-// Empties the array: both stores and the counters. Element type and slot kind stay.
-VORN_EXPORT void clearArrayStorage(ArrayData& array);
-
-// Gives the array n slots of its kind, all zero, false or null; what it held is discarded. Throws std::bad_alloc with
-// nothing changed. Allocates.
-VORN_EXPORT void resizeArrayStorage(ArrayData& array, std::uint64_t n);
-
-// Makes the target an element-for-element copy of the source: element type, slot kind, slots. A record copied to itself
-// stays as it is. Throws std::bad_alloc with nothing changed. Allocates.
-VORN_EXPORT void copyArrayStorage(const ArrayData& source, ArrayData& target);
-
-// The slot as a signed 64-bit integer: sign- or zero-extended, the same bits for UInt64, truncated toward zero for
-// floating kinds (outside the signed range and for NaN: the minimum value), 0 or 1 for Bool, 0 for Object.
-VORN_EXPORT long long arrayReadI64(const ArrayData& array, std::uint64_t index);
-
-// The slot as a double: floating kinds as stored, 0.0 for Object, else the double of the integer reading.
-VORN_EXPORT double arrayReadF64(const ArrayData& array, std::uint64_t index);
 
 // Stores a scalar, given in both forms: the integer's low bits, the double, or whether the integer is not zero.
 // Ignored for Object.

@@ -1,4 +1,5 @@
-#include "collections/array/byte_conversions.h"
+// Bytes in and out of arrays of bytes.
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <cstring>
 

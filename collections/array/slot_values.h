@@ -1,16 +1,10 @@
-// Slots and language values: boxing a slot, storing a value with its type test, comparing the two. The caller holds the
-// array's lock. None of these raises; failures are results.
+// Slots and language values: storing a value with its type test, comparing the two. The caller holds the array's
+// lock. None of these raises; failures are results.
 #pragma once
-
-#include <vorn/collections/export.h>
 
 #include "collections/array/array_data.h"
 #include "collections/core/elements/accepted_values.h"
 #include "collections/core/elements/element_types.h"
-
-// The slot as a handle: unboxed slots become new boxes of the element type. Null for an index that is out of range.
-// Allocates for unboxed slots.
-VORN_EXPORT void* arraySlotToObject(const ArrayData& array, std::uint64_t index);
 
 // Stores a value: unboxed where the kind takes it, as the handle where the element type does. False, with the slot
 // unchanged, for a value that does not fit. Handles of the types Object, String, CodeUnit and Char are not tested at

@@ -57,10 +57,12 @@ struct AnySlots {
 class Utf8Writer {
  public:
   explicit Utf8Writer(std::string& text) : text_(text) {}
+  Utf8Writer(const Utf8Writer&) = delete;
+  Utf8Writer& operator=(const Utf8Writer&) = delete;
 
   void put(std::uint32_t scalar) {
-    if (used_ > sizeof(bytes_) - vc::kLongestUtf8) flush();
-    used_ += vc::encodeUtf8(scalar, bytes_ + used_);
+    if (room() < vc::kLongestUtf8) flush();
+    end_ = vc::encodeUtf8(scalar, end_);
   }
 
   void put(const char* text) {
@@ -71,20 +73,22 @@ class Utf8Writer {
   // Takes a block of slots over when it is ASCII.
   template <class Slots>
   bool putAscii(const Slots& slots, std::uint64_t index) {
-    if (used_ > sizeof(bytes_) - kBlock) flush();
-    if (!slots.readAscii(index, bytes_ + used_)) return false;
-    used_ += kBlock;
+    if (room() < kBlock) flush();
+    if (!slots.readAscii(index, end_)) return false;
+    end_ += kBlock;
     return true;
   }
 
   void flush() {
-    text_.append(bytes_, used_);
-    used_ = 0;
+    text_.append(bytes_, end_);
+    end_ = bytes_;
   }
 
  private:
+  [[nodiscard]] std::size_t room() const { return static_cast<std::size_t>(bytes_ + sizeof(bytes_) - end_); }
+
   std::string& text_;
-  std::size_t used_ = 0;
+  char* end_ = bytes_;  // of what is used
   char bytes_[512];
 };
 

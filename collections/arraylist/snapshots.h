@@ -1,7 +1,7 @@
 // Copies of a list's storage, taken under its lock and worked on without it.
 #pragma once
 
-#include <vorn/collections/export.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <cstdint>
 #include <vector>
@@ -20,10 +20,6 @@ struct ListStorageSnapshot {
 
 // Fills an empty snapshot; a null list leaves it empty with no kind. Allocates for boxed storage.
 void snapshotListStorage(void* list, ListStorageSnapshot& snapshot);
-
-// The list's elements as handles, in order, read under its lock; unboxed elements are boxed under their type name. For
-// other modules of the runtime: the caller stores the vector in rooted memory before it allocates again. Allocates.
-VORN_EXPORT vorn::collections::HandleVector::Storage snapshotListObjectValues(ListData& list);
 
 namespace vorn::collections {
 

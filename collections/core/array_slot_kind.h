@@ -22,7 +22,7 @@ constexpr PrimitiveKind primitiveKindOf(ArraySlotKind kind) {
                                        : static_cast<PrimitiveKind>(static_cast<std::uint8_t>(kind) + 1);
 }
 
-// The width of the slots in a buffer of unboxed ones; 1 for handles, of which there are none there.
+// The element width of an array's buffer of unboxed slots; 1 for an array of handles, where that buffer stays empty.
 constexpr std::uint64_t slotWidth(ArraySlotKind kind) { return primitiveWidth(primitiveKindOf(kind)); }
 
 // Object for None.

@@ -1,8 +1,9 @@
 // Every language error that this library raises: one function per error, which takes facts and never prose. All class
-// names and texts stand in errors.cpp.
+// names and texts stand in errors.cpp. The two errors of characters, which the runtime raises as well, are declared in
+// <vorn/collections/runtime_helpers.hpp>.
 #pragma once
 
-#include <vorn/collections/export.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <string_view>
 
@@ -12,10 +13,6 @@ namespace vorn::collections::errors {
 [[gnu::cold]] void raiseIndexOutOfBounds();
 [[gnu::cold]] void raiseExpectedIntItem();
 [[gnu::cold]] void raiseExpectedFloatingItem();
-// These two are the runtime's as well: its conversions of characters raise what storing into a list does.
-[[gnu::cold]] VORN_EXPORT void raiseCodeUnitOutOfRange();
-[[gnu::cold]] VORN_EXPORT void raiseCharNotScalar();
-
 [[gnu::cold]] void raiseIntStorageExpected();
 [[gnu::cold]] void raiseIntegerStorageExpected();
 [[gnu::cold]] void raiseFloatingStorageExpected();

@@ -7,8 +7,9 @@
 
 namespace vorn::collections {
 
-// Room for `count` values of a plain type, uninitialised: up to kInline of them without a heap block. The
-// collector does not look here: handles in it are registered as a root range.
+// Room for `count` values of a plain type, uninitialised: up to kInline of them without a heap block, where a
+// std::vector takes one for any number and clears it first. The collector does not look here: handles in it are
+// registered as a root range.
 template <class Value, std::size_t kInline = 64>
 class Scratch {
  public:

@@ -20,30 +20,26 @@ constexpr bool isCodeUnit(long long value) { return static_cast<unsigned long lo
 
 inline constexpr std::size_t kLongestUtf8 = 4;
 
-// Writes a scalar as UTF-8 to where there is room for the longest form, and gives the number of bytes. A surrogate,
+// Writes a scalar as UTF-8 to where there is room for the longest form, and gives the end of what it wrote. A surrogate,
 // which is no scalar, comes out in three bytes as its neighbours do.
-constexpr std::size_t encodeUtf8(std::uint32_t scalar, char* bytes) {
-  const auto following = [scalar](int shift) { return static_cast<char>(0x80 | (scalar >> shift & 0x3F)); };
+constexpr char* encodeUtf8(std::uint32_t scalar, char* at) {
+  const auto put = [&at](std::uint32_t byte) { *at++ = static_cast<char>(byte); };
   if (scalar <= 0x7F) {
-    bytes[0] = static_cast<char>(scalar);
-    return 1;
+    put(scalar);
+  } else if (scalar <= 0x7FF) {
+    put(0xC0 | scalar >> 6);
+    put(0x80 | (scalar & 0x3F));
+  } else if (scalar <= 0xFFFF) {
+    put(0xE0 | scalar >> 12);
+    put(0x80 | (scalar >> 6 & 0x3F));
+    put(0x80 | (scalar & 0x3F));
+  } else {
+    put(0xF0 | (scalar >> 18 & 0x07));
+    put(0x80 | (scalar >> 12 & 0x3F));
+    put(0x80 | (scalar >> 6 & 0x3F));
+    put(0x80 | (scalar & 0x3F));
   }
-  if (scalar <= 0x7FF) {
-    bytes[0] = static_cast<char>(0xC0 | scalar >> 6);
-    bytes[1] = following(0);
-    return 2;
-  }
-  if (scalar <= 0xFFFF) {
-    bytes[0] = static_cast<char>(0xE0 | scalar >> 12);
-    bytes[1] = following(6);
-    bytes[2] = following(0);
-    return 3;
-  }
-  bytes[0] = static_cast<char>(0xF0 | (scalar >> 18 & 0x07));
-  bytes[1] = following(12);
-  bytes[2] = following(6);
-  bytes[3] = following(0);
-  return 4;
+  return at;
 }
 
 }  // namespace vorn::collections

@@ -6,12 +6,9 @@
 // leaves no lock and no mark behind.
 #pragma once
 
-#include <vorn/collections/export.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <string>
-
-// The display text of a value: texts quoted and escaped, collections with their tags.
-VORN_EXPORT std::string valueToDisplayString(void* value);
 
 // The body of the display of an array.
 std::string arrayToDisplayStringInternal(void* array);

@@ -10,8 +10,11 @@
 //   - each child names its parent; `count` nodes hang below the root, all of the pool, and no other node is in use;
 //   - keys ascend from left to right, as far as user code orders them consistently;
 //   - `changes` differs after every change of the tree.
-// The hashes of keys are not looked at, so that keys may come without.
-// A table lives in a record inside its object's block, starts empty without allocating, and is never destroyed.
+// The hashes of keys are not looked at, so that keys may come without. A table lives in a record inside its object's
+// block, starts empty without allocating, and is never destroyed.
+//
+// A std::map takes 72 bytes and a block of its own for each element, a million blocks for a million, where this takes
+// 64 bytes and 3,927 blocks. And it cannot start a search again when a key's ordering hook changes the tree under it.
 //
 // Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
 #pragma once

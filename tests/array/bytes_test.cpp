@@ -1,5 +1,6 @@
 // Bytes in and out of arrays of bytes.
-#include "collections/array/byte_conversions.h"
+#include <vorn/collections/runtime_helpers.hpp>
+
 #include "tests/array/array_cases.h"
 
 namespace vorn::tests {

@@ -1,9 +1,10 @@
 // Which natives lock, what a failing or missing mutex does, and that every lock is released.
+#include <vorn/collections/runtime_helpers.hpp>
+
 #include <cerrno>
 #include <csignal>
 #include <system_error>
 
-#include "collections/array/byte_conversions.h"
 #include "tests/array/array_cases.h"
 
 namespace vorn::tests {

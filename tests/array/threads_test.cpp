@@ -1,10 +1,11 @@
 // Synchronised arrays under several threads at once. All collected memory that the threads cause to be allocated is
 // allocated under the array's lock, so that these tests hold under an exact collector as well.
+#include <vorn/collections/runtime_helpers.hpp>
+
 #include <algorithm>
 #include <chrono>
 #include <thread>
 
-#include "collections/array/byte_conversions.h"
 #include "tests/array/array_cases.h"
 #include "tests/support/watchdog.h"
 

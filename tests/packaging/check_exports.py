@@ -3,8 +3,8 @@
 
     check_exports.py LIBVORN_COLLECTIONS.SO LIBVORN_RUNTIME.SO
 
-- The collections library exports exactly the natives that the public headers declare with VORN_NATIVE and what its
-  sources mark with VORN_EXPORT.
+- The collections library exports exactly what its public headers declare: the natives, with VORN_NATIVE, and the
+  helpers of other modules, with VORN_EXPORT. Nothing else in the library bears either mark.
 - Apart from the C and C++ libraries it needs nothing but operations that the headers of core/port declare: it has no
   hidden dependency.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
@@ -24,7 +24,8 @@ COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 PREPROCESSOR = re.compile(r"^[ \t]*#(?:[^\n\\]|\\\n|\\.)*", re.MULTILINE)
 # The name that a mark declares: the last word before the parameters, an initialiser or the end.
 NATIVE = re.compile(r"\bVORN_NATIVE\b[^;(){}=]*?\b(\w+)\s*\(")
-EXPORTED = re.compile(r"\bVORN_EXPORT\b[^;(){}=]*?\b(\w+)\s*[;({=]")
+HELPER = re.compile(r"\bVORN_EXPORT\b[^;(){}=]*?\b(\w+)\s*\(")
+MARK = re.compile(r"\bVORN_(?:NATIVE|EXPORT)\b|\bvisibility\s*\(\s*\"default\"")
 VARIABLE = re.compile(r"\bextern\s[^;(){}]*?\b(\w+)\s*;")
 FUNCTION = re.compile(r"\b(\w+)\s*\([^(){};]*\)\s*(?:const\s*)?(?:noexcept\s*)?;")
 
@@ -70,24 +71,30 @@ class Library:
 def main():
     collections, runtime = Library(sys.argv[1]), Library(sys.argv[2])
 
+    problems = []
     natives = set()
-    for header in PUBLIC_HEADERS.rglob("*.h"):
-        natives.update(NATIVE.findall(code_of(header)))
     helpers = set()
-    for source in (ROOT / "collections").rglob("*"):
-        if source.suffix in (".h", ".cpp"):
-            helpers.update(EXPORTED.findall(code_of(source)))
+    for source in sorted((ROOT / "collections").rglob("*")):
+        if source.suffix not in (".h", ".hpp", ".cpp", ".inc"):
+            continue
+        code = code_of(source)
+        if source.is_relative_to(PUBLIC_HEADERS):
+            natives.update(NATIVE.findall(code))
+            helpers.update(HELPER.findall(code))
+        elif source not in PORT_HEADERS and MARK.search(code):
+            problems.append(f"{source.relative_to(ROOT)}: exports something itself; that is for the public headers")
     operations = set()
     for header in PORT_HEADERS:
         operations.update(FUNCTION.findall(code_of(header)))
         operations.update(VARIABLE.findall(code_of(header)))
 
-    problems = []
     for native in sorted(natives - collections.exported):
         problems.append(f"{native}: declared in a public header, but not exported")
-    for symbol in sorted(collections.exported - natives):
-        if name_of(symbol) not in helpers:
-            problems.append(f"{demangled(symbol)}: exported, but neither VORN_NATIVE nor VORN_EXPORT declares it")
+    exported = {name_of(symbol) for symbol in collections.exported - natives}
+    for name in sorted(helpers - exported):
+        problems.append(f"{name}: declared in a public header, but not exported")
+    for name in sorted(exported - helpers):
+        problems.append(f"{name}: exported, but no public header declares it")
     for symbol in sorted(collections.needed):
         if name_of(symbol) not in operations:
             problems.append(f"{demangled(symbol)}: needed by the library, but no declared runtime operation")
@@ -96,11 +103,11 @@ def main():
     for symbol in sorted(runtime.needed - collections.exported):
         if not symbol.startswith("GC_"):
             problems.append(f"{demangled(symbol)}: needed by the runtime, but not exported by the library")
-    if not natives or not collections.needed:
-        problems.append("found no natives or no runtime operations to check: this script no longer understands them")
+    if not natives or not helpers or not collections.needed:
+        problems.append("found no natives, helpers or runtime operations: this script no longer understands them")
 
     print("\n".join(problems))
-    print(f"{len(natives)} natives, {len(collections.needed)} runtime operations needed, {len(problems)} problems")
+    print(f"{len(natives)} natives, {len(helpers)} helpers, {len(collections.needed)} runtime operations needed, {len(problems)} problems")
     return 1 if problems else 0
 
 

@@ -1,6 +1,6 @@
 // The transitions between the storages of a list: configure, adopt, materialise, replace, copy, reset, clear. In each,
-// what can fail comes first, and a list that is not empty shows no size in between that it does not have. Nothing here
-// locks.
+// what can fail comes first, and whoever reads the list's size meanwhile, without its lock, reads the one before or the
+// one after. Nothing here locks.
 #pragma once
 
 #include <cstdint>

@@ -44,9 +44,9 @@ struct SortKernels {
 
 struct KernelTable {
   VectorPath path;
-  // The kernels, but for the sorts, take ranges of at least this many bytes, one vector; shorter ones go to the narrower
-  // table. Any range then ends in a vector that overlaps the one before, so that no kernel reads outside it or finishes
-  // by the element.
+  // The kernels, but for the sorts, take ranges of at least this many bytes, one vector; shorter ones go to the
+  // narrower table. Any range then ends in a vector that overlaps the one before, so that no kernel reads outside it or
+  // finishes by the element.
   std::uint64_t shortest;
   const KernelTable* narrower;
   // Whether a Double other than zero and NaN is found sooner by its bits than by a floating comparison.

@@ -2,8 +2,8 @@
 //
 // The widest path that the processor runs is chosen once, when the library is loaded; no result depends on it, except
 // for the order in which a sort leaves NaNs of different bits. A test or benchmark that wants another one forces it for
-// a scope with VectorPathScope, or for good with setVectorPath. A change reaches the calls that begin after it, on every
-// thread.
+// a scope with VectorPathScope, or for good with setVectorPath. A change reaches the calls that begin after it, on
+// every thread.
 #pragma once
 
 #include <cstdint>

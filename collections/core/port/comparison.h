@@ -28,8 +28,8 @@ extern "C" int Vorn_deepEquals(void* left, void* right);
 // the result. May run user code, raise and allocate.
 bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal);
 
-// Negative, zero or positive: the order of two String objects, all at once what the two questions here ask for. Runs
-// no user code and does not allocate.
+// Negative, zero or positive: the order of two String objects, in one call what the questions before and after this one
+// take two for. Runs no user code and does not allocate.
 int compareStringObjects(void* left, void* right);
 
 // True when the two objects could be ordered; `less` then tells whether left comes first. May run user code, raise and

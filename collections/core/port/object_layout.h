@@ -1,13 +1,13 @@
 // The object layout that the runtime and this library share.
 //
-// The library reaches most of the runtime through the functions of runtime_interface.h. Finding the native record
-// behind a handle is the one thing every native does, some of them in two nanoseconds altogether, so that part is a
-// compile-time contract instead: the shape of an object's first words, and the inline tests and reads below.
+// The library reaches most of the runtime through the functions that the headers beside this one declare. Finding the
+// native record behind a handle is the one thing every native does, some of them in two nanoseconds altogether, so that
+// part is a compile-time contract instead: the shape of an object's first words, and the inline tests and reads below.
 //
-// An object is 16-byte aligned and starts with an ObjectRecord. Its header word is, from the lowest byte up: 0xFF,
-// six bytes of 0xF8 to 0xFF whose low three bits are derived from the object's own address, and the kind byte. None
-// of the seven magic bytes can occur in UTF-8 text or is NUL, and a copy of an object's bytes at another address
-// does not pass for an object.
+// An object is 16-byte aligned and starts with an ObjectRecord. Its header word is, from the lowest byte up: 0xFF, six
+// bytes of 0xF8 to 0xFF whose low three bits are derived from the object's own address, and the kind byte. None of the
+// seven magic bytes is NUL or can occur in UTF-8 text, and a copy of an object's bytes at another address does not pass
+// for an object.
 #pragma once
 
 #include <bit>

@@ -9,6 +9,11 @@
 // Invariants: sentinel.next is the first node and sentinel.previous the last (both the sentinel itself when empty);
 // `count` nodes lie between; `changes` differs after every change of the node structure, so that a walk that ran user
 // code can tell whether its node still stands where it stood.
+//
+// A std::list takes the same 24 bytes an element. But it builds a range in a list of its own and hooks it in at the
+// end: while the last of 1,000 nodes is allocated, 999 hang from the native's frame alone, where the collector need not
+// look. And without `changes` a search that runs user code finds each position anew: 250,000 steps for 1,000 elements
+// instead of 999.
 struct LinkedHandles {
   struct Links {
     Links* next;

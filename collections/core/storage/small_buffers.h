@@ -3,6 +3,10 @@
 // Invariants shared by all of them: `data` points at the buffer's own inline storage or at a block of `capacity`
 // elements from the collected heap; size <= capacity; capacity grows by doubling and never shrinks; replaced blocks are
 // abandoned to the collector. The buffers point into themselves, so they are neither copied nor moved.
+//
+// A std::vector with the collector's allocator has no inline storage, and most collections are small: filled one by one
+// it takes 4 blocks for 8 Ints and 6 for 32, where these take none; for 100 it takes 8, these 2. For 4 handles it takes
+// 3 blocks, these none. Nor does it let compiled code write behind its size, or keep that memory null.
 #pragma once
 
 #include <cstddef>
