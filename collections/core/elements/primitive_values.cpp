@@ -13,11 +13,10 @@
 
 using vorn::collections::ElementType;
 using vorn::collections::isFloatingKind;
+using vorn::collections::kValueField;
 using vorn::collections::PrimitiveKind;
 
 namespace {
-
-constexpr const char* kValueField = "_value";
 
 void setInteger(BulkPrimitiveListValue& out, const ElementType& type, long long value) {
   out = {type.kind, type.name, value, static_cast<double>(value)};
