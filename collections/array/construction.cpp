@@ -19,7 +19,7 @@ namespace vc = vorn::collections;
 
 namespace {
 
-std::string_view typeNameOf(void* handle) {
+std::string_view classNameOf(void* handle) {
   const char* name = Vorn_objectTypeName(handle);
   return name != nullptr ? std::string_view(name) : std::string_view();
 }
@@ -62,7 +62,7 @@ struct SlotType {
 };
 
 SlotType slotTypeOf(void* array) {
-  const std::string name = vc::arrayElementTypeName(typeNameOf(array));
+  const std::string name = vc::arrayElementTypeName(classNameOf(array));
   return {internRuntimeTypeName(name), slotKindForArrayElementType(name)};
 }
 
@@ -105,7 +105,7 @@ void vorn_collections_Array_ctor(void* array, long long size) {
 void vorn_collections_Array_copyCtor(void* array, void* source) {
   if (array == nullptr) return;
   if (source == nullptr) return vc::errors::raiseArrayCopyOfNull();
-  const std::string_view type = typeNameOf(source);
+  const std::string_view type = classNameOf(source);
   if (isArrayLike(type)) return copyFromArray(array, source);
   // A tuple of a negative size is no collection to anyone else, but here it gives the size that the array gets.
   if (isTupleLike(type) && Vorn_getField_i64(source, "size") < 0) return vc::errors::raiseArraySizeNegative();

@@ -57,7 +57,7 @@ void* objectAtOrRaise(const ArrayData& array, long long index, void (*raiseNull)
   return intAtOrRaise(array, index);
 }
 
-double floatingItem(void* element) {
+double floatingElement(void* element) {
   const char* type = Vorn_objectTypeName(element);
   const bool floating = type != nullptr && isFloatingNumberShortType(shortTypeNameLocal(type));
   return floating ? Vorn_getField_double(element, "_value") : static_cast<double>(readListItemI64(element));
@@ -67,7 +67,7 @@ double floatingItem(void* element) {
   std::uint64_t at = 0;
   if (isUnboxedIndex(array, index, at)) return arrayReadF64(array, at);
   void* element = objectAtOrRaise(array, index, vc::errors::raiseExpectedFloatingArrayItem);
-  return element != nullptr ? floatingItem(element) : 0.0;
+  return element != nullptr ? floatingElement(element) : 0.0;
 }
 
 [[gnu::noinline]] double lockedDoubleAtOrRaise(const ArrayData& array, long long index) {

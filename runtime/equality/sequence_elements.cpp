@@ -14,7 +14,7 @@ namespace {
 using collections::visitKind;
 
 // The family of elements kept under a kind and a name, the same as their boxes would have.
-Scalar::Family familyOf(ListData::PrimitiveKind kind, RuntimeTypeName name) {
+Scalar::Family scalarFamilyOf(ListData::PrimitiveKind kind, RuntimeTypeName name) {
   if (kind == ListData::PrimitiveKind::Boolean) return Scalar::Family::Boolean;
   if (collections::kindOf(name.primitiveType()) == kind) {
     if (name.primitiveType() == collections::PrimitiveType::Char) return Scalar::Family::Char;
@@ -31,7 +31,7 @@ UnboxedElements::UnboxedElements(const ListData& list)
       width_(list.primitive.elementSize),
       kind_(list.primitiveKind),
       name_(list.primitiveType),
-      family_(familyOf(kind_, name_)),
+      family_(scalarFamilyOf(kind_, name_)),
       unsigned64_(name_.primitiveType() == collections::PrimitiveType::ULong) {}
 
 UnboxedElements::UnboxedElements(const ArrayData& array)
@@ -40,7 +40,7 @@ UnboxedElements::UnboxedElements(const ArrayData& array)
       width_(array.primitive.elementSize),
       kind_(collections::primitiveKindOf(array.slotKind)),
       name_(array.elementType.shortForm()),
-      family_(familyOf(kind_, name_)),
+      family_(scalarFamilyOf(kind_, name_)),
       unsigned64_(name_.primitiveType() == collections::PrimitiveType::ULong) {}
 
 Scalar UnboxedElements::at(std::size_t index) const {

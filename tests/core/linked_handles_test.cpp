@@ -38,7 +38,7 @@ class LinkedHandlesTest : public RuntimeTest {
   collections::RootedRange root_{&list_, sizeof(list_)};
 };
 
-using Integers = std::vector<std::int64_t>;
+using Values = std::vector<std::int64_t>;
 
 TEST_F(LinkedHandlesTest, StartsEmptyWithTheSentinelLinkedToItself) {
   EXPECT_EQ(list_.count, 0u);
@@ -48,7 +48,7 @@ TEST_F(LinkedHandlesTest, StartsEmptyWithTheSentinelLinkedToItself) {
 
 TEST_F(LinkedHandlesTest, PushBackHooksInBeforeTheSentinel) {
   pushIntegers(3);
-  EXPECT_EQ(integers(), (Integers{0, 1, 2}));
+  EXPECT_EQ(integers(), (Values{0, 1, 2}));
   EXPECT_EQ(valueOf(list_.sentinel.previous), 2);
 }
 
@@ -57,7 +57,7 @@ TEST_F(LinkedHandlesTest, NodesSurviveCollections) {
   pushIntegers(count);
   vorn_heap_collect();
   for (int i = 0; i < count; ++i) integer("Long", -5);
-  Integers expected;
+  Values expected;
   for (int i = 0; i < count; ++i) expected.push_back(i);
   EXPECT_EQ(integers(), expected);
 }
@@ -143,12 +143,12 @@ TEST_F(LinkedHandlesTest, InsertAtWalksFromTheNearerEnd) {
   list_.sentinel.next = &trap.node;
   list_.insertAt(4, integer("Int", 35));
   list_.sentinel.next = first;
-  EXPECT_EQ(integers(), (Integers{0, 1, 2, 3, 35, 4}));
+  EXPECT_EQ(integers(), (Values{0, 1, 2, 3, 35, 4}));
   auto* const last = list_.sentinel.previous;
   list_.sentinel.previous = &trap.node;
   list_.insertAt(2, integer("Int", 15));
   list_.sentinel.previous = last;
-  EXPECT_EQ(integers(), (Integers{0, 1, 15, 2, 3, 35, 4}));
+  EXPECT_EQ(integers(), (Values{0, 1, 15, 2, 3, 35, 4}));
 }
 
 TEST_F(LinkedHandlesTest, InsertAtPutsTheHandleBeforeTheIndex) {
@@ -158,14 +158,14 @@ TEST_F(LinkedHandlesTest, InsertAtPutsTheHandleBeforeTheIndex) {
   list_.insertAt(1, integer("Int", 20));
   list_.insertAt(3, integer("Int", 55));
   list_.insertAt(2, integer("Int", 30));
-  EXPECT_EQ(integers(), (Integers{10, 20, 30, 50, 55, 60}));
+  EXPECT_EQ(integers(), (Values{10, 20, 30, 50, 55, 60}));
   for (std::uint64_t at = 0; at <= 6; ++at) {
     const std::uint64_t before = list_.count;
     list_.insertAt(at, integer("Int", -1));
     EXPECT_EQ(list_.count, before + 1);
     EXPECT_EQ(valueOf(list_.nodeAt(at)), -1);
     list_.unhook(list_.nodeAt(at));
-    EXPECT_EQ(integers(), (Integers{10, 20, 30, 50, 55, 60}));
+    EXPECT_EQ(integers(), (Values{10, 20, 30, 50, 55, 60}));
   }
 }
 
@@ -173,7 +173,7 @@ TEST_F(LinkedHandlesTest, InsertBeforeANode) {
   pushIntegers(2);
   list_.insertBefore(list_.nodeAt(1), integer("Int", 7));
   list_.insertBefore(list_.sentinel.next, integer("Int", 8));
-  EXPECT_EQ(integers(), (Integers{8, 0, 7, 1}));
+  EXPECT_EQ(integers(), (Values{8, 0, 7, 1}));
 }
 
 TEST_F(LinkedHandlesTest, NullHandlesAreKept) {
@@ -187,10 +187,10 @@ TEST_F(LinkedHandlesTest, NullHandlesAreKept) {
 TEST_F(LinkedHandlesTest, UnhookTakesANodeOut) {
   pushIntegers(5);
   list_.unhook(list_.nodeAt(2));
-  EXPECT_EQ(integers(), (Integers{0, 1, 3, 4}));
+  EXPECT_EQ(integers(), (Values{0, 1, 3, 4}));
   list_.unhook(list_.nodeAt(0));
   list_.unhook(list_.nodeAt(2));
-  EXPECT_EQ(integers(), (Integers{1, 3}));
+  EXPECT_EQ(integers(), (Values{1, 3}));
   list_.unhook(list_.nodeAt(0));
   list_.unhook(list_.nodeAt(0));
   EXPECT_EQ(list_.count, 0u);
@@ -201,9 +201,9 @@ TEST_F(LinkedHandlesTest, UnhookTakesANodeOut) {
 TEST_F(LinkedHandlesTest, ResetEmptiesAndLeavesAReusableList) {
   pushIntegers(4);
   list_.reset();
-  EXPECT_EQ(integers(), Integers{});
+  EXPECT_EQ(integers(), Values{});
   pushIntegers(2);
-  EXPECT_EQ(integers(), (Integers{0, 1}));
+  EXPECT_EQ(integers(), (Values{0, 1}));
 }
 
 TEST_F(LinkedHandlesTest, ChangesDiffersAfterEveryChangeOfTheNodes) {
@@ -239,10 +239,10 @@ TEST_F(LinkedHandlesTest, FailedNodeAllocationThrowsAndChangesNothing) {
   EXPECT_THROW(list_.insertAt(1, extra), std::bad_alloc);
   vorn_heap_fail_allocation(0);
   EXPECT_THROW(list_.insertBefore(list_.sentinel.next, extra), std::bad_alloc);
-  EXPECT_EQ(integers(), (Integers{0, 1, 2}));
+  EXPECT_EQ(integers(), (Values{0, 1, 2}));
   EXPECT_EQ(list_.changes, changes);
   list_.pushBack(extra);
-  EXPECT_EQ(integers(), (Integers{0, 1, 2, 9}));
+  EXPECT_EQ(integers(), (Values{0, 1, 2, 9}));
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST_F(PrimitiveAssign, NoValueArray_OfCharacters_GivesZeros) {
 }
 
 // The type and value of the element that operator_index gives.
-std::string elementAt(void* list, long long index) {
+std::string describeElement(void* list, long long index) {
   const Handle element = vorn_collections_ArrayList_operator_index(list, index);
   std::int64_t whole = 0;
   double real = 0.0;
@@ -65,15 +65,15 @@ TEST_F(PrimitiveAssign, LinkedLists_GetBoxes) {
     EXPECT_EQ(data.primitiveKind, Kind::None);
     EXPECT_EQ(data.linkedObjects.count, 2U);
     EXPECT_EQ(data.elementType.get(), "Short");
-    EXPECT_EQ(elementAt(target, 0), "vorn.Short 5");
-    EXPECT_EQ(elementAt(target, 1), "vorn.Short -6");
+    EXPECT_EQ(describeElement(target, 0), "vorn.Short 5");
+    EXPECT_EQ(describeElement(target, 1), "vorn.Short -6");
     const double doubles[] = {0.5, 2, 3};
     EXPECT_TRUE(primitiveListAssignFromF64Values(data, Kind::Double, named("Double"), doubles, 3));
     EXPECT_EQ(data.linkedObjects.count, 3U);
-    EXPECT_EQ(elementAt(target, 0), "vorn.Double 0.500000");
+    EXPECT_EQ(describeElement(target, 0), "vorn.Double 0.500000");
     EXPECT_TRUE(primitiveListAssignFromI64Values(data, Kind::Int, named("Int"), nullptr, 2));
     EXPECT_EQ(data.linkedObjects.count, 2U);
-    EXPECT_EQ(elementAt(target, 1), "vorn.Int 0");
+    EXPECT_EQ(describeElement(target, 1), "vorn.Int 0");
     EXPECT_VALID_LIST(target);
   }
 }
@@ -91,7 +91,7 @@ TEST_F(PrimitiveAssign, CharacterOutOfRange_RaisesOnceAndChangesNothing) {
     EXPECT_RAISED("TypeError: CodeUnit code unit out of range (0..0xFFFF)");
     EXPECT_FALSE(primitiveListAssignFromF64Values(data, Kind::Double, named("Char"), fractions, 2));
     EXPECT_RAISED("ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)");
-    EXPECT_EQ(elementAt(target, 0), "vorn.Int 7");
+    EXPECT_EQ(describeElement(target, 0), "vorn.Int 7");
     EXPECT_EQ(vorn_collections_ArrayList_size(target), 1);
     EXPECT_TRUE(primitiveListAssignFromI64Values(data, Kind::UInt, named("UInt"), scalars, 3));
   }

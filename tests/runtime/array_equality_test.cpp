@@ -8,6 +8,7 @@
 #include "collections/array/array_data.h"
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
+#include "tests/runtime/comparisons.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/sequences.h"
 
@@ -17,7 +18,7 @@ namespace {
 using ArrayEquality = HookedObjectsTest;
 
 // Both directions must agree.
-bool equals(void* left, void* right) {
+bool equalArrays(void* left, void* right) {
   const bool forward = Vorn_deepEquals(left, right) != 0;
   EXPECT_EQ(Vorn_deepEquals(right, left) != 0, forward);
   EXPECT_EQ(vorn_collections_Array_operator_eq(left, right), forward);
@@ -49,73 +50,73 @@ TEST_F(ArrayEquality, ElementByElementAcrossNumberKindsAndSynchronisation) {
   for (const char* left : types) {
     for (const char* right : types) {
       SCOPED_TRACE(std::string(left) + " and " + right);
-      EXPECT_TRUE(equals(numbers(left, {1, 2, 3}), numbers(right, {1, 2, 3})));
-      EXPECT_FALSE(equals(numbers(left, {1, 2, 3}), numbers(right, {1, 2, 4})));
-      EXPECT_FALSE(equals(numbers(left, {1, 2, 3}), numbers(right, {1, 2})));
-      EXPECT_TRUE(equals(numbers(left, {}), numbers(right, {})));
+      EXPECT_TRUE(equalArrays(numbers(left, {1, 2, 3}), numbers(right, {1, 2, 3})));
+      EXPECT_FALSE(equalArrays(numbers(left, {1, 2, 3}), numbers(right, {1, 2, 4})));
+      EXPECT_FALSE(equalArrays(numbers(left, {1, 2, 3}), numbers(right, {1, 2})));
+      EXPECT_TRUE(equalArrays(numbers(left, {}), numbers(right, {})));
     }
-    EXPECT_TRUE(equals(numbers(left, {1, 2}), arrayWith("Array", {integer("Int", 1), floating("Double", 2)})));
-    EXPECT_FALSE(equals(numbers(left, {1, 2}), arrayWith("Array", {integer("Int", 1), string("2")})));
-    EXPECT_FALSE(equals(numbers(left, {0}), arrayWith("Array", {nullptr})));
+    EXPECT_TRUE(equalArrays(numbers(left, {1, 2}), arrayWith("Array", {integer("Int", 1), floating("Double", 2)})));
+    EXPECT_FALSE(equalArrays(numbers(left, {1, 2}), arrayWith("Array", {integer("Int", 1), string("2")})));
+    EXPECT_FALSE(equalArrays(numbers(left, {0}), arrayWith("Array", {nullptr})));
   }
 }
 
 TEST_F(ArrayEquality, ExtremesOfSixtyFourBits) {
   const Handle unsignedMaximum = arrayWith("Array<ULong>", {integer("ULong", -1)});
   const Handle minusOne = arrayWith("Array<Long>", {integer("Long", -1)});
-  EXPECT_FALSE(equals(unsignedMaximum, minusOne));
-  EXPECT_TRUE(equals(unsignedMaximum, arrayWith("ArraySync", {integer("ULong", -1)})));
+  EXPECT_FALSE(equalArrays(unsignedMaximum, minusOne));
+  EXPECT_TRUE(equalArrays(unsignedMaximum, arrayWith("ArraySync", {integer("ULong", -1)})));
   EXPECT_FALSE(
-      equals(arrayWith("Array<Long>", {integer("Long", (1LL << 53) + 1)}), numbers("Array<Double>", {0x1p53})));
+      equalArrays(arrayWith("Array<Long>", {integer("Long", (1LL << 53) + 1)}), numbers("Array<Double>", {0x1p53})));
 }
 
 TEST_F(ArrayEquality, FloatingElements) {
-  EXPECT_FALSE(equals(numbers("Array<Double>", {std::nan("")}), numbers("Array<Double>", {std::nan("")})));
-  EXPECT_TRUE(equals(numbers("Array<Double>", {0.0}), numbers("Array<Float>", {-0.0})));
-  EXPECT_FALSE(equals(numbers("Array<Double>", {0.1}), numbers("Array<Float>", {0.1})));
+  EXPECT_FALSE(equalArrays(numbers("Array<Double>", {std::nan("")}), numbers("Array<Double>", {std::nan("")})));
+  EXPECT_TRUE(equalArrays(numbers("Array<Double>", {0.0}), numbers("Array<Float>", {-0.0})));
+  EXPECT_FALSE(equalArrays(numbers("Array<Double>", {0.1}), numbers("Array<Float>", {0.1})));
   const Handle nan = numbers("Array<Double>", {std::nan("")});
-  EXPECT_TRUE(equals(nan, nan)) << "one object is equal to itself";
+  EXPECT_TRUE(equalArrays(nan, nan)) << "one object is equal to itself";
 }
 
 TEST_F(ArrayEquality, CharactersAndBooleansMeetTheirOwnTypeOnly) {
   const Handle characters = arrayWith("Array<Char>", {integer("Char", 65)});
   const Handle units = arrayWith("Array<CodeUnit>", {integer("CodeUnit", 65)});
   const Handle integers = numbers("Array<UInt>", {65});
-  EXPECT_TRUE(equals(characters, arrayWith("Array", {integer("Char", 65)})));
-  EXPECT_TRUE(equals(units, arrayWith("ArraySync<CodeUnit>", {integer("CodeUnit", 65)})));
-  EXPECT_FALSE(equals(characters, units));
-  EXPECT_FALSE(equals(characters, integers));
-  EXPECT_FALSE(equals(units, numbers("Array<UShort>", {65})));
-  EXPECT_FALSE(equals(arrayWith("Array<Boolean>", {boolean(true)}), numbers("Array<Byte>", {1})));
-  EXPECT_TRUE(equals(arrayWith("Array<Boolean>", {boolean(true)}), arrayWith("Array", {boolean(true)})));
+  EXPECT_TRUE(equalArrays(characters, arrayWith("Array", {integer("Char", 65)})));
+  EXPECT_TRUE(equalArrays(units, arrayWith("ArraySync<CodeUnit>", {integer("CodeUnit", 65)})));
+  EXPECT_FALSE(equalArrays(characters, units));
+  EXPECT_FALSE(equalArrays(characters, integers));
+  EXPECT_FALSE(equalArrays(units, numbers("Array<UShort>", {65})));
+  EXPECT_FALSE(equalArrays(arrayWith("Array<Boolean>", {boolean(true)}), numbers("Array<Byte>", {1})));
+  EXPECT_TRUE(equalArrays(arrayWith("Array<Boolean>", {boolean(true)}), arrayWith("Array", {boolean(true)})));
 }
 
 TEST_F(ArrayEquality, BooleanBytesOtherThanOneAreTrue) {
   const Handle odd = arrayWith("Array<Boolean>", {boolean(true), boolean(false)});
   getArrayData(odd)->primitive.data[0] = 0x40;
-  EXPECT_TRUE(equals(odd, arrayWith("Array<Boolean>", {boolean(true), boolean(false)})));
-  EXPECT_FALSE(equals(odd, arrayWith("Array<Boolean>", {boolean(false), boolean(false)})));
+  EXPECT_TRUE(equalArrays(odd, arrayWith("Array<Boolean>", {boolean(true), boolean(false)})));
+  EXPECT_FALSE(equalArrays(odd, arrayWith("Array<Boolean>", {boolean(false), boolean(false)})));
 }
 
 TEST_F(ArrayEquality, ArraysOfHandlesUseUserEqualityAndNest) {
-  EXPECT_TRUE(equals(arrayWith("Array", {hooked(1), nullptr, string("a")}),
-                     arrayWith("ArraySync", {hooked(1), nullptr, text("a")})));
-  EXPECT_FALSE(equals(arrayWith("Array", {hooked(1)}), arrayWith("Array", {hooked(2)})));
+  EXPECT_TRUE(equalArrays(arrayWith("Array", {hooked(1), nullptr, string("a")}),
+                          arrayWith("ArraySync", {hooked(1), nullptr, text("a")})));
+  EXPECT_FALSE(equalArrays(arrayWith("Array", {hooked(1)}), arrayWith("Array", {hooked(2)})));
   EXPECT_TRUE(
-      equals(arrayWith("Array", {numbers("Array<Int>", {1})}), arrayWith("Array", {numbers("Array<Long>", {1})})));
-  EXPECT_TRUE(equals(tupleOf({numbers("Array<Int>", {1})}), tupleOf({numbers("Array<Double>", {1})})));
+      equalArrays(arrayWith("Array", {numbers("Array<Int>", {1})}), arrayWith("Array", {numbers("Array<Long>", {1})})));
+  EXPECT_TRUE(equalArrays(tupleOf({numbers("Array<Int>", {1})}), tupleOf({numbers("Array<Double>", {1})})));
 }
 
 TEST_F(ArrayEquality, OtherFamiliesAreNeverEqual) {
   const Handle array = numbers("Array<Int>", {1});
-  EXPECT_FALSE(equals(array, list("ArrayList<Int>", {integer("Int", 1)})));
-  EXPECT_FALSE(equals(array, unboxedImmutable("Int", {1})));
-  EXPECT_FALSE(equals(array, tupleOf({integer("Int", 1)})));
-  EXPECT_FALSE(equals(object("Array"), object("ArrayList")));
-  EXPECT_FALSE(equals(object("Array"), object("HashSet")));
-  EXPECT_FALSE(equals(array, integer("Int", 1)));
-  EXPECT_FALSE(equals(array, nullptr));
-  EXPECT_FALSE(equals(array, text("1")));
+  EXPECT_FALSE(equalArrays(array, list("ArrayList<Int>", {integer("Int", 1)})));
+  EXPECT_FALSE(equalArrays(array, unboxedImmutable("Int", {1})));
+  EXPECT_FALSE(equalArrays(array, tupleOf({integer("Int", 1)})));
+  EXPECT_FALSE(equalArrays(object("Array"), object("ArrayList")));
+  EXPECT_FALSE(equalArrays(object("Array"), object("HashSet")));
+  EXPECT_FALSE(equalArrays(array, integer("Int", 1)));
+  EXPECT_FALSE(equalArrays(array, nullptr));
+  EXPECT_FALSE(equalArrays(array, text("1")));
 }
 
 TEST_F(ArrayEquality, ArraysThatHoldThemselvesAreComparedToAnEnd) {
@@ -123,8 +124,8 @@ TEST_F(ArrayEquality, ArraysThatHoldThemselvesAreComparedToAnEnd) {
   const Handle other = arrayWith("ArraySync", {nullptr});
   vorn_collections_Array_operator_index_eq(one, 0, one);
   vorn_collections_Array_operator_index_eq(other, 0, other);
-  EXPECT_TRUE(equals(one, other));
-  EXPECT_FALSE(equals(one, arrayWith("Array", {arrayWith("Array", {nullptr})})));
+  EXPECT_TRUE(equalArrays(one, other));
+  EXPECT_FALSE(equalArrays(one, arrayWith("Array", {arrayWith("Array", {nullptr})})));
 }
 
 TEST_F(ArrayEquality, DeepArraysAreComparedToAnEnd) {
@@ -154,19 +155,6 @@ TEST_F(ArrayEquality, TheLocksAreFreeWhileHooksRunAndAfterwards) {
 
 // ---- Order ----------------------------------------------------------------------------------------------------------
 
-// "<", "=" or ">" as both functions together say; "?" when they cannot tell.
-std::string orderOf(void* left, void* right) {
-  bool equal = false;
-  bool less = false;
-  bool greater = false;
-  if (!Vorn_collectionObjectsEqual(left, right, equal)) return "?";
-  if (equal) return "=";
-  if (!Vorn_collectionObjectsLess(left, right, less)) return "!";
-  EXPECT_TRUE(Vorn_collectionObjectsLess(right, left, greater));
-  EXPECT_FALSE(less && greater);
-  return less ? "<" : (greater ? ">" : "~");
-}
-
 TEST_F(ArrayEquality, Order_IsLexicographic) {
   EXPECT_EQ(orderOf(numbers("Array<Int>", {}), numbers("Array<Double>", {})), "=");
   EXPECT_EQ(orderOf(numbers("Array<Int>", {1}), numbers("Array<Int>", {1, 0})), "<");
@@ -192,8 +180,10 @@ TEST_F(ArrayEquality, Order_OfArraysInAListAndInAnArray) {
   vorn_collections_Array_sort(asArray);
   for (std::size_t i = 0; i < sorted.size(); ++i) {
     const Handle expected = numbers("Array<Double>", sorted[i]);
-    EXPECT_TRUE(equals(Handle(vorn_collections_ArrayList_operator_index(asList, static_cast<long long>(i))), expected));
-    EXPECT_TRUE(equals(Handle(vorn_collections_Array_operator_index(asArray, static_cast<long long>(i))), expected));
+    EXPECT_TRUE(
+        equalArrays(Handle(vorn_collections_ArrayList_operator_index(asList, static_cast<long long>(i))), expected));
+    EXPECT_TRUE(
+        equalArrays(Handle(vorn_collections_Array_operator_index(asArray, static_cast<long long>(i))), expected));
   }
 }
 

@@ -11,6 +11,7 @@
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
+#include "tests/runtime/comparisons.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/sequences.h"
@@ -19,13 +20,6 @@ namespace vorn::tests {
 namespace {
 
 using ContentEquality = HookedObjectsTest;
-
-// Both directions must agree.
-bool equals(void* left, void* right) {
-  const bool forward = Vorn_deepEquals(left, right) != 0;
-  EXPECT_EQ(Vorn_deepEquals(right, left) != 0, forward);
-  return forward;
-}
 
 using Entries = std::vector<std::pair<Handle, Handle>>;
 
@@ -88,19 +82,6 @@ TEST_F(ContentEquality, Tuples_ASizeBeyondTheItemsIsNoDanger) {
 }
 
 // ---- The order of tuples --------------------------------------------------------------------------------------------
-
-// "<", "=" or ">" as both functions together say; "?" when they cannot tell.
-std::string orderOf(void* left, void* right) {
-  bool equal = false;
-  bool less = false;
-  bool greater = false;
-  if (!Vorn_collectionObjectsEqual(left, right, equal)) return "?";
-  if (equal) return "=";
-  if (!Vorn_collectionObjectsLess(left, right, less)) return "!";
-  EXPECT_TRUE(Vorn_collectionObjectsLess(right, left, greater));
-  EXPECT_FALSE(less && greater);
-  return less ? "<" : (greater ? ">" : "~");
-}
 
 TEST_F(ContentEquality, Order_OfTuplesIsLexicographic) {
   EXPECT_EQ(orderOf(tupleOf({}), tupleOf({})), "=");

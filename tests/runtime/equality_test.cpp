@@ -5,6 +5,7 @@
 
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
+#include "tests/runtime/comparisons.h"
 #include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
 
@@ -12,13 +13,6 @@ namespace vorn::tests {
 namespace {
 
 using Equality = HookedObjectsTest;
-
-// Both directions must agree.
-bool equals(void* left, void* right) {
-  const bool forward = Vorn_deepEquals(left, right) != 0;
-  EXPECT_EQ(Vorn_deepEquals(right, left) != 0, forward);
-  return forward;
-}
 
 TEST_F(Equality, Identity_ComesFirst) {
   EXPECT_TRUE(equals(nullptr, nullptr));

@@ -6,14 +6,12 @@
 #include <vector>
 
 #include "tests/runtime/key_support.h"
+#include "tests/runtime/special_numbers.h"
 
 namespace vorn::tests {
 namespace {
 
 using KeyOrder = HookedObjectsTest;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // Expects each handle to come before all that follow it.
 void expectAscending(const std::vector<Handle>& handles) {

@@ -7,6 +7,7 @@
 #include "collections/core/port/type_names.h"
 #include "collections/keyed/map_data.h"
 #include "tests/runtime/key_support.h"
+#include "tests/runtime/special_numbers.h"
 #include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
@@ -14,8 +15,6 @@ namespace {
 
 using Keys = HookedObjectsTest;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 
 TEST_F(Keys, Numbers_ByValueWhateverTheirType) {

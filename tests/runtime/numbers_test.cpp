@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "collections/core/port/comparison.h"
+#include "tests/runtime/special_numbers.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
@@ -20,8 +21,6 @@ NativeNumericValue f64(double value) { return {Kind::Floating, std::bit_cast<std
 constexpr auto kMinimum = std::numeric_limits<std::int64_t>::min();
 constexpr auto kMaximum = std::numeric_limits<std::int64_t>::max();
 constexpr auto kUnsignedMaximum = std::numeric_limits<std::uint64_t>::max();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int64_t kTwo53 = std::int64_t{1} << 53;
 constexpr std::uint64_t kTwo63 = std::uint64_t{1} << 63;
 

@@ -13,7 +13,7 @@ namespace {
 using Order = HookedObjectsTest;
 
 // "<", ">" or "=" as the two are ordered; "?" when they cannot be. Both directions must agree.
-std::string order(void* left, void* right) {
+std::string relationOf(void* left, void* right) {
   bool less = false;
   bool greater = false;
   const bool forward = Vorn_collectionObjectsLess(left, right, less);
@@ -34,21 +34,21 @@ TEST_F(Order, Lists_AreLexicographic) {
     return result;
   };
   for (const char* name : {"ArrayList", "ArrayListSync", "LinkedList", "LinkedListSync"}) {
-    EXPECT_EQ(order(numbers("ArrayList", {}), numbers(name, {})), "=") << name;
-    EXPECT_EQ(order(numbers("ArrayList", {}), numbers(name, {1})), "<") << name;
-    EXPECT_EQ(order(numbers("ArrayList", {1, 2}), numbers(name, {1, 2})), "=") << name;
-    EXPECT_EQ(order(numbers("ArrayList", {1, 2}), numbers(name, {1, 2, 0})), "<") << name;
-    EXPECT_EQ(order(numbers("ArrayList", {1, 3}), numbers(name, {1, 2, 9})), ">") << name;
-    EXPECT_EQ(order(numbers("ArrayList", {2}), numbers(name, {10})), "<") << name;
+    EXPECT_EQ(relationOf(numbers("ArrayList", {}), numbers(name, {})), "=") << name;
+    EXPECT_EQ(relationOf(numbers("ArrayList", {}), numbers(name, {1})), "<") << name;
+    EXPECT_EQ(relationOf(numbers("ArrayList", {1, 2}), numbers(name, {1, 2})), "=") << name;
+    EXPECT_EQ(relationOf(numbers("ArrayList", {1, 2}), numbers(name, {1, 2, 0})), "<") << name;
+    EXPECT_EQ(relationOf(numbers("ArrayList", {1, 3}), numbers(name, {1, 2, 9})), ">") << name;
+    EXPECT_EQ(relationOf(numbers("ArrayList", {2}), numbers(name, {10})), "<") << name;
   }
 }
 
 // Two lists of one element each, boxed or not.
 std::string elementOrder(const Handle& left, const Handle& right) {
-  const std::string boxed = order(list("LinkedList", {left}), list("LinkedList", {right}));
-  EXPECT_EQ(order(list("ArrayList", {left}), list("ArrayList", {right})), boxed);
-  EXPECT_EQ(order(list("ArrayList", {left}), list("LinkedList", {right})), boxed);
-  EXPECT_EQ(order(list("LinkedListSync", {left}), list("ArrayListSync", {right})), boxed);
+  const std::string boxed = relationOf(list("LinkedList", {left}), list("LinkedList", {right}));
+  EXPECT_EQ(relationOf(list("ArrayList", {left}), list("ArrayList", {right})), boxed);
+  EXPECT_EQ(relationOf(list("ArrayList", {left}), list("LinkedList", {right})), boxed);
+  EXPECT_EQ(relationOf(list("LinkedListSync", {left}), list("ArrayListSync", {right})), boxed);
   return boxed;
 }
 
@@ -95,33 +95,33 @@ TEST_F(Order, ElementsThatCannotBeOrdered_CountAsEqual) {
   EXPECT_EQ(elementOrder(plain(1), plain(2)), "=");
   EXPECT_EQ(elementOrder(plain(1), object("ArrayList")), "=");
   EXPECT_EQ(elementOrder(object("ImmutableList"), list("ArrayList", {string("a")})), "=");
-  EXPECT_EQ(order(list("ArrayList", {string("x"), integer("Int", 1)}),
-                  list("ArrayList", {integer("Int", 9), integer("Int", 2)})),
+  EXPECT_EQ(relationOf(list("ArrayList", {string("x"), integer("Int", 1)}),
+                       list("ArrayList", {integer("Int", 9), integer("Int", 2)})),
             "<");
 }
 
 TEST_F(Order, ListsOfDifferentFamilies_AreNotOrdered) {
-  EXPECT_EQ(order(object("ImmutableList"), object("ArrayList")), "?");
-  EXPECT_EQ(order(object("ImmutableList"), object("ImmutableList<Int>")), "=");
+  EXPECT_EQ(relationOf(object("ImmutableList"), object("ArrayList")), "?");
+  EXPECT_EQ(relationOf(object("ImmutableList"), object("ImmutableList<Int>")), "=");
 }
 
 TEST_F(Order, Texts_ByBytes) {
-  EXPECT_EQ(order(string("a"), string("b")), "<");
-  EXPECT_EQ(order(string("ab"), string("a")), ">");
-  EXPECT_EQ(order(string("a"), string("a")), "=");
-  EXPECT_EQ(order(string("é"), text("z")), ">");
+  EXPECT_EQ(relationOf(string("a"), string("b")), "<");
+  EXPECT_EQ(relationOf(string("ab"), string("a")), ">");
+  EXPECT_EQ(relationOf(string("a"), string("a")), "=");
+  EXPECT_EQ(relationOf(string("é"), text("z")), ">");
 }
 
 TEST_F(Order, Instances_ByHook) {
-  EXPECT_EQ(order(hooked(1), hooked(2)), "<");
-  EXPECT_EQ(order(hooked(2), hooked(2)), "=");
+  EXPECT_EQ(relationOf(hooked(1), hooked(2)), "<");
+  EXPECT_EQ(relationOf(hooked(2), hooked(2)), "=");
   EXPECT_EQ(elementOrder(hooked(3), hooked(2)), ">");
 }
 
 TEST_F(Order, Instances_WhoseHookDeclinesOrIsMissing_AreNotOrdered) {
-  EXPECT_EQ(order(hooked(1), plain(2)), "?");
-  EXPECT_EQ(order(plain(1), plain(2)), "?");
-  EXPECT_EQ(order(hooked(1), string("a")), "?");
+  EXPECT_EQ(relationOf(hooked(1), plain(2)), "?");
+  EXPECT_EQ(relationOf(plain(1), plain(2)), "?");
+  EXPECT_EQ(relationOf(hooked(1), string("a")), "?");
   EXPECT_EQ(elementOrder(hooked(1), plain(2)), "=");
 }
 
@@ -129,9 +129,9 @@ TEST_F(Order, Hook_OfTheRightInstanceServesTurnedAround) {
   hookFunctions.compare = [](void* self, void* other, bool*) {
     return keyOf(self) < keyOf(other) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
   };
-  EXPECT_EQ(order(plain(1), hooked(2)), "<");
-  EXPECT_EQ(order(hooked(2), plain(1)), ">");
-  EXPECT_EQ(order(plain(3), hooked(2)), ">");
+  EXPECT_EQ(relationOf(plain(1), hooked(2)), "<");
+  EXPECT_EQ(relationOf(hooked(2), plain(1)), ">");
+  EXPECT_EQ(relationOf(plain(3), hooked(2)), ">");
 }
 
 TEST_F(Order, HookThatRaises_LeavesTheErrorAndNoOrder) {
@@ -151,12 +151,12 @@ TEST_F(Order, HookThatRaises_LeavesTheErrorAndNoOrder) {
 }
 
 TEST_F(Order, EverythingElse_IsNotOrdered) {
-  EXPECT_EQ(order(integer("Int", 1), integer("Int", 2)), "?");
-  EXPECT_EQ(order(integer("Char", 1), integer("Char", 2)), "?");
-  EXPECT_EQ(order(nullptr, string("a")), "?");
-  EXPECT_EQ(order(nullptr, object("ArrayList")), "?");
-  EXPECT_EQ(order(object("ArrayList"), string("a")), "?");
-  EXPECT_EQ(order(object("Type"), object("Type")), "?");
+  EXPECT_EQ(relationOf(integer("Int", 1), integer("Int", 2)), "?");
+  EXPECT_EQ(relationOf(integer("Char", 1), integer("Char", 2)), "?");
+  EXPECT_EQ(relationOf(nullptr, string("a")), "?");
+  EXPECT_EQ(relationOf(nullptr, object("ArrayList")), "?");
+  EXPECT_EQ(relationOf(object("ArrayList"), string("a")), "?");
+  EXPECT_EQ(relationOf(object("Type"), object("Type")), "?");
 }
 
 TEST_F(Order, ListsThatContainThemselves_AreOrderedToAnEnd) {
@@ -166,8 +166,8 @@ TEST_F(Order, ListsThatContainThemselves_AreOrderedToAnEnd) {
     vorn_collections_ArrayList_add(result, string(last));
     return result;
   };
-  EXPECT_EQ(order(cyclic("a"), cyclic("b")), "<");
-  EXPECT_EQ(order(cyclic("a"), cyclic("a")), "=");
+  EXPECT_EQ(relationOf(cyclic("a"), cyclic("b")), "<");
+  EXPECT_EQ(relationOf(cyclic("a"), cyclic("a")), "=");
 }
 
 #if defined(__GLIBC__)
@@ -196,11 +196,11 @@ TEST_F(Order, SynchronisedUnboxedLists_AreNotReadOutsideTheirLock) {
 
 TEST_F(Order, UnboxedAgainstBoxedElements_ByValue) {
   const Handle unboxed = list("ArrayList<Int>", {integer("Int", 1), integer("Int", 5)});
-  EXPECT_EQ(order(unboxed, list("LinkedList", {integer("Int", 1), integer("Int", 6)})), "<");
-  EXPECT_EQ(order(unboxed, list("LinkedList", {integer("Int", 1), integer("Int", 4)})), ">");
-  EXPECT_EQ(order(unboxed, list("LinkedList", {integer("Int", 1), nullptr})), ">");
-  EXPECT_EQ(order(unboxed, list("LinkedList", {integer("Int", 1), string("a")})), "=");
-  EXPECT_EQ(order(unboxed, list("LinkedList", {integer("Int", 1)})), ">");
+  EXPECT_EQ(relationOf(unboxed, list("LinkedList", {integer("Int", 1), integer("Int", 6)})), "<");
+  EXPECT_EQ(relationOf(unboxed, list("LinkedList", {integer("Int", 1), integer("Int", 4)})), ">");
+  EXPECT_EQ(relationOf(unboxed, list("LinkedList", {integer("Int", 1), nullptr})), ">");
+  EXPECT_EQ(relationOf(unboxed, list("LinkedList", {integer("Int", 1), string("a")})), "=");
+  EXPECT_EQ(relationOf(unboxed, list("LinkedList", {integer("Int", 1)})), ">");
 }
 
 }  // namespace

@@ -52,17 +52,17 @@ TEST_F(Texts, EscapesInALongText_StandInTheirPlaces) {
 }
 
 TEST_F(Texts, Integers_AreDecimalAndULongUnsigned) {
-  constexpr long long kLeast = std::numeric_limits<long long>::min();
+  constexpr long long kLeastLong = std::numeric_limits<long long>::min();
   constexpr long long kMost = std::numeric_limits<long long>::max();
   for (const char* type : {"Int", "UInt", "Long", "Short", "UShort", "Byte", "SByte", "", "Foo", "ulong"}) {
     EXPECT_EQ(integerLikeToDisplayString(type, 0), "0");
     EXPECT_EQ(integerLikeToDisplayString(type, -1), "-1");
-    EXPECT_EQ(integerLikeToDisplayString(type, kLeast), "-9223372036854775808");
+    EXPECT_EQ(integerLikeToDisplayString(type, kLeastLong), "-9223372036854775808");
     EXPECT_EQ(integerLikeToDisplayString(type, kMost), "9223372036854775807");
   }
   EXPECT_EQ(integerLikeToDisplayString("ULong", 0), "0");
   EXPECT_EQ(integerLikeToDisplayString("ULong", -1), "18446744073709551615");
-  EXPECT_EQ(integerLikeToDisplayString("ULong", kLeast), "9223372036854775808");
+  EXPECT_EQ(integerLikeToDisplayString("ULong", kLeastLong), "9223372036854775808");
 }
 
 TEST_F(Texts, FloatingNumbers_HaveAPointOrAnExponent) {

@@ -17,8 +17,6 @@ using vc::PrimitiveType;
 
 namespace {
 
-constexpr const char* kValueField = "_value";
-
 void setInteger(BulkPrimitiveListValue& out, const vc::ElementType& type, long long value) {
   out = {type.kind, type.name, value, static_cast<double>(value)};
 }
@@ -37,11 +35,11 @@ void setFloating(BulkPrimitiveListValue& out, const vc::ElementType& type, doubl
   if (named == PrimitiveType::None) return false;
   const vc::ElementType type = vc::elementTypeOf(named);
   if (vc::isFloatingKind(type.kind)) {
-    setFloating(out, type, Vorn_getField_double(handle, kValueField));
+    setFloating(out, type, Vorn_getField_double(handle, vc::kValueField));
   } else if (type.kind == PrimitiveKind::Boolean) {
-    setInteger(out, type, Vorn_getField_i1(handle, kValueField) ? 1 : 0);
+    setInteger(out, type, Vorn_getField_i1(handle, vc::kValueField) ? 1 : 0);
   } else {
-    setInteger(out, type, Vorn_getField_i64(handle, kValueField));
+    setInteger(out, type, Vorn_getField_i64(handle, vc::kValueField));
   }
   return true;
 }
@@ -51,7 +49,7 @@ void setFloating(BulkPrimitiveListValue& out, const vc::ElementType& type, doubl
 long long readListItemI64(void* handle) {
   const RegisteredObject* record = getRegisteredObjectUnsafe(handle);
   if (record != nullptr && record->kind() == ObjectKind::IntegerBox) return record->integer;
-  return Vorn_getField_i64(handle, kValueField);
+  return Vorn_getField_i64(handle, vc::kValueField);
 }
 
 void* boxPrimitiveListValue(PrimitiveKind kind, RuntimeTypeName typeName, long long integer, double floating) {

@@ -16,6 +16,13 @@ struct BulkPrimitiveListValue {
   [[nodiscard]] vorn::collections::ElementType type() const { return {kind, typeName}; }
 };
 
+namespace vorn::collections {
+
+// The field that a box, or an object of a class named like one, keeps its value in.
+inline constexpr const char* kValueField = "_value";
+
+}  // namespace vorn::collections
+
 // The integer of a boxed integer-like element: the registered record's value, else the field "_value".
 long long readListItemI64(void* handle);
 

@@ -21,8 +21,6 @@ namespace vc = vorn::collections;
 
 namespace {
 
-constexpr const char* kValueField = "_value";
-
 // What an operand is to the rules of equality and order. Each operand is looked at once.
 enum class OperandClass {
   Plain,     // null or a bare text
@@ -60,7 +58,7 @@ OperandClass classOf(void* handle) {
 
 // The value of an operand that meets a floating one. What is not floating itself reads as an integer, whatever it is.
 double valueBesideFloating(void* handle, OperandClass operandClass) {
-  if (operandClass == OperandClass::Floating) return Vorn_getField_double(handle, kValueField);
+  if (operandClass == OperandClass::Floating) return Vorn_getField_double(handle, vorn::collections::kValueField);
   return static_cast<double>(readListItemI64(handle));
 }
 
