@@ -1,22 +1,13 @@
-// Small means for the tests of the heap: the options of this run, nodes to keep alive, garbage, statistics.
+// Small means for the tests of the heap: nodes to keep alive, garbage, statistics.
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "runtime/heap/heap.h"
 #include "runtime/threads/thread_state.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
-
-// The options that the test program was started with.
-inline vorn_runtime_options testOptions() {
-  const char* text = std::getenv("VORN_TEST_HEAP");
-  vorn_runtime_options options;
-  EXPECT_EQ(vorn_runtime_parse_options(text != nullptr ? text : "heap=collected", &options), 1);
-  return options;
-}
 
 inline bool onPlainHeap() { return testOptions().heap == VORN_HEAP_PLAIN; }
 
