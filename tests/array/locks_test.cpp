@@ -3,6 +3,7 @@
 #include <csignal>
 #include <system_error>
 
+#include "collections/array/array_validation.h"
 #include "collections/array/byte_conversions.h"
 #include "tests/array/array_cases.h"
 

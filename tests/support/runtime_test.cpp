@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "tests/support/user_objects.h"
+
 namespace vorn::tests {
 
 vorn_runtime_options testOptions() {
@@ -40,6 +42,13 @@ std::vector<std::string> takeErrors() {
 
 std::string listTypeError(const std::string& declared, const std::string& valueType) {
   return "TypeError: ArrayList<" + declared + "> cannot accept " + valueType;
+}
+
+void RuntimeTest::TearDown() {
+  vorn_heap_fail_allocation(-1);
+  userHooks = {};
+  clearHookCalls();
+  EXPECT_NOTHING_RAISED();
 }
 
 }  // namespace vorn::tests

@@ -46,13 +46,11 @@ bool onStressHeap();
 #define EXPECT_RAISED(expected) EXPECT_EQ(::vorn::tests::takeErrors(), std::vector<std::string>{expected})
 #define EXPECT_NOTHING_RAISED() EXPECT_EQ(::vorn::tests::takeErrors(), std::vector<std::string>{})
 
-// Fixture: every test ends without a pending error and without an armed allocation failure.
+// Fixture: every test ends without a pending error, without an armed allocation failure and with the honest hooks of
+// user objects.
 class RuntimeTest : public ::testing::Test {
  protected:
-  void TearDown() override {
-    vorn_heap_fail_allocation(-1);
-    EXPECT_NOTHING_RAISED();
-  }
+  void TearDown() override;
 };
 
 }  // namespace vorn::tests
