@@ -25,19 +25,19 @@ namespace {
 
 using namespace vorn::bench;  // NOLINT(google-build-using-namespace): the program's own namespace
 using natives::requireNoErrors;
-using natives::Rooted;
+using vorn::Handle;
 
 constexpr std::int64_t kSmall = 1000;
 constexpr std::int64_t kLarge = 1000000;
 
-void* makeArray(Rooted& array, const char* type, std::int64_t elements) {
+void* makeArray(Handle& array, const char* type, std::int64_t elements) {
   array = vorn_object_new(type);
   vorn_collections_Array_ctor(array, elements);
   requireNoErrors();
   return array;
 }
 
-void* makeInts(Rooted& array, const char* type, std::int64_t elements) {
+void* makeInts(Handle& array, const char* type, std::int64_t elements) {
   makeArray(array, type, elements);
   for (std::int64_t i = 0; i < elements; ++i) vorn_collections_Array_setInt(array, i, elementAt(i));
   requireNoErrors();
@@ -60,7 +60,7 @@ std::vector<std::int32_t> unorderedInts(std::int64_t elements) {
 // ---- Elements -------------------------------------------------------------------------------------------------------
 
 void getInt(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   void* const handle = makeInts(array, "Array<Int>", elements);
   for (auto _ : state) {
     for (std::int64_t i = 0; i < elements; ++i) keep(vorn_collections_Array_getInt(handle, i));
@@ -77,7 +77,7 @@ void getPlainInt(benchmark::State& state, std::int64_t elements) {
 }
 
 void setInt(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   void* const handle = makeInts(array, "Array<Int>", elements);
   for (auto _ : state) {
     for (std::int64_t i = 0; i < elements; ++i) vorn_collections_Array_setInt(handle, i, i);
@@ -99,7 +99,7 @@ void setPlainInt(benchmark::State& state, std::int64_t elements) {
 }
 
 void getDouble(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   void* const handle = makeInts(array, "Array<Double>", elements);
   for (auto _ : state) {
     for (std::int64_t i = 0; i < elements; ++i) keep(vorn_collections_Array_getDouble(handle, i));
@@ -108,7 +108,7 @@ void getDouble(benchmark::State& state, std::int64_t elements) {
 }
 
 void getSynchronisedInt(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   void* const handle = makeInts(array, "ArraySync<Int>", elements);
   for (auto _ : state) {
     for (std::int64_t i = 0; i < elements; ++i) keep(vorn_collections_Array_getInt(handle, i));
@@ -124,7 +124,7 @@ std::int64_t sumOf(const std::int32_t* values, std::int64_t elements) {
 }
 
 void loopRaw(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   void* const handle = makeInts(array, "Array<Int>", elements);
   for (auto _ : state) {
     const auto* values = static_cast<const std::int32_t*>(vorn_collections_Array_rawDataPtr(handle));
@@ -144,7 +144,7 @@ void loopPlain(benchmark::State& state, std::int64_t elements) {
 }
 
 void sortInts(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   void* const handle = makeInts(array, "Array<Int>", elements);
   const std::vector<std::int32_t> values = unorderedInts(elements);
   void* const slots = vorn_collections_Array_rawDataPtr(handle);
@@ -196,12 +196,12 @@ void textOfCharacters(benchmark::State& state, std::int64_t bytes, bool mixed, b
     }
     slots = units;
   }
-  Rooted array;
+  Handle array;
   makeArray(array, asUnits ? "Array<CodeUnit>" : "Array<Char>", static_cast<std::int64_t>(slots.size()));
   for (std::size_t i = 0; i < slots.size(); ++i) {
     vorn_collections_Array_setInt(array, static_cast<long long>(i), slots[i]);
   }
-  Rooted text;
+  Handle text;
   for (auto _ : state) text = asUnits ? Vorn_stringFromCodeUnitArray(array) : Vorn_stringFromCharArray(array);
   requireNoErrors();
   countElements(state, static_cast<std::int64_t>(std::strlen(vorn_string_text(text))));
@@ -213,7 +213,7 @@ void asciiUnits(benchmark::State& state, std::int64_t bytes) { textOfCharacters(
 void mixedUnits(benchmark::State& state, std::int64_t bytes) { textOfCharacters(state, bytes, true, true); }
 
 void readBytes(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   makeInts(array, "Array<Byte>", elements);
   std::vector<unsigned char> bytes;
   std::string error;
@@ -225,7 +225,7 @@ void readBytes(benchmark::State& state, std::int64_t elements) {
 }
 
 void writeBytes(benchmark::State& state, std::int64_t elements) {
-  Rooted array;
+  Handle array;
   makeArray(array, "Array<Byte>", elements);
   const std::vector<unsigned char> bytes(static_cast<std::size_t>(elements), 7);
   std::string error;
@@ -244,7 +244,7 @@ void copyPlainBytes(benchmark::State& state, std::int64_t elements) {
 }
 
 void printMemory(std::int64_t elements) {
-  Rooted array;
+  Handle array;
   makeArray(array, "Array<Byte>", elements);
   const SmallPrimitiveBuffer& slots = getArrayData(array)->primitive;
   std::printf("An Array<Byte> of %lld elements holds %.2f bytes an element.\n", static_cast<long long>(elements),

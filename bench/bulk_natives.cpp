@@ -16,7 +16,7 @@ void fillLongs(void* list, std::int64_t elements) {
 // Runs `work(list)` once per iteration on one list, which it leaves with as many elements as before.
 template <class Fill, class Work>
 void onList(benchmark::State& state, std::int64_t elements, const char* className, Fill fill, Work work) {
-  const Rooted list(vorn_object_new(className));
+  const Handle list(vorn_object_new(className));
   fill(list, elements);
   requireSize(list, elements);
   for (auto _ : state) work(list.operator void*());
@@ -27,8 +27,8 @@ void onList(benchmark::State& state, std::int64_t elements, const char* classNam
 // The same for natives that make a new list of `results` elements, which is what counts.
 template <class Make>
 void makingLists(benchmark::State& state, std::int64_t elements, std::int64_t results, Make make) {
-  const Rooted list(vorn_object_new("ArrayList<Int>"));
-  Rooted result;
+  const Handle list(vorn_object_new("ArrayList<Int>"));
+  Handle result;
   fillInts(list, elements);
   for (auto _ : state) result = make(list.operator void*());
   requireSize(result, results);
@@ -39,8 +39,8 @@ void makingLists(benchmark::State& state, std::int64_t elements, std::int64_t re
 template <class Fill>
 void addingAll(benchmark::State& state, std::int64_t elements, const char* targetClass, const char* sourceClass,
                Fill fill) {
-  const Rooted source(vorn_object_new(sourceClass));
-  const Rooted target(vorn_object_new(targetClass));
+  const Handle source(vorn_object_new(sourceClass));
+  const Handle target(vorn_object_new(targetClass));
   fill(source, elements);
   for (auto _ : state) {
     vorn_collections_ArrayList_clear(target);
@@ -76,7 +76,7 @@ void reverse(benchmark::State& state, std::int64_t elements) {
 }
 
 void slice(benchmark::State& state, std::int64_t elements) {
-  const Rooted bound(vorn_box_boolean(true));
+  const Handle bound(vorn_box_boolean(true));
   makingLists(state, elements + 2, elements,
               [&](void* list) { return vorn_collections_ArrayList_slice(list, 1, -1, 1, bound, bound); });
 }
@@ -116,7 +116,7 @@ void addAllLinked(benchmark::State& state, std::int64_t elements) {
 
 void addAllOfSet(benchmark::State& state, std::int64_t elements) {
   addingAll(state, elements, "ArrayList<Object>", "HashSet", [](void* set, std::int64_t count) {
-    Rooted box;
+    Handle box;
     for (std::int64_t i = 0; i < count; ++i) {
       box = vorn_box_integer("Int", i);
       vorn_collections_HashSet_add(set, box);
@@ -125,13 +125,13 @@ void addAllOfSet(benchmark::State& state, std::int64_t elements) {
 }
 
 void sliceAssignInts(benchmark::State& state, std::int64_t elements) {
-  const Rooted source(vorn_object_new("ArrayList<Int>"));
+  const Handle source(vorn_object_new("ArrayList<Int>"));
   fillInts(source, elements);
   onList(state, elements, "ArrayList<Int>", fillInts, [&](void* list) { assignWhole(list, source); });
 }
 
 void sliceAssignLinked(benchmark::State& state, std::int64_t elements) {
-  const Rooted source(vorn_object_new("ArrayList<Object>"));
+  const Handle source(vorn_object_new("ArrayList<Object>"));
   fillBoxes(source, elements);
   onList(state, elements, "LinkedList<Object>", fillBoxes, [&](void* list) { assignWhole(list, source); });
 }
@@ -141,7 +141,7 @@ void shuffle(benchmark::State& state, std::int64_t elements) {
 }
 
 void commitInts(benchmark::State& state, std::int64_t elements) {
-  const Rooted list(vorn_object_new("ArrayList<Int>"));
+  const Handle list(vorn_object_new("ArrayList<Int>"));
   long long* const values = vorn_collections_ArrayList_prepareIntData(list, elements);
   for (std::int64_t i = 0; i < elements; ++i) values[i] = elementAt(i);
   for (auto _ : state) vorn_collections_ArrayList_commitIntDataSize(list, elements);
@@ -150,7 +150,7 @@ void commitInts(benchmark::State& state, std::int64_t elements) {
 }
 
 void commitChars(benchmark::State& state, std::int64_t elements) {
-  const Rooted list(vorn_object_new("ArrayList<Char>"));
+  const Handle list(vorn_object_new("ArrayList<Char>"));
   long long* const values = vorn_collections_ArrayList_preparePrimitiveI64Data(list, elements, "Char");
   for (std::int64_t i = 0; i < elements; ++i) values[i] = 'a' + i % 26;
   for (auto _ : state) vorn_collections_ArrayList_commitPrimitiveI64DataSize(list, elements);
@@ -164,10 +164,10 @@ void i64DataPtr(benchmark::State& state, std::int64_t elements) {
 }
 
 void writeThroughPointer(benchmark::State& state, std::int64_t elements) {
-  Rooted list;
+  Handle list;
   for (auto _ : state) {
     auto* const ints =
-        static_cast<std::int32_t*>(vorn_collections_ArrayList_newPrimitiveData(elements, "Int", list.slot()));
+        static_cast<std::int32_t*>(vorn_collections_ArrayList_newPrimitiveData(elements, "Int", list.out()));
     for (std::int64_t i = 0; i < elements; ++i) ints[i] = static_cast<std::int32_t>(i);
     vorn_collections_ArrayList_commitPrimitiveDataSizeFast(list, elements);
   }

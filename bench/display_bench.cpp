@@ -18,14 +18,14 @@ namespace {
 
 using namespace vorn::bench;  // NOLINT(google-build-using-namespace): the program's own namespace
 using natives::requireNoErrors;
-using natives::Rooted;
+using vorn::Handle;
 
 constexpr std::int64_t kSizes[] = {1'000, 1'000'000};
 
 // Runs the native once per iteration; what it makes must be text.
 template <class MakeText>
 void makeTexts(benchmark::State& state, std::int64_t elements, MakeText makeText) {
-  Rooted text;
+  Handle text;
   for (auto _ : state) text = makeText();
   requireNoErrors();
   if (vorn_string_text(text) == nullptr) std::exit(1);
@@ -34,7 +34,7 @@ void makeTexts(benchmark::State& state, std::int64_t elements, MakeText makeText
 
 template <class Fill>
 void displayList(benchmark::State& state, std::int64_t elements, const char* className, Fill fill) {
-  const Rooted list(vorn_object_new(className));
+  const Handle list(vorn_object_new(className));
   fill(list, elements);
   makeTexts(state, elements, [&] { return vorn_collections_ArrayList_toString(list); });
 }
@@ -46,7 +46,7 @@ std::string wordAt(std::int64_t index) {
 }
 
 void fillStrings(void* list, std::int64_t elements) {
-  Rooted text;
+  Handle text;
   for (std::int64_t i = 0; i < elements; ++i) {
     const std::string word = wordAt(i);
     text = vorn_string_new(word.data(), word.size());
@@ -56,7 +56,7 @@ void fillStrings(void* list, std::int64_t elements) {
 
 // Lists of ten numbers each.
 void fillLists(void* list, std::int64_t elements) {
-  Rooted inner;
+  Handle inner;
   for (std::int64_t i = 0; i < elements; i += 10) {
     inner = vorn_object_new("ArrayList<Int>");
     natives::fillInts(inner, 10);
@@ -81,8 +81,8 @@ void displayLists(benchmark::State& state, std::int64_t elements) {
 }
 
 void displayMap(benchmark::State& state, std::int64_t elements) {
-  const Rooted map(vorn_object_new("Map<Int,Int>"));
-  Rooted box;
+  const Handle map(vorn_object_new("Map<Int,Int>"));
+  Handle box;
   for (std::int64_t i = 0; i < elements; ++i) {
     box = vorn_box_integer("Int", i);
     vorn_collections_Map_put(map, box, box);
@@ -91,13 +91,13 @@ void displayMap(benchmark::State& state, std::int64_t elements) {
 }
 
 void joinInts(benchmark::State& state, std::int64_t elements) {
-  const Rooted list(vorn_object_new("ArrayList<Int>"));
+  const Handle list(vorn_object_new("ArrayList<Int>"));
   natives::fillInts(list, elements);
   makeTexts(state, elements, [&] { return vorn_collections_ArrayList_join(list, ", "); });
 }
 
 void joinStrings(benchmark::State& state, std::int64_t elements) {
-  const Rooted list(vorn_object_new("ArrayList<String>"));
+  const Handle list(vorn_object_new("ArrayList<String>"));
   fillStrings(list, elements);
   makeTexts(state, elements, [&] { return vorn_collections_ArrayList_join(list, ", "); });
 }

@@ -14,7 +14,7 @@ namespace {
 // Builds a list of the class anew in every iteration, growth included. `append(list, i)` adds one element.
 template <class Append>
 void buildLists(benchmark::State& state, std::int64_t elements, const char* className, Append append) {
-  Rooted list;
+  Handle list;
   for (auto _ : state) {
     list = vorn_object_new(className);
     for (std::int64_t i = 0; i < elements; ++i) append(list, i);
@@ -27,7 +27,7 @@ void buildLists(benchmark::State& state, std::int64_t elements, const char* clas
 template <class Append>
 void buildListsFromBoxes(benchmark::State& state, std::int64_t elements, const char* className, Append append) {
   // A list keeps the boxes alive; the array beside it makes reaching one cost a load only.
-  const Rooted owner(vorn_object_new("ArrayList<Object>"));
+  const Handle owner(vorn_object_new("ArrayList<Object>"));
   fillBoxes(owner, elements);
   std::vector<void*> boxes;
   for (std::int64_t i = 0; i < elements; ++i) boxes.push_back(vorn_collections_ArrayList_operator_index(owner, i));
@@ -38,7 +38,7 @@ void buildListsFromBoxes(benchmark::State& state, std::int64_t elements, const c
 // Reads or writes every element of one list per iteration.
 template <class Fill, class Visit>
 void visitList(benchmark::State& state, std::int64_t elements, const char* className, Fill fill, Visit visit) {
-  const Rooted list(vorn_object_new(className));
+  const Handle list(vorn_object_new(className));
   fill(list, elements);
   requireSize(list, elements);
   for (auto _ : state) {
@@ -52,8 +52,8 @@ void visitList(benchmark::State& state, std::int64_t elements, const char* class
 template <class Fill, class Search>
 void searchList(benchmark::State& state, std::int64_t elements, const char* className, Fill fill, void* absent,
                 Search search) {
-  const Rooted list(vorn_object_new(className));
-  const Rooted value(absent);
+  const Handle list(vorn_object_new(className));
+  const Handle value(absent);
   fill(list, elements);
   requireSize(list, elements);
   for (auto _ : state) keep(search(list, value));
@@ -131,24 +131,24 @@ void operatorIndex(benchmark::State& state, std::int64_t elements) {
 }
 
 void operatorIndexEq(benchmark::State& state, std::int64_t elements) {
-  const Rooted box(vorn_box_integer("Int", 42));
+  const Handle box(vorn_box_integer("Int", 42));
   visitList(state, elements, "ArrayList<Int>", fillInts,
             [&box](void* list, std::int64_t i) { vorn_collections_ArrayList_operator_index_eq(list, i, box); });
 }
 
 void removeAtEnd(benchmark::State& state, std::int64_t elements) {
   // A deque never moves its elements, which registered slots require.
-  std::deque<Rooted> lists(static_cast<std::size_t>(preparedCollections(elements)));
-  for (Rooted& list : lists) list = vorn_object_new("ArrayList<Int>");
+  std::deque<Handle> lists(static_cast<std::size_t>(preparedCollections(elements)));
+  for (Handle& list : lists) list = vorn_object_new("ArrayList<Int>");
   for (auto _ : state) {
     state.PauseTiming();
-    for (Rooted& list : lists) fillInts(list, elements);
+    for (Handle& list : lists) fillInts(list, elements);
     state.ResumeTiming();
-    for (Rooted& list : lists) {
+    for (Handle& list : lists) {
       for (std::int64_t i = 0; i < elements; ++i) vorn_collections_ArrayList_removeAt(list, -1);
     }
   }
-  for (Rooted& list : lists) requireSize(list, 0);
+  for (Handle& list : lists) requireSize(list, 0);
   countElements(state, elements * preparedCollections(elements));
 }
 
@@ -191,7 +191,7 @@ void indexOfAbsentBoxed(benchmark::State& state, std::int64_t elements) {
 }
 
 void printMemory(std::int64_t elements) {
-  const Rooted list(vorn_object_new("ArrayList<Int>"));
+  const Handle list(vorn_object_new("ArrayList<Int>"));
   vorn_heap_statistics before{};
   vorn_heap_statistics after{};
   vorn_heap_collect();

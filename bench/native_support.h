@@ -1,8 +1,8 @@
-// What the measured functions that call the natives share: rooted handles and checks that nothing failed.
+// What the measured functions that call the natives share: fillers and checks that nothing failed.
 #pragma once
 
 #include <vorn/collections/array_list.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <cstdint>
 #include <cstdio>
@@ -11,25 +11,6 @@
 #include "bench/measurement.h"
 
 namespace vorn::bench::natives {
-
-// A handle that stays alive while this object does.
-class Rooted {
- public:
-  explicit Rooted(void* handle = nullptr) : handle_(handle) { vorn_root_add(&handle_); }
-  ~Rooted() { vorn_root_remove(&handle_); }
-  Rooted(const Rooted&) = delete;
-  Rooted& operator=(const Rooted&) = delete;
-  Rooted& operator=(void* handle) {
-    handle_ = handle;
-    return *this;
-  }
-  operator void*() const { return handle_; }  // NOLINT(google-explicit-constructor): natives take the raw handle
-  // For natives that store a handle through an out-parameter.
-  [[nodiscard]] void** slot() { return &handle_; }
-
- private:
-  void* handle_;
-};
 
 // Figures taken while natives raise or fail would mean nothing.
 inline void requireNoErrors() {
@@ -57,7 +38,7 @@ inline void fillDoubles(void* list, std::int64_t elements) {
 
 // A list of boxes: an `ArrayList<Object>` never unboxes.
 inline void fillBoxes(void* list, std::int64_t elements) {
-  Rooted box;
+  Handle box;
   for (std::int64_t i = 0; i < elements; ++i) {
     box = vorn_box_integer("Int", elementAt(i));
     vorn_collections_ArrayList_add(list, box);

@@ -3,7 +3,7 @@
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <cstdio>
 #include <string>
@@ -62,7 +62,8 @@ int runBenchmarks(int argc, char** argv, const std::vector<std::string>& librari
   int count = static_cast<int>(arguments.size()) - 1;
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-  if (vorn_runtime_start(nullptr) == 0) {
+  const RuntimeScope runtime;
+  if (!runtime.running()) {
     std::fprintf(stderr, "%s: cannot start the runtime\n", argv[0]);
     return 1;
   }

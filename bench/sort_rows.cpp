@@ -76,11 +76,11 @@ template <class Element>
 void sortLists(benchmark::State& state, Pattern pattern, std::size_t length, const char* typeName) {
   const std::vector<Element> inputs = inputsOf<Element>(pattern, length);
   // A deque never moves its elements, which registered slots require.
-  std::deque<natives::Rooted> lists(inputs.size() / length);
+  std::deque<Handle> lists(inputs.size() / length);
   std::vector<void*> data;
-  for (natives::Rooted& list : lists) {
+  for (Handle& list : lists) {
     const auto count = static_cast<long long>(length);
-    data.push_back(vorn_collections_ArrayList_newPrimitiveData(count, typeName, list.slot()));
+    data.push_back(vorn_collections_ArrayList_newPrimitiveData(count, typeName, list.out()));
   }
   measure<Element>(
       state, length, lists.size(),
@@ -184,8 +184,8 @@ std::vector<std::string> textsOf(std::size_t length) {
 }
 
 void sortStringObjects(benchmark::State& state, std::size_t length) {
-  natives::Rooted unsorted;
-  natives::Rooted list;
+  Handle unsorted;
+  Handle list;
   unsorted = vorn_object_new("ArrayList");
   list = vorn_object_new("ArrayList");
   for (const std::string& text : textsOf(length)) {

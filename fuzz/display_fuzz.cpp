@@ -13,7 +13,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -31,7 +30,7 @@
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "fuzz/display_model.h"
-#include "fuzz/heap_and_roots.h"
+#include "fuzz/fuzzer.h"
 
 namespace vorn::fuzz {
 namespace {
@@ -43,7 +42,7 @@ const std::vector<Node>* activeNodes = nullptr;
 void* showNode(void* self, void*) {
   std::int64_t number = 0;
   vorn_field_get_integer(self, "node", &number);
-  const std::string text = valueToDisplayString((*activeNodes)[static_cast<std::size_t>(number)].handle->get());
+  const std::string text = valueToDisplayString((*activeNodes)[static_cast<std::size_t>(number)].handle.get());
   return vorn_string_new(text.data(), text.size());
 }
 
@@ -60,7 +59,7 @@ void defineShower() {
 }
 
 void* display(const Node& node) {
-  void* const handle = node.handle->get();
+  void* const handle = node.handle.get();
   switch (node.kind->family) {
     case Family::List:
       return vorn_collections_ArrayList_toString(handle);
@@ -79,7 +78,7 @@ void* display(const Node& node) {
 }
 
 std::string faultOf(const Node& node) {
-  void* const handle = node.handle->get();
+  void* const handle = node.handle.get();
   switch (node.kind->family) {
     case Family::List:
     case Family::Immutable:
@@ -159,14 +158,14 @@ class Scenario {
     const std::size_t size = byte() % 5;
     if (node.kind->family == Family::Tuple) {
       const std::vector<void*> items(size);
-      node.handle = std::make_unique<Rooted>(vorn_tuple_new(nullptr, items.data(), size));
+      node.handle = vorn_tuple_new(nullptr, items.data(), size);
       node.elements.resize(size);
     } else {
-      node.handle = std::make_unique<Rooted>(vorn_object_new(type.c_str()));
+      node.handle = vorn_object_new(type.c_str());
     }
-    if (node.handle->get() == nullptr) std::abort();
+    if (node.handle.get() == nullptr) std::abort();
     if (node.kind->family == Family::Array) {
-      vorn_collections_Array_ctor(node.handle->get(), static_cast<long long>(size));
+      vorn_collections_Array_ctor(node.handle.get(), static_cast<long long>(size));
       node.elements.resize(size, Value{node.declared, 0, 0, {}});
     }
     nodes_.push_back(std::move(node));
@@ -235,7 +234,7 @@ class Scenario {
         return shower;
       }
       case What::Node:
-        return nodes_[static_cast<std::size_t>(value.integer)].handle->get();
+        return nodes_[static_cast<std::size_t>(value.integer)].handle.get();
       default:
         return vorn_box_integer(typeOf(value.what), value.integer);
     }
@@ -245,8 +244,8 @@ class Scenario {
     Node& node = nodes_[number];
     last_ = byte();
     const Value value = anyValue(node.declared);
-    const Rooted element(make(value));
-    void* const handle = node.handle->get();
+    const Handle element(make(value));
+    void* const handle = node.handle.get();
     const bool isFull = node.elements.size() >= kMostElements;
     switch (node.kind->family) {
       case Family::List:
@@ -268,7 +267,7 @@ class Scenario {
       case Family::Map: {
         if (isFull) return;
         const Value key = newKey();
-        const Rooted keyHandle(make(key));
+        const Handle keyHandle(make(key));
         vorn_collections_Map_put(handle, keyHandle.get(), element.get());
         node.keys.push_back(key);
         node.elements.push_back(value);
@@ -338,7 +337,7 @@ class Scenario {
   }
 
   void clear(Node& node) {
-    void* const handle = node.handle->get();
+    void* const handle = node.handle.get();
     switch (node.kind->family) {
       case Family::List:
         vorn_collections_ArrayList_clear(handle);
@@ -359,7 +358,7 @@ class Scenario {
 
   static void removeLast(Node& node) {
     if (node.kind->family != Family::List || node.elements.empty()) return;
-    vorn_collections_ArrayList_removeAt(node.handle->get(), -1);
+    vorn_collections_ArrayList_removeAt(node.handle.get(), -1);
     node.elements.pop_back();
   }
 
@@ -373,7 +372,7 @@ class Scenario {
     try {
       const std::string expected = Printer(nodes_).display(number);
       requireSame("a display", stringValueFromPtr(display(nodes_[number])), expected);
-      requireSame("the display of a value", valueToDisplayString(nodes_[number].handle->get()), expected);
+      requireSame("the display of a value", valueToDisplayString(nodes_[number].handle.get()), expected);
       ++compared_;
     } catch (const TooLong&) {
     }
@@ -389,8 +388,8 @@ class Scenario {
     if (node.kind->synchronised && reaches(number, number, seen)) return;
     try {
       const std::string expected = Printer(nodes_).join(node, separator != nullptr ? separator : "");
-      void* const joined = family == Family::Array ? vorn_collections_Array_join(node.handle->get(), separator)
-                                                   : vorn_collections_ArrayList_join(node.handle->get(), separator);
+      void* const joined = family == Family::Array ? vorn_collections_Array_join(node.handle.get(), separator)
+                                                   : vorn_collections_ArrayList_join(node.handle.get(), separator);
       requireSame("a join", stringValueFromPtr(joined), expected);
       ++compared_;
     } catch (const TooLong&) {

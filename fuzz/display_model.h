@@ -5,14 +5,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "collections/core/port/text.h"
-#include "fuzz/heap_and_roots.h"
+#include "fuzz/fuzzer.h"
 
 namespace vorn::fuzz {
 
@@ -68,7 +67,7 @@ struct Node {
   What unboxed = What::Null;   // the type that an untyped list has adopted
   std::vector<Value> keys;     // of a map
   std::vector<Value> elements;
-  std::unique_ptr<Rooted> handle;
+  Handle handle;
 };
 
 struct TooLong {};

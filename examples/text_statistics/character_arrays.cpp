@@ -1,7 +1,7 @@
 #include "character_arrays.h"
 
 #include <vorn/collections/array.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -78,8 +78,8 @@ void fillArrays(std::string_view text, CharacterArrays& arrays) {
 }
 
 long long lengthAsString(const CharacterArrays& arrays) {
-  const Rooted fromCharacters(Vorn_stringFromCharArray(arrays.characters));
-  const Rooted fromUnits(Vorn_stringFromCodeUnitArray(arrays.codeUnits));
+  const vorn::Handle fromCharacters(Vorn_stringFromCharArray(arrays.characters));
+  const vorn::Handle fromUnits(Vorn_stringFromCodeUnitArray(arrays.codeUnits));
   if (vorn_equals(fromCharacters, fromUnits) == 0) return -1;
   return static_cast<long long>(std::strlen(vorn_string_text(fromCharacters)));
 }

@@ -1,17 +1,18 @@
 // The text as arrays: of its bytes, its characters, its UTF-16 code units, and of the number of each letter.
 #pragma once
 
-#include <string_view>
+#include <vorn/runtime.hpp>
 
-#include "rooted.h"
+#include <string_view>
 
 namespace text_statistics {
 
 struct CharacterArrays {
-  Rooted bytes;       // Array<Byte>
-  Rooted characters;  // Array<Char>; a byte outside UTF-8 is one U+FFFD, and so is a NUL, which no String may hold
-  Rooted codeUnits;   // Array<CodeUnit>
-  Rooted letters;     // Array<Int>: how often each letter from a to z occurs in either case
+  vorn::Handle bytes;  // Array<Byte>
+  vorn::Handle
+      characters;          // Array<Char>; a byte outside UTF-8 is one U+FFFD, and so is a NUL, which no String may hold
+  vorn::Handle codeUnits;  // Array<CodeUnit>
+  vorn::Handle letters;    // Array<Int>: how often each letter from a to z occurs in either case
 
   // Makes the arrays without elements. Throws std::bad_alloc when there is no memory for them.
   CharacterArrays();

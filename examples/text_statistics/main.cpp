@@ -2,7 +2,7 @@
 //
 // Written the way compiled vorn programs call the library: handles in rooted slots, every element in a vorn collection,
 // errors read from the pending ones. VORN_HEAP chooses the heap ("heap=stress"; see vorn_runtime_parse_options).
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <cstdio>
 #include <cstdlib>
@@ -56,14 +56,6 @@ int reportText(const std::string& path, const std::string& text, std::span<const
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? 0 : fail("cannot write the report");
 }
 
-bool startRuntime() {
-  const char* heap = std::getenv("VORN_HEAP");
-  vorn_runtime_options options;
-  // The seed of the shuffle is fixed by default, so that the report is the same every time.
-  return vorn_runtime_parse_options(heap != nullptr ? heap : "heap=collected", &options) != 0 &&
-         vorn_runtime_start(&options) != 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -79,11 +71,11 @@ int main(int argc, char** argv) {
   std::string problem;
   const auto text = readFile(path, problem);
   if (!text) return fail("cannot read " + path + ": " + problem);
-  if (!startRuntime()) return fail("cannot start the runtime on the heap that VORN_HEAP names");
+  // The seed of the shuffle is fixed by default, so that the report is the same every time.
+  const vorn::RuntimeScope runtime(std::getenv("VORN_HEAP"));
+  if (!runtime.running()) return fail("cannot start the runtime on the heap that VORN_HEAP names");
   try {
-    const int status = reportText(path, *text, words);
-    vorn_runtime_stop();
-    return status;
+    return reportText(path, *text, words);
   } catch (const std::exception& exception) {
     return fail(exception.what());
   }

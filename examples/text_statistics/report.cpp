@@ -1,7 +1,7 @@
 #include "report.h"
 
 #include <vorn/collections/array_list.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <algorithm>
 #include <cinttypes>
@@ -62,7 +62,7 @@ void reportFigures(const std::string& path, std::string_view text, const WordLis
   std::printf("  %-16s %9lld\n", "words", words);
   if (words == 0) return;
 
-  const Rooted longest(newInt(figures.longest));
+  const vorn::Handle longest(newInt(figures.longest));
   const long long position = vorn_collections_ArrayList_indexOf(lists.lengths, longest, 0);
   std::printf("  %-16s %9lld characters: %s (position %lld, %lld of that length)\n", "longest word", figures.longest,
               wordAt(lists.words, position).c_str(), position,
@@ -78,13 +78,13 @@ void reportLengths(const WordLists& lists) {
   const long long words = vorn_collections_ArrayList_size(lists.lengths);
   if (words == 0) return;
   heading("Lengths");
-  const Rooted sorted(vorn_collections_ArrayList_sortNew(lists.lengths));
-  const Rooted percents(vorn_collections_ArrayList_intLiteral5(25, 50, 75, 90, 99));
+  const vorn::Handle sorted(vorn_collections_ArrayList_sortNew(lists.lengths));
+  const vorn::Handle percents(vorn_collections_ArrayList_intLiteral5(25, 50, 75, 90, 99));
   for (long long i = 0; i < vorn_collections_ArrayList_size(percents); ++i) {
     const auto percent = static_cast<int>(vorn_collections_ArrayList_getInt(percents, i));
     std::printf("  %3d%% of the words have at most   %3lld characters\n", percent, percentile(sorted, percent));
   }
-  const Rooted bounds(vorn_collections_ArrayList_intLiteral(4, 3LL, 6LL, 9LL, 12LL));
+  const vorn::Handle bounds(vorn_collections_ArrayList_intLiteral(4, 3LL, 6LL, 9LL, 12LL));
   for (long long i = 0; i < vorn_collections_ArrayList_size(bounds); ++i) {
     const long long bound = vorn_collections_ArrayList_getInt(bounds, i);
     std::printf("  %9lld words have at most      %3lld characters\n", countUpTo(sorted, bound), bound);
@@ -93,28 +93,28 @@ void reportLengths(const WordLists& lists) {
 
 void reportParts(const WordLists& lists) {
   heading("Parts of the list of words");
-  const Rooted given(vorn_box_boolean(true));
-  const Rooted first(vorn_collections_ArrayList_slice(lists.words, 0, 5, 1, nullptr, given));
+  const vorn::Handle given(vorn_box_boolean(true));
+  const vorn::Handle first(vorn_collections_ArrayList_slice(lists.words, 0, 5, 1, nullptr, given));
   reportList("words[:5]", first);
-  const Rooted last(vorn_collections_ArrayList_slice(lists.words, -1, -6, -1, given, given));
+  const vorn::Handle last(vorn_collections_ArrayList_slice(lists.words, -1, -6, -1, given, given));
   reportList("words[-1:-6:-1]", last);
-  const Rooted everyThousandth(vorn_collections_ArrayList_slice(lists.words, 0, 0, 1000, nullptr, nullptr));
+  const vorn::Handle everyThousandth(vorn_collections_ArrayList_slice(lists.words, 0, 0, 1000, nullptr, nullptr));
   reportList("words[::1000]", everyThousandth);
 
-  Rooted copy(vorn_collections_ArrayList_slice(lists.words, 0, 10, 1, nullptr, given));
+  vorn::Handle copy(vorn_collections_ArrayList_slice(lists.words, 0, 10, 1, nullptr, given));
   vorn_collections_ArrayList_shuffle(copy);
   reportList("words[:10] shuffled", copy);
   vorn_collections_ArrayList_sort(copy);
   reportList("and sorted", copy);
-  const Rooted a(newString("first"));
-  const Rooted b(newString("second"));
-  const Rooted c(newString("third"));
-  const Rooted replacement(vorn_collections_ArrayList_literal(3, a.get(), b.get(), c.get()));
+  const vorn::Handle a(newString("first"));
+  const vorn::Handle b(newString("second"));
+  const vorn::Handle c(newString("third"));
+  const vorn::Handle replacement(vorn_collections_ArrayList_literal(3, a.get(), b.get(), c.get()));
   vorn_collections_ArrayList_sliceAssign(copy, 1, 1, 1, given, given, replacement);
   reportList("with three at [1:1]", copy);
-  const Rooted both(vorn_collections_ArrayList_concat(first, last));
+  const vorn::Handle both(vorn_collections_ArrayList_concat(first, last));
   vorn_collections_ArrayList_addAll(both, lists.recent);
-  const Rooted repeated(vorn_collections_ArrayList_repeat(both, 3));
+  const vorn::Handle repeated(vorn_collections_ArrayList_repeat(both, 3));
   std::printf("  %-22s %lld words\n", "(a + b + recent) * 3", vorn_collections_ArrayList_size(repeated));
 }
 
@@ -124,7 +124,7 @@ void reportSearchHeading() {
 }
 
 void reportSearch(const WordLists& lists, const std::string& word) {
-  const Rooted value(newString(word));
+  const vorn::Handle value(newString(word));
   std::printf("  %-16s %9lld %9lld %9lld\n", printable(word).c_str(),
               vorn_collections_ArrayList_count(lists.words, value),
               vorn_collections_ArrayList_indexOf(lists.words, value, 0),
@@ -145,7 +145,7 @@ void reportChanges(WordLists& lists, const std::string& word) {
   heading("Changes to the list of words");
   const auto size = [&lists] { return vorn_collections_ArrayList_size(lists.words); };
 
-  const Rooted inserted(newString("inserted"));
+  const vorn::Handle inserted(newString("inserted"));
   long long before = size();
   const long long position = std::min<long long>(before, 1);
   vorn_collections_ArrayList_addAt(lists.words, position, inserted);
@@ -157,7 +157,7 @@ void reportChanges(WordLists& lists, const std::string& word) {
   reportChange("remove at " + std::to_string(position), before, size(),
                vorn_collections_ArrayList_operator_in(lists.words, inserted) ? "the text itself holds it" : "gone");
 
-  const Rooted value(newString(word));
+  const vorn::Handle value(newString(word));
   before = size();
   const bool removed = vorn_collections_ArrayList_remove(lists.words, value);
   reportChange("remove the first \"" + printable(word) + "\"", before, size(), removed ? "removed" : "not in the list");
@@ -167,10 +167,10 @@ void reportErrors(WordLists& lists) {
   heading("Errors");
   vorn_collections_ArrayList_operator_index(lists.words, vorn_collections_ArrayList_size(lists.words));
   reportRaised("read words[size]");
-  const Rooted number(newInt(42));
+  const vorn::Handle number(newInt(42));
   vorn_collections_ArrayList_add(lists.words, number);
   reportRaised("add the number 42 to words");
-  const Rooted text(newString("42"));
+  const vorn::Handle text(newString("42"));
   vorn_collections_ArrayList_add(lists.lengths, text);
   reportRaised("add the text \"42\" to lengths");
   vorn_collections_ArrayList_add(nullptr, text);

@@ -5,7 +5,7 @@
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
 #include <vorn/collections/tuple.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <cstdio>
 
@@ -18,32 +18,32 @@ namespace {
 
 // A text may hold bytes outside UTF-8, which a display shows as they are.
 void printDisplay(const char* name, void* display) {
-  const Rooted kept(display);
+  const vorn::Handle kept(display);
   const char* text = vorn_string_text(kept);
   std::printf("  %-14s %s\n", name, text != nullptr ? printable(text).c_str() : "");
 }
 
 void showList(const char* className, void* words) {
-  const Rooted list(newObject(className));
+  const vorn::Handle list(newObject(className));
   vorn_collections_ArrayList_addAll(list, words);
   printDisplay(className, vorn_collections_ArrayList_toString(list));
 }
 
 // The words with their lengths in bytes.
 void showMap(const char* className, void* words) {
-  const Rooted map(newObject(className));
+  const vorn::Handle map(newObject(className));
   for (long long i = 0; i < vorn_collections_ArrayList_size(words); ++i) {
-    const Rooted word(vorn_collections_ArrayList_operator_index(words, i));
-    const Rooted length(newInt(static_cast<long long>(std::string_view(vorn_string_text(word)).size())));
+    const vorn::Handle word(vorn_collections_ArrayList_operator_index(words, i));
+    const vorn::Handle length(newInt(static_cast<long long>(std::string_view(vorn_string_text(word)).size())));
     vorn_collections_Map_put(map, word, length);
   }
   printDisplay(className, vorn_collections_Map_toString(map));
 }
 
 void showSet(const char* className, void* words) {
-  const Rooted set(newObject(className));
+  const vorn::Handle set(newObject(className));
   for (long long i = 0; i < vorn_collections_ArrayList_size(words); ++i) {
-    const Rooted word(vorn_collections_ArrayList_operator_index(words, i));
+    const vorn::Handle word(vorn_collections_ArrayList_operator_index(words, i));
     vorn_collections_HashSet_add(set, word);
   }
   printDisplay(className, vorn_collections_HashSet_toString(set));
@@ -53,16 +53,16 @@ void showSet(const char* className, void* words) {
 
 void reportDisplays(const WordLists& lists, const CharacterArrays& arrays) {
   std::printf("\nDisplays\n");
-  const Rooted given(vorn_box_boolean(true));
-  const Rooted words(vorn_collections_ArrayList_slice(lists.words, 0, 4, 1, nullptr, given));
+  const vorn::Handle given(vorn_box_boolean(true));
+  const vorn::Handle words(vorn_collections_ArrayList_slice(lists.words, 0, 4, 1, nullptr, given));
   for (const char* className : {"ArrayList", "ArrayListSync", "LinkedList", "LinkedListSync"})
     showList(className, words);
-  const Rooted lengths(vorn_collections_ArrayList_slice(lists.lengths, 0, 4, 1, nullptr, given));
+  const vorn::Handle lengths(vorn_collections_ArrayList_slice(lists.lengths, 0, 4, 1, nullptr, given));
   printDisplay("of Int", vorn_collections_ArrayList_toString(lengths));
-  const Rooted immutable(newObject("ImmutableList"));
+  const vorn::Handle immutable(newObject("ImmutableList"));
   vorn_collections_ImmutableList_ctor(immutable, words);
   printDisplay("ImmutableList", vorn_collections_ImmutableList_toString(immutable));
-  const Rooted tuple(newObject("Tuple"));
+  const vorn::Handle tuple(newObject("Tuple"));
   vorn_collections_Tuple_ctor(tuple, words);
   printDisplay("Tuple", vorn_collections_Tuple_toString(tuple));
   for (const char* className : {"Map", "HashMapSync", "SortedMap", "SortedMapSync"}) showMap(className, words);

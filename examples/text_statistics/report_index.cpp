@@ -5,7 +5,7 @@
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
 #include <vorn/collections/tuple.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -31,8 +31,8 @@ long long integerOf(void* box) {
 // The distinct words from `begin` to `end` in alphabetical order, with their first positions.
 void reportEntries(void* words, void* positions, long long begin, long long end) {
   for (long long i = begin; i < end; ++i) {
-    const Rooted word(vorn_collections_ImmutableList_operator_index(words, i));
-    const Rooted position(vorn_collections_ImmutableList_operator_index(positions, i));
+    const vorn::Handle word(vorn_collections_ImmutableList_operator_index(words, i));
+    const vorn::Handle position(vorn_collections_ImmutableList_operator_index(positions, i));
     std::printf("  %-20s first at %lld\n", textOf(word).c_str(), integerOf(position));
   }
 }
@@ -41,22 +41,22 @@ void reportEntries(void* words, void* positions, long long begin, long long end)
 void* newRow(long long number, const std::string& text) {
   char digits[24];
   std::snprintf(digits, sizeof(digits), "%9lld", number);
-  const Rooted left(newString(digits));
-  const Rooted right(newString(text));
-  const Rooted cells(vorn_collections_ArrayList_literal(2, left.get(), right.get()));
+  const vorn::Handle left(newString(digits));
+  const vorn::Handle right(newString(text));
+  const vorn::Handle cells(vorn_collections_ArrayList_literal(2, left.get(), right.get()));
   return vorn_collections_ArrayList_join(cells, " ");
 }
 
 // A list of lines about the most frequent words.
 void* mostFrequent(const WordIndex& index, long long most) {
-  const Rooted rows(newObject("ArrayList<String>"));
+  const vorn::Handle rows(newObject("ArrayList<String>"));
   const long long shown = std::min(vorn_collections_ImmutableList_size(index.frequencies), most);
-  Rooted row;
+  vorn::Handle row;
   for (long long i = 0; i < shown; ++i) {
-    const Rooted pair(vorn_collections_ImmutableList_operator_index(index.frequencies, i));
-    const Rooted word(vorn_collections_Tuple_operator_index(pair, 1));
+    const vorn::Handle pair(vorn_collections_ImmutableList_operator_index(index.frequencies, i));
+    const vorn::Handle word(vorn_collections_Tuple_operator_index(pair, 1));
     // The map is asked again: what the tuple holds is the negative count.
-    const Rooted count(vorn_collections_Map_operator_index(index.counts, word));
+    const vorn::Handle count(vorn_collections_Map_operator_index(index.counts, word));
     row = newRow(integerOf(count), textOf(word));
     vorn_collections_ArrayList_add(rows, row);
   }
@@ -65,8 +65,8 @@ void* mostFrequent(const WordIndex& index, long long most) {
 
 void printRows(void* rows) {
   if (vorn_collections_ArrayList_size(rows) == 0) return;
-  const Rooted kept(rows);
-  const Rooted table(vorn_collections_ArrayList_join(kept, "\n  "));
+  const vorn::Handle kept(rows);
+  const vorn::Handle table(vorn_collections_ArrayList_join(kept, "\n  "));
   std::printf("  %s\n", vorn_string_text(table));
 }
 
@@ -82,8 +82,8 @@ void reportIndex(const WordIndex& index) {
   printRows(mostFrequent(index, kMostFrequent));
   if (distinct == 0) return;
   std::printf("In alphabetical order\n");
-  const Rooted words(vorn_collections_Map_keys(index.firsts));
-  const Rooted positions(vorn_collections_Map_values(index.firsts));
+  const vorn::Handle words(vorn_collections_Map_keys(index.firsts));
+  const vorn::Handle positions(vorn_collections_Map_values(index.firsts));
   reportEntries(words, positions, 0, std::min(distinct, kAtEachEnd));
   if (distinct > 2 * kAtEachEnd) std::printf("  ...\n");
   reportEntries(words, positions, std::max(distinct - kAtEachEnd, std::min(distinct, kAtEachEnd)), distinct);

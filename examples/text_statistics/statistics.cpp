@@ -1,10 +1,9 @@
 #include "statistics.h"
 
 #include <vorn/collections/array_list.h>
+#include <vorn/runtime.hpp>
 
 #include <algorithm>
-
-#include "rooted.h"
 
 namespace text_statistics {
 
@@ -15,7 +14,7 @@ LengthFigures lengthFigures(void* lengths) {
   figures.total = vorn_collections_ArrayList_sumI64Fast(lengths);
   figures.mean = static_cast<double>(figures.total) / static_cast<double>(size);
   // A copy, because the lengths stay in the order of the words.
-  const Rooted sorted(vorn_collections_ArrayList_sortNew(lengths));
+  const vorn::Handle sorted(vorn_collections_ArrayList_sortNew(lengths));
   figures.longest = vorn_collections_ArrayList_getInt(sorted, -1);
   const long long below = vorn_collections_ArrayList_getIntFast(sorted, (size - 1) / 2);
   const long long above = vorn_collections_ArrayList_getIntFast(sorted, size / 2);

@@ -5,7 +5,7 @@
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
 #include <vorn/collections/tuple.h>
-#include <vorn/runtime.h>
+#include <vorn/runtime.hpp>
 
 namespace text_statistics {
 
@@ -19,8 +19,8 @@ long long unboxed(void* box) {
 
 // Counts every word, and remembers where each stands first.
 void countWords(void* words, void* counts, void* firsts) {
-  Rooted word;
-  Rooted number;
+  vorn::Handle word;
+  vorn::Handle number;
   for (long long i = 0, size = vorn_collections_ArrayList_size(words); i < size; ++i) {
     word = vorn_collections_ArrayList_operator_index(words, i);
     void* found = nullptr;
@@ -35,8 +35,8 @@ void countWords(void* words, void* counts, void* firsts) {
 
 // A new tuple of two values, made the way a compiled tuple literal is: from a packed list.
 void* newPair(void* first, void* second) {
-  const Rooted packed(vorn_collections_ArrayList_literal(2, first, second));
-  const Rooted pair(newObject("Tuple<Int,String>"));
+  const vorn::Handle packed(vorn_collections_ArrayList_literal(2, first, second));
+  const vorn::Handle pair(newObject("Tuple<Int,String>"));
   vorn_collections_Tuple_ctor(pair, packed);
   return pair;
 }
@@ -54,11 +54,11 @@ void indexWords(const WordLists& lists, WordIndex& index) {
 
   // Tuples sort by their first items, then by the next. With the negative count in front the most frequent word comes
   // first, and equally frequent ones in alphabetical order.
-  const Rooted items(vorn_collections_Map_items(index.counts));
-  const Rooted pairs(newObject("ArrayList"));
-  Rooted word;
-  Rooted count;
-  Rooted pair;
+  const vorn::Handle items(vorn_collections_Map_items(index.counts));
+  const vorn::Handle pairs(newObject("ArrayList"));
+  vorn::Handle word;
+  vorn::Handle count;
+  vorn::Handle pair;
   for (long long i = 0, size = vorn_collections_ImmutableList_size(items); i < size; ++i) {
     pair = vorn_collections_ImmutableList_operator_index(items, i);
     word = vorn_collections_Tuple_operator_index(pair, 0);

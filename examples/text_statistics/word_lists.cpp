@@ -1,6 +1,7 @@
 #include "word_lists.h"
 
 #include <vorn/collections/array_list.h>
+#include <vorn/runtime.hpp>
 
 #include <new>
 
@@ -32,7 +33,7 @@ WordLists::WordLists()
 
 void readWords(std::string_view text, WordLists& lists) {
   WordReader reader(text);
-  Rooted word;
+  vorn::Handle word;
   while (const auto next = reader.next()) {
     word = newString(*next);
     vorn_collections_ArrayList_add(lists.words, word);

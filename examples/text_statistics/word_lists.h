@@ -1,9 +1,9 @@
 // The lists that a text is read into.
 #pragma once
 
-#include <string_view>
+#include <vorn/runtime.hpp>
 
-#include "rooted.h"
+#include <string_view>
 
 namespace text_statistics {
 
@@ -11,10 +11,10 @@ namespace text_statistics {
 struct WordLists {
   static constexpr long long kRecent = 5;
 
-  Rooted words;    // ArrayList<String>: every word, in order
-  Rooted lengths;  // ArrayList<Int>: their lengths in characters
-  Rooted ratios;   // ArrayList<Double>: their lengths in relation to the mean length
-  Rooted recent;   // LinkedList<String>: the last words, at most kRecent of them
+  vorn::Handle words;    // ArrayList<String>: every word, in order
+  vorn::Handle lengths;  // ArrayList<Int>: their lengths in characters
+  vorn::Handle ratios;   // ArrayList<Double>: their lengths in relation to the mean length
+  vorn::Handle recent;   // LinkedList<String>: the last words, at most kRecent of them
 
   // Makes the empty lists. Throws std::bad_alloc when there is no memory for them.
   WordLists();

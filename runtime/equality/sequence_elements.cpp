@@ -1,5 +1,7 @@
 #include "runtime/equality/sequence_elements.h"
 
+#include <vorn/collections/runtime_helpers.hpp>
+
 #include <cstring>
 
 #include "collections/core/array_slot_kind.h"

@@ -1,4 +1,6 @@
 // Type names as text: short names, families of collection classes, type arguments, interning.
+#include <vorn/collections/runtime_helpers.hpp>
+
 #include <mutex>
 #include <string>
 #include <string_view>

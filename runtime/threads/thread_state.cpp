@@ -65,6 +65,7 @@ void detachCurrentThread() noexcept {
   state->roots.clear();
   clearPendingErrorsOf(state->errors);
   state->errors.shrink_to_fit();
+  state->errorsRaised = 0;
   state->allocationsBeforeFailure = -1;
   state->failureHappened = false;
   startedHeap().detachThread(*state);

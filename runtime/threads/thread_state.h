@@ -30,7 +30,7 @@ struct ThreadState {
   // ---- Touched now and then; owner only.
 
   PendingErrors errors;
-  std::uint64_t errorsRaised = 0;  // ever, by all threads that have had this state
+  std::uint64_t errorsRaised = 0;  // since the thread was attached
   // Allocations that still succeed before the armed failure; negative when none is armed.
   std::int64_t allocationsBeforeFailure = -1;
   bool failureHappened = false;

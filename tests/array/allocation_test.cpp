@@ -1,7 +1,8 @@
 // Memory exhaustion at every allocation of every native, and what an array keeps alive.
 #include "tests/array/array_cases.h"
-#include "tests/arraylist/ranked_item.h"
+#include "tests/support/heap_statistics.h"
 #include "tests/support/sequences.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
@@ -101,7 +102,7 @@ TEST_F(ArrayAllocation, CopyCtor_FailureLeavesTheTargetAndItsSizeField) {
       EXPECT_EQ(sweepAllocationFailures([&] { vorn_collections_Array_copyCtor(target, source); },
                                         [&] { EXPECT_ARRAY_UNTOUCHED(target, before); }),
                 1);
-      EXPECT_EQ(arraySizeField(target), 200);
+      EXPECT_EQ(sizeField(target), 200);
       EXPECT_EQ(itemsOf(target), itemsOf(source));
     }
   }
@@ -144,13 +145,6 @@ TEST_F(ArrayAllocation, SortOfHandles_FailureLeavesTheOrder) {
 constexpr std::uint64_t kBig = 100000;
 
 Handle bigText() { return string(std::string(kBig, 'x')); }
-
-std::uint64_t liveBytes() {
-  vorn_heap_collect();
-  vorn_heap_statistics statistics;
-  vorn_heap_get_statistics(&statistics);
-  return statistics.bytes_live;
-}
 
 class ArrayLiveness : public RuntimeTest {
  protected:

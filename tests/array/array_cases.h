@@ -10,19 +10,27 @@
 #include <vector>
 
 #include "collections/array/array_data.h"
-#include "collections/array/array_validation.h"
 #include "collections/array/slot_values.h"
 #include "collections/core/port/object_layout.h"
-#include "tests/arraylist/bulk_cases.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/collections.h"
 #include "tests/support/error_texts.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/lists.h"
+#include "tests/support/slices.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 
 using SlotKind = ArrayData::SlotKind;
 using HeldArrayMutex = HeldRecordMutex<ArrayData>;
 
+inline constexpr const char* kIndexError = error_texts::kIndexOutOfBounds;
+inline constexpr const char* kCodeUnitError = error_texts::kCodeUnitOutOfRange;
+inline constexpr const char* kCharError = error_texts::kCharNotScalar;
+inline constexpr const char* kStepError = error_texts::kSliceStepZero;
+inline constexpr const char* kSourceError = error_texts::kSliceAssignmentSource;
+inline constexpr const char* kSumError = error_texts::kSumOfNull;
 inline constexpr const char* kArraySizeError = error_texts::kArraySizeNegative;
 inline constexpr const char* kArrayElementError = error_texts::kInvalidArrayElement;
 inline constexpr const char* kIntegerItemError = error_texts::kExpectedIntegerArrayItem;
@@ -48,8 +56,6 @@ inline constexpr SlotCase kSlotCases[] = {
     {"UInt", SlotKind::UInt32, 4},   {"Char", SlotKind::UInt32, 4},     {"Long", SlotKind::Int64, 8},
     {"ULong", SlotKind::UInt64, 8},  {"Float", SlotKind::Float32, 4},   {"Double", SlotKind::Float64, 8},
     {"Boolean", SlotKind::Bool, 1},  {"Object", SlotKind::Object, 1}};
-
-inline bool isFloatingElement(const std::string& element) { return element == "Float" || element == "Double"; }
 
 // A class name: "Array<Int>", "ArraySync<Int>", "Array".
 inline std::string arrayType(const std::string& element, bool synchronised = false) {
@@ -122,22 +128,11 @@ void forEachArray(long long size, Check check) {
 
 inline bool isUnlockedArray(void* array) { return !isRecordLocked(recordOf(array)); }
 
-// What is wrong with the record, or whether it is locked; else nothing.
-inline std::string faultOfArray(void* array) {
-  if (!isUnlockedArray(array)) return "the array is locked";
-  return collections::validateArrayData(recordOf(array));
-}
 #define EXPECT_ARRAY_AT_REST(array) EXPECT_EQ(::vorn::tests::faultOfArray(array), "")
-
-inline long long arraySizeField(void* array) {
-  std::int64_t size = -1;
-  EXPECT_NE(vorn_field_get_integer(array, "size", &size), 0);
-  return size;
-}
 
 // Everything that a native which refuses must leave alone. Handles are kept for comparison only.
 struct ArrayState {
-  explicit ArrayState(void* array) : ArrayState(recordOf(array)) { sizeField = arraySizeField(array); }
+  explicit ArrayState(void* array) : ArrayState(recordOf(array)) { sizeField = ::vorn::tests::sizeField(array); }
   explicit ArrayState(const ArrayData& data)
       : kind(data.slotKind), synchronised(data.synchronized), elementType(data.elementType.get()) {
     const SmallPrimitiveBuffer& slots = data.primitive;
@@ -188,15 +183,11 @@ using Doubles = std::vector<double>;
 // ---- Ranges ---------------------------------------------------------------------------------------------------------
 
 inline Handle arraySlice(void* array, Bound start, Bound stop, long long step = 1) {
-  void* const written = vorn_box_boolean(true);  // one of the two shared boxes
-  return vorn_collections_Array_slice(array, start.value_or(2), stop.value_or(2), step, start ? written : nullptr,
-                                      stop ? written : nullptr);
+  return vorn_collections_Array_slice(array, boundOf(start), boundOf(stop), step, markOf(start), markOf(stop));
 }
 
 inline void arraySliceAssign(void* array, Bound start, Bound stop, long long step, void* source) {
-  void* const written = vorn_box_boolean(true);
-  vorn_collections_Array_sliceAssign(array, start.value_or(2), stop.value_or(2), step, start ? written : nullptr,
-                                     stop ? written : nullptr, source);
+  vorn_collections_Array_sliceAssign(array, boundOf(start), boundOf(stop), step, markOf(start), markOf(stop), source);
 }
 
 // ---- Natives --------------------------------------------------------------------------------------------------------

@@ -82,7 +82,7 @@ TEST_F(ArrayConstruction, Ctor_EveryKind_StartsWithZeros) {
       const std::string zero = slots.kind == SlotKind::Object ? "null" : std::string(slots.element) + " 0";
       EXPECT_EQ(itemsOf(array), Elements(3, zero));
       EXPECT_EQ(recordOf(array).synchronized, synchronised);
-      EXPECT_EQ(arraySizeField(array), 0) << "only a copy from an array sets the field";
+      EXPECT_EQ(sizeField(array), 0) << "only a copy from an array sets the field";
       EXPECT_ARRAY_AT_REST(array);
     }
   }
@@ -163,7 +163,7 @@ TEST_F(ArrayConstruction, CopyCtor_OfAnArray_TakesOverItsTypeAndSetsTheSizeField
       EXPECT_EQ(recordOf(array).elementType.get(), element);
       EXPECT_EQ(recordOf(array).slotKind, recordOf(source).slotKind);
       EXPECT_EQ(recordOf(array).synchronized, synchronised);
-      EXPECT_EQ(arraySizeField(array), 5);
+      EXPECT_EQ(sizeField(array), 5);
       EXPECT_ARRAY_AT_REST(array);
       EXPECT_ARRAY_UNTOUCHED(source, sourceBefore);
     });
@@ -174,7 +174,7 @@ TEST_F(ArrayConstruction, CopyCtor_DoublesIntoAnIntArray_GivesDoubles) {
   const Handle array = newArray("Array<Int>", 7);
   vorn_collections_Array_copyCtor(array, doubleArray("Array<Double>", {1.5, -2.5}));
   EXPECT_EQ(itemsOf(array), (Elements{"Double 1.5", "Double -2.5"}));
-  EXPECT_EQ(arraySizeField(array), 2);
+  EXPECT_EQ(sizeField(array), 2);
   EXPECT_STREQ(vorn_type_name(array), "vorn.collections.Array<Int>");
 }
 
@@ -182,7 +182,7 @@ TEST_F(ArrayConstruction, CopyCtor_OfAnEmptyArray) {
   const Handle array = newArray("Array<Int>", 7);
   vorn_collections_Array_copyCtor(array, newArray("ArraySync<Double>", 0));
   EXPECT_EQ(vorn_collections_Array_size(array), 0);
-  EXPECT_EQ(arraySizeField(array), 0);
+  EXPECT_EQ(sizeField(array), 0);
   EXPECT_EQ(recordOf(array).elementType.get(), "Double");
   EXPECT_ARRAY_AT_REST(array);
 }
@@ -216,7 +216,7 @@ TEST_F(ArrayConstruction, CopyCtor_OfListsAndTuples_ConvertsToTheArraysOwnType) 
       const Handle integers = object(arrayType("Int", synchronised));
       vorn_collections_Array_copyCtor(integers, source);
       EXPECT_EQ(itemsOf(integers), (Elements{"Int 3", "Int 1", "Int 2"}));
-      EXPECT_EQ(arraySizeField(integers), 0) << "the field is left alone";
+      EXPECT_EQ(sizeField(integers), 0) << "the field is left alone";
       EXPECT_ARRAY_AT_REST(integers);
       const Handle doubles = newArray(arrayType("Double", synchronised), 9);
       vorn_collections_Array_copyCtor(doubles, source);

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <system_error>
 
+#include "collections/array/array_validation.h"
 #include "tests/array/array_cases.h"
 
 namespace vorn::tests {

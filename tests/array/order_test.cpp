@@ -4,8 +4,8 @@
 #include <random>
 
 #include "tests/array/array_cases.h"
-#include "tests/arraylist/ranked_item.h"
 #include "tests/support/sequences.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
@@ -107,7 +107,7 @@ TEST_F(ArrayOrder, Sort_ManySlotsOfEveryKind_AgreesWithASortOfTheReadings) {
         return static_cast<unsigned long long>(left) < static_cast<unsigned long long>(right);
       });
       vorn_collections_Array_sort(array);
-      if (isFloatingElement(slots.element)) {
+      if (isFloatingName(slots.element)) {
         EXPECT_EQ(doublesOf(array), doubles);
       } else {
         EXPECT_EQ(integersOf(array), integers);
@@ -300,7 +300,7 @@ TEST_F(ArrayOrder, NewArrays_LeaveTheReceiverAloneAndHaveItsType) {
         if (synchronised) {
           EXPECT_NE(recordOf(result).mutex, recordOf(array).mutex) << "a lock of its own";
         }
-        EXPECT_EQ(arraySizeField(result), 0);
+        EXPECT_EQ(sizeField(result), 0);
         EXPECT_ARRAY_AT_REST(result);
       }
     });

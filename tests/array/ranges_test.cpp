@@ -18,7 +18,7 @@ void expectLike(void* result, void* array) {
   if (recordOf(array).synchronized) {
     EXPECT_NE(recordOf(result).mutex, recordOf(array).mutex);
   }
-  EXPECT_EQ(arraySizeField(result), 0);
+  EXPECT_EQ(sizeField(result), 0);
   EXPECT_ARRAY_AT_REST(result);
 }
 

@@ -161,16 +161,12 @@ TEST_F(ArraySlotValues, Assign_CodeUnitSlotsTakeSixteenBitsOfTypeCodeUnitOnly) {
 // A user class of another module with the short name Char is a Char by its short type name: "the exact type" is told by
 // that name alone.
 TEST_F(ArraySlotValues, Assign_TheTypeOfACharacterIsItsShortName) {
-  static const bool defined = [] {
-    const vorn_field_definition fields[] = {{"_value", VORN_FIELD_INTEGER}};
-    vorn_class_definition definition = {};
-    definition.struct_size = sizeof(definition);
-    definition.name = "arraytest.Char";
-    definition.fields = fields;
-    definition.field_count = 1;
-    return vorn_class_define(&definition) != 0;
-  }();
-  ASSERT_TRUE(defined);
+  const vorn_field_definition fields[] = {{"_value", VORN_FIELD_INTEGER}};
+  vorn_class_definition definition = {};
+  definition.name = "arraytest.Char";
+  definition.fields = fields;
+  definition.field_count = 1;
+  defineClass(definition);
   const Handle letter = object("arraytest.Char");
   vorn_field_set_integer(letter, "_value", 0x41);
   EXPECT_EQ(assigned("Char", letter), "Char 65");
@@ -211,15 +207,11 @@ TEST_F(ArraySlotValues, Assign_ArraysOfHandlesNamedCharOrCodeUnitTestNothing) {
 }
 
 TEST_F(ArraySlotValues, Assign_AUserClassTakesItsInstancesOnly) {
-  static const bool defined = [] {
-    vorn_class_definition definition = {};
-    definition.struct_size = sizeof(definition);
-    definition.name = "arraytest.Derived";
-    definition.base_name = "app.Item";
-    item(0);  // defines the base
-    return vorn_class_define(&definition) != 0;
-  }();
-  ASSERT_TRUE(defined);
+  item(0);  // defines the base
+  vorn_class_definition definition = {};
+  definition.name = "arraytest.Derived";
+  definition.base_name = "app.Item";
+  defineClass(definition);
   const Handle array = newArray("Array<app.Item>", 1);
   EXPECT_TRUE(assign(array, item(1)));
   const Handle derived = object("arraytest.Derived");

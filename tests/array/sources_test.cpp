@@ -3,21 +3,13 @@
 
 #include "tests/array/array_cases.h"
 #include "tests/array/runtime_hooks.h"
+#include "tests/support/heap_statistics.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
 namespace {
 
 class ArraySourceCosts : public RuntimeTest {};
-
-std::uint64_t allocationsOf(const std::function<void()>& work) {
-  vorn_heap_statistics before;
-  vorn_heap_statistics after;
-  vorn_heap_get_statistics(&before);
-  work();
-  vorn_heap_get_statistics(&after);
-  return after.allocations - before.allocations;
-}
 
 TEST_F(ArraySourceCosts, LinkedLists_AreWalkedOnce) {
   const long long count = onStressHeap() ? 60 : 500;
@@ -98,7 +90,7 @@ TEST_F(ArraySourceCosts, ArrayThatChangesBetweenTheLocksOfACopy_GivesItsSlotsAnd
       recordOf(source).mutex, [&] { resizeArrayStorage(recordOf(source), 2); },
       [&] { vorn_collections_Array_copyCtor(target, source); });
   EXPECT_EQ(integersOf(target), (Integers{0, 0}));
-  EXPECT_EQ(arraySizeField(target), 3);
+  EXPECT_EQ(sizeField(target), 3);
   EXPECT_ARRAY_AT_REST(source);
   EXPECT_ARRAY_AT_REST(target);
 }

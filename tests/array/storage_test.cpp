@@ -2,6 +2,7 @@
 #include <cmath>
 #include <memory>
 
+#include "collections/array/array_validation.h"
 #include "collections/core/array_slot_kind.h"
 #include "tests/array/array_cases.h"
 

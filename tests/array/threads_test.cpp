@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <thread>
 
 #include "tests/array/array_cases.h"
+#include "tests/support/threads.h"
 #include "tests/support/watchdog.h"
 
 namespace vorn::tests {
@@ -17,20 +17,6 @@ constexpr int kThreads = 4;
 class ArrayThreads : public RuntimeTest {
  protected:
   static int rounds() { return onStressHeap() ? 50 : 2000; }
-
-  // Runs work(0), work(1), ... at the same time, each on an attached thread that must end without a pending error.
-  template <class Work>
-  static void runTogether(Work work) {
-    std::vector<std::thread> threads;
-    for (int number = 0; number < kThreads; ++number) {
-      threads.emplace_back([&work, number] {
-        vorn_thread_attach();
-        work(number);
-        EXPECT_EQ(vorn_error_count(), 0U);
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
-  }
 };
 
 TEST_F(ArrayThreads, WritesSortsAndReversals_LoseNothing) {
@@ -38,7 +24,7 @@ TEST_F(ArrayThreads, WritesSortsAndReversals_LoseNothing) {
   const Handle array = newArray("ArraySync<Int>", size);
   for (long long i = 0; i < size; ++i) vorn_collections_Array_setInt(array, i, i);
   const Handle wanted = integer("Int", 7);
-  runTogether([&](int number) {
+  runTogether(kThreads, [&](int number) {
     for (int i = 0; i < rounds(); ++i) {
       if (number % 2 == 0) {
         vorn_collections_Array_sort(array);
@@ -58,7 +44,7 @@ TEST_F(ArrayThreads, WritesSortsAndReversals_LoseNothing) {
 
 TEST_F(ArrayThreads, EachThreadsSlots_HoldItsLastValue) {
   const Handle array = newArray("ArraySync<Long>", kThreads);
-  runTogether([&](int number) {
+  runTogether(kThreads, [&](int number) {
     for (long long i = 1; i <= rounds(); ++i) {
       const long long value = (i << 32) | number;
       vorn_collections_Array_setInt(array, number, value);
@@ -73,7 +59,7 @@ TEST_F(ArrayThreads, EachThreadsSlots_HoldItsLastValue) {
 // Each write of bytes is seen whole or not at all.
 TEST_F(ArrayThreads, ByteWrites_AreNeverSeenHalfDone) {
   const Handle array = newArray("ArraySync<Byte>", 500);
-  runTogether([&](int number) {
+  runTogether(kThreads, [&](int number) {
     std::vector<unsigned char> bytes(500, static_cast<unsigned char>(number));
     std::string error;
     for (int i = 0; i < rounds(); ++i) {
@@ -90,7 +76,7 @@ TEST_F(ArrayThreads, ByteWrites_AreNeverSeenHalfDone) {
 
 TEST_F(ArrayThreads, Construction_IsNeverSeenHalfDone) {
   const Handle array = newArray("ArraySync<Int>", 3);
-  runTogether([&](int number) {
+  runTogether(kThreads, [&](int number) {
     for (int i = 0; i < rounds() / 4; ++i) {
       if (number == 0) vorn_collections_Array_ctor(array, i % 2 == 0 ? 3 : 100);
       const long long size = vorn_collections_Array_size(array);
@@ -110,10 +96,7 @@ TEST_F(ArrayThreads, CopyCtor_HoldsTheSourceWhileItWaitsForTheTarget) {
   const Handle target = intArray("ArraySync<Int>", {7});
   const Watchdog watchdog;
   pthread_mutex_lock(recordOf(target).mutex);
-  std::thread copying([&] {
-    vorn_thread_attach();
-    vorn_collections_Array_copyCtor(target, source);
-  });
+  Beside copying([&] { vorn_collections_Array_copyCtor(target, source); });
   while (isUnlockedArray(source)) std::this_thread::yield();  // the size is read under the lock as well, but briefly
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   EXPECT_FALSE(isUnlockedArray(source));
@@ -133,14 +116,9 @@ void crossOver(Operation operation) {
   const Handle second = intArray("ArraySync<Int>", {4, 5, 6});
   const Watchdog watchdog;
   const auto work = [&](void* mine, void* theirs) {
-    vorn_thread_attach();
     for (int i = 0; i < 20'000; ++i) operation(mine, theirs);
-    EXPECT_EQ(vorn_error_count(), 0U);
   };
-  std::thread left([&] { work(first, second); });
-  std::thread right([&] { work(second, first); });
-  left.join();
-  right.join();
+  runTogether({[&] { work(first, second); }, [&] { work(second, first); }});
   EXPECT_ARRAY_AT_REST(first);
   EXPECT_ARRAY_AT_REST(second);
 }

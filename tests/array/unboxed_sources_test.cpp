@@ -1,7 +1,7 @@
 // Unboxed elements that arrays take from other collections: every storage as source against a tuple of its boxes.
-#include "tests/arraylist/source_cases.h"
-
 #include "tests/array/array_cases.h"
+#include "tests/support/sequences.h"
+#include "tests/support/sources.h"
 
 namespace vorn::tests {
 namespace {

@@ -2,12 +2,12 @@
 // each other.
 #include <cerrno>
 #include <system_error>
-#include <thread>
 
 #include "collections/arraylist/snapshots.h"
 #include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
-#include "tests/arraylist/held_mutex.h"
+#include "tests/support/lists.h"
+#include "tests/support/threads.h"
 #include "tests/support/watchdog.h"
 
 namespace vorn::tests {
@@ -143,7 +143,6 @@ void crossOver(Operation operation) {
   {
     const Watchdog watchdog;
     const auto work = [&](void* mine, void* theirs) {
-      vorn_thread_attach();
       for (int i = 0; i < 100'000; ++i) {
         vorn_collections_ArrayList_add(mine, one);
         operation(mine, theirs);
@@ -152,10 +151,7 @@ void crossOver(Operation operation) {
         EXPECT_EQ(takeErrors(), Elements{});
       }
     };
-    std::thread left([&] { work(first, second); });
-    std::thread right([&] { work(second, first); });
-    left.join();
-    right.join();
+    runTogether({[&] { work(first, second); }, [&] { work(second, first); }});
   }
   EXPECT_AT_REST(first);
   EXPECT_AT_REST(second);

@@ -16,8 +16,6 @@ namespace vorn::tests {
 
 using Kind = ListData::PrimitiveKind;
 
-inline bool isFloatingName(const std::string& type) { return type == "Float" || type == "Double"; }
-
 // The eight integer types with their letters, and Boolean: what travels as 64-bit integers.
 inline std::vector<std::string> integerNames(bool withBoolean) {
   std::vector<std::string> names;
@@ -102,7 +100,7 @@ inline const std::vector<Commit>& commits() {
 
 inline bool takes(const Commit& commit, const std::string& type) {
   if (type == "Boolean") return commit.booleans;
-  return type == "Float" || type == "Double" ? commit.floats : commit.integers;
+  return isFloatingName(type) ? commit.floats : commit.integers;
 }
 
 class DataBuffers : public RuntimeTest {};

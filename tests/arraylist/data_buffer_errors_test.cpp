@@ -7,7 +7,7 @@
 
 #include "collections/core/port/object_layout.h"
 #include "tests/arraylist/data_buffer_cases.h"
-#include "tests/arraylist/held_mutex.h"
+#include "tests/support/lists.h"
 
 namespace vorn::tests {
 namespace {

@@ -4,8 +4,8 @@
 #include <system_error>
 
 #include "collections/core/port/object_layout.h"
-#include "tests/arraylist/held_mutex.h"
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/lists.h"
 
 namespace vorn::tests {
 namespace {

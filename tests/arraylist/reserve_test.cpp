@@ -7,8 +7,8 @@
 
 #include "collections/core/elements/element_types.h"
 #include "collections/core/port/object_layout.h"
-#include "tests/arraylist/held_mutex.h"
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/lists.h"
 
 namespace vorn::tests {
 namespace {

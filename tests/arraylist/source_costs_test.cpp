@@ -6,6 +6,7 @@
 #include "collections/keyed/set_data.h"
 #include "tests/arraylist/bulk_cases.h"
 #include "tests/arraylist/library_hooks.h"
+#include "tests/support/heap_statistics.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
@@ -26,15 +27,6 @@ Elements intsUpTo(long long count) {
   Elements elements;
   for (long long i = 0; i < count; ++i) elements.push_back("Int " + std::to_string(i));
   return elements;
-}
-
-std::uint64_t allocationsOf(const std::function<void()>& work) {
-  vorn_heap_statistics before;
-  vorn_heap_statistics after;
-  vorn_heap_get_statistics(&before);
-  work();
-  vorn_heap_get_statistics(&after);
-  return after.allocations - before.allocations;
 }
 
 // The links that were followed beyond a walk from neighbour to neighbour.

@@ -1,9 +1,9 @@
 // Synchronised lists under several threads at once. All collected memory that the threads cause to be allocated is
 // allocated under the list's lock, so that these tests hold under an exact collector as well.
 #include <algorithm>
-#include <thread>
 
 #include "tests/arraylist/list_cases.h"
+#include "tests/support/threads.h"
 
 namespace vorn::tests {
 namespace {
@@ -13,25 +13,11 @@ constexpr int kThreads = 4;
 class Threads : public RuntimeTest {
  protected:
   static int rounds() { return onStressHeap() ? 25 : 2000; }
-
-  // Runs work(0), work(1), ... at the same time, each on an attached thread that must end without a pending error.
-  template <class Work>
-  static void runTogether(Work work) {
-    std::vector<std::thread> threads;
-    for (int number = 0; number < kThreads; ++number) {
-      threads.emplace_back([&work, number] {
-        vorn_thread_attach();
-        work(number);
-        EXPECT_EQ(vorn_error_count(), 0U);
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
-  }
 };
 
 TEST_F(Threads, ConcurrentUnboxedAppends_AllArriveInEachThreadsOrder) {
   const Handle target = object("ArrayListSync<Int>");
-  runTogether([&](int number) {
+  runTogether(kThreads, [&](int number) {
     for (int i = 0; i < rounds(); ++i) vorn_collections_ArrayList_addInt(target, number * 10000 + i);
   });
   ASSERT_EQ(vorn_collections_ArrayList_size(target), kThreads * rounds());
@@ -49,7 +35,7 @@ TEST_F(Threads, ConcurrentAddAndRemove_TotalsHold) {
   const Handle one = integer("Int", 1);
   for (const bool linked : {false, true}) {
     const Handle target = object(className(linked, true, "Int"));
-    runTogether([&](int number) {
+    runTogether(kThreads, [&](int number) {
       for (int i = 0; i < rounds(); ++i) {
         // A thread never removes more than it has added, so that there is always an element to remove.
         vorn_collections_ArrayList_add(target, one);
@@ -73,7 +59,7 @@ TEST_F(Threads, MaterialisationIsNeverSeenHalfDone) {
   const Handle word = string("word");
   const Handle target = object("ArrayListSync");
   for (int i = 0; i < 20; ++i) vorn_collections_ArrayList_addInt(target, i);
-  runTogether([&](int number) {
+  runTogether(kThreads, [&](int number) {
     for (int i = 0; i < rounds(); ++i) {
       if (number == 0 && i == rounds() / 2) vorn_collections_ArrayList_operator_in(target, word);
       EXPECT_EQ(vorn_collections_ArrayList_size(target), 20);
@@ -90,7 +76,7 @@ TEST_F(Threads, ReplacementsAndClear_LeaveAWholeList) {
   const Handle word = string("word");
   for (const bool linked : {false, true}) {
     const Handle target = object(className(linked, true));
-    runTogether([&](int number) {
+    runTogether(kThreads, [&](int number) {
       for (int i = 0; i < rounds(); ++i) {
         switch ((number + i) % 5) {
           case 0:
@@ -125,7 +111,7 @@ TEST_F(Threads, SizeFast_NeverGivesASizeThatTheListDidNotHave) {
   std::atomic<void*> current = nullptr;
   std::atomic<int> round = 0;
   std::atomic<long long> wrong = 0;
-  std::thread reader([&] {
+  Beside reader([&] {
     vorn_thread_attach();
     while (round.load() < rounds) {
       void* target = current.load();
@@ -151,12 +137,10 @@ TEST_F(Threads, SizeFast_NeverGivesASizeThatTheListDidNotHave) {
 TEST_F(Threads, PendingErrors_BelongToTheThreadThatCausedThem) {
   const Handle target = list("ArrayListSync<Int>", {integer("Int", 1)});
   std::vector<std::string> errors;
-  std::thread other([&] {
-    vorn_thread_attach();
+  onAnotherThread([&] {
     vorn_collections_ArrayList_removeAt(target, 5);
     errors = takeErrors();
   });
-  other.join();
   EXPECT_EQ(errors, Elements{kIndexError});
   EXPECT_NOTHING_RAISED();
 }

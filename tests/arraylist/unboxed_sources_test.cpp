@@ -1,6 +1,8 @@
 // Unboxed elements go from one collection to another without boxes, and end as if each had been read, boxed and stored
 // one after the other. Every storage as source is held against a tuple of its boxes, which takes the other way.
-#include "tests/arraylist/source_cases.h"
+#include "tests/arraylist/bulk_cases.h"
+#include "tests/support/sequences.h"
+#include "tests/support/sources.h"
 
 namespace vorn::tests {
 namespace {

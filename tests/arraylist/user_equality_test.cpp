@@ -95,14 +95,9 @@ TEST_P(UserEquality, ArgumentsComeInTheDocumentedOrder) {
 TEST_P(UserEquality, FirstMatchEndsTheSearchExceptForCount) {
   const Handle target = makeList();
   const Handle wanted = item(3);
-  int calls = 0;
-  const ScopedEquality equality([&](void* self, void* other) {
-    ++calls;
-    return idOf(self) == idOf(other);
-  });
   const std::string name = search().name;
   EXPECT_EQ(search().run(target, wanted), search().neutral < 0 ? 2 : 1);
-  EXPECT_EQ(calls, name == "count" ? 5 : 3);
+  EXPECT_EQ(hookCalls(Hook::Equality), name == "count" ? 5 : 3);
   EXPECT_EQ(vorn_collections_ArrayList_size(target), name == "remove" ? 4 : 5);
 }
 

@@ -3,11 +3,17 @@
 #include <functional>
 #include <set>
 
-#include "tests/arraylist/ranked_item.h"
 #include "tests/arraylist/sort_cases.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
+
+Handle rankedList(const std::string& type, const std::vector<long long>& ids) {
+  Handle result = object(type);
+  for (const long long id : ids) vorn_collections_ArrayList_add(result, ranked(id));
+  return result;
+}
 
 TEST_F(Sort, UserOrdering_Decides) {
   for (const bool linked : {false, true}) {

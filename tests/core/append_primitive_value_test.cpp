@@ -155,13 +155,13 @@ TEST_F(AppendPrimitiveValue, AdoptionAfterAnotherWidthStartsWithAnEmptyBuffer) {
 
 TEST_F(AppendPrimitiveValue, RefusedCharacterLeavesEvenTheKindUnchanged) {
   Handle list = object("ArrayList");
-  const std::string before = describeList(record(list));
+  const RecordSnapshot before(record(list));
   appendPrimitiveValue(record(list), rawInteger("Char", 0xD800));
   EXPECT_RAISED(error_texts::kCharNotScalar);
-  EXPECT_EQ(describeList(record(list)), before);
+  EXPECT_EQ(RecordSnapshot(record(list)), before);
   appendPrimitiveValue(record(list), rawInteger("CodeUnit", 65536));
   EXPECT_RAISED(error_texts::kCodeUnitOutOfRange);
-  EXPECT_EQ(describeList(record(list)), before);
+  EXPECT_EQ(RecordSnapshot(record(list)), before);
   EXPECT_VALID_LIST(list);
   appendPrimitiveValue(record(list), rawInteger("Int", 3));
   EXPECT_EQ(record(list).primitiveKind, Kind::Int);

@@ -145,13 +145,13 @@ TEST_F(CopyStorage, ObjectStorageOfTheTargetIsLeftAlone) {
 TEST_F(CopyStorage, FailedAllocationLeavesBothRecordsValid) {
   Handle source = primitiveList("Long");
   for (int i = 0; i < 20; ++i) primitiveListAppend(record(source), i, i);
-  const std::string before = describeList(record(source));
+  const RecordSnapshot before(record(source));
   Handle target;
   const int failures = sweepAllocationFailures([&] { target = object("ArrayList"); },
                                                [&] { copyPrimitiveListStorage(record(source), record(target)); },
                                                [&] {
                                                  EXPECT_VALID_LIST(target);
-                                                 EXPECT_EQ(describeList(record(source)), before);
+                                                 EXPECT_EQ(RecordSnapshot(record(source)), before);
                                                });
   EXPECT_EQ(failures, 1);
   EXPECT_EQ(record(target).primitive.size, 20u);

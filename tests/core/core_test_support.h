@@ -19,6 +19,7 @@
 #include "collections/core/port/type_names.h"
 #include "collections/core/storage/list_data.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/lists.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
@@ -126,47 +127,23 @@ inline std::string describeValue(void* handle) {
   return result + buffer;
 }
 
-// The handles of the object or linked storage, read from the record itself.
-inline std::vector<void*> handlesOf(const ListData& list) {
-  std::vector<void*> result;
-  if (list.linked) {
-    for (const LinkedHandles::Links* node = list.linkedObjects.sentinel.next; node != &list.linkedObjects.sentinel;
-         node = node->next) {
-      result.push_back(static_cast<const LinkedHandles::Node*>(node)->handle);
-    }
-  } else {
-    result.assign(list.objects.data, list.objects.data + list.objects.size);
-  }
-  return result;
-}
-
 inline std::vector<std::string> describeObjects(const ListData& list) {
   std::vector<std::string> result;
   for (void* handle : handlesOf(list)) result.push_back(describeValue(handle));
   return result;
 }
 
-// Everything that a caller can tell apart in a list, as one text: compare it before and after what must change nothing.
-// Capacities are left out, because room that was made is no change.
-inline std::string describeList(const ListData& list) {
-  std::string result = "kind " + std::to_string(static_cast<int>(list.primitiveKind)) + " type '" +
-                       std::string(list.primitiveType.get()) + "' element '" + std::string(list.elementType.get()) +
-                       "' mirrors " + std::to_string(list.i64Mirror.size) + "," + std::to_string(list.f64Mirror.size) +
-                       (list.linked ? " linked" : "") + (list.synchronized ? " synchronised" : "") + " primitive";
-  char buffer[32];
-  for (std::uint64_t i = 0; i < list.primitive.size * list.primitive.elementSize; ++i) {
-    std::snprintf(buffer, sizeof(buffer), " %02x", list.primitive.data[i]);
-    result += buffer;
-  }
-  result += " objects";
-  for (void* handle : handlesOf(list)) {
-    std::snprintf(buffer, sizeof(buffer), " %p", handle);
-    result += buffer;
-  }
-  return result;
-}
+// A snapshot that tells the mirrors apart as well.
+struct RecordSnapshot : Snapshot {
+  explicit RecordSnapshot(const ListData& list)
+      : Snapshot(list), mirroredIntegers(list.i64Mirror.size), mirroredDoubles(list.f64Mirror.size) {}
+  bool operator==(const RecordSnapshot&) const = default;
 
-// The same with a fresh start made before each attempt.
+  std::uint64_t mirroredIntegers;
+  std::uint64_t mirroredDoubles;
+};
+
+// The sweep with a fresh start made before each attempt.
 template <class Prepare, class Attempt, class Check>
 int sweepAllocationFailures(Prepare prepare, Attempt attempt, Check check) {
   prepare();

@@ -18,17 +18,17 @@ Handle listOf(const char* declared, const char* className = "ArrayList") {
 }
 
 void expectAccepted(const Handle& list, const Handle& value) {
-  const std::string before = describeList(record(list));
+  const RecordSnapshot before(record(list));
   EXPECT_TRUE(ensureListValueMatchesDeclaredElementType(record(list), value)) << describeValue(value);
   EXPECT_NOTHING_RAISED();
-  EXPECT_EQ(describeList(record(list)), before);
+  EXPECT_EQ(RecordSnapshot(record(list)), before);
 }
 
 void expectRefused(const Handle& list, const Handle& value, const std::string& declared, const std::string& valueType) {
-  const std::string before = describeList(record(list));
+  const RecordSnapshot before(record(list));
   EXPECT_FALSE(ensureListValueMatchesDeclaredElementType(record(list), value)) << describeValue(value);
   EXPECT_RAISED(listTypeError(declared, valueType));
-  EXPECT_EQ(describeList(record(list)), before);
+  EXPECT_EQ(RecordSnapshot(record(list)), before);
 }
 
 TEST_F(DeclaredTypeGate, UntypedAndObjectListsAcceptEverything) {

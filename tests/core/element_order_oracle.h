@@ -14,6 +14,7 @@
 #include "collections/core/port/pending_errors.h"
 #include "tests/core/core_test_support.h"
 #include "tests/core/user_classes.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 
@@ -121,36 +122,6 @@ inline int expectedOrder(const Specimen& a, const Specimen& b) {
   const std::string bName = Vorn_objectTypeName(b.handle);
   if (aName != bName) return aName < bName ? -1 : 1;
   return reinterpret_cast<std::uintptr_t>(a.handle.get()) < reinterpret_cast<std::uintptr_t>(b.handle.get()) ? -1 : 1;
-}
-
-// coretest.Ranked: equality and order by the integer field "rank".
-inline Handle ranked(std::int64_t rank) {
-  static const bool defined = [] {
-    const vorn_field_definition fields[] = {{"rank", VORN_FIELD_INTEGER}};
-    vorn_class_definition definition{};
-    definition.name = "coretest.Ranked";
-    definition.fields = fields;
-    definition.field_count = 1;
-    definition.equals = [](void* self, void* other, void*) {
-      std::int64_t mine = 0;
-      std::int64_t theirs = 0;
-      return vorn_field_get_integer(self, "rank", &mine) != 0 && vorn_field_get_integer(other, "rank", &theirs) != 0 &&
-             mine == theirs;
-    };
-    definition.compare = [](void* self, void* other, bool* comparable, void*) {
-      std::int64_t mine = 0;
-      std::int64_t theirs = 0;
-      *comparable =
-          vorn_field_get_integer(self, "rank", &mine) != 0 && vorn_field_get_integer(other, "rank", &theirs) != 0;
-      return mine < theirs ? -1 : mine > theirs ? 1 : 0;
-    };
-    defineClass(definition);
-    return true;
-  }();
-  (void)defined;
-  Handle result = object("coretest.Ranked");
-  EXPECT_EQ(vorn_field_set_integer(result, "rank", rank), 1);
-  return result;
 }
 
 // One value of every class and, where values of a class differ in what matters, several.

@@ -71,11 +71,11 @@ TEST_P(ListHandles, PushBackTakesNull) {
 TEST_P(ListHandles, FailedPushBackLeavesTheListUnchanged) {
   pushIntegers(4);
   Handle extra = integer("Int", 9);
-  const std::string before = describeList(list_data());
+  const RecordSnapshot before(list_data());
   vorn_heap_fail_allocation(0);
   EXPECT_THROW(list_data().objectPushBack(extra), std::bad_alloc);
   EXPECT_NE(vorn_heap_failure_happened(), 0);
-  EXPECT_EQ(describeList(list_data()), before);
+  EXPECT_EQ(RecordSnapshot(list_data()), before);
   EXPECT_VALID_LIST(list_);
 }
 
@@ -205,10 +205,10 @@ TEST_F(ListDataTest, EraseAtOrPastTheEndOfAnArrayBackedListIsIgnored) {
   Handle target = object("ArrayList");
   ListData& data = record(target);
   for (int i = 0; i < 3; ++i) data.objectPushBack(integer("Int", i));
-  const std::string before = describeList(data);
+  const RecordSnapshot before(data);
   for (const std::uint64_t index : {std::uint64_t{3}, std::uint64_t{100}, ~std::uint64_t{0}}) {
     data.objectErase(index);
-    EXPECT_EQ(describeList(data), before) << index;
+    EXPECT_EQ(RecordSnapshot(data), before) << index;
   }
 }
 

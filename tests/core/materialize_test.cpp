@@ -1,5 +1,8 @@
 // Leaving primitive storage: every element becomes a box, in order.
 #include "collections/core/elements/storage_transitions.h"
+
+#include <optional>
+
 #include "collections/core/port/type_names.h"
 #include "tests/core/core_test_support.h"
 
@@ -15,9 +18,9 @@ TEST_F(Materialize, ObjectStorageStaysAsItIs) {
     Handle target = object(name);
     record(target).objectPushBack(integer("Int", 1));
     record(target).i64Mirror.size = 1;
-    const std::string before = describeList(record(target));
+    const RecordSnapshot before(record(target));
     materializePrimitiveList(record(target));
-    EXPECT_EQ(describeList(record(target)), before);
+    EXPECT_EQ(RecordSnapshot(record(target)), before);
     record(target).i64Mirror.size = 0;
   }
 }
@@ -177,18 +180,18 @@ INSTANTIATE_TEST_SUITE_P(Kinds, MaterializeOutOfMemory, ::testing::ValuesIn(kNam
 
 TEST_P(MaterializeOutOfMemory, LeavesTheListAsItWas) {
   Handle target;
-  std::string before;
+  std::optional<RecordSnapshot> before;
   const int failures = sweepAllocationFailures(
       [&] {
         target = primitiveList(GetParam().name, {1, 0, 1, 1, 0, 0, 1, 0, 1});
         record(target).elementType = internRuntimeTypeName(GetParam().name);
         record(target).i64Mirror.size = 3;
         record(target).f64Mirror.size = 2;
-        before = describeList(record(target));
+        before.emplace(record(target));
       },
       [&] { materializePrimitiveList(record(target)); },
       [&] {
-        EXPECT_EQ(describeList(record(target)), before);
+        EXPECT_EQ(RecordSnapshot(record(target)), *before);
         EXPECT_VALID_LIST(target);
         // The next attempt on the same list succeeds and finds nothing left over from the failed one.
         materializePrimitiveList(record(target));

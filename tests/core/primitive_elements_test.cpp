@@ -232,11 +232,11 @@ TEST_F(PrimitiveElements, ReadingWithoutAKnownKindGivesZero) {
 TEST_F(PrimitiveElements, CodeUnitsOutOfRangeAreRefusedAndNothingIsStored) {
   for (const Store how : kStores) {
     Handle list = primitiveList("CodeUnit", {65});
-    const std::string before = describeList(record(list));
+    const RecordSnapshot before(record(list));
     for (const long long value : {65536LL, 4294967295LL, -1LL, kMinLong, kMaxLong}) {
       store(how, record(list), value, static_cast<double>(value));
       EXPECT_RAISED(error_texts::kCodeUnitOutOfRange);
-      EXPECT_EQ(describeList(record(list)), before) << value;
+      EXPECT_EQ(RecordSnapshot(record(list)), before) << value;
     }
     for (const long long value : {0LL, 0xD7FFLL, 0xD800LL, 0xDFFFLL, 0xFFFFLL}) {
       store(how, record(list), value, 0);
@@ -249,12 +249,12 @@ TEST_F(PrimitiveElements, CodeUnitsOutOfRangeAreRefusedAndNothingIsStored) {
 TEST_F(PrimitiveElements, CharsThatAreNoScalarAreRefusedAndNothingIsStored) {
   for (const Store how : kStores) {
     Handle list = primitiveList("Char", {65});
-    const std::string before = describeList(record(list));
+    const RecordSnapshot before(record(list));
     for (const long long value :
          {0xD800LL, 0xDABCLL, 0xDFFFLL, 0x110000LL, 4294967296LL + 65, -1LL, kMinLong, kMaxLong}) {
       store(how, record(list), value, static_cast<double>(value));
       EXPECT_RAISED(error_texts::kCharNotScalar);
-      EXPECT_EQ(describeList(record(list)), before) << value;
+      EXPECT_EQ(RecordSnapshot(record(list)), before) << value;
     }
     for (const long long value : {0LL, 0xD7FFLL, 0xE000LL, 0xFFFFLL, 0x10000LL, 0x10FFFFLL}) {
       store(how, record(list), value, 0);
@@ -344,10 +344,10 @@ TEST_F(PrimitiveElements, InsertIntoAFullBufferGrowsIt) {
 
 TEST_F(PrimitiveElements, InsertAboveTheSizeChangesNothing) {
   Handle list = primitiveList("Int", {1, 2});
-  const std::string before = describeList(record(list));
+  const RecordSnapshot before(record(list));
   for (const std::uint64_t index : {std::uint64_t{3}, std::uint64_t{100}, ~std::uint64_t{0}}) {
     primitiveListInsertAt(record(list), index, 9, 9.0);
-    EXPECT_EQ(describeList(record(list)), before) << index;
+    EXPECT_EQ(RecordSnapshot(record(list)), before) << index;
   }
   EXPECT_NOTHING_RAISED();
 }
@@ -379,10 +379,10 @@ TEST_F(PrimitiveElements, EraseAtEveryPositionMovesTheRestDown) {
 
 TEST_F(PrimitiveElements, EraseAtOrPastTheSizeChangesNothing) {
   Handle list = primitiveList("Short", {1, 2});
-  const std::string before = describeList(record(list));
+  const RecordSnapshot before(record(list));
   for (const std::uint64_t index : {std::uint64_t{2}, std::uint64_t{3}, ~std::uint64_t{0}}) {
     primitiveListEraseAt(record(list), index);
-    EXPECT_EQ(describeList(record(list)), before) << index;
+    EXPECT_EQ(RecordSnapshot(record(list)), before) << index;
   }
   Handle empty = primitiveList("Short");
   primitiveListEraseAt(record(empty), 0);
@@ -471,11 +471,11 @@ TEST_F(PrimitiveElements, FailedGrowthChangesNothing) {
     for (const NamedKind& row : kNamedKinds) {
       Handle list = primitiveList(row.name);
       for (std::uint64_t i = 0; i < row.inlineCapacity; ++i) primitiveListAppend(record(list), 1, 1.0);
-      const std::string before = describeList(record(list));
+      const RecordSnapshot before(record(list));
       vorn_heap_fail_allocation(0);
       EXPECT_THROW(store(how, record(list), 0, 0.0), std::bad_alloc) << row.name;
       EXPECT_NE(vorn_heap_failure_happened(), 0);
-      EXPECT_EQ(describeList(record(list)), before) << row.name;
+      EXPECT_EQ(RecordSnapshot(record(list)), before) << row.name;
       EXPECT_VALID_LIST(list);
     }
   }

@@ -4,11 +4,11 @@
 #include <csignal>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 #include <type_traits>
 
 #include "tests/core/core_test_support.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/threads.h"
 
 namespace vorn::tests {
 namespace {
@@ -170,16 +170,12 @@ TEST_F(RecordLockTest, TwoThreadsExcludeEachOther) {
   data_.synchronized = true;
   data_.mutex = mutex_.get();
   long long counter = 0;  // unprotected but for the lock
-  const auto count = [&] {
+  runTogether(2, [&](int) {
     for (int i = 0; i < 20000; ++i) {
       const ListDataLock lock(data_);
       counter = counter + 1;
     }
-  };
-  std::thread first(count);
-  std::thread second(count);
-  first.join();
-  second.join();
+  });
   EXPECT_EQ(counter, 40000);
 }
 

@@ -1,47 +1,35 @@
-// User classes of the core's tests. A class lives as long as the process, so each is defined once.
+// User classes of the core's tests, which differ in their bases and fields.
 #pragma once
 
 #include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 
-inline void defineClass(vorn_class_definition definition) {
-  definition.struct_size = sizeof(definition);
-  EXPECT_EQ(vorn_class_define(&definition), 1) << definition.name;
-}
-
 // coretest.Animal; coretest.Dog and coretest.Puppy below it; coretest.Plant beside it.
 inline void definePlainClasses() {
-  static const bool defined = [] {
-    vorn_class_definition definition{};
-    definition.name = "coretest.Animal";
-    defineClass(definition);
-    definition.name = "coretest.Dog";
-    definition.base_name = "coretest.Animal";
-    defineClass(definition);
-    definition.name = "coretest.Puppy";
-    definition.base_name = "coretest.Dog";
-    defineClass(definition);
-    definition.name = "coretest.Plant";
-    definition.base_name = nullptr;
-    defineClass(definition);
-    return true;
-  }();
-  (void)defined;
+  vorn_class_definition definition{};
+  definition.name = "coretest.Animal";
+  defineClass(definition);
+  definition.name = "coretest.Dog";
+  definition.base_name = "coretest.Animal";
+  defineClass(definition);
+  definition.name = "coretest.Puppy";
+  definition.base_name = "coretest.Dog";
+  defineClass(definition);
+  definition.name = "coretest.Plant";
+  definition.base_name = nullptr;
+  defineClass(definition);
 }
 
 // coretest.Holder, with an integer field "_value" as boxes have it.
 inline void defineHolderClass() {
-  static const bool defined = [] {
-    const vorn_field_definition fields[] = {{"_value", VORN_FIELD_INTEGER}};
-    vorn_class_definition definition{};
-    definition.name = "coretest.Holder";
-    definition.fields = fields;
-    definition.field_count = 1;
-    defineClass(definition);
-    return true;
-  }();
-  (void)defined;
+  const vorn_field_definition fields[] = {{"_value", VORN_FIELD_INTEGER}};
+  vorn_class_definition definition{};
+  definition.name = "coretest.Holder";
+  definition.fields = fields;
+  definition.field_count = 1;
+  defineClass(definition);
 }
 
 inline Handle holder(std::int64_t value) {

@@ -1,5 +1,5 @@
 // What the tests of displays share: the fourteen kinds of collections with the texts that each shows, and ways to make
-// one of them, fill it, display it and look at its lock.
+// one of them, fill it and display it.
 #pragma once
 
 #include <pthread.h>
@@ -12,30 +12,22 @@
 #include <string>
 #include <vector>
 
-#include "collections/array/array_data.h"
-#include "collections/array/array_validation.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/values.h"
 #include "collections/display/display_guard.h"
 #include "collections/display/value_display.h"
-#include "collections/keyed/keyed_validation.h"
-#include "collections/keyed/map_data.h"
-#include "collections/keyed/set_data.h"
+#include "tests/support/collections.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
 
-enum class Family { List, Immutable, Tuple, Set, Map, Array };
-
-// One kind of collection. `emptyOpening` is the opening of one without elements.
-struct Kind {
-  const char* name;
+// One kind of collection, and the type that an instance is made of. `emptyOpening` is the opening of one without
+// elements.
+struct Kind : CollectionClass {
   const char* type;
-  Family family;
-  bool synchronised;
   const char* nullText;
   const char* cycle;
   const char* emptyOpening;
@@ -45,28 +37,23 @@ struct Kind {
 };
 
 inline constexpr Kind kKinds[] = {
-    {"ArrayList", "ArrayList", Family::List, false, "[]", "[...]", "[", "[", "]", vorn_collections_ArrayList_toString},
-    {"ArrayListSync", "ArrayListSync", Family::List, true, "[]", "[...]", "[", "s:[", "]",
+    {classNamed("ArrayList"), "ArrayList", "[]", "[...]", "[", "[", "]", vorn_collections_ArrayList_toString},
+    {classNamed("ArrayListSync"), "ArrayListSync", "[]", "[...]", "[", "s:[", "]", vorn_collections_ArrayList_toString},
+    {classNamed("LinkedList"), "LinkedList", "[]", "[...]", "l:[", "l:[", "]", vorn_collections_ArrayList_toString},
+    {classNamed("LinkedListSync"), "LinkedListSync", "[]", "[...]", "ls:[", "ls:[", "]",
      vorn_collections_ArrayList_toString},
-    {"LinkedList", "LinkedList", Family::List, false, "[]", "[...]", "l:[", "l:[", "]",
-     vorn_collections_ArrayList_toString},
-    {"LinkedListSync", "LinkedListSync", Family::List, true, "[]", "[...]", "ls:[", "ls:[", "]",
-     vorn_collections_ArrayList_toString},
-    {"ImmutableList", "ImmutableList", Family::Immutable, false, "i:[]", "i:[...]", "i:[", "i:[", "]",
+    {classNamed("ImmutableList"), "ImmutableList", "i:[]", "i:[...]", "i:[", "i:[", "]",
      vorn_collections_ImmutableList_toString},
-    {"Tuple", "Tuple", Family::Tuple, false, "()", "(...)", "(", "(", ")", vorn_collections_Tuple_toString},
-    {"HashSet", "HashSet", Family::Set, false, "{}", "{...}", "{", "{", "}", vorn_collections_HashSet_toString},
-    {"HashSetSync", "HashSetSync", Family::Set, true, "{}", "{...}", "s:{", "s:{", "}",
-     vorn_collections_HashSet_toString},
-    {"Map", "Map", Family::Map, false, "{}", "{...}", "{", "{", "}", vorn_collections_Map_toString},
-    {"HashMapSync", "HashMapSync", Family::Map, true, "{}", "s:{...}", "s:{", "s:{", "}",
+    {classNamed("Tuple"), "Tuple", "()", "(...)", "(", "(", ")", vorn_collections_Tuple_toString},
+    {classNamed("HashSet"), "HashSet", "{}", "{...}", "{", "{", "}", vorn_collections_HashSet_toString},
+    {classNamed("HashSetSync"), "HashSetSync", "{}", "{...}", "s:{", "s:{", "}", vorn_collections_HashSet_toString},
+    {classNamed("Map"), "Map", "{}", "{...}", "{", "{", "}", vorn_collections_Map_toString},
+    {classNamed("HashMapSync"), "HashMapSync", "{}", "s:{...}", "s:{", "s:{", "}", vorn_collections_Map_toString},
+    {classNamed("SortedMap"), "SortedMap", "{}", "t:{...}", "t:{", "t:{", "}", vorn_collections_Map_toString},
+    {classNamed("SortedMapSync"), "SortedMapSync", "{}", "ts:{...}", "ts:{", "ts:{", "}",
      vorn_collections_Map_toString},
-    {"SortedMap", "SortedMap", Family::Map, false, "{}", "t:{...}", "t:{", "t:{", "}", vorn_collections_Map_toString},
-    {"SortedMapSync", "SortedMapSync", Family::Map, true, "{}", "ts:{...}", "ts:{", "ts:{", "}",
-     vorn_collections_Map_toString},
-    {"Array", "Array<Object>", Family::Array, false, "f:[]", "f:[...]", "f:[", "f:[", "]",
-     vorn_collections_Array_toString},
-    {"ArraySync", "ArraySync<Object>", Family::Array, true, "f:[]", "f:[...]", "fs:[", "fs:[", "]",
+    {classNamed("Array"), "Array<Object>", "f:[]", "f:[...]", "f:[", "f:[", "]", vorn_collections_Array_toString},
+    {classNamed("ArraySync"), "ArraySync<Object>", "f:[]", "f:[...]", "fs:[", "fs:[", "]",
      vorn_collections_Array_toString},
 };
 
@@ -125,49 +112,6 @@ inline std::string textOf(void* string) {
 }
 
 inline std::string display(const Kind& kind, void* collection) { return textOf(kind.toString(collection)); }
-
-inline pthread_mutex_t** mutexOf(const Kind& kind, void* collection) {
-  switch (kind.family) {
-    case Family::List:
-    case Family::Immutable:
-      return &getListData(collection)->mutex;
-    case Family::Set:
-      return &getSetData(collection)->mutex;
-    case Family::Map:
-      return &getMapData(collection)->mutex;
-    case Family::Array:
-      return &getArrayData(collection)->mutex;
-    case Family::Tuple:
-      break;
-  }
-  return nullptr;
-}
-
-// Whether anybody holds the lock of a synchronised collection.
-inline bool isLocked(const Kind& kind, void* collection) {
-  if (!kind.synchronised) return false;
-  return isLocked(*mutexOf(kind, collection));
-}
-
-// What is wrong with the collection's record, its lock or the marks of running displays, or the empty string.
-inline std::string faultOf(const Kind& kind, void* collection) {
-  if (isLocked(kind, collection)) return "the collection is locked";
-  if (!gCollectionDisplayStack.empty()) return "a display has left its mark behind";
-  switch (kind.family) {
-    case Family::List:
-    case Family::Immutable:
-      return collections::validateListData(*getListData(collection));
-    case Family::Set:
-      return collections::validateSetData(*getSetData(collection));
-    case Family::Map:
-      return collections::validateMapData(*getMapData(collection));
-    case Family::Array:
-      return collections::validateArrayData(*getArrayData(collection));
-    case Family::Tuple:
-      break;
-  }
-  return {};
-}
 
 // Runs a test over all kinds of collections, and over all pairs of them.
 class KindTest : public RuntimeTest, public ::testing::WithParamInterface<Kind> {

@@ -2,21 +2,22 @@
 #include <barrier>
 #include <new>
 #include <stdexcept>
-#include <thread>
 
 #include "collections/core/port/values.h"
 #include "tests/display/display_cases.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/threads.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
 // Runs over all kinds, with hooks.
-class Guards : public HookedObjectsTest, public ::testing::WithParamInterface<Kind> {
+class Guards : public RuntimeTest, public ::testing::WithParamInterface<Kind> {
  protected:
   void TearDown() override {
     EXPECT_TRUE(gCollectionDisplayStack.empty());
-    HookedObjectsTest::TearDown();
+    RuntimeTest::TearDown();
   }
   static const Kind& kind() { return GetParam(); }
 };
@@ -26,7 +27,7 @@ TEST_P(Guards, SweepOfFailingAllocations_LeavesNoLockAndNoMark) {
   const Handle inner = list("LinkedListSync", {string("quoted"), integer("Char", 'x')});
   const Handle collection = filled(kind(), {Handle(), string("a"), hooked(1), inner});
   const std::string quotedA = kind().family == Family::Set ? "a" : R"("a")";
-  const std::string whole = shown(kind(), {"null", quotedA, "hooked 1", R"(ls:["quoted", x])"});
+  const std::string whole = shown(kind(), {"null", quotedA, "#1", R"(ls:["quoted", x])"});
   int failures = 0;
   for (bool through = false; !through; ++failures) {
     ASSERT_LT(failures, 200);
@@ -45,7 +46,7 @@ TEST_P(Guards, SweepOfFailingAllocations_LeavesNoLockAndNoMark) {
     ASSERT_FALSE(isLocked(kKinds[3], inner));
     // A failure inside the hook is a null result there, which leaves the object without a text of its own.
     if (!thrown && !through) {
-      const std::string own = kind().family == Family::Set ? "null" : "Hooked(key=1, next=null)";
+      const std::string own = kind().family == Family::Set ? "null" : "Hooked(id=1, next=null)";
       EXPECT_EQ(text, shown(kind(), {"null", quotedA, own, R"(ls:["quoted", x])"}));
     }
     ASSERT_EQ(display(kind(), collection), whole);
@@ -55,35 +56,35 @@ TEST_P(Guards, SweepOfFailingAllocations_LeavesNoLockAndNoMark) {
 
 TEST_P(Guards, ExceptionOutOfAToString_LeavesNoMark) {
   const Handle collection = filled(kind(), {Handle(), tupleOf({hooked(1)})});
-  hookFunctions.toString = [](void*) -> void* { throw std::domain_error("thrown by a hook"); };
+  userHooks.toString = [](void*) -> void* { throw std::domain_error("thrown by a hook"); };
   EXPECT_THROW(kind().toString(collection), std::domain_error);
   EXPECT_THROW(valueToDisplayString(collection), std::domain_error);
   EXPECT_EQ(faultOf(kind(), collection), "");
-  hookFunctions = {};
-  EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", "(hooked 1,)"}));
+  userHooks = {};
+  EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", "(#1,)"}));
 }
 
 TEST_P(Guards, ToStringThatShowsTheCollection_SeesTheCycleMarker) {
   const Handle collection = filled(kind(), {Handle(), hooked(1)});
-  hookFunctions.toString = [&](void*) { return kind().toString(collection); };
+  userHooks.toString = [&](void*) { return kind().toString(collection); };
   EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", kind().cycle}));
-  hookFunctions.toString = [&](void*) { return vorn_text_new(valueToDisplayString(collection).c_str()); };
+  userHooks.toString = [&](void*) { return vorn_text_new(valueToDisplayString(collection).c_str()); };
   EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", kind().cycle}));
 }
 
 TEST_P(Guards, ToStringThatShowsAnotherCollection_SeesItInFull) {
   const Handle collection = filled(kind(), {Handle(), hooked(1)});
   const Handle other = filled(kind(), {integer("Int", 7)});
-  hookFunctions.toString = [&](void*) { return kind().toString(other); };
+  userHooks.toString = [&](void*) { return kind().toString(other); };
   EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", shown(kind(), {"7"})}));
 }
 
 TEST_P(Guards, ToStringThatAllocatesALot_HarmsNothing) {
   const Handle collection = filled(kind(), {Handle(), hooked(1), hooked(2), string("last")});
-  hookFunctions.toString = [&](void* self) {
+  userHooks.toString = [&](void* self) {
     for (int i = 0; i < 20; ++i) vorn_string_new("garbage", SIZE_MAX);
     vorn_heap_collect();
-    return vorn_string_new(std::to_string(keyOf(self)).c_str(), SIZE_MAX);
+    return vorn_string_new(std::to_string(idOf(self)).c_str(), SIZE_MAX);
   };
   EXPECT_EQ(display(kind(), collection),
             shown(kind(), {"null", "1", "2", kind().family == Family::Set ? "last" : R"("last")"}));
@@ -97,7 +98,7 @@ TEST_P(Guards, ToStringThatEmptiesTheCollection_HarmsNothing) {
   put(kind(), collection, 0, nullptr);
   put(kind(), collection, 1, hooked(1));
   put(kind(), collection, 2, string("last"));
-  hookFunctions.toString = [&](void* self) {
+  userHooks.toString = [&](void* self) {
     switch (kind().family) {
       case Family::List:
       case Family::Immutable:
@@ -118,7 +119,7 @@ TEST_P(Guards, ToStringThatEmptiesTheCollection_HarmsNothing) {
         break;
     }
     vorn_heap_collect();
-    return vorn_text_new(("key " + std::to_string(keyOf(self))).c_str());
+    return vorn_text_new(("key " + std::to_string(idOf(self))).c_str());
   };
   std::string last = kind().family == Family::Set ? "last" : R"("last")";
   if (kind().family == Family::Tuple) last = "null";
@@ -135,17 +136,14 @@ TEST_P(Guards, TwoThreads_DoNotSeeEachOthersMarks) {
   const Handle collection = filled(kind(), {Handle(), hooked(1)});
   const Handle answer = text("both");
   std::barrier bothInside(2);
-  hookFunctions.toString = [&](void*) {
+  userHooks.toString = [&](void*) {
     bothInside.arrive_and_wait();
     EXPECT_EQ(gCollectionDisplayStack.size(), 1U);
     bothInside.arrive_and_wait();
     return answer.get();
   };
   std::string texts[2];
-  {
-    std::jthread first([&] { texts[0] = valueToDisplayString(collection); });
-    std::jthread second([&] { texts[1] = valueToDisplayString(collection); });
-  }
+  runTogether(2, [&](int number) { texts[number] = valueToDisplayString(collection); });
   const std::string expected = shown(kind(), {"null", "both"});
   EXPECT_EQ(texts[0], expected);
   EXPECT_EQ(texts[1], expected);
@@ -156,24 +154,24 @@ TEST_P(Guards, MarksOfAThread_EndWithIt) {
   put(kind(), collection, 0, collection);
   for (int i = 0; i < 3; ++i) {
     std::string text;
-    std::jthread([&] {
+    onAnotherThread([&] {
       EXPECT_TRUE(gCollectionDisplayStack.empty());
       text = valueToDisplayString(collection);
       EXPECT_TRUE(gCollectionDisplayStack.empty());
-    }).join();
+    });
     EXPECT_EQ(text, shown(kind(), {kind().cycle}));
   }
 }
 
 TEST_P(Guards, ErrorsRaisedByToStrings_StayPendingAndEndNothing) {
   const Handle collection = filled(kind(), {Handle(), hooked(1), hooked(2), integer("Int", 3)});
-  hookFunctions.toString = [](void* self) -> void* {
-    vorn_raise("app.Broken", std::to_string(keyOf(self)).c_str());
+  userHooks.toString = [](void* self) -> void* {
+    vorn_raise("app.Broken", std::to_string(idOf(self)).c_str());
     return nullptr;
   };
   const bool isSet = kind().family == Family::Set;
-  EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", isSet ? "null" : "Hooked(key=1, next=null)",
-                                                        isSet ? "null" : "Hooked(key=2, next=null)", "3"}));
+  EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", isSet ? "null" : "Hooked(id=1, next=null)",
+                                                        isSet ? "null" : "Hooked(id=2, next=null)", "3"}));
   EXPECT_EQ(takeErrors(), (std::vector<std::string>{"app.Broken: 1", "app.Broken: 2"}));
 }
 

@@ -1,7 +1,8 @@
 // Joins of lists and arrays of handles.
 #include "collections/core/port/values.h"
 #include "tests/display/display_cases.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
@@ -22,11 +23,11 @@ constexpr Joined kJoined[] = {
     {"ArraySync", kKinds[13], vorn_collections_Array_join},
 };
 
-class Joins : public HookedObjectsTest, public ::testing::WithParamInterface<Joined> {
+class Joins : public RuntimeTest, public ::testing::WithParamInterface<Joined> {
  protected:
   void TearDown() override {
     EXPECT_TRUE(gCollectionDisplayStack.empty());
-    HookedObjectsTest::TearDown();
+    RuntimeTest::TearDown();
   }
   static std::string join(const std::vector<Handle>& elements, const char* separator) {
     const Handle collection = filled(GetParam().kind, elements);
@@ -67,16 +68,16 @@ TEST_P(Joins, OtherElements_ShowTheirLanguageText) {
   EXPECT_EQ(join({Handle(), floating("Float", 1), integer("ULong", -1), boolean(true), integer("Char", 'x'),
                   list("ArrayList", {string("q")}), plain(1), hooked(2)},
                  "; "),
-            R"(null; 1.0; 18446744073709551615; true; x; ["q"]; Plain(key=1, next=null); hooked 2)");
+            R"(null; 1.0; 18446744073709551615; true; x; ["q"]; Plain(id=1, next=null); #2)");
 }
 
 TEST_P(Joins, ElementWithoutAText_ShowsAsNull) {
-  hookFunctions.toString = [](void*) -> void* { return nullptr; };
+  userHooks.toString = [](void*) -> void* { return nullptr; };
   EXPECT_EQ(join({Handle(), hooked(1), string("a")}, ","), "null,null,a");
 }
 
 TEST_P(Joins, ElementThatRaises_ShowsAsNullAndEndsNothing) {
-  hookFunctions.toString = [](void*) -> void* {
+  userHooks.toString = [](void*) -> void* {
     vorn_raise("app.Broken", "no text");
     return vorn_text_new("ignored");
   };
@@ -85,7 +86,7 @@ TEST_P(Joins, ElementThatRaises_ShowsAsNullAndEndsNothing) {
 }
 
 // Inside a synchronised one the display would wait for the lock that the join holds.
-TEST_F(HookedObjectsTest, JoinOfAnUnsynchronisedCollectionInItself_ShowsItsWholeDisplay) {
+TEST_F(RuntimeTest, JoinOfAnUnsynchronisedCollectionInItself_ShowsItsWholeDisplay) {
   for (const Joined& joined : kJoined) {
     if (joined.kind.synchronised) continue;
     const Handle collection = collectionFor(joined.kind, 2);
@@ -115,17 +116,17 @@ TEST_P(Joins, SweepOfFailingAllocations_LeavesNoLockAndNoMark) {
       EXPECT_TRUE(joined == "failed" || joined == "null,a,null,5") << joined;
     }
   }
-  EXPECT_EQ(joined, "null,a,hooked 1,5");
+  EXPECT_EQ(joined, "null,a,#1,5");
   EXPECT_GT(failures, 2);
 }
 
-using JoinsUnderChange = HookedObjectsTest;
+using JoinsUnderChange = RuntimeTest;
 
 // The joined list changes while its elements make their texts.
 TEST_F(JoinsUnderChange, ListClearedByAnElement_EndsTheJoin) {
   for (const char* type : {"ArrayList", "LinkedList"}) {
     const Handle made = list(type, {string("a"), hooked(1), string("b"), string("c")});
-    hookFunctions.toString = [&](void*) {
+    userHooks.toString = [&](void*) {
       vorn_collections_ArrayList_clear(made);
       return vorn_text_new("gone");
     };
@@ -138,7 +139,7 @@ TEST_F(JoinsUnderChange, ListThatGrows_JoinsWhatWasAdded) {
   for (const char* type : {"ArrayList", "LinkedList"}) {
     const Handle made = list(type, {hooked(1)});
     const Handle added = string("added");
-    hookFunctions.toString = [&](void*) {
+    userHooks.toString = [&](void*) {
       for (int i = 0; i < 3; ++i) vorn_collections_ArrayList_add(made, added);
       return vorn_text_new("one");
     };
@@ -149,7 +150,7 @@ TEST_F(JoinsUnderChange, ListThatGrows_JoinsWhatWasAdded) {
 
 TEST_F(JoinsUnderChange, ListThatIsRefilledUnboxed_EndsTheJoin) {
   const Handle made = list("ArrayList", {Handle(), hooked(1), string("b"), string("c")});
-  hookFunctions.toString = [&](void*) {
+  userHooks.toString = [&](void*) {
     vorn_collections_ArrayList_clear(made);
     for (int i = 0; i < 8; ++i) vorn_collections_ArrayList_addInt(made, i);
     return vorn_text_new("refilled");
@@ -160,7 +161,7 @@ TEST_F(JoinsUnderChange, ListThatIsRefilledUnboxed_EndsTheJoin) {
 
 TEST_F(JoinsUnderChange, ArrayConstructedAnew_EndsTheJoin) {
   const Handle array = filled(kKinds[12], {Handle(), hooked(1), string("b"), string("c")});
-  hookFunctions.toString = [&](void*) {
+  userHooks.toString = [&](void*) {
     vorn_collections_Array_ctor(array, 1);
     return vorn_text_new("anew");
   };
@@ -171,10 +172,10 @@ TEST_F(JoinsUnderChange, ElementThatOnlyTheListHeld_LivesUntilItsTextIsMade) {
   for (const char* type : {"ArrayList", "LinkedList"}) {
     const Handle made = object(type);
     vorn_collections_ArrayList_add(made, hooked(1));
-    hookFunctions.toString = [&](void* self) {
+    userHooks.toString = [&](void* self) {
       vorn_collections_ArrayList_clear(made);
       vorn_heap_collect();
-      return vorn_text_new(std::to_string(keyOf(self)).c_str());
+      return vorn_text_new(std::to_string(idOf(self)).c_str());
     };
     EXPECT_EQ(textOf(vorn_collections_ArrayList_join(made, ",")), "1");
   }

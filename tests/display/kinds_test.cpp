@@ -1,6 +1,8 @@
 // The tags, separators, null texts and cycle markers of every kind of collection, alone and within each other.
 #include "collections/core/port/text.h"
 #include "collections/display/list_display.h"
+#include "collections/keyed/map_data.h"
+#include "collections/keyed/set_data.h"
 #include "tests/display/display_cases.h"
 
 namespace vorn::tests {

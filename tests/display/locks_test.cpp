@@ -8,8 +8,9 @@
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/values.h"
 #include "tests/display/display_cases.h"
-#include "tests/runtime/hooked_objects.h"
 #include "tests/support/before.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
@@ -42,7 +43,8 @@ namespace {
 // Gives a synchronised collection an error-checking mutex for a scope, which locking twice fails with EDEADLK.
 class ErrorCheckingMutex {
  public:
-  ErrorCheckingMutex(const Kind& kind, void* collection) : place_(mutexOf(kind, collection)), original_(*place_) {
+  ErrorCheckingMutex(const Kind& kind, void* collection)
+      : place_(mutexOf(kind.family, collection)), original_(*place_) {
     pthread_mutexattr_t attributes;
     pthread_mutexattr_init(&attributes);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
@@ -66,7 +68,7 @@ class ErrorCheckingMutex {
 };
 
 // Runs over the six synchronised kinds.
-class Locks : public HookedObjectsTest, public ::testing::WithParamInterface<Kind> {
+class Locks : public RuntimeTest, public ::testing::WithParamInterface<Kind> {
  protected:
   static const Kind& kind() { return GetParam(); }
   // What the table of locks says: sets and arrays are locked while their elements are shown.
@@ -79,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, Locks,
 TEST_P(Locks, WhileElementsAreFormatted_AreHeldBySetsAndArraysOnly) {
   const Handle collection = filled(kind(), {Handle(), hooked(1)});
   int calls = 0;
-  hookFunctions.toString = [&](void*) {
+  userHooks.toString = [&](void*) {
     ++calls;
     EXPECT_EQ(isLocked(kind(), collection), locksWhileFormatting());
     EXPECT_TRUE(gCollectionDisplayStack.contains(collection.get()));
@@ -93,7 +95,7 @@ TEST_P(Locks, WhileElementsAreFormatted_AreHeldBySetsAndArraysOnly) {
 TEST_P(Locks, OfTheCollectionAround_FollowTheSameRule) {
   const Handle inner = list("ArrayList", {Handle(), hooked(1)});
   const Handle collection = filled(kind(), {inner});
-  hookFunctions.toString = [&](void*) {
+  userHooks.toString = [&](void*) {
     EXPECT_EQ(isLocked(kind(), collection), locksWhileFormatting());
     return vorn_text_new("x");
   };
@@ -141,17 +143,17 @@ TEST_P(Locks, AreTakenOnceByCollectionsInEachOther) {
 
 TEST_P(Locks, ExceptionOutOfAToString_ReleasesThem) {
   const Handle collection = filled(kind(), {Handle(), hooked(1), list("LinkedListSync", {hooked(2)})});
-  hookFunctions.toString = [](void*) -> void* { throw std::domain_error("thrown by a hook"); };
+  userHooks.toString = [](void*) -> void* { throw std::domain_error("thrown by a hook"); };
   EXPECT_THROW(kind().toString(collection), std::domain_error);
   EXPECT_EQ(faultOf(kind(), collection), "");
-  hookFunctions = {};
-  EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", "hooked 1", "ls:[hooked 2]"}));
+  userHooks = {};
+  EXPECT_EQ(display(kind(), collection), shown(kind(), {"null", "#1", "ls:[#2]"}));
 }
 
 TEST_P(Locks, CollectionUsedByAToString_DoesNotWaitInListsAndMaps) {
   if (locksWhileFormatting()) return;
   const Handle collection = filled(kind(), {Handle(), hooked(1)});
-  hookFunctions.toString = [&](void*) -> void* {
+  userHooks.toString = [&](void*) -> void* {
     // Not held, so that what follows cannot wait.
     EXPECT_FALSE(isLocked(kind(), collection));
     if (isLocked(kind(), collection)) return nullptr;
@@ -205,7 +207,7 @@ TEST_F(LocksOfLists, Mark_StaysUntilTheStringExists) {
   }
 }
 
-using LocksOfJoins = HookedObjectsTest;
+using LocksOfJoins = RuntimeTest;
 
 TEST_F(LocksOfJoins, BoxedListsAndArrays_AreLockedWhileElementsMakeTheirTextsAndUntilTheStringExists) {
   for (const int number : {1, 3, 13}) {
@@ -214,7 +216,7 @@ TEST_F(LocksOfJoins, BoxedListsAndArrays_AreLockedWhileElementsMakeTheirTextsAnd
     const Handle collection = filled(kind, {Handle(), hooked(1)});
     const Handle result = text("x");
     int calls = 0;
-    hookFunctions.toString = [&](void*) {
+    userHooks.toString = [&](void*) {
       ++calls;
       EXPECT_TRUE(isLocked(kind, collection));
       return result.get();
@@ -249,12 +251,12 @@ TEST_F(LocksOfJoins, ExceptionOutOfAToString_ReleasesThem) {
   for (const int number : {1, 3, 13}) {
     const Kind& kind = kKinds[number];
     const Handle collection = filled(kind, {Handle(), hooked(1)});
-    hookFunctions.toString = [](void*) -> void* { throw std::domain_error("thrown by a hook"); };
+    userHooks.toString = [](void*) -> void* { throw std::domain_error("thrown by a hook"); };
     const auto join = kind.family == Family::Array ? vorn_collections_Array_join : vorn_collections_ArrayList_join;
     EXPECT_THROW(join(collection, ","), std::domain_error);
     EXPECT_EQ(faultOf(kind, collection), "");
-    hookFunctions = {};
-    EXPECT_EQ(textOf(join(collection, ",")), "null,hooked 1");
+    userHooks = {};
+    EXPECT_EQ(textOf(join(collection, ",")), "null,#1");
   }
 }
 
@@ -265,7 +267,7 @@ TEST_F(LocksOfJoins, CollectionUsedByAToString_IsLockedAndLetsItsThreadIn) {
     const Kind& kind = kKinds[number];
     SCOPED_TRACE(kind.name);
     const Handle collection = filled(kind, {Handle(), hooked(1)});
-    hookFunctions.toString = [&](void*) -> void* {
+    userHooks.toString = [&](void*) -> void* {
       if (kind.family == Family::Set) vorn_collections_HashSet_size(collection);
       if (kind.family == Family::List) vorn_collections_ArrayList_size(collection);
       if (kind.family == Family::Array) vorn_collections_Array_size(collection);

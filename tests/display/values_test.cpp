@@ -6,12 +6,13 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/port/text.h"
 #include "tests/display/display_cases.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Values = HookedObjectsTest;
+using Values = RuntimeTest;
 
 Handle typeNamed(const Handle& fullName, const Handle& name) {
   Handle type = object("Type");
@@ -23,9 +24,8 @@ Handle typeNamed(const Handle& fullName, const Handle& name) {
 // An object of a class without hooks and fields, which is defined when it is first asked for.
 Handle instanceOf(const std::string& name) {
   vorn_class_definition definition = {};
-  definition.struct_size = sizeof(definition);
   definition.name = name.c_str();
-  vorn_class_define(&definition);
+  defineClass(definition);
   Handle made = object(name);
   EXPECT_NE(made.get(), nullptr) << name;
   return made;
@@ -94,7 +94,7 @@ TEST_F(Values, Characters_ShowThemselvesUnquoted) {
 }
 
 TEST_F(Values, Object_ShowsItsShortClassNameAndFields) {
-  EXPECT_EQ(valueToDisplayString(plain(3)), "Plain(key=3, next=null)");
+  EXPECT_EQ(valueToDisplayString(plain(3)), "Plain(id=3, next=null)");
   EXPECT_EQ(valueToDisplayString(instanceOf("values.Bare")), "Bare");
   EXPECT_EQ(valueToDisplayString(object("Object")), "Object");
 }
@@ -114,31 +114,31 @@ TEST_F(Values, ClassNameEndingInADollar_IsUnchanged) {
 }
 
 TEST_F(Values, ToStringHook_DecidesTheText) {
-  EXPECT_EQ(valueToDisplayString(hooked(5)), "hooked 5");
-  hookFunctions.toString = [](void*) { return vorn_text_new("\"bare\""); };
+  EXPECT_EQ(valueToDisplayString(hooked(5)), "#5");
+  userHooks.toString = [](void*) { return vorn_text_new("\"bare\""); };
   EXPECT_EQ(valueToDisplayString(hooked(5)), "\"bare\"") << "a hook's text is not escaped";
 }
 
 TEST_F(Values, ToStringHookWithoutAText_LeavesTheDefault) {
-  hookFunctions.toString = [](void*) -> void* { return nullptr; };
-  EXPECT_EQ(valueToDisplayString(hooked(5)), "Hooked(key=5, next=null)");
-  hookFunctions.toString = [](void*) { return vorn_box_integer("Int", 1); };
-  EXPECT_EQ(valueToDisplayString(hooked(5)), "Hooked(key=5, next=null)");
+  userHooks.toString = [](void*) -> void* { return nullptr; };
+  EXPECT_EQ(valueToDisplayString(hooked(5)), "Hooked(id=5, next=null)");
+  userHooks.toString = [](void*) { return vorn_box_integer("Int", 1); };
+  EXPECT_EQ(valueToDisplayString(hooked(5)), "Hooked(id=5, next=null)");
 }
 
 TEST_F(Values, ToStringHookThatRaises_LeavesTheDefaultAndTheError) {
-  hookFunctions.toString = [](void*) -> void* {
+  userHooks.toString = [](void*) -> void* {
     vorn_raise("app.Broken", "no text");
     return vorn_text_new("ignored");
   };
-  EXPECT_EQ(valueToDisplayString(hooked(5)), "Hooked(key=5, next=null)");
+  EXPECT_EQ(valueToDisplayString(hooked(5)), "Hooked(id=5, next=null)");
   EXPECT_RAISED("app.Broken: no text");
 }
 
 TEST_F(Values, ErrorPendingBefore_ChangesNothing) {
   vorn_raise("app.Earlier", "pending");
-  EXPECT_EQ(valueToDisplayString(hooked(5)), "hooked 5");
-  EXPECT_EQ(valueToDisplayString(list("ArrayList", {hooked(5), string("a")})), R"([hooked 5, "a"])");
+  EXPECT_EQ(valueToDisplayString(hooked(5)), "#5");
+  EXPECT_EQ(valueToDisplayString(list("ArrayList", {hooked(5), string("a")})), R"([#5, "a"])");
   EXPECT_RAISED("app.Earlier: pending");
 }
 
@@ -181,15 +181,15 @@ TEST_F(Values, ElementsOfSets_ShowTheirLanguageText) {
     vorn_collections_HashSet_add(set, element);
   }
   EXPECT_EQ(textOf(vorn_collections_HashSet_toString(set)),
-            R"({a "text", "b \"bare\"", hooked 1, Plain(key=2, next=null), app.T, Outer$Inner, ["quoted"]})");
+            R"({a "text", "b \"bare\"", #1, Plain(id=2, next=null), app.T, Outer$Inner, ["quoted"]})");
 }
 
 TEST_F(Values, ElementOfASetWithoutAText_ShowsAsNull) {
-  hookFunctions.toString = [](void*) -> void* { return nullptr; };
+  userHooks.toString = [](void*) -> void* { return nullptr; };
   const Handle set = object("HashSet");
   vorn_collections_HashSet_add(set, hooked(1));
   EXPECT_EQ(textOf(vorn_collections_HashSet_toString(set)), "{null}");
-  hookFunctions.toString = [](void*) -> void* {
+  userHooks.toString = [](void*) -> void* {
     vorn_raise("app.Broken", "no text");
     return vorn_text_new("ignored");
   };

@@ -6,14 +6,14 @@
 #include <new>
 
 #include "collections/core/port/object_layout.h"
-#include "tests/arraylist/held_mutex.h"
-#include "tests/arraylist/list_cases.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/error_texts.h"
+#include "tests/support/lists.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
 
+inline constexpr const char* kIndexError = error_texts::kIndexOutOfBounds;
 inline constexpr const char* kImmutableSourceError = error_texts::kImmutableListSource;
 inline constexpr const char* kImmutableReadOnlyError = error_texts::kImmutableListReadOnly;
 inline constexpr const char* kTupleSourceError = error_texts::kTupleSource;

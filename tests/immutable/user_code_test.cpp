@@ -1,17 +1,18 @@
 // Immutable lists whose elements have equality and ordering of their own.
 #include "tests/immutable/sequence_cases.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using ImmutableListUserCode = HookedObjectsTest;
+using ImmutableListUserCode = RuntimeTest;
 
 TEST_F(ImmutableListUserCode, Searches_HoldTheLockAndEndOnAnError) {
   const Handle list = boxedImmutable({hooked(1), hooked(2), hooked(3)});
   LentMutex mutex(list);
   int asked = 0;
-  hookFunctions.equals = [&](void*, void*) {
+  userHooks.equals = [&](void*, void*) {
     ++asked;
     EXPECT_TRUE(mutex.isHeld());
     vorn_raise("Exception", "no equality");
@@ -27,17 +28,17 @@ TEST_F(ImmutableListUserCode, Searches_HoldTheLockAndEndOnAnError) {
 TEST_F(ImmutableListUserCode, SortNew_RunsTheOrderingWithoutTheLock) {
   const Handle list = boxedImmutable({hooked(3), hooked(1), hooked(2)});
   LentMutex mutex(list);
-  hookFunctions.compare = [&](void* self, void* other, bool*) {
+  userHooks.compare = [&](void* self, void* other, bool*) {
     EXPECT_FALSE(mutex.isHeld());
-    return keyOf(self) < keyOf(other) ? -1 : (keyOf(self) > keyOf(other) ? 1 : 0);
+    return idOf(self) < idOf(other) ? -1 : (idOf(self) > idOf(other) ? 1 : 0);
   };
   const Handle sorted = vorn_collections_ImmutableList_sortNew(list);
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(keyOf(vorn_collections_ImmutableList_operator_index(sorted, i)), i + 1);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(idOf(vorn_collections_ImmutableList_operator_index(sorted, i)), i + 1);
 }
 
 TEST_F(ImmutableListUserCode, SortNew_OrderingThatRaisesOrEmptiesTheSource_KeepsAllElements) {
   const Handle list = boxedImmutable({hooked(3), hooked(1), hooked(2)});
-  hookFunctions.compare = [&](void*, void*, bool*) {
+  userHooks.compare = [&](void*, void*, bool*) {
     vorn_collections_ArrayList_clear(list);
     vorn_heap_collect();
     vorn_raise("Exception", "no order");
@@ -47,7 +48,7 @@ TEST_F(ImmutableListUserCode, SortNew_OrderingThatRaisesOrEmptiesTheSource_Keeps
   EXPECT_RAISED("Exception: no order");
   ASSERT_EQ(vorn_collections_ImmutableList_size(sorted), 3);
   std::int64_t sum = 0;
-  for (int i = 0; i < 3; ++i) sum += keyOf(vorn_collections_ImmutableList_operator_index(sorted, i));
+  for (int i = 0; i < 3; ++i) sum += idOf(vorn_collections_ImmutableList_operator_index(sorted, i));
   EXPECT_EQ(sum, 6);
 }
 

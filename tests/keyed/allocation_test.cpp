@@ -3,19 +3,11 @@
 #include <new>
 
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/heap_statistics.h"
 
 namespace vorn::tests {
 namespace {
 
-template <class Operation>
-std::uint64_t allocationsOf(Operation operation) {
-  vorn_heap_statistics before;
-  vorn_heap_statistics after;
-  vorn_heap_get_statistics(&before);
-  operation();
-  vorn_heap_get_statistics(&after);
-  return after.allocations - before.allocations;
-}
 #define EXPECT_ALLOCATIONS(operation, expected) EXPECT_EQ(allocationsOf([&] { operation; }), expected) << #operation
 
 const std::string kLong = "a text that is longer than sixteen bytes";
@@ -197,9 +189,9 @@ TEST_P(SetAllocation, FailureInAddReserveOrItems_LeavesTheSet) {
   const Handle set = object(type());
   int failures = 0;
   const auto sweep = [&](const std::function<void()>& attempt) {
-    const std::vector<void*> before = elementsOf(set);
+    const std::vector<void*> before = elementsOfSet(set);
     failures += sweepAllocationFailures(attempt, [&] {
-      EXPECT_EQ(elementsOf(set), before);
+      EXPECT_EQ(elementsOfSet(set), before);
       EXPECT_SET_AT_REST(set);
     });
   };
@@ -213,7 +205,7 @@ TEST_P(SetAllocation, FailureInAddReserveOrItems_LeavesTheSet) {
   sweep([&] { vorn_collections_HashSet_reserve(set, 1000); });
   EXPECT_EQ(failures, 1);
   // The first allocation is the list itself, whose maker answers null; the second is room in it.
-  const std::vector<void*> before = elementsOf(set);
+  const std::vector<void*> before = elementsOfSet(set);
   vorn_heap_fail_allocation(0);
   EXPECT_EQ(vorn_collections_HashSet_items(set), nullptr);
   EXPECT_NE(vorn_heap_failure_happened(), 0);
@@ -223,7 +215,7 @@ TEST_P(SetAllocation, FailureInAddReserveOrItems_LeavesTheSet) {
   EXPECT_NE(vorn_collections_HashSet_items(set), nullptr);
   EXPECT_EQ(vorn_heap_failure_happened(), 0);
   vorn_heap_fail_allocation(-1);
-  EXPECT_EQ(elementsOf(set), before);
+  EXPECT_EQ(elementsOfSet(set), before);
   EXPECT_SET_AT_REST(set);
 }
 

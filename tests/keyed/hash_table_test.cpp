@@ -13,44 +13,7 @@ namespace {
 
 using Table = collections::HashTable<NativeMapEntry>;
 
-class HashTableTest : public RuntimeTest {
- protected:
-  void SetUp() override { map_->hashed = true; }
-  void TearDown() override {
-    expectWhole();
-    RuntimeTest::TearDown();
-  }
-
-  [[nodiscard]] Table& table() const { return map_->hash; }
-  void expectWhole() const { EXPECT_EQ(collections::validateMapData(*map_), ""); }
-
-  void put(const NativeCollectionKey& key, void* value) const {
-    const Handle keep(value);
-    const auto place = table().find(key);
-    if (place.node != nullptr) {
-      place.node->entry.value = value;
-      return;
-    }
-    table().makeRoom(key);
-    table().insert(place, key, {nullptr, value});
-  }
-  void put(std::int64_t key) const { put(integerCollectionKey(key), number(key)); }
-  bool remove(const NativeCollectionKey& key) const {
-    const auto place = table().find(key);
-    if (place.node == nullptr) return false;
-    table().remove(place);
-    return true;
-  }
-  [[nodiscard]] std::vector<std::int64_t> keys() const {
-    std::vector<std::int64_t> result;
-    table().forEach([&](const NativeCollectionKey& key, const NativeMapEntry&) {
-      result.push_back(static_cast<std::int64_t>(key.words[0]));
-    });
-    return result;
-  }
-
-  CollectedRecord<MapData> map_;
-};
+using HashTableTest = TableTest<Hashed>;
 
 TEST_F(HashTableTest, NewTable_IsEmptyAndHasNoMemory) {
   EXPECT_EQ(table().count(), 0U);

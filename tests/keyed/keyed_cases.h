@@ -1,47 +1,27 @@
-// What the tests of maps and sets share: the kinds they run over, checks of whole objects, and a user class whose hooks
-// a test can replace.
+// What the tests of maps and sets share: the kinds they run over, and checks of whole objects.
 #pragma once
 
 #include <pthread.h>
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/map.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "collections/core/port/object_layout.h"
-#include "collections/keyed/keyed_validation.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/collections.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 
 inline constexpr const char* kMapTypes[] = {"Map", "HashMapSync", "SortedMap", "SortedMapSync"};
 inline constexpr const char* kSetTypes[] = {"HashSet", "HashSetSync"};
 
-inline long long sizeField(void* handle) {
-  std::int64_t size = -1;
-  EXPECT_NE(vorn_field_get_integer(handle, "size", &size), 0);
-  return size;
-}
-
-// Whether the record is whole and unlocked, and the "size" field tells the number of entries; else what is wrong.
-inline std::string faultOfMap(void* map) {
-  const MapData& data = *getMapData(map);
-  if (isRecordLocked(data)) return "the map is locked";
-  if (sizeField(map) != static_cast<long long>(data.count())) return "the size field is not the number of entries";
-  return collections::validateMapData(data);
-}
-inline std::string faultOfSet(void* set) {
-  const SetData& data = *getSetData(set);
-  if (isRecordLocked(data)) return "the set is locked";
-  if (sizeField(set) != static_cast<long long>(data.count())) return "the size field is not the number of elements";
-  return collections::validateSetData(data);
-}
 #define EXPECT_MAP_AT_REST(map) EXPECT_EQ(::vorn::tests::faultOfMap(map), "")
 #define EXPECT_SET_AT_REST(set) EXPECT_EQ(::vorn::tests::faultOfSet(set), "")
 
@@ -58,7 +38,7 @@ inline std::vector<Entry> entriesOf(void* map) {
   });
   return entries;
 }
-inline std::vector<void*> elementsOf(void* set) {
+inline std::vector<void*> elementsOfSet(void* set) {
   std::vector<void*> elements;
   getSetData(set)->forEach([&](const NativeCollectionKey&, void* element) { elements.push_back(element); });
   return elements;
@@ -118,65 +98,14 @@ inline Handle countingSet(const std::string& type, int count) {
   return set;
 }
 
-// The hooks of "app.Key", which has the integer field "id". Without a replacement two keys are equal when their ids
-// are, are ordered by id, and all have the same hash. What a replacement captures must be rooted elsewhere.
-struct KeyHooks {
-  std::function<bool(void* self, void* other)> equals;
-  std::function<int(void* self, void* other, bool* comparable)> compare;
-  std::function<std::uint64_t(void* self)> hash;
-};
-inline KeyHooks keyHooks;
-
-inline std::int64_t idOf(void* handle) {
-  std::int64_t id = -1;
-  vorn_field_get_integer(handle, "id", &id);
-  return id;
-}
-
-inline Handle userKey(std::int64_t id) {
-  static const bool defined = [] {
-    const vorn_field_definition fields[] = {{"id", VORN_FIELD_INTEGER}};
-    vorn_class_definition definition = {};
-    definition.struct_size = sizeof(definition);
-    definition.name = "app.Key";
-    definition.fields = fields;
-    definition.field_count = 1;
-    definition.equals = [](void* self, void* other, void*) {
-      if (keyHooks.equals) return keyHooks.equals(self, other);
-      return vorn_is_instance(other, "app.Key") != 0 && idOf(self) == idOf(other);
-    };
-    definition.compare = [](void* self, void* other, bool* comparable, void*) {
-      *comparable = true;
-      if (keyHooks.compare) return keyHooks.compare(self, other, comparable);
-      *comparable = vorn_is_instance(other, "app.Key") != 0;
-      return static_cast<int>(idOf(self) - idOf(other));
-    };
-    definition.hash = [](void* self, void*) -> std::uint64_t { return keyHooks.hash ? keyHooks.hash(self) : 1; };
-    return vorn_class_define(&definition) != 0;
-  }();
-  EXPECT_TRUE(defined);
-  Handle key = object("app.Key");
-  EXPECT_NE(vorn_field_set_integer(key, "id", id), 0);
-  return key;
-}
-
-// Fixture whose tests start and end with the default hooks.
-class KeyedTest : public RuntimeTest {
- protected:
-  void TearDown() override {
-    keyHooks = {};
-    RuntimeTest::TearDown();
-  }
-};
-
 // Runs a test over every class of maps or of sets.
-class MapTest : public KeyedTest, public ::testing::WithParamInterface<const char*> {
+class MapTest : public RuntimeTest, public ::testing::WithParamInterface<const char*> {
  protected:
   static std::string type() { return GetParam(); }
   static bool sorted() { return type().starts_with("Sorted"); }
   static bool synchronised() { return type().ends_with("Sync"); }
 };
-class SetTest : public KeyedTest, public ::testing::WithParamInterface<const char*> {
+class SetTest : public RuntimeTest, public ::testing::WithParamInterface<const char*> {
  protected:
   static std::string type() { return GetParam(); }
   static bool synchronised() { return type().ends_with("Sync"); }

@@ -10,60 +10,18 @@
 namespace vorn::tests {
 namespace {
 
-// A table inside a map's record that uses it.
-template <bool kHashed>
-struct InMap {
-  static constexpr bool hashed = kHashed;
-  static auto& of(MapData& map) {
-    if constexpr (kHashed) {
-      return map.hash;
-    } else {
-      return map.ordered;
-    }
-  }
-};
-using Hashed = InMap<true>;
-using Ordered = InMap<false>;
-
 template <class Choice>
-class KeyedTableTest : public RuntimeTest {
+class KeyedTableTest : public TableTest<Choice> {
  protected:
-  void SetUp() override { map_->hashed = Choice::hashed; }
-  void TearDown() override {
-    expectWhole();
-    RuntimeTest::TearDown();
-  }
-
-  [[nodiscard]] auto& table() const { return Choice::of(*map_); }
-  void expectWhole() const { ASSERT_EQ(collections::validateMapData(*map_), ""); }
-
-  void put(std::int64_t key, std::int64_t value) const {
-    const Handle keep = number(value);
-    const auto place = table().find(integerCollectionKey(key));
-    if (place.node != nullptr) {
-      place.node->entry.value = keep.get();
-      return;
-    }
-    table().makeRoom(integerCollectionKey(key));
-    table().insert(place, integerCollectionKey(key), {nullptr, keep.get()});
-  }
-  bool remove(std::int64_t key) const {
-    const auto place = table().find(integerCollectionKey(key));
-    if (place.node == nullptr) return false;
-    table().remove(place);
-    return true;
-  }
   // Keys and values as a walk gives them.
   [[nodiscard]] std::vector<std::pair<std::int64_t, std::int64_t>> walked() const {
     std::vector<std::pair<std::int64_t, std::int64_t>> result;
-    auto cursor = table().walk();
+    auto cursor = this->table().walk();
     while (const auto* const node = cursor.next()) {
       result.emplace_back(static_cast<std::int64_t>(node->key.words[0]), valueOf(node->entry.value));
     }
     return result;
   }
-
-  CollectedRecord<MapData> map_;
 };
 using BothTables = ::testing::Types<Hashed, Ordered>;
 TYPED_TEST_SUITE(KeyedTableTest, BothTables);

@@ -14,7 +14,7 @@ using HashTable = collections::HashTable<NativeMapEntry>;
 using HashNode = HashTable::Node;
 using TreeNode = collections::OrderedTable::Node;
 
-class KeyedValidation : public KeyedTest {};
+class KeyedValidation : public RuntimeTest {};
 
 TEST_F(KeyedValidation, SynchronisedWithoutMutex) {
   const Handle map = object("HashMapSync");
@@ -158,7 +158,7 @@ TEST_F(KeyedValidation, TreeColoursParentsAndOrder) {
 }
 
 // Keys made of other values compare by content, through the searches that allow for user code.
-TEST_F(KeyedTest, SequencesAsKeys_AreOneKeyByContent) {
+TEST_F(RuntimeTest, SequencesAsKeys_AreOneKeyByContent) {
   for (const char* type : kMapTypes) {
     SCOPED_TRACE(type);
     const auto tuple = [](std::int64_t first, const char* second) {

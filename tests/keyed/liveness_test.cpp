@@ -1,21 +1,15 @@
 // What a map or set keeps alive. Only the stress heap frees exactly what no root reaches.
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/heap_statistics.h"
 
 namespace vorn::tests {
 namespace {
 
 constexpr std::uint64_t kBig = 100000;
 
-std::uint64_t liveBytes() {
-  vorn_heap_collect();
-  vorn_heap_statistics statistics;
-  vorn_heap_get_statistics(&statistics);
-  return statistics.bytes_live;
-}
-
 Handle bigText() { return string(std::string(kBig, 'x')); }
 
-class Liveness : public KeyedTest {
+class Liveness : public RuntimeTest {
  protected:
   void SetUp() override {
     if (!onStressHeap()) GTEST_SKIP() << "only the stress heap frees at once what no root reaches";

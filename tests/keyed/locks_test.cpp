@@ -82,7 +82,7 @@ const std::vector<NamedCall>& setCalls() {
   return calls;
 }
 
-class Locks : public KeyedTest {};
+class Locks : public RuntimeTest {};
 
 template <class Record>
 void expectDeadlock(const NamedCall& call, void* target, void* value, Record& record) {
@@ -112,9 +112,9 @@ TEST_F(Locks, SynchronisedMap_EveryNativeLocksAndPassesTheSystemErrorOn) {
 
 TEST_F(Locks, SynchronisedSet_EveryNativeLocksAndPassesTheSystemErrorOn) {
   const Handle set = countingSet("HashSetSync", 3);
-  const std::vector<void*> before = elementsOf(set);
+  const std::vector<void*> before = elementsOfSet(set);
   for (const NamedCall& call : setCalls()) expectDeadlock(call, set, number(1), *getSetData(set));
-  EXPECT_EQ(elementsOf(set), before);
+  EXPECT_EQ(elementsOfSet(set), before);
   EXPECT_SET_AT_REST(set);
 }
 
@@ -156,17 +156,17 @@ TEST_F(Locks, KeysAreMadeBeforeTheLock_AndComparedUnderIt) {
     const MapData& data = *getMapData(map);
     int hashes = 0;
     int comparisons = 0;
-    keyHooks.hash = [&](void*) {
+    userHooks.hash = [&](void*) {
       ++hashes;
       EXPECT_FALSE(isRecordLocked(data));
       return std::uint64_t{1};
     };
-    keyHooks.equals = [&](void*, void*) {
+    userHooks.equals = [&](void*, void*) {
       ++comparisons;
       EXPECT_TRUE(isRecordLocked(data));
       return false;
     };
-    keyHooks.compare = [&](void*, void*, bool*) {
+    userHooks.compare = [&](void*, void*, bool*) {
       ++comparisons;
       EXPECT_TRUE(isRecordLocked(data));
       return 1;
@@ -179,7 +179,7 @@ TEST_F(Locks, KeysAreMadeBeforeTheLock_AndComparedUnderIt) {
     comparisons = 0;
     vorn_collections_Map_containsValue(map, userKey(5));
     EXPECT_EQ(comparisons, 1) << "element equality runs under the lock";
-    keyHooks = {};
+    userHooks = {};
     EXPECT_MAP_AT_REST(map);
   }
 }

@@ -339,7 +339,7 @@ TEST_P(MapLaws, ContainsValue_StopsAtTheFirstEqualInStorageOrder) {
   expected.resize(4);
   std::vector<std::int64_t> asked;
   const std::int64_t wanted = expected.back();
-  keyHooks.equals = [&](void* self, void*) {
+  userHooks.equals = [&](void* self, void*) {
     asked.push_back(idOf(self));
     return idOf(self) == wanted;
   };

@@ -121,11 +121,10 @@ TEST_P(MapTypes, Items_ObjectsWithAValueField_NameItsKind) {
                              Boxed{"handlebox.Object", VORN_FIELD_HANDLE, "Tuple<Int,Object>"}}) {
     const vorn_field_definition fields[] = {{"_value", boxed.field}};
     vorn_class_definition definition = {};
-    definition.struct_size = sizeof(definition);
     definition.name = boxed.className;
     definition.fields = fields;
     definition.field_count = 1;
-    vorn_class_define(&definition);  // refused when it is defined already
+    defineClass(definition);
     const Handle value = object(boxed.className);
     ASSERT_NE(value.get(), nullptr) << boxed.className;
     ASSERT_EQ(shortTypeNameLocal(vorn_type_name(value)), "Object");
@@ -156,8 +155,8 @@ TEST_P(MapTypes, FailedPut_RecordsNothing) {
   const Handle first = userKey(1);
   vorn_collections_Map_put(map, first, number(1));
   const MapState before(map);
-  keyHooks.equals = [](void*, void*) { return vorn_raise("Hook", "equals"), false; };
-  keyHooks.compare = [](void*, void*, bool*) { return vorn_raise("Hook", "compare"), 0; };
+  userHooks.equals = [](void*, void*) { return vorn_raise("Hook", "equals"), false; };
+  userHooks.compare = [](void*, void*, bool*) { return vorn_raise("Hook", "compare"), 0; };
   vorn_collections_Map_put(map, userKey(2), string("another type"));
   EXPECT_FALSE(takeErrors().empty());
   EXPECT_EQ(MapState(map), before);

@@ -2,6 +2,7 @@
 // often a pair is being compared further out, and still everything ends.
 #include <algorithm>
 
+#include "collections/keyed/keyed_validation.h"
 #include "tests/keyed/keyed_cases.h"
 #include "tests/support/sequences.h"
 
@@ -12,11 +13,11 @@ class NestedLookups : public MapTest {
  protected:
   // Lets both hooks run code before they answer that the keys differ.
   static void whileTellingApart(const std::function<void(void* self)>& action) {
-    keyHooks.equals = [=](void* self, void* other) {
+    userHooks.equals = [=](void* self, void* other) {
       action(self);
       return self == other;
     };
-    keyHooks.compare = [=](void* self, void* other, bool*) {
+    userHooks.compare = [=](void* self, void* other, bool*) {
       action(self);
       return self == other ? 0 : (self < other ? -1 : 1);
     };
@@ -24,9 +25,9 @@ class NestedLookups : public MapTest {
 
   // Expects the keys to be there once each, with their values.
   static void expectEntries(void* map, const std::vector<std::pair<Handle, std::int64_t>>& expected) {
-    keyHooks = {};
-    keyHooks.equals = [](void* self, void* other) { return self == other; };
-    keyHooks.compare = [](void* self, void* other, bool*) { return self == other ? 0 : (self < other ? -1 : 1); };
+    userHooks = {};
+    userHooks.equals = [](void* self, void* other) { return self == other; };
+    userHooks.compare = [](void* self, void* other, bool*) { return self == other ? 0 : (self < other ? -1 : 1); };
     EXPECT_EQ(vorn_collections_Map_size(map), static_cast<long long>(expected.size()));
     for (const auto& [key, value] : expected) {
       const auto entries = entriesOf(map);
@@ -95,7 +96,7 @@ TEST_P(NestedLookups, KeysInsideTuples_AreAskedAfreshToo) {
       --depth;
     });
     EXPECT_FALSE(vorn_collections_Map_operator_in(map, absent));
-    keyHooks = {};
+    userHooks = {};
   }
 }
 
@@ -135,7 +136,7 @@ TEST_P(NestedLookups, PutsThatNeverCease_End) {
   expectEntries(map, {{present, 1}, {added, 2}});
 }
 
-TEST_F(KeyedTest, NestedLookupsInAnotherSet_AskTheHookAfresh) {
+TEST_F(RuntimeTest, NestedLookupsInAnotherSet_AskTheHookAfresh) {
   // Both sets hold one of two keys that are not equal; a comparison in one leads to the same pair in the other.
   const Handle one = userKey(1);
   const Handle other = userKey(1);
@@ -144,7 +145,7 @@ TEST_F(KeyedTest, NestedLookupsInAnotherSet_AskTheHookAfresh) {
   vorn_collections_HashSet_add(outer, one);
   vorn_collections_HashSet_add(inner, one);
   int depth = 0;
-  keyHooks.equals = [&](void* self, void* with) {
+  userHooks.equals = [&](void* self, void* with) {
     if (depth++ == 0) {
       EXPECT_FALSE(vorn_collections_HashSet_operator_in(inner, other));
     }
@@ -154,12 +155,12 @@ TEST_F(KeyedTest, NestedLookupsInAnotherSet_AskTheHookAfresh) {
   EXPECT_EQ(depth, 2);
 }
 
-TEST_F(KeyedTest, ComparisonsThatAHookGoesOnWith_StillTakeThePairInProgressForEqual) {
+TEST_F(RuntimeTest, ComparisonsThatAHookGoesOnWith_StillTakeThePairInProgressForEqual) {
   // Keys that refer to each other, compared by what they refer to.
   const Handle one = userKey(1);
   const Handle other = userKey(1);
   int calls = 0;
-  keyHooks.equals = [&](void* self, void* with) {
+  userHooks.equals = [&](void* self, void* with) {
     ++calls;
     return vorn_equals(self, with) != 0;
   };

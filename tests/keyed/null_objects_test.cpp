@@ -1,6 +1,5 @@
 // Natives whose result, or a part of it, cannot be had: a runtime may answer null instead of throwing. And the order of
 // the "size" field and the lock. The test program is linked so that the library's calls come here first.
-#include <thread>
 
 #include "tests/keyed/keyed_cases.h"
 #include "tests/support/before.h"
@@ -37,12 +36,12 @@ void __wrap_Vorn_setField_i64(void* handle, const char* field, long long value) 
 namespace vorn::tests {
 namespace {
 
-class NullObjects : public KeyedTest {
+class NullObjects : public RuntimeTest {
  protected:
   void TearDown() override {
     objectsBeforeNull = -1;
     listsAreNull = false;
-    KeyedTest::TearDown();
+    RuntimeTest::TearDown();
   }
 };
 
@@ -80,16 +79,6 @@ TEST_F(NullObjects, SetItems_AreNullAndLeaveTheSetUnlocked) {
     listsAreNull = false;
     EXPECT_SET_AT_REST(set);
   }
-}
-
-// Asked from another thread, since the mutex may be recursive.
-bool isLocked(pthread_mutex_t* mutex) {
-  bool locked = false;
-  std::thread([&] {
-    locked = pthread_mutex_trylock(mutex) != 0;
-    if (!locked) pthread_mutex_unlock(mutex);
-  }).join();
-  return locked;
 }
 
 TEST_F(NullObjects, SizeField_IsWrittenBeforeTheUnlock) {

@@ -13,43 +13,7 @@ namespace {
 
 using Table = collections::OrderedTable;
 
-class OrderedTableTest : public RuntimeTest {
- protected:
-  void SetUp() override { map_->hashed = false; }
-  void TearDown() override {
-    expectWhole();
-    RuntimeTest::TearDown();
-  }
-
-  [[nodiscard]] Table& table() const { return map_->ordered; }
-  void expectWhole() const { ASSERT_EQ(collections::validateMapData(*map_), ""); }
-
-  void put(std::int64_t key, void* value = nullptr) const {
-    const Handle keep(value);
-    const auto place = table().find(integerCollectionKey(key));
-    if (place.node != nullptr) {
-      place.node->entry.value = value;
-      return;
-    }
-    table().makeRoom({});
-    table().insert(place, integerCollectionKey(key), {nullptr, value});
-  }
-  bool remove(std::int64_t key) const {
-    const auto place = table().find(integerCollectionKey(key));
-    if (place.node == nullptr) return false;
-    table().remove(place);
-    return true;
-  }
-  [[nodiscard]] std::vector<std::int64_t> keys() const {
-    std::vector<std::int64_t> result;
-    table().forEach([&](const NativeCollectionKey& key, const NativeMapEntry&) {
-      result.push_back(static_cast<std::int64_t>(key.words[0]));
-    });
-    return result;
-  }
-
-  CollectedRecord<MapData> map_;
-};
+using OrderedTableTest = TableTest<Ordered>;
 
 TEST_F(OrderedTableTest, NewTable_IsEmptyAndHasNoMemory) {
   EXPECT_EQ(table().count(), 0U);

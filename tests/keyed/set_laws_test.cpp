@@ -61,11 +61,11 @@ TEST_P(SetLaws, Add_MakesMembers) {
 
 TEST_P(SetLaws, Add_EqualValue_ReplacesTheHandleInPlace) {
   const Handle set = countingSet(type(), 5);
-  std::vector<void*> expected = elementsOf(set);
+  std::vector<void*> expected = elementsOfSet(set);
   const Handle again = floating("Double", 3.0);
   *std::find_if(expected.begin(), expected.end(), [](void* element) { return valueOf(element) == 3; }) = again;
   vorn_collections_HashSet_add(set, again);
-  EXPECT_EQ(elementsOf(set), expected);
+  EXPECT_EQ(elementsOfSet(set), expected);
   EXPECT_EQ(vorn_collections_HashSet_size(set), 5);
   bool indexed = false;
   for (long long i = 0; i < 5; ++i) indexed = indexed || vorn_collections_HashSet_operator_index(set, i) == again.get();
@@ -108,7 +108,7 @@ TEST_P(SetLaws, Remove_TakesMembersOnly) {
 TEST_P(SetLaws, Index_WalksInIterationOrder) {
   const Handle set = countingSet(type(), 30);
   for (int i = 0; i < 30; i += 7) vorn_collections_HashSet_remove(set, number(i));
-  const std::vector<void*> elements = elementsOf(set);
+  const std::vector<void*> elements = elementsOfSet(set);
   const auto size = static_cast<long long>(elements.size());
   for (long long i = 0; i < size; ++i) {
     EXPECT_EQ(vorn_collections_HashSet_operator_index(set, i), elements[static_cast<std::size_t>(i)]);
@@ -139,7 +139,7 @@ TEST_P(SetLaws, Items_AreAnArrayListInIterationOrder) {
   for (int i = 0; i < 20; ++i) vorn_collections_HashSet_add(set, string("element " + std::to_string(i)));
   const Handle items = vorn_collections_HashSet_items(set);
   EXPECT_EQ(shortTypeName(vorn_type_name(items)), "ArrayList");
-  const std::vector<void*> elements = elementsOf(set);
+  const std::vector<void*> elements = elementsOfSet(set);
   const std::vector<Handle> handles = listed(items);
   ASSERT_EQ(handles.size(), elements.size());
   for (std::size_t i = 0; i < elements.size(); ++i) EXPECT_EQ(handles[i].get(), elements[i]);
@@ -158,7 +158,7 @@ TEST_P(SetLaws, Items_OfIntegersAreTheirValues) {
 TEST_P(SetLaws, OperatorIndex_AfterRemovals_CountsWhatIsLeft) {
   const Handle set = countingSet(type(), 60);
   for (const int gone : {0, 1, 5, 20, 21, 22, 23, 40, 58, 59}) vorn_collections_HashSet_remove(set, number(gone));
-  const std::vector<void*> left = elementsOf(set);
+  const std::vector<void*> left = elementsOfSet(set);
   ASSERT_EQ(left.size(), 50U);
   for (long long i = 0; i < 50; ++i) {
     EXPECT_EQ(vorn_collections_HashSet_operator_index(set, i), left[static_cast<std::size_t>(i)]);
@@ -206,7 +206,7 @@ TEST_P(SetLaws, Clear_Empties) {
 
 TEST_P(SetLaws, Reserve_MakesBucketsForPositiveCountsOnly) {
   const Handle set = countingSet(type(), 20);
-  const std::vector<void*> before = elementsOf(set);
+  const std::vector<void*> before = elementsOfSet(set);
   const std::uint64_t buckets = getSetData(set)->table.bucketCount();
   for (const long long count : {0LL, -1LL, std::numeric_limits<long long>::min()}) {
     vorn_collections_HashSet_reserve(set, count);
@@ -214,9 +214,9 @@ TEST_P(SetLaws, Reserve_MakesBucketsForPositiveCountsOnly) {
   }
   vorn_collections_HashSet_reserve(set, 1000);
   EXPECT_EQ(getSetData(set)->table.bucketCount(), 197U);
-  EXPECT_EQ(elementsOf(set), before);
+  EXPECT_EQ(elementsOfSet(set), before);
   EXPECT_THROW(vorn_collections_HashSet_reserve(set, std::numeric_limits<long long>::max()), std::length_error);
-  EXPECT_EQ(elementsOf(set), before);
+  EXPECT_EQ(elementsOfSet(set), before);
   EXPECT_SET_AT_REST(set);
 }
 
@@ -231,7 +231,7 @@ TEST_P(SetLaws, SetMayHoldItself) {
 
 TEST_P(SetLaws, ErrorPendingBefore_KeyedNativesAreNeutral) {
   const Handle set = countingSet(type(), 3);
-  const std::vector<void*> before = elementsOf(set);
+  const std::vector<void*> before = elementsOfSet(set);
   vorn_raise("Earlier", "error");
   vorn_collections_HashSet_add(set, string("new"));
   vorn_collections_HashSet_add(set, number(1));
@@ -239,7 +239,7 @@ TEST_P(SetLaws, ErrorPendingBefore_KeyedNativesAreNeutral) {
   EXPECT_FALSE(vorn_collections_HashSet_operator_in(set, number(1)));
   EXPECT_EQ(vorn_collections_HashSet_count(set, number(1)), 0);
   EXPECT_RAISED("Earlier: error");
-  EXPECT_EQ(elementsOf(set), before);
+  EXPECT_EQ(elementsOfSet(set), before);
   EXPECT_EQ(sizeField(set), 3);
 }
 
@@ -267,7 +267,7 @@ TEST_P(SetLaws, RandomOperations_AgreeWithAModel) {
     ASSERT_EQ(element == nullptr ? 0 : static_cast<std::uint64_t>(valueOf(element)), model[position]) << step;
   }
   std::vector<std::uint64_t> elements;
-  for (void* element : elementsOf(set)) {
+  for (void* element : elementsOfSet(set)) {
     elements.push_back(element == nullptr ? 0 : static_cast<std::uint64_t>(valueOf(element)));
   }
   EXPECT_EQ(elements, model);

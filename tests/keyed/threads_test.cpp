@@ -1,6 +1,6 @@
 // Synchronised maps and sets under several threads at once.
-#include <thread>
 
+#include "tests/support/threads.h"
 #include "collections/core/port/objects.h"
 #include "tests/keyed/keyed_cases.h"
 
@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kThreads = 4;
 
-class Threads : public KeyedTest {
+class Threads : public RuntimeTest {
  protected:
   static int rounds() { return onStressHeap() ? 15 : 1500; }
 
@@ -21,20 +21,6 @@ class Threads : public KeyedTest {
     return numbers_[static_cast<std::size_t>(thread * rounds() + round)];
   }
 
-  // Runs work(0), work(1), ... at the same time, each on an attached thread that must end without a pending error.
-  template <class Work>
-  static void runTogether(Work work) {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < kThreads; ++thread) {
-      threads.emplace_back([&work, thread] {
-        vorn_thread_attach();
-        work(thread);
-        EXPECT_EQ(vorn_error_count(), 0U);
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
-  }
-
   std::vector<Handle> numbers_;
 };
 
@@ -42,7 +28,7 @@ TEST_F(Threads, ConcurrentPuts_AllArrive) {
   for (const char* type : {"HashMapSync", "SortedMapSync"}) {
     SCOPED_TRACE(type);
     const Handle map = object(type);
-    runTogether([&](int thread) {
+    runTogether(kThreads, [&](int thread) {
       for (int i = 0; i < rounds(); ++i) vorn_collections_Map_put(map, numberOf(thread, i), numberOf(thread, i));
     });
     EXPECT_EQ(vorn_collections_Map_size(map), kThreads * rounds());
@@ -55,7 +41,7 @@ TEST_F(Threads, ConcurrentPutAndRemove_TotalsHold) {
   for (const char* type : {"HashMapSync", "SortedMapSync"}) {
     SCOPED_TRACE(type);
     const Handle map = object(type);
-    runTogether([&](int thread) {
+    runTogether(kThreads, [&](int thread) {
       for (int i = 0; i < rounds(); ++i) {
         vorn_collections_Map_put(map, numberOf(thread, i), numberOf(thread, 0));
         EXPECT_TRUE(vorn_collections_Map_operator_in(map, numberOf(thread, i)));
@@ -75,7 +61,7 @@ TEST_F(Threads, WholeMapReadersSeeWholeEntries) {
     SCOPED_TRACE(type);
     const Handle map = object(type);
     vorn_collections_Map_put(map, numberOf(0, 0), numberOf(0, 0));
-    runTogether([&](int thread) {
+    runTogether(kThreads, [&](int thread) {
       for (int i = 1; i < rounds(); ++i) {
         if (thread != 0) {
           vorn_collections_Map_put(map, numberOf(thread, i % 50), numberOf(thread, i % 50));
@@ -101,7 +87,7 @@ TEST_F(Threads, WholeMapReadersSeeWholeEntries) {
 TEST_F(Threads, ConcurrentClearAndReserve_LeaveTheRecordWhole) {
   const Handle map = object("HashMapSync");
   const Handle set = object("HashSetSync");
-  runTogether([&](int thread) {
+  runTogether(kThreads, [&](int thread) {
     for (int i = 0; i < rounds(); ++i) {
       vorn_collections_Map_put(map, numberOf(thread, i), nullptr);
       vorn_collections_HashSet_add(set, numberOf(thread, i));
@@ -121,7 +107,7 @@ TEST_F(Threads, ConcurrentClearAndReserve_LeaveTheRecordWhole) {
 
 TEST_F(Threads, ConcurrentSetOperations_TotalsHold) {
   const Handle set = object("HashSetSync");
-  runTogether([&](int thread) {
+  runTogether(kThreads, [&](int thread) {
     for (int i = 0; i < rounds(); ++i) {
       vorn_collections_HashSet_add(set, numberOf(thread, i));
       EXPECT_EQ(vorn_collections_HashSet_count(set, numberOf(thread, i)), 1);

@@ -9,13 +9,14 @@
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
 #include "tests/runtime/comparisons.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
 #include "tests/support/sequences.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using ArrayEquality = HookedObjectsTest;
+using ArrayEquality = RuntimeTest;
 
 // Both directions must agree.
 bool equalArrays(void* left, void* right) {
@@ -143,7 +144,7 @@ TEST_F(ArrayEquality, TheLocksAreFreeWhileHooksRunAndAfterwards) {
   const Handle right = arrayWith("ArraySync", {hooked(1), hooked(2)});
   const Handle replacement = hooked(9);
   int calls = 0;
-  hookFunctions.equals = [&](void*, void*) {
+  userHooks.equals = [&](void*, void*) {
     ++calls;
     vorn_collections_Array_operator_index_eq(left, 1, replacement);
     vorn_collections_Array_ctor(right, 1);

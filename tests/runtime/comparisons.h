@@ -1,4 +1,4 @@
-// Questions of equality and order, asked in both directions.
+// Questions of equality and order.
 #pragma once
 
 #include <string>
@@ -7,6 +7,8 @@
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
+
+inline int sign(int value) { return (value > 0) - (value < 0); }
 
 // Both directions must agree.
 inline bool equals(void* left, void* right) {

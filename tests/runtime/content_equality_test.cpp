@@ -5,21 +5,22 @@
 #include <atomic>
 #include <cmath>
 #include <new>
-#include <thread>
 #include <utility>
 
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/keyed/map_data.h"
 #include "tests/runtime/comparisons.h"
-#include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/runtime_test.h"
 #include "tests/support/sequences.h"
+#include "tests/support/threads.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using ContentEquality = HookedObjectsTest;
+using ContentEquality = RuntimeTest;
 
 using Entries = std::vector<std::pair<Handle, Handle>>;
 
@@ -147,7 +148,7 @@ TEST_F(ContentEquality, Maps_KeysByKeyEqualityValuesByValueEquality) {
   EXPECT_TRUE(equals(mapOf("Map", {{string("a"), inner}}), mapOf("Map", {{string("a"), sameInner}})));
   EXPECT_TRUE(equals(mapOf("Map", {{tupleOf({integer("Int", 1)}), inner}}),
                      mapOf("Map", {{tupleOf({integer("Long", 1)}), inner}})));
-  EXPECT_TRUE(equals(mapOf("Map", {{hashed(1), hooked(2)}}), mapOf("SortedMap", {{hashed(1), hooked(2)}})));
+  EXPECT_TRUE(equals(mapOf("Map", {{userKey(1), hooked(2)}}), mapOf("SortedMap", {{userKey(1), hooked(2)}})));
 }
 
 TEST_F(ContentEquality, Maps_Large) {
@@ -201,7 +202,7 @@ TEST_F(ContentEquality, Sets_SameElementsWhateverTheirOrderAndClass) {
 TEST_F(ContentEquality, Sets_ElementsAsKeys) {
   EXPECT_TRUE(equals(setOf("HashSet", {floating("Double", std::nan(""))}),
                      setOf("HashSet", {floating("Double", std::nan(""))})));
-  EXPECT_TRUE(equals(setOf("HashSet", {hashed(1), hashed(2)}), setOf("HashSet", {hashed(2), hashed(1)})));
+  EXPECT_TRUE(equals(setOf("HashSet", {userKey(1), userKey(2)}), setOf("HashSet", {userKey(2), userKey(1)})));
   EXPECT_FALSE(equals(setOf("HashSet", {object("ArrayList")}), setOf("HashSet", {object("ArrayList")})));
   const Handle self = object("HashSet");
   vorn_collections_HashSet_add(self, self);
@@ -221,11 +222,11 @@ TEST_F(ContentEquality, Sets_LongTextsSurviveCollections) {
 // ---- User code and locks --------------------------------------------------------------------------------------------
 
 TEST_F(ContentEquality, Hooks_ThatRaiseMakeUnequal) {
-  const Handle left = setOf("HashSet", {hashed(1)});
-  const Handle right = setOf("HashSet", {hashed(1)});
+  const Handle left = setOf("HashSet", {userKey(1)});
+  const Handle right = setOf("HashSet", {userKey(1)});
   const Handle leftMap = mapOf("Map", {{string("a"), hooked(1)}});
   const Handle rightMap = mapOf("Map", {{string("a"), hooked(1)}});
-  hookFunctions.equals = [](void*, void*) {
+  userHooks.equals = [](void*, void*) {
     vorn_raise("Exception", "no equality");
     return true;
   };
@@ -236,23 +237,23 @@ TEST_F(ContentEquality, Hooks_ThatRaiseMakeUnequal) {
 }
 
 TEST_F(ContentEquality, Hooks_OfErrorsPendingBeforeDoNotMatter) {
-  const Handle left = setOf("HashSet", {hashed(1)});
-  const Handle right = setOf("HashSet", {hashed(1)});
+  const Handle left = setOf("HashSet", {userKey(1)});
+  const Handle right = setOf("HashSet", {userKey(1)});
   vorn_raise("Exception", "before");
   EXPECT_EQ(Vorn_deepEquals(left, right), 1);
   EXPECT_RAISED("Exception: before");
 }
 
 TEST_F(ContentEquality, Hooks_MayChangeTheCollectionsAndFindThemUnlocked) {
-  const Handle left = mapOf("HashMapSync", {{hashed(1), hashed(1)}, {hashed(2), hashed(2)}});
-  const Handle right = mapOf("SortedMapSync", {{hashed(1), hashed(1)}, {hashed(2), hashed(2)}});
-  hookFunctions.equals = [&](void* self, void* other) {
+  const Handle left = mapOf("HashMapSync", {{userKey(1), userKey(1)}, {userKey(2), userKey(2)}});
+  const Handle right = mapOf("SortedMapSync", {{userKey(1), userKey(1)}, {userKey(2), userKey(2)}});
+  userHooks.equals = [&](void* self, void* other) {
     EXPECT_FALSE(isRecordLocked(*getMapData(left)));
     EXPECT_FALSE(isRecordLocked(*getMapData(right)));
     vorn_collections_Map_clear(left);
     vorn_collections_Map_clear(right);
     vorn_heap_collect();
-    return keyOf(self) == keyOf(other);
+    return idOf(self) == idOf(other);
   };
   EXPECT_EQ(Vorn_deepEquals(left, right), 1);
 }
@@ -262,7 +263,7 @@ TEST_F(ContentEquality, Hooks_ThatSayYesToEverythingLetNoKeyServeTwice) {
   const Handle left = mapOf("SortedMap", {{hooked(1), nullptr}, {hooked(2), nullptr}});
   const Handle right = mapOf("SortedMap", {{hooked(3), nullptr}, {hooked(4), nullptr}});
   int questions = 0;
-  hookFunctions.equals = [&](void*, void*) {
+  userHooks.equals = [&](void*, void*) {
     ++questions;
     return true;
   };
@@ -278,10 +279,7 @@ TEST_F(ContentEquality, OppositeDirections_DoNotDeadlock) {
   const auto compare = [&](void* one, void* other) {
     for (int i = 0; i < times; ++i) equal += Vorn_deepEquals(one, other);
   };
-  std::thread forward(compare, left.get(), right.get());
-  std::thread backward(compare, right.get(), left.get());
-  forward.join();
-  backward.join();
+  runTogether({[&] { compare(left, right); }, [&] { compare(right, left); }});
   EXPECT_EQ(equal, 2 * times);
 }
 

@@ -4,13 +4,14 @@
 #include <limits>
 
 #include "collections/core/port/object_layout.h"
-#include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Embedding = HookedObjectsTest;
+using Embedding = RuntimeTest;
 
 TEST_F(Embedding, BoxInteger_TakesEveryIntegerLikeTypeByEitherName) {
   for (const std::string type :
@@ -145,11 +146,10 @@ TEST_F(Embedding, Fields_AreReadAndWrittenByTypeOnly) {
   const vorn_field_definition fields[] = {
       {"i", VORN_FIELD_INTEGER}, {"f", VORN_FIELD_FLOATING}, {"h", VORN_FIELD_HANDLE}};
   vorn_class_definition definition = {};
-  definition.struct_size = sizeof(definition);
   definition.name = "embedding.Fields";
   definition.fields = fields;
   definition.field_count = 3;
-  vorn_class_define(&definition);
+  defineClass(definition);
   const Handle made = object("embedding.Fields");
   const Handle kept = string("kept");
 

@@ -1,18 +1,19 @@
 // Vorn_deepEquals and the equality half of the collection comparison.
 #include <cmath>
 #include <limits>
-#include <thread>
 
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
 #include "tests/runtime/comparisons.h"
-#include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/threads.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Equality = HookedObjectsTest;
+using Equality = RuntimeTest;
 
 TEST_F(Equality, Identity_ComesFirst) {
   EXPECT_TRUE(equals(nullptr, nullptr));
@@ -206,7 +207,7 @@ TEST_F(Equality, Hook_OfTheLeftObjectIsAskedFirst) {
   const Handle left = hooked(1);
   const Handle right = hooked(2);
   std::vector<std::pair<void*, void*>> calls;
-  hookFunctions.equals = [&](void* self, void* other) {
+  userHooks.equals = [&](void* self, void* other) {
     calls.emplace_back(self, other);
     return true;
   };
@@ -218,7 +219,7 @@ TEST_F(Equality, Hook_OfTheRightObjectServesWhenTheLeftHasNone) {
   const Handle withHook = hooked(1);
   for (const Handle& other : {plain(1), integer("Int", 1), string("s"), text("s"), object("ArrayList")}) {
     std::vector<std::pair<void*, void*>> calls;
-    hookFunctions.equals = [&](void* self, void* argument) {
+    userHooks.equals = [&](void* self, void* argument) {
       calls.emplace_back(self, argument);
       return true;
     };
@@ -230,10 +231,10 @@ TEST_F(Equality, Hook_OfTheRightObjectServesWhenTheLeftHasNone) {
 TEST_F(Equality, Hook_SeesUnboxedElementsAsBoxes) {
   const Handle numbers = list("ArrayList<Int>", {integer("Int", 5)});
   const Handle objects = list("ArrayList", {hooked(5)});
-  hookFunctions.equals = [](void* self, void* other) {
+  userHooks.equals = [](void* self, void* other) {
     string("churn");  // the box stays alive while the hook runs
     std::int64_t value = 0;
-    return vorn_unbox_integer(other, &value) != 0 && value == keyOf(self);
+    return vorn_unbox_integer(other, &value) != 0 && value == idOf(self);
   };
   EXPECT_TRUE(equals(numbers, objects));
   EXPECT_FALSE(equals(numbers, list("ArrayList", {hooked(6)})));
@@ -241,7 +242,7 @@ TEST_F(Equality, Hook_SeesUnboxedElementsAsBoxes) {
 
 TEST_F(Equality, HookThatRaises_EndsTheComparison) {
   int calls = 0;
-  hookFunctions.equals = [&](void*, void*) {
+  userHooks.equals = [&](void*, void*) {
     ++calls;
     vorn_raise("ValueException", "from equals");
     return true;
@@ -259,7 +260,7 @@ TEST_F(Equality, OlderErrors_DoNotCount) {
 
 TEST_F(Equality, ErrorRaisedOnTopOfAnOlderOne_Counts) {
   vorn_raise("ValueException", "older");
-  hookFunctions.equals = [&](void*, void*) {
+  userHooks.equals = [&](void*, void*) {
     vorn_raise("ValueException", "newer");
     return true;
   };
@@ -268,8 +269,8 @@ TEST_F(Equality, ErrorRaisedOnTopOfAnOlderOne_Counts) {
 }
 
 TEST_F(Equality, HooksThatCompareWhatTheyReferTo_EndOnCycles) {
-  hookFunctions.equals = [](void* self, void* other) {
-    return keyOf(self) == keyOf(other) && vorn_equals(nextOf(self), nextOf(other)) != 0;
+  userHooks.equals = [](void* self, void* other) {
+    return idOf(self) == idOf(other) && vorn_equals(nextOf(self), nextOf(other)) != 0;
   };
   const auto ring = [](int last) {
     Handle first = hooked(1);
@@ -283,8 +284,8 @@ TEST_F(Equality, HooksThatCompareWhatTheyReferTo_EndOnCycles) {
 }
 
 TEST_F(Equality, CyclesThroughListsAndHooks_End) {
-  hookFunctions.equals = [](void* self, void* other) {
-    return keyOf(self) == keyOf(other) && vorn_equals(nextOf(self), nextOf(other)) != 0;
+  userHooks.equals = [](void* self, void* other) {
+    return idOf(self) == idOf(other) && vorn_equals(nextOf(self), nextOf(other)) != 0;
   };
   const auto ring = [](int key) {
     Handle owner = hooked(key);
@@ -300,11 +301,11 @@ TEST_F(Equality, CyclesThroughListsAndHooks_End) {
 TEST_F(Equality, HooksThatChangeTheLists_DoNoHarm) {
   const Handle left = list("ArrayList", {hooked(1), list("ArrayList", {string("inner")}), hooked(2)});
   const Handle right = list("LinkedList", {hooked(1), list("ArrayList", {string("inner")}), hooked(2)});
-  hookFunctions.equals = [&](void* self, void* other) {
+  userHooks.equals = [&](void* self, void* other) {
     vorn_collections_ArrayList_clear(left);
     vorn_collections_ArrayList_clear(right);
     for (int i = 0; i < 20; ++i) string("churn");
-    return keyOf(self) == keyOf(other);
+    return idOf(self) == idOf(other);
   };
   EXPECT_EQ(Vorn_deepEquals(left, right), 1);  // the comparison goes on with what it copied
   EXPECT_EQ(vorn_collections_ArrayList_size(left), 0);
@@ -335,8 +336,8 @@ TEST_F(Equality, ListsComparedAlready_StayAliveUntilTheEnd) {
     const Handle left = build(1);
     const Handle right = build(1);
     bool checked = false;
-    hookFunctions.equals = [&](void* self, void* other) {
-      if (keyOf(self) == 1) {
+    userHooks.equals = [&](void* self, void* other) {
+      if (idOf(self) == 1) {
         vorn_collections_ArrayList_clear(nextOf(self));
         vorn_collections_ArrayList_clear(nextOf(other));
       } else {
@@ -355,7 +356,7 @@ TEST_F(Equality, NoLockIsHeldWhileHooksRun) {
   const Handle left = list("ArrayListSync", {hooked(1)});
   const Handle right = list("LinkedListSync", {hooked(1)});
   int unlocked = 0;
-  hookFunctions.equals = [&](void*, void*) {
+  userHooks.equals = [&](void*, void*) {
     for (const Handle& list : {left, right}) {
       if (!isRecordLocked(*getListData(list))) ++unlocked;
     }
@@ -377,11 +378,8 @@ TEST_F(Equality, OppositeComparisonsOfSynchronisedLists_DoNotDeadlock) {
     }
     return true;
   };
-  bool backward = false;
-  std::thread other([&] { backward = compare(right, left) && compare(others, numbers); });
-  EXPECT_TRUE(compare(left, right) && compare(numbers, others));
-  other.join();
-  EXPECT_TRUE(backward);
+  runTogether({[&] { EXPECT_TRUE(compare(left, right) && compare(numbers, others)); },
+               [&] { EXPECT_TRUE(compare(right, left) && compare(others, numbers)); }});
 }
 
 TEST_F(Equality, ExhaustedMemory_PassesAsBadAlloc) {

@@ -1,22 +1,14 @@
-// Small means for the tests of the heap: the options of this run, nodes to keep alive, garbage, statistics.
+// Small means for the tests of the heap: nodes to keep alive, garbage.
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "runtime/heap/heap.h"
 #include "runtime/threads/thread_state.h"
+#include "tests/support/heap_statistics.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
-
-// The options that the test program was started with.
-inline vorn_runtime_options testOptions() {
-  const char* text = std::getenv("VORN_TEST_HEAP");
-  vorn_runtime_options options;
-  EXPECT_EQ(vorn_runtime_parse_options(text != nullptr ? text : "heap=collected", &options), 1);
-  return options;
-}
 
 inline bool onPlainHeap() { return testOptions().heap == VORN_HEAP_PLAIN; }
 
@@ -24,18 +16,6 @@ inline bool onPlainHeap() { return testOptions().heap == VORN_HEAP_PLAIN; }
 inline bool onExactHeap() {
   const vorn_runtime_options options = testOptions();
   return options.heap == VORN_HEAP_STRESS && options.stress_scans_stacks == 0;
-}
-
-inline vorn_heap_statistics statistics() {
-  vorn_heap_statistics result;
-  vorn_heap_get_statistics(&result);
-  return result;
-}
-
-// Bytes in use after a collection.
-inline std::uint64_t liveBytes() {
-  vorn_heap_collect();
-  return statistics().bytes_live;
 }
 
 // Whether that many bytes are in use. Only where the heap is exact can this be told; elsewhere it passes.

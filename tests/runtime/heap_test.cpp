@@ -5,12 +5,12 @@
 #include <limits>
 #include <new>
 #include <set>
-#include <thread>
 
 #include "collections/core/port/text.h"
 #include "runtime/heap/heap_control.h"
 #include "runtime/threads/fast_random.h"
 #include "tests/runtime/heap_probe.h"
+#include "tests/support/threads.h"
 
 namespace vorn::tests {
 namespace {
@@ -138,10 +138,10 @@ TEST_F(HeapTest, ArmedFailure_CanBeDisarmedAndArmedAnew) {
 
 TEST_F(HeapTest, ArmedFailure_CountsOnlyThisThread) {
   vorn_heap_fail_allocation(0);
-  std::thread([] {
+  onAnotherThread([] {
     EXPECT_NE(Vorn_gcAlloc(8), nullptr);
     EXPECT_EQ(vorn_heap_failure_happened(), 0);
-  }).join();
+  });
   EXPECT_EQ(vorn_heap_failure_happened(), 0);
   EXPECT_EQ(Vorn_gcAlloc(8), nullptr);
 }
@@ -164,9 +164,9 @@ TEST_F(HeapTest, Statistics_CountThisThreadsBlocksAndBytes) {
 TEST_F(HeapTest, Statistics_CountThreadsThatEnded) {
   const vorn_heap_statistics before = statistics();
   for (int thread = 0; thread < 5; ++thread) {
-    std::thread([] {
+    onAnotherThread([] {
       for (int i = 0; i < 20; ++i) (void)runtime::allocateAtomic(7);
-    }).join();
+    });
   }
   const vorn_heap_statistics after = statistics();
   EXPECT_EQ(after.allocations - before.allocations, 100u);
@@ -303,7 +303,7 @@ TEST_F(HeapTest, Random_FollowsTheSeed) {
 
 TEST_F(HeapTest, Random_ThreadsDrawDifferentStreams) {
   std::vector<std::uint64_t> here, there;
-  std::thread other([&] {
+  Beside other([&] {
     for (int i = 0; i < 1000; ++i) there.push_back(nextFastRandomU64());
   });
   for (int i = 0; i < 1000; ++i) here.push_back(nextFastRandomU64());

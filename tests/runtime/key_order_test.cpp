@@ -5,13 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "tests/runtime/comparisons.h"
 #include "tests/runtime/key_support.h"
 #include "tests/runtime/special_numbers.h"
 
 namespace vorn::tests {
 namespace {
 
-using KeyOrder = HookedObjectsTest;
+using KeyOrder = RuntimeTest;
 
 // Expects each handle to come before all that follow it.
 void expectAscending(const std::vector<Handle>& handles) {
@@ -25,7 +26,7 @@ void expectAscending(const std::vector<Handle>& handles) {
 TEST_F(KeyOrder, Kinds_NullNumbersBooleansCharactersTextsIdentitiesSequencesInstances) {
   expectAscending({nullptr, integer("Int", 1'000'000), boolean(true), integer("Char", 'z'), integer("CodeUnit", 'z'),
                    string("zzz"), object("ArrayList"), tupleOf({integer("Int", 1)}), object("ImmutableList"),
-                   hashed(1)});
+                   userKey(1)});
 }
 
 TEST_F(KeyOrder, Numbers_ByValueAcrossKinds_NanLast) {
@@ -59,31 +60,30 @@ TEST_F(KeyOrder, Sequences_FamiliesApartAndLexicographic) {
 }
 
 TEST_F(KeyOrder, Instances_ByHook) {
-  expectAscending({hashed(1), hashed(2), hashed(30)});
-  EXPECT_EQ(order(hashed(1), hashed(1)), 0);
-  expectAscending({tupleOf({hashed(1)}), tupleOf({hashed(2)})});
+  expectAscending({userKey(1), userKey(2), userKey(30)});
+  EXPECT_EQ(order(userKey(1), userKey(1)), 0);
+  expectAscending({tupleOf({userKey(1)}), tupleOf({userKey(2)})});
 }
 
 TEST_F(KeyOrder, Instances_ThatTheHookCannotCompareStayTogetherByClass) {
-  // Hashed and Hooked compare within their own class only.
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(order(hashed(i), hooked(9 - i)), -1);
+  // Both compare within their own class only.
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(order(hooked(9 - i), userKey(i)), -1);
 }
 
 TEST_F(KeyOrder, Instances_WithoutOrderingHookByAddress) {
   vorn_class_definition definition = {};
-  definition.struct_size = sizeof(definition);
   definition.name = "test.EqualityOnly";
   definition.equals = [](void*, void*, void*) { return false; };
-  vorn_class_define(&definition);
+  defineClass(definition);
   const Handle one = object("test.EqualityOnly");
   const Handle other = object("test.EqualityOnly");
   EXPECT_EQ(order(one, other), one.get() < other.get() ? -1 : 1);
 }
 
 TEST_F(KeyOrder, Instances_AHookThatRaisesMakesNoTwoKeysOne) {
-  const Handle one = hashed(1);
-  const Handle other = hashed(1);
-  hookFunctions.compare = [](void*, void*, bool*) {
+  const Handle one = userKey(1);
+  const Handle other = userKey(1);
+  userHooks.compare = [](void*, void*, bool*) {
     vorn_raise("Exception", "no order");
     return 0;
   };
@@ -124,7 +124,7 @@ class Samples {
         return identities_[pick(identities_.size())];
       case 6: {
         const auto key = static_cast<std::int64_t>(pick(3));
-        return pick(2) == 0 ? Sample{hashed(key), "hashed " + std::to_string(key)}
+        return pick(2) == 0 ? Sample{userKey(key), "key " + std::to_string(key)}
                             : Sample{hooked(key), "hooked " + std::to_string(key)};
       }
       case 7:
@@ -198,8 +198,6 @@ class Samples {
   std::mt19937 random_;
   std::vector<Sample> identities_;
 };
-
-int sign(int value) { return (value > 0) - (value < 0); }
 
 TEST_F(KeyOrder, Laws_EqualityHashAndOrderAgreeForRandomKeys) {
   const std::size_t count = onStressHeap() ? 25 : 120;

@@ -3,8 +3,9 @@
 
 #include "collections/core/port/collection_key.h"
 #include "collections/core/port/keys.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
 #include "tests/support/sequences.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 

@@ -8,12 +8,13 @@
 #include "collections/keyed/map_data.h"
 #include "tests/runtime/key_support.h"
 #include "tests/runtime/special_numbers.h"
+#include "tests/support/heap_statistics.h"
 #include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
 namespace {
 
-using Keys = HookedObjectsTest;
+using Keys = RuntimeTest;
 
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 
@@ -139,24 +140,23 @@ TEST_F(Keys, ValuesAndTexts_AreMadeWithoutAllocating) {
                             text("bare"),
                             tupleOf({integer("Int", 1), string("a")})};
   for (const Handle& handle : handles) {
-    vorn_heap_statistics before;
-    vorn_heap_statistics after;
-    vorn_heap_get_statistics(&before);
-    const NativeCollectionKey key = keyFor(handle);
-    NativeCollectionKeyEqual()(key, keyFor(handle));
-    vorn_heap_get_statistics(&after);
-    EXPECT_EQ(after.allocations, before.allocations) << vorn_type_name(handle);
+    const std::uint64_t allocations = allocationsOf([&] {
+      const NativeCollectionKey key = keyFor(handle);
+      NativeCollectionKeyEqual()(key, keyFor(handle));
+    });
+    EXPECT_EQ(allocations, 0U) << vorn_type_name(handle);
   }
 }
 
 // ---- Instances ------------------------------------------------------------------------------------------------------
 
 TEST_F(Keys, Instances_ByHashAndEqualityHooks) {
-  EXPECT_TRUE(sameKey(hashed(3), hashed(3)));
-  EXPECT_FALSE(sameKey(hashed(3), hashed(4)));
-  EXPECT_NE(keyFor(hashed(3)).hash, keyFor(hashed(4)).hash);
-  EXPECT_EQ(keyFor(hashed(3)).tag, KeyTag::Instance);
-  EXPECT_FALSE(sameKey(hashed(3), hooked(3)));
+  userHooks.hash = [](void* self) { return static_cast<std::uint64_t>(idOf(self)); };
+  EXPECT_TRUE(sameKey(userKey(3), userKey(3)));
+  EXPECT_FALSE(sameKey(userKey(3), userKey(4)));
+  EXPECT_NE(keyFor(userKey(3)).hash, keyFor(userKey(4)).hash);
+  EXPECT_EQ(keyFor(userKey(3)).tag, KeyTag::Instance);
+  EXPECT_FALSE(sameKey(userKey(3), hooked(3)));
 }
 
 TEST_F(Keys, Instances_EqualityWithoutHashHook_OneHashPerClass) {
@@ -168,22 +168,24 @@ TEST_F(Keys, Instances_EqualityWithoutHashHook_OneHashPerClass) {
 TEST_F(Keys, Instances_OfADerivedClassMayEqualThoseOfItsBase) {
   const Handle base = hooked(3);
   vorn_class_definition definition = {};
-  definition.struct_size = sizeof(definition);
-  definition.name = "test.DerivedHooked";
-  definition.base_name = "test.Hooked";
-  vorn_class_define(&definition);
-  const Handle derived = object("test.DerivedHooked");
-  vorn_field_set_integer(derived, "key", 3);
+  definition.name = "app.DerivedHooked";
+  definition.base_name = "app.Hooked";
+  defineClass(definition);
+  const Handle derived = object("app.DerivedHooked");
+  vorn_field_set_integer(derived, "id", 3);
   EXPECT_EQ(keyFor(base).hash, keyFor(derived).hash);
-  hookFunctions.equals = [](void* self, void* other) { return keyOf(self) == keyOf(other); };
+  userHooks.equals = [](void* self, void* other) { return idOf(self) == idOf(other); };
   EXPECT_TRUE(sameKey(base, derived));
 }
 
-TEST_F(Keys, Instances_TheHashIsSpread) { EXPECT_EQ(keyFor(hashed(3)).hash, mixedKeyHash(3)); }
+TEST_F(Keys, Instances_TheHashIsSpread) {
+  userHooks.hash = [](void*) { return std::uint64_t{3}; };
+  EXPECT_EQ(keyFor(userKey(3)).hash, mixedKeyHash(3));
+}
 
 TEST_F(Keys, Instances_AHashHookThatRaisesLeavesTheErrorPending) {
-  const Handle instance = hashed(1);
-  hookFunctions.hash = [](void*) {
+  const Handle instance = userKey(1);
+  userHooks.hash = [](void*) {
     vorn_raise("Exception", "no hash");
     return std::uint64_t{1};
   };
@@ -194,12 +196,12 @@ TEST_F(Keys, Instances_AHashHookThatRaisesLeavesTheErrorPending) {
 }
 
 TEST_F(Keys, Instances_AnEqualityHookThatRaisesMakesThemDiffer) {
-  hookFunctions.equals = [](void*, void*) {
+  userHooks.equals = [](void*, void*) {
     vorn_raise("Exception", "no equality");
     return true;
   };
-  const Handle one = hashed(1);
-  const Handle other = hashed(1);
+  const Handle one = userKey(1);
+  const Handle other = userKey(1);
   EXPECT_FALSE(NativeCollectionKeyEqual()(keyFor(one), keyFor(other)));
   EXPECT_RAISED("Exception: no equality");
   const Handle oneTuple = tupleOf({one});
@@ -209,8 +211,8 @@ TEST_F(Keys, Instances_AnEqualityHookThatRaisesMakesThemDiffer) {
 }
 
 TEST_F(Keys, Instances_ErrorsPendingBeforeDoNotCount) {
-  const Handle one = hashed(1);
-  const Handle other = hashed(1);
+  const Handle one = userKey(1);
+  const Handle other = userKey(1);
   vorn_raise("Exception", "before");
   EXPECT_TRUE(NativeCollectionKeyEqual()(keyFor(one), keyFor(other)));
   EXPECT_RAISED("Exception: before");
@@ -287,21 +289,21 @@ TEST_F(Keys, Sequences_UnboxedElementsInsideOthers) {
 }
 
 TEST_F(Keys, Sequences_InstancesInsideByHook) {
-  EXPECT_TRUE(sameKey(tupleOf({hashed(1), hooked(2)}), tupleOf({hashed(1), hooked(2)})));
-  EXPECT_FALSE(sameKey(tupleOf({hashed(1)}), tupleOf({hashed(2)})));
-  EXPECT_TRUE(sameKey(boxedImmutable({tupleOf({hashed(1)})}), boxedImmutable({tupleOf({hashed(1)})})));
+  EXPECT_TRUE(sameKey(tupleOf({userKey(1), hooked(2)}), tupleOf({userKey(1), hooked(2)})));
+  EXPECT_FALSE(sameKey(tupleOf({userKey(1)}), tupleOf({userKey(2)})));
+  EXPECT_TRUE(sameKey(boxedImmutable({tupleOf({userKey(1)})}), boxedImmutable({tupleOf({userKey(1)})})));
 }
 
 TEST_F(Keys, Sequences_AHookThatChangesTheSequenceIsSurvived) {
-  const Handle tuple = tupleOf({hashed(1), hashed(2), hashed(3)});
-  const Handle list = boxedImmutable({hashed(1), hashed(2), hashed(3)});
-  hookFunctions.hash = [&](void* self) {
+  const Handle tuple = tupleOf({userKey(1), userKey(2), userKey(3)});
+  const Handle list = boxedImmutable({userKey(1), userKey(2), userKey(3)});
+  userHooks.hash = [&](void* self) {
     vorn_field_set_integer(tuple, "size", 1);
     vorn_field_set_handle(tuple, "_0", nullptr);
     vorn_field_set_handle(tuple, "_100", nullptr);
     vorn_collections_ArrayList_clear(list);
     vorn_heap_collect();
-    return static_cast<std::uint64_t>(keyOf(self));
+    return static_cast<std::uint64_t>(idOf(self));
   };
   keyFor(tuple);
   keyFor(list);
@@ -354,15 +356,15 @@ TEST_F(Keys, Sequences_WideAndNestedHashABoundedPart) {
 
 TEST_F(Keys, SynchronisedLists_AreLockedOnlyWhileTheyAreRead) {
   // An immutable list has no lock by its class; a record that has one is treated as any other.
-  const Handle list = boxedImmutable({hashed(1)});
+  const Handle list = boxedImmutable({userKey(1)});
   const Handle lender = object("ArrayListSync");
   getListData(list)->mutex = getListData(lender)->mutex;
   getListData(list)->synchronized = true;
   int tries = 0;
-  hookFunctions.hash = [&](void* self) {
+  userHooks.hash = [&](void* self) {
     EXPECT_FALSE(isRecordLocked(*getListData(list)));
     ++tries;
-    return static_cast<std::uint64_t>(keyOf(self));
+    return static_cast<std::uint64_t>(idOf(self));
   };
   keyFor(list);
   EXPECT_EQ(tries, 1);
@@ -371,10 +373,9 @@ TEST_F(Keys, SynchronisedLists_AreLockedOnlyWhileTheyAreRead) {
 // ---- Keys without hashes --------------------------------------------------------------------------------------------
 
 TEST_F(Keys, OrderedKeys_AreMadeWithoutAHashHookAndOrderAsOthers) {
-  const Handle one = hashed(1);
-  const Handle two = hashed(2);
-  int hashes = 0;
-  hookFunctions.hash = [&](void*) { return ++hashes, vorn_raise("Exception", "no hash"), std::uint64_t{1}; };
+  const Handle one = userKey(1);
+  const Handle two = userKey(2);
+  userHooks.hash = [](void*) { return vorn_raise("Exception", "no hash"), std::uint64_t{1}; };
   const NativeCollectionKey first = makeNativeOrderedCollectionKey(one);
   const NativeCollectionKey second = makeNativeOrderedCollectionKey(two);
   EXPECT_LT(compareNativeCollectionKeys(first, second), 0);
@@ -383,7 +384,7 @@ TEST_F(Keys, OrderedKeys_AreMadeWithoutAHashHookAndOrderAsOthers) {
   EXPECT_LT(compareNativeCollectionKeys(makeNativeOrderedCollectionKey(tuple), makeNativeOrderedCollectionKey(greater)),
             0);
   EXPECT_EQ(compareNativeCollectionKeys(makeNativeOrderedCollectionKey(integer("Int", 3)), integerCollectionKey(3)), 0);
-  EXPECT_EQ(hashes, 0);
+  EXPECT_EQ(hookCalls(Hook::Hash), 0);
 }
 
 // ---- Type names and texts of map keys -------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "collections/core/port/comparison.h"
+#include "tests/runtime/comparisons.h"
 #include "tests/runtime/special_numbers.h"
 #include "tests/support/runtime_test.h"
 
@@ -60,8 +61,6 @@ const std::vector<std::vector<NativeNumericValue>>& ladder() {
   };
   return rows;
 }
-
-int sign(int value) { return (value > 0) - (value < 0); }
 
 TEST_F(Numbers, EveryPairOfTheLadder_ComparesByItsRows) {
   for (std::size_t i = 0; i < ladder().size(); ++i) {

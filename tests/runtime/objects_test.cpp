@@ -10,13 +10,14 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
-#include "tests/runtime/hooked_objects.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Objects = HookedObjectsTest;
+using Objects = RuntimeTest;
 
 // Two pages of which the second cannot be read.
 class GuardedPage {
@@ -207,10 +208,9 @@ TEST_F(Objects, AllocationByName_GivesValueTypesTheirZero) {
 }
 
 TEST_F(Objects, AllocationByName_KnowsNoOtherNames) {
-  for (const char* name :
-       {"", "Nothing", "vorn.Nothing", "vorn.ArrayList", "app.ArrayList", "ArrayList<", "ArrayList<>", "ArrayList<Int",
-        "ArrayList<Int>>", "ArrayList<Int>x", "ArrayList<Int,Int>", "ArrayList<,>", "<Int>", "Int<Int>",
-        "test.Plain<Int>", "IList", "IList<Int>", "arraylist"}) {
+  for (const char* name : {"", "Nothing", "vorn.Nothing", "vorn.ArrayList", "app.ArrayList", "ArrayList<",
+                           "ArrayList<>", "ArrayList<Int", "ArrayList<Int>>", "ArrayList<Int>x", "ArrayList<Int,Int>",
+                           "ArrayList<,>", "<Int>", "Int<Int>", "app.Plain<Int>", "IList", "IList<Int>", "arraylist"}) {
     EXPECT_EQ(Vorn_allocObject(name), nullptr) << name;
   }
   EXPECT_EQ(Vorn_allocObject(nullptr), nullptr);
@@ -218,12 +218,12 @@ TEST_F(Objects, AllocationByName_KnowsNoOtherNames) {
 
 TEST_F(Objects, FieldsOfAnInstance_StartAtZeroAndKeepWhatIsStored) {
   const Handle node = plain(0);
-  EXPECT_EQ(Vorn_getField_i64(node, "key"), 0);
+  EXPECT_EQ(Vorn_getField_i64(node, "id"), 0);
   EXPECT_EQ(Vorn_getField_ptr(node, "next"), nullptr);
   const Handle other = plain(7);
-  Vorn_setField_i64(node, "key", std::numeric_limits<long long>::min());
+  Vorn_setField_i64(node, "id", std::numeric_limits<long long>::min());
   Vorn_setField_ptr(node, "next", other);
-  EXPECT_EQ(Vorn_getField_i64(node, "key"), std::numeric_limits<long long>::min());
+  EXPECT_EQ(Vorn_getField_i64(node, "id"), std::numeric_limits<long long>::min());
   EXPECT_EQ(Vorn_getField_ptr(node, "next"), other.get());
 }
 
@@ -249,7 +249,7 @@ TEST_F(Objects, MissingFields_ReadAsNothingAndIgnoreWrites) {
   EXPECT_EQ(Vorn_getField_i64(node, "_value"), 0);
   EXPECT_EQ(Vorn_getField_i64(node, "ke"), 0);
   EXPECT_EQ(Vorn_getField_i64(node, "keys"), 0);
-  EXPECT_EQ(keyOf(node), 3);
+  EXPECT_EQ(idOf(node), 3);
 }
 
 TEST_F(Objects, HandleFields_AreNoNumbers) {
@@ -259,15 +259,15 @@ TEST_F(Objects, HandleFields_AreNoNumbers) {
   EXPECT_FALSE(Vorn_getField_i1(node, "next"));
   Vorn_setField_i64(node, "next", 5);
   EXPECT_EQ(nextOf(node), node.get());
-  Vorn_setField_ptr(node, "key", node);
-  EXPECT_EQ(keyOf(node), 3);
-  EXPECT_EQ(Vorn_getField_ptr(node, "key"), nullptr);
+  Vorn_setField_ptr(node, "id", node);
+  EXPECT_EQ(idOf(node), 3);
+  EXPECT_EQ(Vorn_getField_ptr(node, "id"), nullptr);
 }
 
 TEST_F(Objects, FindObjectField_DescribesFieldsOfInstancesAndBoxes) {
   const Handle node = plain(3);
-  EXPECT_NE(findObjectField(getObject(node), "key"), nullptr);
-  EXPECT_NE(findObjectField(getObject(node), "next"), findObjectField(getObject(node), "key"));
+  EXPECT_NE(findObjectField(getObject(node), "id"), nullptr);
+  EXPECT_NE(findObjectField(getObject(node), "next"), findObjectField(getObject(node), "id"));
   EXPECT_EQ(findObjectField(getObject(node), "_value"), nullptr);
   EXPECT_NE(findObjectField(getObject(integer("Int", 1)), "_value"), nullptr);
   EXPECT_NE(findObjectField(getObject(boolean(true)), "_value"), nullptr);

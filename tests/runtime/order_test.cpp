@@ -1,16 +1,17 @@
 // The order of lists, texts and instances: Vorn_collectionObjectsLess and its agreement with equality.
 #include <cmath>
 #include <limits>
-#include <thread>
 
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/threads.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Order = HookedObjectsTest;
+using Order = RuntimeTest;
 
 // "<", ">" or "=" as the two are ordered; "?" when they cannot be. Both directions must agree.
 std::string relationOf(void* left, void* right) {
@@ -126,8 +127,8 @@ TEST_F(Order, Instances_WhoseHookDeclinesOrIsMissing_AreNotOrdered) {
 }
 
 TEST_F(Order, Hook_OfTheRightInstanceServesTurnedAround) {
-  hookFunctions.compare = [](void* self, void* other, bool*) {
-    return keyOf(self) < keyOf(other) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+  userHooks.compare = [](void* self, void* other, bool*) {
+    return idOf(self) < idOf(other) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
   };
   EXPECT_EQ(relationOf(plain(1), hooked(2)), "<");
   EXPECT_EQ(relationOf(hooked(2), plain(1)), ">");
@@ -135,7 +136,7 @@ TEST_F(Order, Hook_OfTheRightInstanceServesTurnedAround) {
 }
 
 TEST_F(Order, HookThatRaises_LeavesTheErrorAndNoOrder) {
-  hookFunctions.compare = [](void*, void*, bool*) {
+  userHooks.compare = [](void*, void*, bool*) {
     vorn_raise("ValueException", "from compare");
     return -1;
   };
@@ -182,7 +183,7 @@ TEST_F(Order, SynchronisedUnboxedLists_AreNotReadOutsideTheirLock) {
     pthread_mutex_t* mutex = getListData(right)->mutex;
     ASSERT_EQ(pthread_mutex_lock(mutex), 0);
     bool less = false;
-    std::thread comparing([&] { Vorn_collectionObjectsLess(left, right, less); });
+    Beside comparing([&] { Vorn_collectionObjectsLess(left, right, less); });
     // The other thread has read the left list and waits for the right one. The left list, which it must not look at any
     // more, is free to change.
     while (!isAwaited(mutex)) std::this_thread::yield();

@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <random>
 #include <set>
-#include <thread>
 
 #include "runtime/heap/global_roots.h"
 #include "runtime/heap/root_range_stack.h"
 #include "tests/runtime/heap_probe.h"
+#include "tests/support/threads.h"
 
 namespace vorn::tests {
 namespace {
@@ -186,19 +186,19 @@ TEST_F(RootsTest, GlobalRoots_AddedByAThreadThatEndedStay) {
   constexpr std::size_t kBytes = 10'000;
   const auto slots = std::make_unique<void*[]>(count);
   const std::uint64_t before = liveBytes();
-  std::thread([&] {
+  onAnotherThread([&] {
     for (int i = 0; i < count; ++i) {
       vorn_root_add(&slots[i]);
       slots[i] = runtime::allocateAtomic(kBytes);
       *static_cast<int*>(slots[i]) = i;
     }
-  }).join();
+  });
   EXPECT_GE(liveBytes(), before + count * kBytes);
   makeGarbage();
   for (int i = 0; i < count; ++i) ASSERT_EQ(*static_cast<int*>(slots[i]), i);
-  std::thread([&] {
+  onAnotherThread([&] {
     for (int i = 0; i < count; ++i) vorn_root_remove(&slots[i]);
-  }).join();
+  });
   EXPECT_TRUE(liveBytesAre(before));
 }
 

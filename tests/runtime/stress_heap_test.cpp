@@ -13,6 +13,7 @@
 #include "runtime/heap/sanitizers.h"
 #include "runtime/heap/stress_blocks.h"
 #include "tests/runtime/heap_probe.h"
+#include "tests/support/threads.h"
 
 namespace vorn::tests {
 namespace {
@@ -299,7 +300,7 @@ TEST_F(StressHeapTest, Schedule_RandomOneIsReproducibleFromTheSeed) {
 // A thread that has just been handed a block must find it whole, however often another one collects meanwhile.
 TEST_F(StressHeapTest, FreshBlocks_SurviveCollectionsOfOtherThreads) {
   std::atomic<bool> done{false};
-  std::thread collector([&] {
+  Beside collector([&] {
     vorn_thread_attach();
     while (!done) vorn_heap_collect();
   });

@@ -7,13 +7,14 @@
 #include <string>
 
 #include "collections/core/port/text.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
 #include "tests/support/sequences.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Texts = HookedObjectsTest;
+using Texts = RuntimeTest;
 
 TEST_F(Texts, ControlCharacters_AreEscaped) {
   constexpr const char* kNamed[] = {"\\b", "\\t", "\\n", nullptr, "\\f", "\\r"};
@@ -98,8 +99,8 @@ TEST_F(Texts, FloatingNumbers_ReadBack) {
 }
 
 TEST_F(Texts, DefaultOfAnObject_NamesClassAndFields) {
-  EXPECT_EQ(formatObjectDefault(plain(3), "Plain"), "Plain(key=3, next=null)");
-  EXPECT_EQ(formatObjectDefault(plain(-3), "Other"), "Other(key=-3, next=null)") << "the class name is the caller's";
+  EXPECT_EQ(formatObjectDefault(plain(3), "Plain"), "Plain(id=3, next=null)");
+  EXPECT_EQ(formatObjectDefault(plain(-3), "Other"), "Other(id=-3, next=null)") << "the class name is the caller's";
   EXPECT_EQ(formatObjectDefault(object("Object"), "Object"), "Object");
 }
 
@@ -109,26 +110,26 @@ TEST_F(Texts, FieldsOfTheDefault_ShowTextsAndValuesAndTheNamesOfObjects) {
     EXPECT_EQ(vorn_field_set_handle(made, "next", next), 1);
     return formatObjectDefault(made, "P");
   };
-  EXPECT_EQ(withNext(string("a\"b")), "P(key=1, next=a\"b)");
-  EXPECT_EQ(withNext(text("bare")), "P(key=1, next=bare)");
-  EXPECT_EQ(withNext(integer("ULong", -1)), "P(key=1, next=18446744073709551615)");
-  EXPECT_EQ(withNext(floating("Double", 2)), "P(key=1, next=2.0)");
-  EXPECT_EQ(withNext(boolean(true)), "P(key=1, next=true)");
-  EXPECT_EQ(withNext(integer("Char", 0xE9)), "P(key=1, next=é)");
-  EXPECT_EQ(withNext(list("ArrayList", {string("a")})), "P(key=1, next=ArrayList)");
-  EXPECT_EQ(withNext(hooked(2)), "P(key=1, next=Hooked)");
-  EXPECT_EQ(withNext(made), "P(key=1, next=Plain)") << "objects that refer to themselves come to an end";
+  EXPECT_EQ(withNext(string("a\"b")), "P(id=1, next=a\"b)");
+  EXPECT_EQ(withNext(text("bare")), "P(id=1, next=bare)");
+  EXPECT_EQ(withNext(integer("ULong", -1)), "P(id=1, next=18446744073709551615)");
+  EXPECT_EQ(withNext(floating("Double", 2)), "P(id=1, next=2.0)");
+  EXPECT_EQ(withNext(boolean(true)), "P(id=1, next=true)");
+  EXPECT_EQ(withNext(integer("Char", 0xE9)), "P(id=1, next=é)");
+  EXPECT_EQ(withNext(list("ArrayList", {string("a")})), "P(id=1, next=ArrayList)");
+  EXPECT_EQ(withNext(hooked(2)), "P(id=1, next=Hooked)");
+  EXPECT_EQ(withNext(made), "P(id=1, next=Plain)") << "objects that refer to themselves come to an end";
 }
 
 TEST_F(Texts, DefaultOfAnObjectWithAHook_IsTheHooksText) {
-  EXPECT_EQ(formatObjectDefault(hooked(4), "Hooked"), "hooked 4");
-  hookFunctions.toString = [](void*) -> void* { return nullptr; };
-  EXPECT_EQ(formatObjectDefault(hooked(4), "Inner"), "Inner(key=4, next=null)");
-  hookFunctions.toString = [](void*) -> void* {
+  EXPECT_EQ(formatObjectDefault(hooked(4), "Hooked"), "#4");
+  userHooks.toString = [](void*) -> void* { return nullptr; };
+  EXPECT_EQ(formatObjectDefault(hooked(4), "Inner"), "Inner(id=4, next=null)");
+  userHooks.toString = [](void*) -> void* {
     vorn_raise("app.Broken", "no text");
     return vorn_text_new("ignored");
   };
-  EXPECT_EQ(formatObjectDefault(hooked(4), "Inner"), "Inner(key=4, next=null)");
+  EXPECT_EQ(formatObjectDefault(hooked(4), "Inner"), "Inner(id=4, next=null)");
   EXPECT_RAISED("app.Broken: no text");
 }
 
@@ -170,11 +171,11 @@ TEST_F(Texts, LanguageTextOfValues) {
 }
 
 TEST_F(Texts, LanguageTextOfObjects) {
-  EXPECT_STREQ(Vorn_objectToString(plain(3)), "Plain(key=3, next=null)");
-  EXPECT_STREQ(Vorn_objectToString(hooked(3)), "hooked 3");
-  hookFunctions.toString = [](void*) -> void* { return nullptr; };
+  EXPECT_STREQ(Vorn_objectToString(plain(3)), "Plain(id=3, next=null)");
+  EXPECT_STREQ(Vorn_objectToString(hooked(3)), "#3");
+  userHooks.toString = [](void*) -> void* { return nullptr; };
   EXPECT_EQ(Vorn_objectToString(hooked(3)), nullptr);
-  hookFunctions.toString = [](void*) { return vorn_box_integer("Int", 3); };
+  userHooks.toString = [](void*) { return vorn_box_integer("Int", 3); };
   EXPECT_EQ(Vorn_objectToString(hooked(3)), nullptr) << "a number is no text";
 }
 

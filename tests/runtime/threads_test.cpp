@@ -5,12 +5,12 @@
 #include <barrier>
 #include <chrono>
 #include <mutex>
-#include <thread>
 
 #include "collections/core/port/pending_errors.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/text.h"
 #include "tests/runtime/heap_probe.h"
+#include "tests/support/threads.h"
 
 namespace vorn::tests {
 namespace {
@@ -28,11 +28,11 @@ TEST_F(ThreadsTest, EachEntry_AttachesTheThread) {
   void* slot = nullptr;
   const std::size_t before = attachedThreads();
   const auto attachesBy = [&](auto enter) {
-    std::thread([&] {
+    onAnotherThread([&] {
       EXPECT_EQ(attachedThreads(), before);
       enter();
       EXPECT_EQ(attachedThreads(), before + 1);
-    }).join();
+    });
     EXPECT_EQ(attachedThreads(), before);
   };
   attachesBy([] { vorn_thread_attach(); });
@@ -46,7 +46,7 @@ TEST_F(ThreadsTest, EachEntry_AttachesTheThread) {
 
 TEST_F(ThreadsTest, DetachedThread_AttachesAgainWhenItEnters) {
   const std::size_t before = attachedThreads();
-  std::thread([&] {
+  onAnotherThread([&] {
     for (int i = 0; i < 3; ++i) {
       vorn_thread_attach();
       vorn_thread_attach();
@@ -60,7 +60,7 @@ TEST_F(ThreadsTest, DetachedThread_AttachesAgainWhenItEnters) {
     }
     (void)Vorn_gcAlloc(8);
     EXPECT_EQ(attachedThreads(), before + 1);
-  }).join();
+  });
   EXPECT_EQ(attachedThreads(), before);
 }
 
@@ -78,9 +78,9 @@ TEST_F(ThreadsTest, StatesOfEndedThreads_AreUsedAgain) {
     for (auto* state = runtime::firstThreadState(); state != nullptr; state = state->next) ++count;
     return count;
   };
-  std::thread([] { vorn_thread_attach(); }).join();
+  onAnotherThread([] { vorn_thread_attach(); });
   const std::size_t before = states();
-  for (int i = 0; i < 100; ++i) std::thread([] { vorn_thread_attach(); }).join();
+  for (int i = 0; i < 100; ++i) onAnotherThread([] { vorn_thread_attach(); });
   EXPECT_EQ(states(), before);
 }
 
@@ -88,13 +88,13 @@ TEST_F(ThreadsTest, StatesOfEndedThreads_AreUsedAgain) {
 TEST_F(ThreadsTest, RootsOfAThreadThatEnded_AreGone) {
   const std::uint64_t before = liveBytes();
   for (int i = 0; i < 10; ++i) {
-    std::thread([] {
+    onAnotherThread([] {
       vorn_thread_attach();
       EXPECT_EQ(runtime::currentThread->roots.size(), 0u) << "the state of an earlier thread came with its roots";
       void* slot = nullptr;
       Vorn_gcRegisterRootSlot(&slot);
       slot = newNode(nullptr, 1);
-    }).join();
+    });
     vorn_heap_collect();
   }
   EXPECT_TRUE(liveBytesAre(before));
@@ -111,11 +111,11 @@ struct EntersWhenDestroyed {
 TEST_F(ThreadsTest, DestructorsOfAnEndingThread_MayEnterTheRuntime) {
   std::atomic<int> entered{0};
   const std::size_t before = attachedThreads();
-  std::thread([&] {
+  onAnotherThread([&] {
     thread_local EntersWhenDestroyed last;
     last.entered = &entered;
     vorn_thread_attach();
-  }).join();
+  });
   EXPECT_EQ(entered, 1);
   EXPECT_EQ(attachedThreads(), before);
 }
@@ -134,10 +134,10 @@ TEST_F(ThreadsTest, KeyDestructorsOfAnEndingThread_MayEnterTheRuntime) {
                                    pthread_setspecific(*static_cast<pthread_key_t*>(rounds), rounds);
                                }),
             0);
-  std::thread([&] {
+  onAnotherThread([&] {
     vorn_thread_attach();
     pthread_setspecific(key, &key);
-  }).join();
+  });
   EXPECT_EQ(keyDestructorsRun, 2);
   EXPECT_EQ(attachedThreads(), before);
   pthread_key_delete(key);
@@ -145,7 +145,7 @@ TEST_F(ThreadsTest, KeyDestructorsOfAnEndingThread_MayEnterTheRuntime) {
 
 TEST_F(ThreadsTest, RootsOfAWaitingThread_HoldWhileAnotherCollects) {
   std::barrier meeting(2);
-  std::thread holder([&] {
+  Beside holder([&] {
     void* slots[2] = {};
     const collections::RootedRange range(slots, sizeof(slots));
     slots[0] = newNode(nullptr, 1);
@@ -168,43 +168,39 @@ TEST_F(ThreadsTest, ManyThreads_AllocateAtOnceAndLoseNothing) {
   constexpr int kThreads = 4;
   constexpr int kNodes = 20;
   std::atomic<int> wrong{0};
-  std::vector<std::thread> threads;
-  for (int number = 0; number < kThreads; ++number) {
-    threads.emplace_back([&, number] {
-      for (int round = 0; round < rounds; ++round) {
-        RootedHandle list;
-        for (int i = 0; i < kNodes; ++i) {
-          auto* node = static_cast<Node*>(runtime::allocateScanned(sizeof(Node)));
-          node->next = nodeAt(list.get());
-          node->value = number * 1000 + i;
-          list = node;
-        }
-        // Reverses the list: each node is for an instant only in a local of this thread.
-        Node* reversed = nullptr;
-        for (Node* node = nodeAt(list.get()); node != nullptr;) {
-          Node* next = node->next;
-          node->next = reversed;
-          reversed = node;
-          list = next;
-          node = next;
-        }
-        list = reversed;
-        (void)runtime::allocateAtomic(24);
-        int expected = 0;
-        for (const Node* node = nodeAt(list.get()); node != nullptr; node = node->next) {
-          if (node->value != number * 1000 + expected++) ++wrong;
-        }
-        if (expected != kNodes) ++wrong;
+  runTogether(kThreads, [&](int number) {
+    for (int round = 0; round < rounds; ++round) {
+      RootedHandle list;
+      for (int i = 0; i < kNodes; ++i) {
+        auto* node = static_cast<Node*>(runtime::allocateScanned(sizeof(Node)));
+        node->next = nodeAt(list.get());
+        node->value = number * 1000 + i;
+        list = node;
       }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+      // Reverses the list: each node is for an instant only in a local of this thread.
+      Node* reversed = nullptr;
+      for (Node* node = nodeAt(list.get()); node != nullptr;) {
+        Node* next = node->next;
+        node->next = reversed;
+        reversed = node;
+        list = next;
+        node = next;
+      }
+      list = reversed;
+      (void)runtime::allocateAtomic(24);
+      int expected = 0;
+      for (const Node* node = nodeAt(list.get()); node != nullptr; node = node->next) {
+        if (node->value != number * 1000 + expected++) ++wrong;
+      }
+      if (expected != kNodes) ++wrong;
+    }
+  });
   EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(ThreadsTest, ThreadsThatComeAndGo_DoNotDisturbOthersCollecting) {
   std::atomic<bool> done{false};
-  std::thread collector([&] {
+  Beside collector([&] {
     while (!done) {
       vorn_heap_collect();
       (void)Vorn_gcAlloc(32);
@@ -213,11 +209,11 @@ TEST_F(ThreadsTest, ThreadsThatComeAndGo_DoNotDisturbOthersCollecting) {
     }
   });
   for (int i = 0; i < 100; ++i) {
-    std::thread([&] {
+    onAnotherThread([&] {
       RootedHandle node(newNode(nullptr, i));
       (void)Vorn_gcAlloc(32);
       EXPECT_EQ(nodeAt(node.get())->value, i);
-    }).join();
+    });
   }
   done = true;
   collector.join();
@@ -227,7 +223,7 @@ TEST_F(ThreadsTest, ThreadsThatComeAndGo_DoNotDisturbOthersCollecting) {
 TEST_F(ThreadsTest, BusyThread_DoesNotDelayACollection) {
   std::atomic<bool> done{false};
   std::atomic<bool> running{false};
-  std::thread busy([&] {
+  Beside busy([&] {
     vorn_thread_attach();
     running = true;
     while (!done.load(std::memory_order_relaxed)) {
@@ -241,19 +237,15 @@ TEST_F(ThreadsTest, BusyThread_DoesNotDelayACollection) {
 
 TEST_F(ThreadsTest, ThreadHoldingALock_CanBeStoppedWhileAnotherWaitsForIt) {
   std::mutex lock;
-  std::vector<std::thread> threads;
   int count = 0;
   const int rounds = onStressHeap() ? 100 : 1000;
-  for (int number = 0; number < 3; ++number) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) {
-        const std::lock_guard guard(lock);
-        (void)Vorn_gcAlloc(16);
-        ++count;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  runTogether(3, [&](int) {
+    for (int i = 0; i < rounds; ++i) {
+      const std::lock_guard guard(lock);
+      (void)Vorn_gcAlloc(16);
+      ++count;
+    }
+  });
   EXPECT_EQ(count, 3 * rounds);
 }
 

@@ -1,14 +1,15 @@
 // Type names as text: short names, families, arguments, interning; type names of values and instance tests.
-#include <thread>
 
-#include "collections/core/port/objects.h"
 #include "collections/core/port/type_names.h"
-#include "tests/runtime/hooked_objects.h"
+#include "collections/core/port/objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/threads.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using TypeNames = HookedObjectsTest;
+using TypeNames = RuntimeTest;
 using vorn::compiler::ClassLoader;
 
 TEST_F(TypeNames, ShortName_IsWhatFollowsTheModule) {
@@ -123,18 +124,14 @@ TEST_F(TypeNames, NamesMadeByManyThreadsAtOnce_AreOne) {
   constexpr int kThreads = 4;
   constexpr int kNames = 300;
   std::vector<std::vector<const void*>> seen(kThreads);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&seen, t] {
-      for (int i = 0; i < kNames; ++i) {
-        const std::string element = "race.Type" + std::to_string(i);
-        seen[t].push_back(internRuntimeTypeName(element).name);
-        const Handle list = object("ArrayList<" + element + ">");
-        seen[t].push_back(vorn_type_name(list));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  runTogether(kThreads, [&](int t) {
+    for (int i = 0; i < kNames; ++i) {
+      const std::string element = "race.Type" + std::to_string(i);
+      seen[t].push_back(internRuntimeTypeName(element).name);
+      const Handle list = object("ArrayList<" + element + ">");
+      seen[t].push_back(vorn_type_name(list));
+    }
+  });
   for (int t = 1; t < kThreads; ++t) EXPECT_EQ(seen[t], seen[0]);
 }
 
@@ -157,7 +154,7 @@ TEST_F(TypeNames, EveryValue_NamesItsType) {
       {object("ArrayList<vorn.String>"), "vorn.collections.ArrayList<String>"},
       {object("ArrayList<app.Foo>"), "vorn.collections.ArrayList<app.Foo>"},
       {object("ArrayList<Map<String, vorn.Int>>"), "vorn.collections.ArrayList<Map<String, vorn.Int>>"},
-      {plain(1), "test.Plain"}};
+      {plain(1), "app.Plain"}};
   for (const auto& [handle, name] : cases) EXPECT_STREQ(Vorn_objectTypeName(handle), name);
   EXPECT_EQ(Vorn_objectTypeName(nullptr), nullptr);
 }

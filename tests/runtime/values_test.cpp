@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <thread>
 
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
@@ -11,12 +10,14 @@
 #include "collections/core/port/text.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
-#include "tests/runtime/hooked_objects.h"
+#include "tests/support/runtime_test.h"
+#include "tests/support/threads.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
 
-using Values = HookedObjectsTest;
+using Values = RuntimeTest;
 
 constexpr const char* kIntegerTypes[] = {"SByte", "Byte", "Short", "UShort", "Int",
                                          "UInt",  "Long", "ULong", "Char",   "CodeUnit"};
@@ -241,13 +242,13 @@ TEST_F(Values, TextOfObjects_IsClassNameAndFields) {
   EXPECT_EQ(textOf(nullptr), "(null)");
   EXPECT_EQ(textOf(object("Object")), "Object");
   const Handle node = plain(4);
-  EXPECT_EQ(textOf(node), "Plain(key=4, next=null)");
+  EXPECT_EQ(textOf(node), "Plain(id=4, next=null)");
   Vorn_setField_ptr(node, "next", string("text"));
-  EXPECT_EQ(textOf(node), "Plain(key=4, next=text)");
+  EXPECT_EQ(textOf(node), "Plain(id=4, next=text)");
   Vorn_setField_ptr(node, "next", floating("Double", 2));
-  EXPECT_EQ(textOf(node), "Plain(key=4, next=2.0)");
+  EXPECT_EQ(textOf(node), "Plain(id=4, next=2.0)");
   Vorn_setField_ptr(node, "next", node);
-  EXPECT_EQ(textOf(node), "Plain(key=4, next=Plain)");
+  EXPECT_EQ(textOf(node), "Plain(id=4, next=Plain)");
 }
 
 TEST_F(Values, TextOfTypes_IsTheirName) {
@@ -261,18 +262,18 @@ TEST_F(Values, TextOfTypes_IsTheirName) {
 
 TEST_F(Values, TextHook_DecidesTheText) {
   const Handle object = hooked(9);
-  EXPECT_EQ(textOf(object), "hooked 9");
-  hookFunctions.toString = [](void*) { return vorn_text_new("bare text"); };
+  EXPECT_EQ(textOf(object), "#9");
+  userHooks.toString = [](void*) { return vorn_text_new("bare text"); };
   EXPECT_EQ(textOf(object), "bare text");
 }
 
 TEST_F(Values, TextHook_WithoutATextOrWithAnError_GivesNone) {
   const Handle object = hooked(9);
-  hookFunctions.toString = [](void*) -> void* { return nullptr; };
+  userHooks.toString = [](void*) -> void* { return nullptr; };
   EXPECT_EQ(textOf(object), "(null)");
-  hookFunctions.toString = [](void* self) { return self; };
+  userHooks.toString = [](void* self) { return self; };
   EXPECT_EQ(textOf(object), "(null)");
-  hookFunctions.toString = [](void*) {
+  userHooks.toString = [](void*) {
     vorn_raise("ValueException", "no text");
     return vorn_text_new("ignored");
   };
@@ -282,25 +283,21 @@ TEST_F(Values, TextHook_WithoutATextOrWithAnError_GivesNone) {
 
 TEST_F(Values, TextHook_IsNotSpoiltByAnOlderError) {
   vorn_raise("ValueException", "older");
-  EXPECT_EQ(textOf(hooked(9)), "hooked 9");
+  EXPECT_EQ(textOf(hooked(9)), "#9");
   EXPECT_RAISED("ValueException: older");
 }
 
 TEST_F(Values, MadeByManyThreads_AreAllWhole) {
-  std::vector<std::thread> threads;
   std::atomic<int> wrong = 0;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&wrong, t] {
-      for (int i = 0; i < 300; ++i) {
-        const Handle box = integer("Long", t * 1000 + i);
-        const Handle made = string("thread " + std::to_string(i));
-        if (Vorn_getField_i64(box, "_value") != t * 1000 + i) ++wrong;
-        if (stringValueFromPtr(made) != "thread " + std::to_string(i)) ++wrong;
-        if (Vorn_boxBool(true) == Vorn_boxBool(false)) ++wrong;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  runTogether(4, [&](int t) {
+    for (int i = 0; i < 300; ++i) {
+      const Handle box = integer("Long", t * 1000 + i);
+      const Handle made = string("thread " + std::to_string(i));
+      if (Vorn_getField_i64(box, "_value") != t * 1000 + i) ++wrong;
+      if (stringValueFromPtr(made) != "thread " + std::to_string(i)) ++wrong;
+      if (Vorn_boxBool(true) == Vorn_boxBool(false)) ++wrong;
+    }
+  });
   EXPECT_EQ(wrong, 0);
 }
 

@@ -4,20 +4,11 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <thread>
-
 namespace vorn::tests {
 
 // Whether anybody holds the mutex, this thread included. A thread of its own asks: the mutexes of collections are
-// recursive, so that whoever holds one would always get it.
-inline bool isLocked(pthread_mutex_t* mutex) {
-  bool locked = true;
-  std::thread([&] {
-    locked = pthread_mutex_trylock(mutex) != 0;
-    if (!locked) pthread_mutex_unlock(mutex);
-  }).join();
-  return locked;
-}
+// recursive, so that whoever holds one would always get it. Nobody holds a null one.
+bool isLocked(pthread_mutex_t* mutex);
 
 // The same for a record; false for one that is not synchronised.
 template <class Record>

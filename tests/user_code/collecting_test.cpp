@@ -15,7 +15,7 @@ TEST_P(CollectingHooks, ChangeNothing_AndWhatTheyKeepLives) {
   const Ending ending = run(target, atCall(0, [&](void* self, void* other) {
                               kept[0] = self;
                               kept[1] = other;
-                              for (int i = 0; i < 2; ++i) described[i] = describe(kept[i]);
+                              for (int i = 0; i < 2; ++i) described[i] = describeById(kept[i]);
                               const Handle garbage = list("LinkedList", {string("garbage"), text("garbage")});
                               vorn_collections_ArrayList_sortNew(garbage);
                               vorn_heap_collect();
@@ -27,7 +27,7 @@ TEST_P(CollectingHooks, ChangeNothing_AndWhatTheyKeepLives) {
   EXPECT_EQ(ending.calls, honest.calls);
   expectWorksAgain(target, honest);
   vorn_heap_collect();
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(describe(kept[i]), described[i]);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(describeById(kept[i]), described[i]);
 }
 
 // An allocation of the hook's own fails: with a null result inside the hook, and nothing of it outside.

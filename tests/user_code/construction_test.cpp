@@ -95,7 +95,7 @@ TEST_F(TupleConstruction, RawValuesAreRootedWhileTheyAreBoxed) {
     const Before look(beforeBox, [&] {
       ++boxes;
       EXPECT_GT(rootCount(), roots) << "the copy of the raw values";
-      EXPECT_FALSE(isHeld(getListData(source)->mutex)) << "boxed without the list's lock";
+      EXPECT_FALSE(isLocked(getListData(source)->mutex)) << "boxed without the list's lock";
       // Nothing but the roots keeps the copy alive when the list is emptied and filled with others.
       vorn_collections_ArrayList_clear(source);
       for (int i = 0; i < 5; ++i) vorn_collections_ArrayList_addInt(source, 70 + i);
@@ -150,14 +150,14 @@ TEST_F(SortedCopies, Array_NoObjectToBeHad_IsANullResult) {
     EXPECT_EQ(withoutObjects([&] { return vorn_collections_Array_sortNew(array); }), nullptr);
     EXPECT_NOTHING_RAISED();
     EXPECT_EQ(elementsOfArray(array), before);
-    EXPECT_FALSE(getArrayData(array)->synchronized && isHeld(getArrayData(array)->mutex));
+    EXPECT_FALSE(getArrayData(array)->synchronized && isLocked(getArrayData(array)->mutex));
   }
 }
 
 // Memory may end anywhere in a copy, not only at the object.
 TEST_F(SortedCopies, FailingAllocations_LeaveNoRootNoLockAndNoChange) {
-  for (const CollectionClass& type : kClasses) {
-    if (type.kind != Kind::List && type.kind != Kind::Immutable && type.kind != Kind::Array) continue;
+  for (const CollectionClass& type : kCollectionClasses) {
+    if (type.family != Family::List && type.family != Family::Immutable && type.family != Family::Array) continue;
     SCOPED_TRACE(type.name);
     const Handle source = object(type.name);
     fill(type, Shape::InTuple, source, {3, 1, 2, 6, 5, 4, 9, 8, 7});
@@ -165,8 +165,8 @@ TEST_F(SortedCopies, FailingAllocations_LeaveNoRootNoLockAndNoChange) {
     const std::size_t roots = rootCount();
     const int failures = sweepAllocationFailures(
         [&] {
-          if (type.kind == Kind::Array) return vorn_collections_Array_sortNew(source);
-          if (type.kind == Kind::List) return vorn_collections_ArrayList_sortNew(source);
+          if (type.family == Family::Array) return vorn_collections_Array_sortNew(source);
+          if (type.family == Family::List) return vorn_collections_ArrayList_sortNew(source);
           return vorn_collections_ImmutableList_sortNew(source);
         },
         [&] {

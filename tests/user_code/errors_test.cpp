@@ -21,9 +21,7 @@ class RaisingHooks : public HostileTest {
 
   // The ids of the objects that a hook is asked about, in either order; -1 for one that there is not.
   using Asked = std::pair<std::int64_t, std::int64_t>;
-  static Asked idsOf(void* self, void* other) {
-    return std::minmax({hostile_objects::idOf(self), other != nullptr ? hostile_objects::idOf(other) : -1});
-  }
+  static Asked idsOf(void* self, void* other) { return std::minmax({idOf(self), other != nullptr ? idOf(other) : -1}); }
   static Asked askedInCall(int call) {
     Asked asked;
     run(scene(), atCall(call, [&](void* self, void* other) { asked = idsOf(self, other); }));

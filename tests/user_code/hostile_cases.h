@@ -33,7 +33,7 @@ inline std::ostream& operator<<(std::ostream& out, const HostileCase& hostile) {
 // Every combination that exists, of all classes or of the synchronised ones.
 inline std::vector<HostileCase> hostileCases(bool onlySynchronised = false) {
   std::vector<HostileCase> cases;
-  for (const CollectionClass& type : kClasses) {
+  for (const CollectionClass& type : kCollectionClasses) {
     if (onlySynchronised && !type.synchronised) continue;
     for (const Shape shape : {Shape::Direct, Shape::InTuple}) {
       for (const Native& native : nativesOf(type, shape)) {

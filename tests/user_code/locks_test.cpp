@@ -14,8 +14,8 @@ TEST_P(LocksDuringHooks, AreHeldExactlyWhereTheyShould) {
   int looked = 0;
   const Ending ending = run(target, atCall(0, [&](void*, void*) {
                               if (looked++ >= 5) return;
-                              EXPECT_EQ(isHeld(mutexOf(type(), target.collection)), expected);
-                              EXPECT_FALSE(isHeld(mutexOf(type(), target.twin))) << "of another collection";
+                              EXPECT_EQ(isLocked(type(), target.collection), expected);
+                              EXPECT_FALSE(isLocked(type(), target.twin)) << "of another collection";
                             }));
   EXPECT_GT(looked, 0);
   EXPECT_EQ(ending.errors, Texts{});

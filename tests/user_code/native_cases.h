@@ -65,7 +65,7 @@ struct Native {
 
 inline std::string say(bool value) { return value ? "true" : "false"; }
 inline std::string say(long long value) { return std::to_string(value); }
-inline std::string say(void* handle) { return describe(Handle(handle)); }
+inline std::string say(void* handle) { return describeById(Handle(handle)); }
 
 constexpr unsigned kEquality = bit(Hook::Equality);
 constexpr unsigned kOrder = bit(Hook::Order);
@@ -225,18 +225,18 @@ inline std::vector<Native> setNatives() {
 // What the natives of a class are; elements by their contents are sorted by order and equality.
 inline std::vector<Native> nativesOf(const CollectionClass& type, Shape shape) {
   const unsigned sortHooks = shape == Shape::Direct ? kOrder : kOrder | kEquality;
-  switch (type.kind) {
-    case Kind::List:
+  switch (type.family) {
+    case Family::List:
       return listNatives(sortHooks);
-    case Kind::Immutable:
+    case Family::Immutable:
       return immutableNatives(sortHooks);
-    case Kind::Array:
+    case Family::Array:
       return arrayNatives(sortHooks);
-    case Kind::Map:
+    case Family::Map:
       return mapNatives(type.sorted() ? kOrder : kEquality | kHash);
-    case Kind::Set:
+    case Family::Set:
       return setNatives();
-    case Kind::Tuple:
+    case Family::Tuple:
       break;
   }
   return tupleNatives();

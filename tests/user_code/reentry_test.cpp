@@ -147,7 +147,7 @@ const std::vector<Action> kMapActions = {
        EXPECT_FALSE(vorn_collections_Map_operator_in(s.collection, stranger(s))) << "inside the hook";
        for (const int id : s.ids) {
          EXPECT_EQ(say(vorn_collections_Map__get(s.collection, stranger(s, id))),
-                   describe(stranger(s, static_cast<int>(valueId(id)))))
+                   describeById(stranger(s, static_cast<int>(valueId(id)))))
              << "inside the hook";
        }
      }},
@@ -209,19 +209,19 @@ const std::vector<Action> kTupleActions = {
     {"compare", true, [](const Scene& s) { EXPECT_TRUE(vorn_equals(s.twin, s.collection)) << "inside the hook"; }},
 };
 
-const std::vector<Action>& actionsOf(Kind kind) {
-  switch (kind) {
-    case Kind::List:
+const std::vector<Action>& actionsOf(Family family) {
+  switch (family) {
+    case Family::List:
       return kListActions;
-    case Kind::Immutable:
+    case Family::Immutable:
       return kImmutableActions;
-    case Kind::Array:
+    case Family::Array:
       return kArrayActions;
-    case Kind::Map:
+    case Family::Map:
       return kMapActions;
-    case Kind::Set:
+    case Family::Set:
       return kSetActions;
-    case Kind::Tuple:
+    case Family::Tuple:
       break;
   }
   return kTupleActions;
@@ -241,21 +241,22 @@ class ReentrantHooks : public HostileTest {
   static bool canReenter() {
     if (!type().synchronised || !native().locksDuringHooks) return true;
     const Handle collection = object(type().name);
-    return isRecursive(mutexOf(type(), collection));
+    return isRecursive(*mutexOf(type().family, collection));
   }
 
   static void expectSound(const Scene& target, const Ending& ending) {
     EXPECT_FALSE(ending.threw) << ending.what;
     const bool mayMiss = std::string(native().name) == "operator_index";
-    if (type().kind == Kind::Array && std::string(getArrayData(target.collection)->elementType.get()) == kForeignType) {
+    if (type().family == Family::Array &&
+        std::string(getArrayData(target.collection)->elementType.get()) == kForeignType) {
       EXPECT_EQ(ending.contents, Texts(kForeignSize, "null")) << "slots of another type took the old elements";
     }
     EXPECT_TRUE(ending.errors.empty() || (mayMiss && ending.errors == Texts{kNotFound})) << join(ending.errors);
-    if (type().kind != Kind::Map && type().kind != Kind::Set) return;
+    if (type().family != Family::Map && type().family != Family::Set) return;
     const Texts keys = keysOf(ending.contents);
     EXPECT_EQ(std::set<std::string>(keys.begin(), keys.end()).size(), keys.size())
         << "a key is there twice: " << join(keys);
-    const bool has = std::find(keys.begin(), keys.end(), describe(target.wanted)) != keys.end();
+    const bool has = std::find(keys.begin(), keys.end(), describeById(target.wanted)) != keys.end();
     EXPECT_TRUE(has || native().effect != Effect::Adds) << "what was put is not there";
     EXPECT_TRUE(!has || native().effect != Effect::Removes) << "what was removed is there";
   }
@@ -265,7 +266,7 @@ INSTANTIATE_HOSTILE_TESTS(ReentrantHooks, hostileCases());
 TEST_P(ReentrantHooks, OneUseOfTheCollection_LeavesItSound) {
   ASSERT_TRUE(canReenter()) << "the mutex is not recursive";
   const Ending honest = honestRun();
-  for (const Action& action : actionsOf(type().kind)) {
+  for (const Action& action : actionsOf(type().family)) {
     for (const int call : someCalls(honest)) {
       SCOPED_TRACE(std::string(action.name) + " in call " + std::to_string(call));
       const Scene target = scene();
@@ -290,7 +291,7 @@ TEST_P(ReentrantHooks, UsesInManyCalls_LeaveItSound) {
   ASSERT_TRUE(canReenter()) << "the mutex is not recursive";
   const Ending honest = honestRun();
   const int uses = onStressHeap() ? 8 : 50;
-  for (const Action& action : actionsOf(type().kind)) {
+  for (const Action& action : actionsOf(type().family)) {
     SCOPED_TRACE(action.name);
     const Scene target = scene();
     int used = 0;
@@ -312,7 +313,7 @@ TEST_P(ReentrantHooks, UsesInManyCalls_LeaveItSound) {
 TEST_P(ReentrantHooks, AnotherUseInEveryCall_LeavesItSound) {
   ASSERT_TRUE(canReenter()) << "the mutex is not recursive";
   const Ending honest = honestRun();
-  const std::vector<Action>& actions = actionsOf(type().kind);
+  const std::vector<Action>& actions = actionsOf(type().family);
   for (std::size_t first = 0; first < actions.size(); first += onStressHeap() ? 4 : 1) {
     SCOPED_TRACE(std::string("from ") + actions[first].name);
     const Scene target = scene();
@@ -330,7 +331,7 @@ TEST_P(ReentrantHooks, AnotherUseInEveryCall_LeavesItSound) {
 std::vector<HostileCase> keyedCases() {
   std::vector<HostileCase> cases = hostileCases();
   std::erase_if(cases, [](const HostileCase& hostile) {
-    return hostile.hook == Hook::Hash || !(hostile.native.makesKey || hostile.type.kind == Kind::Map);
+    return hostile.hook == Hook::Hash || !(hostile.native.makesKey || hostile.type.family == Family::Map);
   });
   return cases;
 }
@@ -347,7 +348,7 @@ TEST_P(RestlessHooks, ChangesWithoutEnd_TheSearchEnds) {
   int fresh = 1000;
   const Ending ending = run(target, atCall(0, [&](void*, void*) {
                               const Handle key = integer("Int", fresh++);
-                              if (type().kind == Kind::Map) {
+                              if (type().family == Family::Map) {
                                 vorn_collections_Map_put(target.collection, key, nullptr);
                               } else {
                                 vorn_collections_HashSet_add(target.collection, key);

@@ -21,8 +21,8 @@ class UnaskedHooks : public RuntimeTest, public ::testing::WithParamInterface<Co
 
 std::vector<CollectionClass> classes(bool keyed) {
   std::vector<CollectionClass> result;
-  for (const CollectionClass& type : kClasses) {
-    if ((type.kind == Kind::Map || type.kind == Kind::Set) == keyed) result.push_back(type);
+  for (const CollectionClass& type : kCollectionClasses) {
+    if ((type.family == Family::Map || type.family == Family::Set) == keyed) result.push_back(type);
   }
   return result;
 }
@@ -50,7 +50,7 @@ TEST_P(UnaskedKeys, WhileTheyAreListedAndDropped) {
     const Hostility hostility = unwelcome(kAny);
     const ScopedHostility scope(hostility);
     const std::size_t roots = rootCount();
-    if (type().kind == Kind::Map) {
+    if (type().family == Family::Map) {
       EXPECT_EQ(elementsOfList(Handle(vorn_collections_Map_keys(target.collection))).size(), 4U);
       EXPECT_EQ(elementsOfList(Handle(vorn_collections_Map_values(target.collection))).size(), 4U);
       EXPECT_EQ(elementsOfList(Handle(vorn_collections_Map_items(target.collection))).size(), 4U);
@@ -70,7 +70,7 @@ TEST_P(UnaskedKeys, WhileTheyAreListedAndDropped) {
 class SortedMapKeys : public RuntimeTest {};
 
 TEST_F(SortedMapKeys, AreNeverHashed) {
-  for (const CollectionClass& type : kClasses) {
+  for (const CollectionClass& type : kCollectionClasses) {
     if (!type.sorted()) continue;
     for (const Shape shape : {Shape::Direct, Shape::InTuple}) {
       for (const Native& native : nativesOf(type, shape)) {

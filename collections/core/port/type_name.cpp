@@ -1,5 +1,7 @@
 #include "collections/core/port/type_name.h"
 
+#include <vorn/collections/runtime_helpers.hpp>
+
 namespace vorn::collections {
 
 // Constant-initialised, so that names can be interned before any static initialiser has run.

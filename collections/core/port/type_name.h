@@ -1,8 +1,6 @@
 // Interned type names, which carry what they classify.
 #pragma once
 
-#include <vorn/collections/export.h>
-
 #include <cstddef>
 #include <string_view>
 
@@ -17,9 +15,6 @@ struct InternedTypeName {
   PrimitiveType primitiveType = PrimitiveType::None;  // the primitive type of exactly this name
   const InternedTypeName* normalized = nullptr;       // the canonical short form; null for a name that has it already
 };
-
-// The names that the library itself refers to: those of the primitive types and "Object". Null for every other name.
-VORN_EXPORT const InternedTypeName* standardTypeName(std::string_view name);
 
 }  // namespace vorn::collections
 
@@ -52,7 +47,7 @@ struct RuntimeTypeName {
 namespace vorn::collections {
 
 // The standard names, indexed by PrimitiveType; "Object" stands at None. The library's own: a runtime asks
-// standardTypeName.
+// standardTypeName (runtime_helpers.hpp).
 extern const InternedTypeName standardTypeNames[kPrimitiveTypes];
 
 // The name of a primitive type; "Object" for None.

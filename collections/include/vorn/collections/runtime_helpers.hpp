@@ -78,6 +78,16 @@ VORN_EXPORT bool tryMapLookupValue(void* map, std::string_view key, void** slot)
 // shows; may run user code, raise and allocate; throws std::runtime_error for collections nested too deeply.
 VORN_EXPORT std::string valueToDisplayString(void* value);
 
+namespace vorn::collections {
+
+struct InternedTypeName;
+
+// The type names that the library itself refers to: those of the primitive types and "Object". Null for every other
+// name. Interning a name begins here.
+VORN_EXPORT const InternedTypeName* standardTypeName(std::string_view name);
+
+}  // namespace vorn::collections
+
 namespace vorn::collections::errors {
 
 // The errors of numbers that no character or code unit has, which the runtime's conversions raise as storing into a

@@ -1,42 +1,35 @@
-// Collections in every unboxed storage, as sources of other collections, each with a tuple of the boxes that reading it
-// gives: whatever takes the one must end as if it had taken the other.
-#pragma once
+#include "tests/support/sources.h"
 
 #include <vorn/collections/array.h>
 #include <vorn/collections/immutable_list.h>
 
-#include <string>
-#include <vector>
+#include <cstring>
 
 #include "collections/array/array_data.h"
+#include "collections/core/port/object_layout.h"
 #include "collections/core/port/type_names.h"
-#include "tests/arraylist/bulk_cases.h"
+#include "tests/support/lists.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
 
-struct SourceCase {
-  std::string name;
-  Handle source;
-  Handle boxes;  // a tuple
-};
+namespace {
 
-inline SourceCase sourceCase(const std::string& name, const Handle& source, void* (*at)(void*, long long),
-                             long long size) {
+SourceCase sourceCase(const std::string& name, const Handle& source, void* (*at)(void*, long long), long long size) {
   std::vector<Handle> items;
   for (long long i = 0; i < size; ++i) items.emplace_back(at(source, i));
   return {name, source, tupleOf(items)};
 }
-inline SourceCase listCase(const std::string& name, const Handle& source) {
+SourceCase listCase(const std::string& name, const Handle& source) {
   return sourceCase(name, source, vorn_collections_ArrayList_operator_index, vorn_collections_ArrayList_size(source));
 }
-inline SourceCase arrayCase(const std::string& name, const Handle& source) {
+SourceCase arrayCase(const std::string& name, const Handle& source) {
   return sourceCase(name, source, vorn_collections_Array_operator_index, vorn_collections_Array_size(source));
 }
 
 // Unboxed elements whose bytes compiled code wrote: Chars that are no scalars, Booleans other than 0 and 1, the upper
 // half of ULong.
-inline Handle writtenList(const char* type, const std::vector<unsigned char>& bytes, long long count) {
+Handle writtenList(const char* type, const std::vector<unsigned char>& bytes, long long count) {
   Handle result;
   void* list = nullptr;
   void* const elements = vorn_collections_ArrayList_newPrimitiveData(count, type, &list);
@@ -45,8 +38,9 @@ inline Handle writtenList(const char* type, const std::vector<unsigned char>& by
   return result;
 }
 
-// Lists of every unboxed storage, under their kind's own names and under others.
-inline std::vector<SourceCase> unboxedLists(bool synchronised) {
+}  // namespace
+
+std::vector<SourceCase> unboxedLists(bool synchronised) {
   std::vector<SourceCase> cases;
   const std::string suffix = synchronised ? " synchronised" : "";
   for (const std::string& element : primitiveNames()) {
@@ -78,8 +72,7 @@ inline std::vector<SourceCase> unboxedLists(bool synchronised) {
   return cases;
 }
 
-// The same as immutable lists.
-inline std::vector<SourceCase> unboxedImmutables() {
+std::vector<SourceCase> unboxedImmutables() {
   std::vector<SourceCase> cases;
   for (const SourceCase& from : unboxedLists(false)) {
     const Handle result = object("ImmutableList");
@@ -89,8 +82,7 @@ inline std::vector<SourceCase> unboxedImmutables() {
   return cases;
 }
 
-// Arrays of every kind of slot.
-inline std::vector<SourceCase> slotArrays(bool synchronised) {
+std::vector<SourceCase> slotArrays(bool synchronised) {
   std::vector<SourceCase> cases;
   for (const std::string& element : primitiveNames()) {
     const Palette palette = paletteOf(element);
@@ -113,7 +105,7 @@ inline std::vector<SourceCase> slotArrays(bool synchronised) {
   return cases;
 }
 
-inline std::vector<SourceCase> unboxedSources() {
+std::vector<SourceCase> unboxedSources() {
   std::vector<SourceCase> cases = unboxedLists(false);
   for (const std::vector<SourceCase>& more :
        {unboxedLists(true), unboxedImmutables(), slotArrays(false), slotArrays(true)}) {
