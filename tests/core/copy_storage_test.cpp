@@ -142,17 +142,22 @@ TEST_F(CopyStorage, ObjectStorageOfTheTargetIsLeftAlone) {
   EXPECT_FALSE(record(target).linked);
 }
 
-TEST_F(CopyStorage, FailedAllocationLeavesBothRecordsValid) {
+TEST_F(CopyStorage, FailedAllocationLeavesBothRecordsAsTheyWere) {
   Handle source = primitiveList("Long");
   for (int i = 0; i < 20; ++i) primitiveListAppend(record(source), i, i);
   const RecordSnapshot before(record(source));
   Handle target;
-  const int failures = sweepAllocationFailures([&] { target = object("ArrayList"); },
-                                               [&] { copyPrimitiveListStorage(record(source), record(target)); },
-                                               [&] {
-                                                 EXPECT_VALID_LIST(target);
-                                                 EXPECT_EQ(RecordSnapshot(record(source)), before);
-                                               });
+  const int failures = sweepAllocationFailures(
+      [&] {
+        target = primitiveList("Int", {1, 2});
+      },
+      [&] { copyPrimitiveListStorage(record(source), record(target)); },
+      [&] {
+        EXPECT_VALID_LIST(target);
+        EXPECT_EQ(record(target).primitiveType.get(), "Int");
+        EXPECT_EQ(integersOf(record(target)), (std::vector<long long>{1, 2}));
+        EXPECT_EQ(RecordSnapshot(record(source)), before);
+      });
   EXPECT_EQ(failures, 1);
   EXPECT_EQ(record(target).primitive.size, 20u);
 }

@@ -1,10 +1,10 @@
 #include "collections/core/elements/storage_transitions.h"
 
 #include <atomic>
-#include <cstring>
 
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/kinds.h"
+#include "collections/core/storage/primitive_copies.h"
 
 namespace vc = vorn::collections;
 
@@ -16,6 +16,11 @@ void emptyObjectStorage(ListData& list) {
   } else {
     list.objects.clear();
   }
+}
+
+// What a list that takes over unboxed storage declares.
+RuntimeTypeName typeOfCopies(const ListData& source) {
+  return source.elementType.empty() ? source.primitiveType : source.elementType;
 }
 
 // Ends primitive storage once the object storage has taken its place. A size read without the lock asks for the kind,
@@ -67,19 +72,16 @@ void replaceWithObjects(ListData& list, const vc::HandleVector::Storage& values)
 }
 
 void copyPrimitiveListStorage(const ListData& source, ListData& target) {
-  const SmallPrimitiveBuffer& from = source.primitive;
-  SmallPrimitiveBuffer& to = target.primitive;
-  target.primitiveType = source.primitiveType;
+  // The elements' own width, which only a record that is not whole has different from its kind's.
+  const std::uint64_t count = source.primitive.size;
+  const std::uint64_t width = count != 0 && source.primitive.elementSize != 0
+                                  ? source.primitive.elementSize
+                                  : vc::primitiveWidth(source.primitiveKind);
+  target.primitive.resetFor(width, count);
   target.primitiveKind = source.primitiveKind;
-  target.elementType = !source.elementType.empty() ? source.elementType : source.primitiveType;
-  to.size = 0;
-  configurePrimitiveStorage(target, source.primitiveKind);
-  if (from.size == 0) return;
-  const std::uint64_t width = from.elementSize != 0 ? from.elementSize : 1;
-  if (to.elementSize != width) to.resetToInline(width);
-  to.reserve(from.size);
-  std::memcpy(to.data, from.data, from.size * width);
-  to.size = from.size;
+  target.primitiveType = source.primitiveType;
+  target.elementType = typeOfCopies(source);
+  vc::appendPrimitiveElements(source, 0, 1, count, target);
 }
 
 void clearListStorage(ListData& list) {
@@ -99,7 +101,7 @@ void resetToPrimitiveStorage(ListData& list, PrimitiveKind kind, RuntimeTypeName
 void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n) {
   resetToPrimitiveStorage(target, source.primitiveKind, source.primitiveType, n);
   if (!target.elementType.empty()) return;
-  target.elementType = !source.elementType.empty() ? source.elementType : source.primitiveType;
+  target.elementType = typeOfCopies(source);
 }
 
 }  // namespace vorn::collections

@@ -20,7 +20,7 @@ void materializePrimitiveList(ListData& list, std::uint64_t room = 0);
 // Allocates; on an exception the list is as it was.
 void replaceWithObjects(ListData& list, const vorn::collections::HandleVector::Storage& values);
 
-// Gives the target the same primitive storage as the source. Allocates.
+// Gives the target the same primitive storage as the source. Throws with nothing changed. Allocates.
 void copyPrimitiveListStorage(const ListData& source, ListData& target);
 
 // Empties the list: kind and primitiveType reset, all sizes 0, used slots nulled. elementType, `linked` and capacities
