@@ -1,5 +1,4 @@
-// Makers and descriptions shared by the tests of the library's core. The kinds are written out here once more, apart
-// from the table that the library is built from, so that a wrong row there fails a test.
+// Makers and descriptions shared by the tests of the library's core.
 #pragma once
 
 #include <cinttypes>
@@ -8,7 +7,6 @@
 #include <cstring>
 #include <initializer_list>
 #include <limits>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,47 +17,16 @@
 #include "collections/core/port/type_names.h"
 #include "collections/core/storage/list_data.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/kinds.h"
 #include "tests/support/lists.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
 
-using Kind = ListData::PrimitiveKind;
-
 inline constexpr long long kMinLong = std::numeric_limits<long long>::min();
 inline constexpr long long kMaxLong = std::numeric_limits<long long>::max();
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-// One type name that selects a kind, with what follows from the kind.
-struct NamedKind {
-  const char* name;
-  int value;
-  std::uint64_t width;
-  std::uint64_t inlineCapacity;
-
-  [[nodiscard]] Kind kind() const { return static_cast<Kind>(value); }
-  [[nodiscard]] bool isInteger() const { return value >= 1 && value <= 8; }
-  [[nodiscard]] bool isFloating() const { return value == 9 || value == 10; }
-  [[nodiscard]] bool is(std::string_view other) const { return other == name; }
-};
-
-// How tests with kinds as parameters name them in their reports.
-inline void PrintTo(const NamedKind& row, std::ostream* stream) { *stream << row.name; }
-
-inline constexpr NamedKind kNamedKinds[] = {
-    {"SByte", 1, 1, 128}, {"Byte", 2, 1, 128},   {"Short", 3, 2, 64},     {"UShort", 4, 2, 64}, {"CodeUnit", 4, 2, 64},
-    {"Int", 5, 4, 32},    {"UInt", 6, 4, 32},    {"Char", 6, 4, 32},      {"Long", 7, 8, 16},   {"ULong", 8, 8, 16},
-    {"Float", 9, 4, 32},  {"Double", 10, 8, 16}, {"Boolean", 11, 1, 128},
-};
-
-inline const NamedKind& namedKind(std::string_view name) {
-  for (const NamedKind& row : kNamedKinds) {
-    if (row.is(name)) return row;
-  }
-  ADD_FAILURE() << "no kind is named " << name;
-  return kNamedKinds[0];
-}
 
 inline Kind kindNumbered(int value) { return static_cast<Kind>(value); }
 

@@ -3,13 +3,17 @@
 #include <climits>
 #include <cstdio>
 
+#include "tests/support/kinds.h"
 #include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 
 const std::vector<std::string>& primitiveNames() {
-  static const std::vector<std::string> names = {"SByte", "Byte", "Short", "UShort", "CodeUnit", "Int",    "UInt",
-                                                 "Char",  "Long", "ULong", "Float",  "Double",   "Boolean"};
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> all;
+    for (const NamedKind& row : kNamedKinds) all.emplace_back(row.name);
+    return all;
+  }();
   return names;
 }
 
