@@ -85,6 +85,22 @@ class ValuesTest(VornTest):
         self.assertTrue(math.isnan(vorn.unboxed(floating('Double', math.nan))))
         self.assertEqual(vorn.unboxed(floating('Float', 0.5)), 0.5)
 
+    def test_each_type_boxes_without_its_name(self):
+        for name, (suffix, c_type) in vorn.TYPED_BOXES.items():
+            for value in INTEGER_TYPES.get(name, (-0.5, 2.0**100)):
+                with self.subTest(type=name, value=value):
+                    box = vorn.Slot(getattr(runtime, f'box_{suffix}')(value))
+                    self.assertEqual(vorn.type_name(box), f'vorn.{name}')
+                    self.assertEqual(vorn.unboxed(box), value)
+                    read = c_type(5)
+                    self.assertTrue(getattr(runtime, f'unbox_{suffix}')(box, read))
+                    self.assertEqual(read.value, value)
+                    for other, (other_suffix, other_type) in vorn.TYPED_BOXES.items():
+                        kept = other_type(5)
+                        self.assertEqual(getattr(runtime, f'unbox_{other_suffix}')(box, kept), other == name)
+                        if other != name:
+                            self.assertEqual(kept.value, 5)
+
     def test_booleans_are_two_shared_boxes(self):
         self.assertIs(vorn.unboxed(boolean(True)), True)
         self.assertIs(vorn.unboxed(boolean(False)), False)
@@ -447,6 +463,7 @@ class HeapTest(VornTest):
         makers = {
             'box_integer': lambda: runtime.box_integer(b'Int', 5),
             'box_floating': lambda: runtime.box_floating(b'Double', 5),
+            'box_long': lambda: runtime.box_long(5),
             'string_new': lambda: runtime.string_new(b'some text', 9),
             'text_new': lambda: runtime.text_new(b'some text'),
             'object_new (list)': lambda: runtime.object_new(b'ArrayList<Int>'),

@@ -80,6 +80,36 @@ VORN_RUNTIME_EXPORT int vorn_unbox_integer(void* handle, int64_t* value);
 VORN_RUNTIME_EXPORT int vorn_unbox_floating(void* handle, double* value);
 VORN_RUNTIME_EXPORT int vorn_unbox_boolean(void* handle, bool* value);
 
+/* A new box of one type each, without a look-up of its name: what compiled code calls, and what a loop should. A Char is
+ * given as its code point. Null when there is no memory. Allocate. */
+VORN_RUNTIME_EXPORT void* vorn_box_sbyte(int8_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_byte(uint8_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_short(int16_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_ushort(uint16_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_int(int32_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_uint(uint32_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_long(int64_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_ulong(uint64_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_float(float value);
+VORN_RUNTIME_EXPORT void* vorn_box_double(double value);
+VORN_RUNTIME_EXPORT void* vorn_box_char(uint32_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_code_unit(uint16_t value);
+
+/* The value of a box of exactly that type; of an integer outside the type's range, which vorn_box_integer can box, the
+ * low bits. 0, with *value unchanged, for any other handle. */
+VORN_RUNTIME_EXPORT int vorn_unbox_sbyte(void* handle, int8_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_byte(void* handle, uint8_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_short(void* handle, int16_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_ushort(void* handle, uint16_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_int(void* handle, int32_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_uint(void* handle, uint32_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_long(void* handle, int64_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_ulong(void* handle, uint64_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_float(void* handle, float* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_double(void* handle, double* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_char(void* handle, uint32_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_code_unit(void* handle, uint16_t* value);
+
 /* A new String object. `length` bytes of UTF-8, or up to the NUL when it is SIZE_MAX. Allocates. */
 VORN_RUNTIME_EXPORT void* vorn_string_new(const char* text, size_t length);
 
