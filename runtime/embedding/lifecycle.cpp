@@ -93,6 +93,7 @@ void vorn_runtime_stop(void) {
   if (ThreadState* thread = currentThread) {
     thread->errors.clear();
     thread->roots.clear();
+    thread->smallBlocks.drop();
   }
 }
 

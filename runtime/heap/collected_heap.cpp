@@ -26,8 +26,9 @@ bool isFirstThreadOfProcess() { return syscall(SYS_gettid) == getpid(); }
 // allocate nothing. A range on a stack is marked twice, which costs less than telling it from one that is not.
 void pushRoots() {
   if (previousPushOtherRoots != nullptr) previousPushOtherRoots();
-  forEachThread([](const ThreadState& thread) {
+  forEachThread([](ThreadState& thread) {
     thread.roots.forEach([](void** first, void** end) { GC_push_all_eager(first, end); });
+    thread.smallBlocks.forEach([](void* block) { GC_set_mark_bit(block); });
   });
   GlobalRoots::instance().forEach([](void** slot) { GC_push_all_eager(slot, slot + 1); });
 }
