@@ -43,14 +43,22 @@ typedef struct vorn_runtime_options {
   /* Seed of the stress schedule, of nextFastRandomU64 and, at the process's first start, of the hashes of keys. 0 picks
    * a fixed default for the first two and random bits for the hashes, which no order that a program sees depends on. */
   uint64_t seed;
+  /* Collected heap only, at the process's first start: the megabytes that the heap has from the beginning, or as much of
+   * them as the system gives, and that are allocated at least between two collections. 0 picks the default, 8; at most
+   * 262,144. */
+  unsigned collected_room_megabytes;
+  /* Collected heap only, at the process's first start: beside what is alive, the heap makes room for about this fraction
+   * of it, 1 in this number. A larger number takes less memory and more time. 0 picks the default, 1. */
+  unsigned collected_free_space_divisor;
 } vorn_runtime_options;
 
 /* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
  * has. 0 when it is already running with another heap. The calling thread is attached. */
 VORN_RUNTIME_EXPORT int vorn_runtime_start(const vorn_runtime_options* options);
 
-/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" (heap=collected|plain|stress) into *options,
- * which is first filled with the defaults. 0, with nothing changed, for anything it does not know. */
+/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" or "heap=collected,room=64,divisor=3"
+ * (heap=collected|plain|stress) into *options, which is first filled with the defaults. 0, with nothing changed, for
+ * anything it does not know. */
 VORN_RUNTIME_EXPORT int vorn_runtime_parse_options(const char* text, vorn_runtime_options* options);
 
 /* Stops the runtime: clears the calling thread's errors and roots and ends further collection. Objects must not be
