@@ -118,7 +118,7 @@ void addAllOfSet(benchmark::State& state, std::int64_t elements) {
   addingAll(state, elements, "ArrayList<Object>", "HashSet", [](void* set, std::int64_t count) {
     Handle box;
     for (std::int64_t i = 0; i < count; ++i) {
-      box = vorn_box_integer("Int", i);
+      box = vorn_box_int(static_cast<std::int32_t>(i));
       vorn_collections_HashSet_add(set, box);
     }
   });

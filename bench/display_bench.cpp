@@ -84,7 +84,7 @@ void displayMap(benchmark::State& state, std::int64_t elements) {
   const Handle map(vorn_object_new("Map<Int,Int>"));
   Handle box;
   for (std::int64_t i = 0; i < elements; ++i) {
-    box = vorn_box_integer("Int", i);
+    box = vorn_box_int(static_cast<std::int32_t>(i));
     vorn_collections_Map_put(map, box, box);
   }
   makeTexts(state, elements, [&] { return vorn_collections_Map_toString(map); });

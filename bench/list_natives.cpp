@@ -61,9 +61,9 @@ void searchList(benchmark::State& state, std::int64_t elements, const char* clas
   countElements(state, elements);
 }
 
-void* absentInt() { return vorn_box_integer("Int", kAbsent); }
+void* absentInt() { return vorn_box_int(kAbsent); }
 
-void* absentDouble() { return vorn_box_floating("Double", kAbsent); }
+void* absentDouble() { return vorn_box_double(kAbsent); }
 
 long long indexOf(void* list, void* value) { return vorn_collections_ArrayList_indexOf(list, value, 0); }
 
@@ -131,7 +131,7 @@ void operatorIndex(benchmark::State& state, std::int64_t elements) {
 }
 
 void operatorIndexEq(benchmark::State& state, std::int64_t elements) {
-  const Handle box(vorn_box_integer("Int", 42));
+  const Handle box(vorn_box_int(42));
   visitList(state, elements, "ArrayList<Int>", fillInts,
             [&box](void* list, std::int64_t i) { vorn_collections_ArrayList_operator_index_eq(list, i, box); });
 }

@@ -40,7 +40,7 @@ inline void fillDoubles(void* list, std::int64_t elements) {
 inline void fillBoxes(void* list, std::int64_t elements) {
   Handle box;
   for (std::int64_t i = 0; i < elements; ++i) {
-    box = vorn_box_integer("Int", elementAt(i));
+    box = vorn_box_int(elementAt(i));
     vorn_collections_ArrayList_add(list, box);
   }
 }

@@ -3,6 +3,7 @@
 #include <vorn/collections/array_list.h>
 #include <vorn/runtime.hpp>
 
+#include <cstdint>
 #include <new>
 
 #include "text_reader.h"
@@ -23,7 +24,7 @@ void* newObject(const char* className) { return orBadAlloc(vorn_object_new(class
 
 void* newString(std::string_view text) { return orBadAlloc(vorn_string_new(text.data(), text.size())); }
 
-void* newInt(long long value) { return orBadAlloc(vorn_box_integer("Int", value)); }
+void* newInt(long long value) { return orBadAlloc(vorn_box_int(static_cast<std::int32_t>(value))); }
 
 WordLists::WordLists()
     : words(newObject("ArrayList<String>")),

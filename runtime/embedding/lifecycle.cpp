@@ -37,6 +37,10 @@ bool parseFlag(std::string_view text, int& flag) {
   return true;
 }
 
+bool isRoom(unsigned megabytes) { return megabytes <= kMostRoomMegabytes; }
+
+bool parseRoom(std::string_view text, unsigned& megabytes) { return parseNumber(text, megabytes) && isRoom(megabytes); }
+
 // One "name=value".
 bool parseOption(std::string_view option, vorn_runtime_options& options) {
   const std::size_t equals = option.find('=');
@@ -47,6 +51,8 @@ bool parseOption(std::string_view option, vorn_runtime_options& options) {
   if (name == "stacks") return parseFlag(value, options.stress_scans_stacks);
   if (name == "one-in") return parseNumber(value, options.stress_collect_one_in);
   if (name == "seed") return parseNumber(value, options.seed);
+  if (name == "room") return parseRoom(value, options.collected_room_megabytes);
+  if (name == "divisor") return parseNumber(value, options.collected_free_space_divisor);
   return false;
 }
 
@@ -57,6 +63,7 @@ bool readOptions(const vorn_runtime_options* given, vorn_runtime_options& option
   if (given->struct_size < offsetof(vorn_runtime_options, stress_scans_stacks)) return false;
   std::memcpy(&options, given, given->struct_size < sizeof(options) ? given->struct_size : sizeof(options));
   options.struct_size = sizeof(options);
+  if (!isRoom(options.collected_room_megabytes)) return false;
   return options.heap == VORN_HEAP_COLLECTED || options.heap == VORN_HEAP_PLAIN || options.heap == VORN_HEAP_STRESS;
 }
 
@@ -93,6 +100,7 @@ void vorn_runtime_stop(void) {
   if (ThreadState* thread = currentThread) {
     thread->errors.clear();
     thread->roots.clear();
+    thread->smallBlocks.drop();
   }
 }
 

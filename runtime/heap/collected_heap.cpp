@@ -16,8 +16,6 @@ namespace vorn::runtime {
 
 namespace {
 
-constexpr std::size_t kInitialHeapBytes = std::size_t{64} << 20;
-
 GC_push_other_roots_proc previousPushOtherRoots;
 
 bool isFirstThreadOfProcess() { return syscall(SYS_gettid) == getpid(); }
@@ -26,13 +24,14 @@ bool isFirstThreadOfProcess() { return syscall(SYS_gettid) == getpid(); }
 // allocate nothing. A range on a stack is marked twice, which costs less than telling it from one that is not.
 void pushRoots() {
   if (previousPushOtherRoots != nullptr) previousPushOtherRoots();
-  forEachThread([](const ThreadState& thread) {
+  forEachThread([](ThreadState& thread) {
     thread.roots.forEach([](void** first, void** end) { GC_push_all_eager(first, end); });
+    thread.smallBlocks.forEach([](void* block) { GC_set_mark_bit(block); });
   });
   GlobalRoots::instance().forEach([](void** slot) { GC_push_all_eager(slot, slot + 1); });
 }
 
-void initialiseCollector() {
+void initialiseCollector(const CollectorTuning& tuning) {
   // A handle in the heap is the base of its block; with interior pointers off, a block of 32 bytes takes 32 and false
   // retention is rarer. Pointers on stacks and in registers may be interior all the same.
   GC_set_all_interior_pointers(0);
@@ -55,7 +54,9 @@ void initialiseCollector() {
           &base);
     }
   }
-  if (GC_get_heap_size() < kInitialHeapBytes) GC_expand_hp(kInitialHeapBytes - GC_get_heap_size());
+  GC_set_free_space_divisor(tuning.freeSpaceDivisor);
+  GC_set_min_bytes_allocd(tuning.roomBytes);
+  if (GC_get_heap_size() < tuning.roomBytes) GC_expand_hp(tuning.roomBytes - GC_get_heap_size());
   GC_allow_register_threads();
   previousPushOtherRoots = GC_get_push_other_roots();
   GC_set_push_other_roots(pushRoots);
@@ -133,8 +134,8 @@ class CollectedHeap final : public HeapBackend {
 
 }  // namespace
 
-HeapBackend* makeCollectedHeap() {
-  initialiseCollector();
+HeapBackend* makeCollectedHeap(const CollectorTuning& tuning) {
+  initialiseCollector(tuning);
   static CollectedHeap heap;
   return &heap;
 }

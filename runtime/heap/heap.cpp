@@ -1,5 +1,5 @@
-// The allocation path. On the collected heap an allocation is two tests, two counters and the collector library's own
-// call; everything rarer is in allocateSlowly.
+// The allocation path. On the collected heap an allocation is three tests, two counters and a block off a list of the
+// thread's own, or for a larger block the collector library's call; everything rarer is in allocateSlowly.
 #include "runtime/heap/heap.h"
 
 #include <gc/gc.h>
@@ -36,11 +36,16 @@ __attribute__((noinline, cold)) void* allocateSlowly(std::size_t bytes, BlockKin
 }
 
 template <BlockKind kind>
+inline void* largerBlock(std::size_t bytes) noexcept {
+  return kind == BlockKind::Scanned ? GC_malloc(bytes) : GC_malloc_atomic(bytes);
+}
+
+template <BlockKind kind>
 inline void* allocate(std::size_t bytes) noexcept {
   ThreadState* const thread = currentThread;
   if (thread == nullptr || thread->allocatesSlowly || bytes > kLargestBlock) [[unlikely]]
     return allocateSlowly(bytes, kind);
-  void* const block = kind == BlockKind::Scanned ? GC_malloc(bytes) : GC_malloc_atomic(bytes);
+  void* const block = bytes <= SmallBlocks::kLargest ? thread->smallBlocks.take<kind>(bytes) : largerBlock<kind>(bytes);
   if (block == nullptr) [[unlikely]]
     return allocateSlowly(bytes, kind);
   thread->countAllocation(bytes);

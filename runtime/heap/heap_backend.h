@@ -4,14 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "runtime/heap/block_kind.h"
 #include "runtime/threads/thread_state.h"
 
 namespace vorn::runtime {
-
-enum class BlockKind : std::uint8_t {
-  Scanned,  // zeroed; searched for handles
-  Atomic,   // contents undefined; never searched
-};
 
 struct HeapUsage {
   std::uint64_t bytesLive;

@@ -9,6 +9,9 @@
 
 namespace vorn::runtime {
 
+// More room at the start than any machine gives would only overflow.
+inline constexpr unsigned kMostRoomMegabytes = 262'144;
+
 // The options that null stands for: the collected heap.
 [[nodiscard]] vorn_runtime_options defaultOptions();
 

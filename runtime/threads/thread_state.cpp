@@ -63,6 +63,7 @@ void detachCurrentThread() noexcept {
   currentThread = nullptr;
   pthread_setspecific(detachKey(), nullptr);
   state->roots.clear();
+  state->smallBlocks.drop();
   clearPendingErrorsOf(state->errors);
   state->errors.shrink_to_fit();
   state->errorsRaised = 0;

@@ -13,6 +13,7 @@
 
 #include "runtime/errors/pending_errors.h"
 #include "runtime/heap/root_range_stack.h"
+#include "runtime/heap/small_blocks.h"
 
 namespace vorn::runtime {
 
@@ -26,6 +27,7 @@ struct ThreadState {
   std::atomic<std::uint64_t> bytesAllocated{0};
 
   RootRangeStack roots;
+  SmallBlocks smallBlocks;
 
   // ---- Touched now and then; owner only.
 

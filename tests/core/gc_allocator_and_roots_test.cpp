@@ -18,7 +18,7 @@ class GcAllocatorAndRoots : public RuntimeTest {};
 // Overwrites what a wrongly freed block left behind: collects, then allocates boxes of another value.
 void disturbTheHeap(int allocations = 20) {
   vorn_heap_collect();
-  for (int i = 0; i < allocations; ++i) vorn_box_integer("Long", 0x5A5A5A5A);
+  for (int i = 0; i < allocations; ++i) vorn_box_long(0x5A5A5A5A);
   vorn_heap_collect();
 }
 
@@ -63,7 +63,7 @@ TEST_F(GcAllocatorAndRoots, Allocator_BlockIsScannedForHandles) {
   RootedHandle root(allocator.allocate(10));
   void** block = static_cast<void**>(root.get());
   std::fill(block, block + 10, nullptr);
-  for (int i = 0; i < 10; ++i) block[i] = vorn_box_integer("Int", i);
+  for (int i = 0; i < 10; ++i) block[i] = vorn_box_int(i);
   disturbTheHeap();
   for (int i = 0; i < 10; ++i) EXPECT_EQ(valueOf(block[i]), i);
 }
@@ -100,7 +100,7 @@ TEST_F(GcAllocatorAndRoots, Allocator_ServesNodeContainers) {
 // ---- Roots ----------------------------------------------------------------------------------------------------------
 
 TEST_F(GcAllocatorAndRoots, RootedHandle_KeepsItsHandle) {
-  RootedHandle root(vorn_box_integer("Int", 42));
+  RootedHandle root(vorn_box_int(42));
   disturbTheHeap();
   EXPECT_EQ(valueOf(root.get()), 42);
 }
@@ -109,7 +109,7 @@ TEST_F(GcAllocatorAndRoots, RootedHandle_StartsNullAndKeepsWhatIsAssigned) {
   RootedHandle root;
   EXPECT_EQ(root.get(), nullptr);
   for (int i = 0; i < 3; ++i) {
-    root = vorn_box_integer("Int", i);
+    root = vorn_box_int(i);
     disturbTheHeap();
     EXPECT_EQ(valueOf(root.get()), i);
   }
@@ -118,11 +118,11 @@ TEST_F(GcAllocatorAndRoots, RootedHandle_StartsNullAndKeepsWhatIsAssigned) {
 }
 
 TEST_F(GcAllocatorAndRoots, RootedHandle_NestAndAreReleasedByScope) {
-  RootedHandle outer(vorn_box_integer("Int", 1));
+  RootedHandle outer(vorn_box_int(1));
   for (int round = 0; round < 3; ++round) {
-    RootedHandle middle(vorn_box_integer("Int", 2));
+    RootedHandle middle(vorn_box_int(2));
     {
-      RootedHandle inner(vorn_box_integer("Int", 3));
+      RootedHandle inner(vorn_box_int(3));
       disturbTheHeap();
       EXPECT_EQ(valueOf(inner.get()), 3);
     }
@@ -134,10 +134,10 @@ TEST_F(GcAllocatorAndRoots, RootedHandle_NestAndAreReleasedByScope) {
 }
 
 TEST_F(GcAllocatorAndRoots, RootedHandle_IsReleasedWhenAnExceptionUnwinds) {
-  RootedHandle outer(vorn_box_integer("Int", 1));
+  RootedHandle outer(vorn_box_int(1));
   for (int i = 0; i < 3; ++i) {
     try {
-      RootedHandle inner(vorn_box_integer("Int", 2));
+      RootedHandle inner(vorn_box_int(2));
       throw 1;
     } catch (int) {
     }
@@ -149,7 +149,7 @@ TEST_F(GcAllocatorAndRoots, RootedHandle_IsReleasedWhenAnExceptionUnwinds) {
 TEST_F(GcAllocatorAndRoots, RootedRange_KeepsEverySlot) {
   void* slots[5] = {};
   const RootedRange root(slots, sizeof(slots));
-  for (int i = 0; i < 5; ++i) slots[i] = vorn_box_integer("Int", i);
+  for (int i = 0; i < 5; ++i) slots[i] = vorn_box_int(i);
   disturbTheHeap();
   for (int i = 0; i < 5; ++i) EXPECT_EQ(valueOf(slots[i]), i);
 }
@@ -158,7 +158,7 @@ TEST_F(GcAllocatorAndRoots, RootedRange_MayBeEmpty) {
   const RootedRange nothing(nullptr, 0);
   void* slot = nullptr;
   const RootedRange alsoNothing(&slot, 0);
-  RootedHandle root(vorn_box_integer("Int", 6));
+  RootedHandle root(vorn_box_int(6));
   disturbTheHeap();
   EXPECT_EQ(valueOf(root.get()), 6);
 }
@@ -166,10 +166,10 @@ TEST_F(GcAllocatorAndRoots, RootedRange_MayBeEmpty) {
 TEST_F(GcAllocatorAndRoots, RootedRange_TheSameRangeMayBeRootedTwice) {
   void* slots[2] = {};
   const RootedRange outer(slots, sizeof(slots));
-  slots[0] = vorn_box_integer("Int", 10);
+  slots[0] = vorn_box_int(10);
   {
     const RootedRange inner(slots, sizeof(slots));
-    slots[1] = vorn_box_integer("Int", 11);
+    slots[1] = vorn_box_int(11);
     disturbTheHeap();
   }
   disturbTheHeap();
@@ -213,7 +213,7 @@ TEST_F(GcAllocatorAndRoots, HandleVector_KeepsEveryHandleThroughItsGrowth) {
   const int count = onStressHeap() ? 300 : 5000;
   HandleVector values;
   for (int i = 0; i < count; ++i) {
-    RootedHandle box(vorn_box_integer("Int", i));
+    RootedHandle box(vorn_box_int(i));
     values->push_back(box.get());
   }
   disturbTheHeap();
@@ -223,7 +223,7 @@ TEST_F(GcAllocatorAndRoots, HandleVector_KeepsEveryHandleThroughItsGrowth) {
 
 TEST_F(GcAllocatorAndRoots, HandleVector_FailedGrowthKeepsItsContents) {
   HandleVector values;
-  RootedHandle box(vorn_box_integer("Int", 5));
+  RootedHandle box(vorn_box_int(5));
   values->reserve(4);
   while (values->size() < values->capacity()) values->push_back(box.get());
   const std::size_t size = values->size();
@@ -238,7 +238,7 @@ TEST_F(GcAllocatorAndRoots, HandleVector_SeveralLiveAtOnce) {
   HandleVector first;
   HandleVector second;
   for (int i = 0; i < 40; ++i) {
-    RootedHandle box(vorn_box_integer("Int", i));
+    RootedHandle box(vorn_box_int(i));
     (i % 2 == 0 ? first : second)->push_back(box.get());
     HandleVector passing;
     passing->push_back(box.get());

@@ -34,6 +34,34 @@ static int64_t integer_of(void* handle) {
   return value;
 }
 
+/* A box and its value by the functions of one type; a box of another type is refused. */
+#define CHECK_BOX(type, suffix, type_name, extreme)                \
+  do {                                                             \
+    type value = 0;                                                \
+    box = vorn_box_##suffix(extreme);                              \
+    CHECK(strcmp(vorn_type_name(box), "vorn." type_name) == 0);    \
+    CHECK(vorn_unbox_##suffix(box, &value) && value == (extreme)); \
+    CHECK(!vorn_unbox_##suffix(vorn_box_boolean(true), &value));   \
+  } while (0)
+
+static void check_boxes(void) {
+  void* box = NULL;
+  vorn_root_add(&box);
+  CHECK_BOX(int8_t, sbyte, "SByte", INT8_MIN);
+  CHECK_BOX(uint8_t, byte, "Byte", UINT8_MAX);
+  CHECK_BOX(int16_t, short, "Short", INT16_MIN);
+  CHECK_BOX(uint16_t, ushort, "UShort", UINT16_MAX);
+  CHECK_BOX(int32_t, int, "Int", INT32_MIN);
+  CHECK_BOX(uint32_t, uint, "UInt", UINT32_MAX);
+  CHECK_BOX(int64_t, long, "Long", INT64_MIN);
+  CHECK_BOX(uint64_t, ulong, "ULong", UINT64_MAX);
+  CHECK_BOX(float, float, "Float", 0.1F);
+  CHECK_BOX(double, double, "Double", 0.1);
+  CHECK_BOX(uint32_t, char, "Char", UINT32_C(0x10FFFF));
+  CHECK_BOX(uint16_t, code_unit, "CodeUnit", UINT16_MAX);
+  vorn_root_remove(&box);
+}
+
 static void check_unboxed_list(void) {
   void* list = NULL;
   void* value = NULL;
@@ -43,7 +71,7 @@ static void check_unboxed_list(void) {
   CHECK(vorn_is_object(list));
   CHECK(strcmp(vorn_type_name(list), "vorn.collections.ArrayList<Int>") == 0);
   for (int i = 0; i < 33; ++i) vorn_collections_ArrayList_addInt(list, 100 + i);
-  value = vorn_box_integer("Int", 7);
+  value = vorn_box_int(7);
   vorn_collections_ArrayList_add(list, value);
   vorn_collections_ArrayList_operator_index_eq(list, 0, value);
 
@@ -112,7 +140,7 @@ static void check_sequences(void) {
   vorn_root_add(&list);
   vorn_root_add(&map);
   items[0] = vorn_string_new("answer", SIZE_MAX);
-  items[1] = vorn_box_integer("Int", 42);
+  items[1] = vorn_box_int(42);
   tuple = vorn_tuple_new("Tuple<String,Int>", items, 2);
   CHECK(strcmp(vorn_type_name(tuple), "vorn.collections.Tuple<String,Int>") == 0);
   CHECK(vorn_collections_Tuple_size(tuple) == 2);
@@ -148,6 +176,7 @@ int main(void) {
     fprintf(stderr, "cannot start the runtime with VORN_TEST_HEAP=%s\n", heap != NULL ? heap : "(unset)");
     return 1;
   }
+  check_boxes();
   check_unboxed_list();
   check_list_of_texts("ArrayList<String>");
   check_list_of_texts("ArrayListSync<String>");

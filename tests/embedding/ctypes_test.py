@@ -85,6 +85,22 @@ class ValuesTest(VornTest):
         self.assertTrue(math.isnan(vorn.unboxed(floating('Double', math.nan))))
         self.assertEqual(vorn.unboxed(floating('Float', 0.5)), 0.5)
 
+    def test_each_type_boxes_without_its_name(self):
+        for name, (suffix, c_type) in vorn.TYPED_BOXES.items():
+            for value in INTEGER_TYPES.get(name, (-0.5, 2.0**100)):
+                with self.subTest(type=name, value=value):
+                    box = vorn.Slot(getattr(runtime, f'box_{suffix}')(value))
+                    self.assertEqual(vorn.type_name(box), f'vorn.{name}')
+                    self.assertEqual(vorn.unboxed(box), value)
+                    read = c_type(5)
+                    self.assertTrue(getattr(runtime, f'unbox_{suffix}')(box, read))
+                    self.assertEqual(read.value, value)
+                    for other, (other_suffix, other_type) in vorn.TYPED_BOXES.items():
+                        kept = other_type(5)
+                        self.assertEqual(getattr(runtime, f'unbox_{other_suffix}')(box, kept), other == name)
+                        if other != name:
+                            self.assertEqual(kept.value, 5)
+
     def test_booleans_are_two_shared_boxes(self):
         self.assertIs(vorn.unboxed(boolean(True)), True)
         self.assertIs(vorn.unboxed(boolean(False)), False)
@@ -447,6 +463,7 @@ class HeapTest(VornTest):
         makers = {
             'box_integer': lambda: runtime.box_integer(b'Int', 5),
             'box_floating': lambda: runtime.box_floating(b'Double', 5),
+            'box_long': lambda: runtime.box_long(5),
             'string_new': lambda: runtime.string_new(b'some text', 9),
             'text_new': lambda: runtime.text_new(b'some text'),
             'object_new (list)': lambda: runtime.object_new(b'ArrayList<Int>'),
@@ -482,6 +499,50 @@ class OptionsTest(VornTest):
         for text in (b'heap=none', b'colour=red', b'heap', b'one-in=x'):
             self.assertFalse(runtime.runtime_parse_options(text, options), text)
         self.assertEqual(options.heap, vorn.HEAP_PLAIN)
+
+    def test_room_and_divisor_are_read_from_text(self):
+        options = vorn.Options()
+        self.assertTrue(runtime.runtime_parse_options(b'heap=collected,room=64,divisor=3', options))
+        self.assertEqual((options.collected_room_megabytes, options.collected_free_space_divisor), (64, 3))
+        for text in (b'room=', b'room=1M', b'room=262145', b'divisor=x', b'divisor=-1'):
+            self.assertFalse(runtime.runtime_parse_options(text, options), text)
+        self.assertEqual((options.collected_room_megabytes, options.collected_free_space_divisor), (64, 3))
+
+    @staticmethod
+    def collections_beside(live_megabytes, options):
+        """How often a process of its own collects while it drops 100 blocks of a megabyte beside living ones."""
+        program = '''
+import sys
+import vorn_ctypes as vorn
+options = vorn.Options()
+assert vorn.runtime.runtime_parse_options(sys.argv[1].encode(), options) and vorn.runtime.runtime_start(options)
+megabyte = b'x' * 2**20
+living = [vorn.Slot(vorn.runtime.string_new(megabyte, len(megabyte))) for _ in range(int(sys.argv[2]))]
+vorn.runtime.heap_collect()
+before = vorn.statistics().collections
+for _ in range(100):
+    vorn.runtime.string_new(megabyte, len(megabyte))
+print(vorn.statistics().collections - before)
+'''
+        done = subprocess.run([sys.executable, '-c', program, options, str(live_megabytes)], capture_output=True, text=True,
+                              cwd=os.path.dirname(os.path.abspath(__file__)), timeout=60, check=True)
+        return int(done.stdout)
+
+    def test_room_is_what_is_allocated_between_collections(self):
+        self.assertEqual(self.collections_beside(0, 'heap=collected,room=256'), 0)
+        some, many = (self.collections_beside(0, f'heap=collected,room={room}') for room in (16, 2))
+        self.assertGreater(some, 0)
+        self.assertLessEqual(some, 100 // 16)
+        self.assertGreater(many, 2 * some)
+
+    def test_divisor_is_the_room_beside_what_is_alive(self):
+        few, many = (self.collections_beside(64, f'heap=collected,room=1,divisor={divisor}') for divisor in (1, 16))
+        self.assertLessEqual(few, 4)
+        self.assertGreater(many, 4 * few)
+
+    def test_zeros_in_the_options_are_the_defaults(self):
+        by_default = self.collections_beside(0, 'heap=collected')
+        self.assertEqual(self.collections_beside(0, 'heap=collected,room=0,divisor=0'), by_default)
 
     def test_a_second_start_needs_the_same_heap(self):
         self.assertTrue(vorn.start())

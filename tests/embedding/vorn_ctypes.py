@@ -7,8 +7,8 @@ is used again after a call that may allocate sits in a Slot: the stress heap fin
 import ctypes
 import keyword
 import os
-from ctypes import (CFUNCTYPE, POINTER, Structure, c_bool, c_char_p, c_double, c_int, c_int64, c_longlong, c_size_t,
-                    c_uint, c_uint64, c_void_p)
+from ctypes import (CFUNCTYPE, POINTER, Structure, c_bool, c_char_p, c_double, c_float, c_int, c_int8, c_int16, c_int32,
+                    c_int64, c_longlong, c_size_t, c_uint, c_uint8, c_uint16, c_uint32, c_uint64, c_void_p)
 
 HEAP_COLLECTED, HEAP_PLAIN, HEAP_STRESS = 0, 1, 2
 FIELD_INTEGER, FIELD_FLOATING, FIELD_HANDLE = 0, 1, 2
@@ -17,7 +17,8 @@ LIST_OBJECTS, LIST_LINKED, LIST_PRIMITIVE = 0, 1, 2
 
 class Options(Structure):
     _fields_ = [('struct_size', c_size_t), ('heap', c_int), ('stress_scans_stacks', c_int),
-                ('stress_collect_one_in', c_uint), ('seed', c_uint64)]
+                ('stress_collect_one_in', c_uint), ('seed', c_uint64), ('collected_room_megabytes', c_uint),
+                ('collected_free_space_divisor', c_uint)]
 
 
 class FieldDefinition(Structure):
@@ -45,6 +46,22 @@ class ListStorageInfo(Structure):
     _fields_ = [('storage', c_int), ('element_type', c_char_p), ('primitive_type', c_char_p), ('size', c_uint64),
                 ('capacity', c_uint64), ('bytes_per_element', c_uint64)]
 
+
+# The primitive types with a boxing and an unboxing function each: the functions' suffix, the type of C.
+TYPED_BOXES = {
+    'SByte': ('sbyte', c_int8),
+    'Byte': ('byte', c_uint8),
+    'Short': ('short', c_int16),
+    'UShort': ('ushort', c_uint16),
+    'Int': ('int', c_int32),
+    'UInt': ('uint', c_uint32),
+    'Long': ('long', c_int64),
+    'ULong': ('ulong', c_uint64),
+    'Float': ('float', c_float),
+    'Double': ('double', c_double),
+    'Char': ('char', c_uint32),
+    'CodeUnit': ('code_unit', c_uint16),
+}
 
 # Every function of vorn/runtime.h: result, arguments.
 RUNTIME = {
@@ -87,6 +104,9 @@ RUNTIME = {
     'vorn_heap_failure_happened': (c_int, []),
     'vorn_list_get_storage': (c_int, [c_void_p, POINTER(ListStorageInfo)]),
 }
+for _suffix, _type in TYPED_BOXES.values():
+    RUNTIME[f'vorn_box_{_suffix}'] = (c_void_p, [_type])
+    RUNTIME[f'vorn_unbox_{_suffix}'] = (c_int, [c_void_p, POINTER(_type)])
 
 # Operations of the runtime for which there is no native yet; the second is a C++ function with a bool reference.
 OPERATIONS = {

@@ -7,6 +7,8 @@
   helpers of other modules, with VORN_EXPORT. Nothing else in the library bears either mark.
 - Apart from the C and C++ libraries it needs nothing but operations that the headers of core/port declare: it has no
   hidden dependency.
+- The runtime library exports every function of the embedding API's header, which has a function for boxing and one for
+  unboxing each row of the table of primitive types, in the row's own type of C.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
   and the collector's GC_ functions.
 """
@@ -18,6 +20,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PUBLIC_HEADERS = ROOT / "collections/include"
+RUNTIME_HEADER = ROOT / "runtime/include/vorn/runtime.h"
+KINDS = ROOT / "collections/core/kinds.def"
 PORT_HEADERS = sorted((ROOT / "collections/core/port").glob("*.h"))
 
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
@@ -25,6 +29,9 @@ PREPROCESSOR = re.compile(r"^[ \t]*#(?:[^\n\\]|\\\n|\\.)*", re.MULTILINE)
 # The name that a mark declares: the last word before the parameters, an initialiser or the end.
 NATIVE = re.compile(r"\bVORN_NATIVE\b[^;(){}=]*?\b(\w+)\s*\(")
 HELPER = re.compile(r"\bVORN_EXPORT\b[^;(){}=]*?\b(\w+)\s*\(")
+EMBEDDING = re.compile(r"\bVORN_RUNTIME_EXPORT\b([^;(){}=]*?)\b(\w+)\s*\(([^()]*)\)")
+KIND_ROW = re.compile(r"^VORN_PRIMITIVE_KIND\(\d+, (\w+), ([\w:]+),", re.MULTILINE)
+CHARACTER_ROW = re.compile(r"^VORN_CHARACTER_TYPE\((\w+), (\w+)\)", re.MULTILINE)
 MARK = re.compile(r"\bVORN_(?:NATIVE|EXPORT)\b|\bvisibility\s*\(\s*\"default\"")
 VARIABLE = re.compile(r"\bextern\s[^;(){}]*?\b(\w+)\s*;")
 FUNCTION = re.compile(r"\b(\w+)\s*\([^(){};]*\)\s*(?:const\s*)?(?:noexcept\s*)?;")
@@ -68,6 +75,22 @@ class Library:
                 self.exported.add(symbol.split("@")[0])
 
 
+def boxing_functions():
+    """What the header has to declare for the rows of the table: result and parameters by name."""
+    table = KINDS.read_text(encoding="utf-8")
+    types = {name: spelling.removeprefix("std::") for name, spelling in KIND_ROW.findall(table)}
+    types.update({name: types[kind] for name, kind in CHARACTER_ROW.findall(table)})
+    expected = {}
+    for name, c_type in types.items():
+        if name == "Boolean":
+            c_type = "bool"
+        # SByte is one word, CodeUnit is two.
+        suffix = "code_unit" if name == "CodeUnit" else name.lower()
+        expected[f"vorn_box_{suffix}"] = ("void*", f"{c_type} value")
+        expected[f"vorn_unbox_{suffix}"] = ("int", f"void* handle, {c_type}* value")
+    return expected
+
+
 def main():
     collections, runtime = Library(sys.argv[1]), Library(sys.argv[2])
 
@@ -103,7 +126,15 @@ def main():
     for symbol in sorted(runtime.needed - collections.exported):
         if not symbol.startswith("GC_"):
             problems.append(f"{demangled(symbol)}: needed by the runtime, but not exported by the library")
-    if not natives or not helpers or not collections.needed:
+    embedding = {name: (result.strip(), arguments) for result, name, arguments in
+                 EMBEDDING.findall(code_of(RUNTIME_HEADER))}
+    for name in sorted(embedding.keys() - runtime.exported):
+        problems.append(f"{name}: declared in the embedding API's header, but not exported")
+    for name, declaration in boxing_functions().items():
+        if embedding.get(name) != declaration:
+            problems.append(f"{name}: the table of primitive types asks for {declaration}, the embedding API's header "
+                            f"has {embedding.get(name)}")
+    if not natives or not helpers or not embedding or not collections.needed:
         problems.append("found no natives, helpers or runtime operations: this script no longer understands them")
 
     print("\n".join(problems))

@@ -199,6 +199,9 @@ TEST_F(HeapTest, ParseOptions_ReadsEveryOption) {
   EXPECT_EQ(options.seed, 18446744073709551615u);
   ASSERT_EQ(vorn_runtime_parse_options("heap=plain", &options), 1);
   EXPECT_EQ(options.heap, VORN_HEAP_PLAIN);
+  ASSERT_EQ(vorn_runtime_parse_options("heap=collected,room=262144,divisor=4294967295", &options), 1);
+  EXPECT_EQ(options.collected_room_megabytes, 262'144u);
+  EXPECT_EQ(options.collected_free_space_divisor, 4294967295u);
 }
 
 TEST_F(HeapTest, ParseOptions_StartsFromTheDefaults) {
@@ -210,12 +213,39 @@ TEST_F(HeapTest, ParseOptions_StartsFromTheDefaults) {
   EXPECT_EQ(options.stress_scans_stacks, 0);
   EXPECT_EQ(options.stress_collect_one_in, 1u);
   EXPECT_EQ(options.seed, 0u);
+  EXPECT_EQ(options.collected_room_megabytes, 8u);
+  EXPECT_EQ(options.collected_free_space_divisor, 1u);
 }
 
 TEST_F(HeapTest, ParseOptions_RefusesWhatItDoesNotKnowAndChangesNothing) {
-  for (const char* text : {"heap", "heap=", "heap=other", "Heap=plain", "heap=plain ", "stacks=2", "stacks=",
-                           "one-in=-1", "one-in=x", "one-in=4294967296", "seed=1x", "seed=18446744073709551616",
-                           "heap=plain,", ",heap=plain", "heap=plain,,seed=1", "colour=red", "=1"}) {
+  for (const char* text : {"heap",
+                           "heap=",
+                           "heap=other",
+                           "Heap=plain",
+                           "heap=plain ",
+                           "stacks=2",
+                           "stacks=",
+                           "one-in=-1",
+                           "one-in=x",
+                           "one-in=4294967296",
+                           "seed=1x",
+                           "seed=18446744073709551616",
+                           "room=",
+                           "room=x",
+                           "room=-1",
+                           "room=1.5",
+                           "room=8M",
+                           "room=262145",
+                           "room=4294967296",
+                           "divisor=",
+                           "divisor=-1",
+                           "divisor=0.5",
+                           "divisor=4294967296",
+                           "heap=plain,",
+                           ",heap=plain",
+                           "heap=plain,,seed=1",
+                           "colour=red",
+                           "=1"}) {
     vorn_runtime_options options;
     std::memset(&options, 0xEE, sizeof(options));
     const vorn_runtime_options before = options;
@@ -243,12 +273,18 @@ TEST_F(HeapTest, Start_RefusesOptionsThatMakeNoSense) {
   options = testOptions();
   options.heap = static_cast<vorn_heap_kind>(3);
   EXPECT_EQ(vorn_runtime_start(&options), 0);
+  options = testOptions();
+  options.collected_room_megabytes = 262'145;
+  EXPECT_EQ(vorn_runtime_start(&options), 0);
 }
 
 TEST_F(HeapTest, Start_TakesTheDefaultsForWhatAShorterStructLacks) {
   vorn_runtime_options options = testOptions();
   options.struct_size = offsetof(vorn_runtime_options, stress_scans_stacks);
   EXPECT_EQ(vorn_runtime_start(&options), 1);
+  options.struct_size = offsetof(vorn_runtime_options, collected_room_megabytes);
+  options.collected_room_megabytes = 262'145;
+  EXPECT_EQ(vorn_runtime_start(&options), 1) << "what lies behind the struct is not read";
 }
 
 TEST_F(HeapTest, Stop_EndsCollectionsAndClearsErrorsAndRootsOfTheThread) {

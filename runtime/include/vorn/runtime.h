@@ -43,14 +43,22 @@ typedef struct vorn_runtime_options {
   /* Seed of the stress schedule, of nextFastRandomU64 and, at the process's first start, of the hashes of keys. 0 picks
    * a fixed default for the first two and random bits for the hashes, which no order that a program sees depends on. */
   uint64_t seed;
+  /* Collected heap only, at the process's first start: the megabytes that the heap has from the beginning, or as much of
+   * them as the system gives, and that are allocated at least between two collections. 0 picks the default, 8; at most
+   * 262,144. */
+  unsigned collected_room_megabytes;
+  /* Collected heap only, at the process's first start: beside what is alive, the heap makes room for about this fraction
+   * of it, 1 in this number. A larger number takes less memory and more time. 0 picks the default, 1. */
+  unsigned collected_free_space_divisor;
 } vorn_runtime_options;
 
 /* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
  * has. 0 when it is already running with another heap. The calling thread is attached. */
 VORN_RUNTIME_EXPORT int vorn_runtime_start(const vorn_runtime_options* options);
 
-/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" (heap=collected|plain|stress) into *options,
- * which is first filled with the defaults. 0, with nothing changed, for anything it does not know. */
+/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" or "heap=collected,room=64,divisor=3"
+ * (heap=collected|plain|stress) into *options, which is first filled with the defaults. 0, with nothing changed, for
+ * anything it does not know. */
 VORN_RUNTIME_EXPORT int vorn_runtime_parse_options(const char* text, vorn_runtime_options* options);
 
 /* Stops the runtime: clears the calling thread's errors and roots and ends further collection. Objects must not be
@@ -79,6 +87,36 @@ VORN_RUNTIME_EXPORT void* vorn_box_boolean(bool value);
 VORN_RUNTIME_EXPORT int vorn_unbox_integer(void* handle, int64_t* value);
 VORN_RUNTIME_EXPORT int vorn_unbox_floating(void* handle, double* value);
 VORN_RUNTIME_EXPORT int vorn_unbox_boolean(void* handle, bool* value);
+
+/* A new box of one type each, without a look-up of its name: what compiled code calls, and what a loop should. A Char is
+ * given as its code point. Null when there is no memory. Allocate. */
+VORN_RUNTIME_EXPORT void* vorn_box_sbyte(int8_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_byte(uint8_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_short(int16_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_ushort(uint16_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_int(int32_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_uint(uint32_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_long(int64_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_ulong(uint64_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_float(float value);
+VORN_RUNTIME_EXPORT void* vorn_box_double(double value);
+VORN_RUNTIME_EXPORT void* vorn_box_char(uint32_t value);
+VORN_RUNTIME_EXPORT void* vorn_box_code_unit(uint16_t value);
+
+/* The value of a box of exactly that type; of an integer outside the type's range, which vorn_box_integer can box, the
+ * low bits. 0, with *value unchanged, for any other handle. */
+VORN_RUNTIME_EXPORT int vorn_unbox_sbyte(void* handle, int8_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_byte(void* handle, uint8_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_short(void* handle, int16_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_ushort(void* handle, uint16_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_int(void* handle, int32_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_uint(void* handle, uint32_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_long(void* handle, int64_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_ulong(void* handle, uint64_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_float(void* handle, float* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_double(void* handle, double* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_char(void* handle, uint32_t* value);
+VORN_RUNTIME_EXPORT int vorn_unbox_code_unit(void* handle, uint16_t* value);
 
 /* A new String object. `length` bytes of UTF-8, or up to the NUL when it is SIZE_MAX. Allocates. */
 VORN_RUNTIME_EXPORT void* vorn_string_new(const char* text, size_t length);

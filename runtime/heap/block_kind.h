@@ -1,0 +1,16 @@
+// What a block holds, as far as a collector cares.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vorn::runtime {
+
+enum class BlockKind : std::uint8_t {
+  Scanned,  // zeroed; searched for handles
+  Atomic,   // contents undefined; never searched
+};
+
+inline constexpr std::size_t kBlockKinds = 2;
+
+}  // namespace vorn::runtime

@@ -1,0 +1,22 @@
+#include "runtime/heap/small_blocks.h"
+
+#define GC_THREADS
+#define GC_NO_THREAD_REDIRECTS
+#include <gc/gc.h>
+#include <gc/gc_inline.h>
+
+namespace vorn::runtime {
+
+// The library stores the list before a collection can run, so that no moment shows blocks that are in no list.
+__attribute__((noinline)) bool SmallBlocks::refill(void*& list, BlockKind kind, std::size_t bytes) noexcept {
+  GC_generic_malloc_many(bytes, kind == BlockKind::Scanned ? GC_I_NORMAL : GC_I_PTRFREE, &list);
+  return list != nullptr;
+}
+
+void SmallBlocks::drop() noexcept {
+  for (auto& lists : lists_) {
+    for (void*& list : lists) std::atomic_ref(list).store(nullptr, std::memory_order_relaxed);
+  }
+}
+
+}  // namespace vorn::runtime
