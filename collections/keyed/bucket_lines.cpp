@@ -56,14 +56,14 @@ BucketLine& BucketLines::furtherLineWithRoom(BucketLine& first) {
   return furtherLine(number);
 }
 
-bool BucketLines::tryAddToFullLine(std::uint32_t hash, std::uint32_t place) {
-  if (!hasRoomFor(hash) && !tryMakeFurtherLines()) return false;
-  furtherLineWithRoom(lines_[bucketOf(hash)]).append(hash, place);
+bool BucketLines::tryAddToFullLine(BucketLine& first, std::uint32_t hash, std::uint32_t place) {
+  if (!hasRoomIn(first) && !tryMakeFurtherLines()) return false;
+  furtherLineWithRoom(first).append(hash, place);
   return true;
 }
 
 void BucketLines::remove(std::uint32_t hash, std::uint32_t place) {
-  BucketLine& first = lines_[bucketOf(hash)];
+  BucketLine& first = *firstLine(hash);
   BucketLine* line = &first;
   std::uint32_t slot = 0;
   for (;; line = &furtherLine(line->next)) {

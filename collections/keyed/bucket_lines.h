@@ -81,7 +81,7 @@ class BucketLines {
   }
 
   // The first line of a hash's bucket; there must be buckets.
-  [[nodiscard]] const BucketLine* firstLine(std::uint32_t hash) const { return &lines_[bucketOf(hash)]; }
+  [[nodiscard]] BucketLine* firstLine(std::uint32_t hash) const { return &lines_[bucketOf(hash)]; }
 
   // Asks for a bucket that is written to soon.
   void prefetch(std::uint32_t hash) const { __builtin_prefetch(firstLine(hash), 1); }
@@ -91,29 +91,28 @@ class BucketLines {
     return line->next == 0 ? nullptr : &furtherLine(line->next);
   }
 
-  // Whether add() of this hash needs no further line, or there is one.
-  [[nodiscard]] bool hasRoomFor(std::uint32_t hash) const {
-    const BucketLine& first = *firstLine(hash);
+  // Whether addTo() the bucket with this first line needs no further line, or there is one.
+  [[nodiscard]] bool hasRoomIn(const BucketLine& first) const {
     if (first.used < BucketLine::kSlots) [[likely]]
       return true;
     if (first.next != 0 && furtherLine(first.next).used < BucketLine::kSlots) return true;
     return freeLine_ != 0 || furtherUsed_ < furtherCapacity_;
   }
 
-  // Adds an element; hasRoomFor() its hash. Does not allocate.
-  void add(std::uint32_t hash, std::uint32_t place) {
-    BucketLine* line = &lines_[bucketOf(hash)];
+  // Adds an element to the bucket with this first line, the one of its hash, which has room. Does not allocate.
+  void addTo(BucketLine& first, std::uint32_t hash, std::uint32_t place) {
+    BucketLine* line = &first;
     if (line->used == BucketLine::kSlots) [[unlikely]]
-      line = &furtherLineWithRoom(*line);
+      line = &furtherLineWithRoom(first);
     line->append(hash, place);
   }
 
-  // The same whether there is room or not; false, with nothing changed, when there is no memory for a further line. The
-  // caller roots this object. Allocates.
+  // Adds an element whether there is room or not; false, with nothing changed, when there is no memory for a further
+  // line. The caller roots this object. Allocates.
   [[nodiscard]] bool tryAdd(std::uint32_t hash, std::uint32_t place) {
-    BucketLine& line = lines_[bucketOf(hash)];
+    BucketLine& line = *firstLine(hash);
     if (line.used == BucketLine::kSlots) [[unlikely]]
-      return tryAddToFullLine(hash, place);
+      return tryAddToFullLine(line, hash, place);
     line.append(hash, place);
     return true;
   }
@@ -141,7 +140,7 @@ class BucketLines {
  private:
   [[nodiscard]] BucketLine& furtherLine(std::uint32_t number) { return further_[number - 1]; }
   BucketLine& furtherLineWithRoom(BucketLine& first);
-  bool tryAddToFullLine(std::uint32_t hash, std::uint32_t place);
+  bool tryAddToFullLine(BucketLine& first, std::uint32_t hash, std::uint32_t place);
 
   BucketLine* lines_ = nullptr;
   BucketLine* further_ = nullptr;

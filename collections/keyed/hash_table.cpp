@@ -178,34 +178,36 @@ auto HashTable<Entry>::findByUserCode(const NativeCollectionKey& key) const -> P
   UserComparedKey compared;
   const std::uint16_t tag = BucketLine::tagOf(key.hash);
   for (int restarts = 0; restarts <= kMaxRestarts; ++restarts) {
-    if (count_ == 0) return {};
+    if (lines_.bucketCount() == 0) return {};
     const std::uint64_t changesBefore = changes_;
-    for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
+    BucketLine* const bucket = lines_.firstLine(key.hash);
+    for (const BucketLine* line = bucket; line != nullptr; line = lines_.nextLine(line)) {
       for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
         const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
         const bool equal = NativeCollectionKeyEqual()(key, compared.copy(at(place).key));
-        if (watch.raised()) return {nullptr, 0, true};
+        if (watch.raised()) return {nullptr, nullptr, 0, true};
         if (changes_ != changesBefore) break;
-        if (equal) return {&at(place), place, false};
+        if (equal) return {&at(place), bucket, place, false};
       }
       if (changes_ != changesBefore) break;
     }
-    if (changes_ == changesBefore) return {};
+    if (changes_ == changesBefore) return absentFrom(bucket);
   }
   return findIdentical(key);
 }
 
 template <class Entry>
 auto HashTable<Entry>::findIdentical(const NativeCollectionKey& key) const -> Place {
-  if (count_ == 0) return {};
+  if (lines_.bucketCount() == 0) return {};
   const std::uint16_t tag = BucketLine::tagOf(key.hash);
-  for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
+  BucketLine* const bucket = lines_.firstLine(key.hash);
+  for (const BucketLine* line = bucket; line != nullptr; line = lines_.nextLine(line)) {
     for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
       const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
-      if (identicalKeys(at(place).key, key)) return {&at(place), place, false};
+      if (identicalKeys(at(place).key, key)) return {&at(place), bucket, place, false};
     }
   }
-  return {};
+  return absentFrom(bucket);
 }
 
 template class HashTable<NativeMapEntry>;

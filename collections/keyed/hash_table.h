@@ -107,7 +107,8 @@ class HashTable {
   // (`failed`).
   struct Place {
     Node* node = nullptr;
-    std::uint32_t place = 0;  // of the node
+    BucketLine* bucket = nullptr;  // the first line of the key's bucket, where there are buckets
+    std::uint32_t place = 0;       // of the node
     bool failed = false;
   };
 
@@ -119,22 +120,26 @@ class HashTable {
     return findByUserCode(key);
   }
 
-  // Makes the next insert() of the key possible. Allocates; throws std::bad_alloc or std::length_error with the
-  // elements unchanged.
-  void makeRoom(const NativeCollectionKey& key) {
-    if (places_ == chunks_.capacity()) makePlace();
-    if (count_ == elementLimit(lines_.bucketCount())) rehash(bucketCountFor(count_ + 1));
-    if (!lines_.hasRoomFor(key.hash)) [[unlikely]]
+  // Makes the next insert() of a key that find() did not find possible, and keeps what it gave up to date. Allocates;
+  // throws std::bad_alloc or std::length_error with the elements unchanged.
+  void makeRoom(Place& absent, const NativeCollectionKey& key) {
+    if (places_ == chunks_.capacity()) [[unlikely]]
+      makePlace();
+    if (count_ == elementLimit(lines_.bucketCount())) [[unlikely]] {
+      rehash(bucketCountFor(count_ + 1));
+      absent.bucket = lines_.firstLine(key.hash);
+    }
+    if (!lines_.hasRoomIn(*absent.bucket)) [[unlikely]]
       makeFurtherLines();
   }
 
   // Adds a new element after find() did not find its key and makeRoom() made room. Neither allocates nor runs user
-  // code. What find() gave is of no use here; it makes the call the same as an ordered table's.
-  void insert(const Place& /*absent*/, const NativeCollectionKey& key, const Entry& entry) {
+  // code.
+  void insert(const Place& absent, const NativeCollectionKey& key, const Entry& entry) {
     Node& node = chunks_.at(places_);
     KeyWords(key).storeTo(node.key);
     node.entry = entry;
-    lines_.add(key.hash, places_);
+    lines_.addTo(*absent.bucket, key.hash, places_);
     ++places_;
     ++count_;
     ++changes_;
@@ -179,20 +184,23 @@ class HashTable {
   static constexpr std::uint64_t kBucketsKept = 64;
 
   [[nodiscard]] Place locatePlain(const NativeCollectionKey& key) const {
-    if (count_ == 0) return {};
+    if (lines_.bucketCount() == 0) return {};
     const KeyWords words(key);
     const bool longText = key.tag == NativeCollectionKey::Tag::LongText;
     const std::uint16_t tag = BucketLine::tagOf(words.hash());
-    for (const BucketLine* line = lines_.firstLine(words.hash()); line != nullptr; line = lines_.nextLine(line)) {
+    BucketLine* const bucket = lines_.firstLine(words.hash());
+    for (const BucketLine* line = bucket; line != nullptr; line = lines_.nextLine(line)) {
       for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
         const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
         Node& node = chunks_.at(place);
-        if (words.match(node.key)) return {&node, place, false};
-        if (longText && NativeCollectionKeyEqual()(key, node.key)) return {&node, place, false};
+        if (words.match(node.key)) return {&node, bucket, place, false};
+        if (longText && NativeCollectionKeyEqual()(key, node.key)) return {&node, bucket, place, false};
       }
     }
-    return {};
+    return absentFrom(bucket);
   }
+
+  [[nodiscard]] static Place absentFrom(BucketLine* bucket) { return {nullptr, bucket, 0, false}; }
 
   [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
   [[nodiscard]] Place findIdentical(const NativeCollectionKey& key) const;

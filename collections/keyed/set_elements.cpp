@@ -13,13 +13,13 @@ namespace {
 
 // Adds or replaces, unless user code raised during the search. All that can fail comes before the first change.
 void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
-  const auto place = set.table.find(key);
+  auto place = set.table.find(key);
   if (place.failed) return;
   if (place.node != nullptr) {
     place.node->entry = value;
     return;
   }
-  set.table.makeRoom(key);
+  set.table.makeRoom(place, key);
   set.table.insert(place, key, value);
 }
 

@@ -309,11 +309,15 @@ TEST_F(HashTableTest, FailedAllocation_LeavesTheElements) {
   const std::int64_t count = onStressHeap() ? 700 : 1200;
   for (std::int64_t i = 0; i < count; ++i) {
     const NativeCollectionKey key = i % 3 == 0 ? crowdedKey(i) : integerCollectionKey(i);
-    failures += sweepAllocationFailures([&] { table().makeRoom(key); },
-                                        [&] {
-                                          expectWhole();
-                                          EXPECT_EQ(table().count(), static_cast<std::uint64_t>(i));
-                                        });
+    failures += sweepAllocationFailures(
+        [&] {
+          auto place = table().find(key);
+          table().makeRoom(place, key);
+        },
+        [&] {
+          expectWhole();
+          EXPECT_EQ(table().count(), static_cast<std::uint64_t>(i));
+        });
     put(key, value);
   }
   EXPECT_GE(failures, 20);
@@ -372,8 +376,9 @@ TEST_F(HashTableTest, Memory_PerEntryAtAMillion) {
   constexpr std::int64_t kCount = 1000000;
   for (std::int64_t key = 0; key < kCount; ++key) {
     const NativeCollectionKey made = integerCollectionKey(key);
-    table().makeRoom(made);
-    table().insert({}, made, {nullptr, nullptr});
+    auto place = table().find(made);
+    table().makeRoom(place, made);
+    table().insert(place, made, {nullptr, nullptr});
   }
   EXPECT_LE(static_cast<double>(memoryOf(table())) / kCount, 60.0);
   table().clear();

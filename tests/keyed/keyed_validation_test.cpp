@@ -97,8 +97,10 @@ TEST_F(KeyedValidation, SlotsOfABucket) {
 TEST_F(KeyedValidation, HashKeyTwice) {
   const Handle map = countingMap("Map", 1);
   auto& table = getMapData(map)->hash;
-  table.makeRoom(integerCollectionKey(0));
-  table.insert({}, integerCollectionKey(0), {nullptr, nullptr});
+  auto place = table.find(integerCollectionKey(1));
+  place.bucket = table.lines().firstLine(integerCollectionKey(0).hash);
+  table.makeRoom(place, integerCollectionKey(0));
+  table.insert(place, integerCollectionKey(0), {nullptr, nullptr});
   EXPECT_EQ(validateMapData(*getMapData(map)), "two elements have the same key");
 }
 
@@ -106,8 +108,9 @@ TEST_F(KeyedValidation, FurtherLinesOfABucket) {
   const CollectedRecord<MapData> map;
   auto& table = map->hash;
   for (std::int64_t value = 0; value < 95; value += 5) {
-    table.makeRoom(crowdedKey(value));
-    table.insert({}, crowdedKey(value), {nullptr, nullptr});
+    auto place = table.find(crowdedKey(value));
+    table.makeRoom(place, crowdedKey(value));
+    table.insert(place, crowdedKey(value), {nullptr, nullptr});
   }
   EXPECT_EQ(validateMapData(*map), "");
   auto& line = const_cast<collections::BucketLine&>(*table.lines().firstLine(crowdedKey(0).hash));
