@@ -107,6 +107,20 @@ class HashTable {
   // The node of a key that compares without user code, or null. Does not allocate.
   [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const { return locatePlain(key).node; }
 
+  // The same for the key of a number that a signed 64-bit integer holds, without the key.
+  [[nodiscard]] Node* findInteger(std::int64_t value) const {
+    const KeyWords words(value);
+    Node* result = nullptr;
+    Place place;
+    visitCandidates(words.hash(), place, [&](std::uint32_t candidate) {
+      Node& node = chunks_.at(candidate);
+      if (!words.match(node.key)) return false;
+      result = &node;
+      return true;
+    });
+    return result;
+  }
+
   // What a search came to: `node` is null when the key is absent, or when user code raised an error meanwhile
   // (`failed`).
   struct Place {

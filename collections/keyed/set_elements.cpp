@@ -23,6 +23,13 @@ void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
   set.table.insert(place, key, value);
 }
 
+[[gnu::noinline]] bool containsAny(const SetData& set, void* value) {
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return false;
+  const SetDataLock lock(set);
+  return set.table.find(key).node != nullptr;
+}
+
 }  // namespace
 
 void vorn_collections_HashSet_add(void* set, void* value) {
@@ -50,11 +57,10 @@ bool vorn_collections_HashSet_remove(void* set, void* value) {
 
 bool vorn_collections_HashSet_operator_in(void* set, void* value) {
   if (set == nullptr) return false;
-  const NativeCollectionKey key = vc::setKeyOf(value);
-  if (hasPendingError()) return false;
   const SetData& data = *getSetData(set);
-  const SetDataLock lock(data);
-  return data.table.find(key).node != nullptr;
+  const RegisteredObject* const box = vc::integerKeyBoxOrNull(value);
+  if (box == nullptr || data.synchronized || mayHavePendingError()) return containsAny(data, value);
+  return data.table.findInteger(box->integer) != nullptr;
 }
 
 long long vorn_collections_HashSet_count(void* set, void* value) {
