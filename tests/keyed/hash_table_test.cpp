@@ -151,6 +151,19 @@ TEST_F(HashTableTest, SmallAgain_AfterRemovalsClearOrReserve_HasNoBuckets) {
   EXPECT_EQ(keys(), left);
   for (const std::int64_t key : left) EXPECT_NE(table().findPlain(integerCollectionKey(key)), nullptr);
   expectWhole();
+  table().clear();
+  std::vector<std::int64_t> expected;
+  for (std::int64_t key = 0; key < 20; ++key) put(key);
+  for (std::int64_t key = 0; key < 20; ++key) {
+    if (key < 5 || key > 10) expected.push_back(key);
+  }
+  for (std::int64_t key = 5; key <= 10; ++key) EXPECT_TRUE(remove(integerCollectionKey(key)));
+  EXPECT_EQ(table().places(), 20U) << "elements stand beyond the tags";
+  table().reserve(1);
+  EXPECT_EQ(table().bucketCount(), 0U);
+  EXPECT_EQ(keys(), expected);
+  for (const std::int64_t key : expected) EXPECT_NE(table().findPlain(integerCollectionKey(key)), nullptr);
+  expectWhole();
   table().reserve(1000);
   table().clear();
   EXPECT_EQ(table().bucketCount(), 0U);
