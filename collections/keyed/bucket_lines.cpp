@@ -21,23 +21,27 @@ constexpr std::uint32_t kBucketsPerFurtherLine = 8;
 }  // namespace
 
 bool BucketLines::tryAllocate(std::uint64_t bucketCount) {
+  if (bucketCount == 0) return true;
   BucketLine* const lines = allocateLines(bucketCount);
   if (lines == nullptr) return false;
   std::memset(static_cast<void*>(lines), 0, bucketCount * sizeof(BucketLine));
   lines_ = lines;
+  further_ = {};
   bucketCount_ = static_cast<std::uint32_t>(bucketCount);
   return true;
 }
 
 bool BucketLines::tryMakeFurtherLines() {
   const std::uint64_t wanted =
-      std::max<std::uint64_t>(bucketCount_ / kBucketsPerFurtherLine + 1, std::uint64_t{2} * furtherCapacity_);
+      std::max<std::uint64_t>(bucketCount_ / kBucketsPerFurtherLine + 1, std::uint64_t{2} * further_.capacity);
   if (wanted > std::numeric_limits<std::uint32_t>::max()) return false;
   BucketLine* const further = allocateLines(wanted);
   if (further == nullptr) return false;
-  if (furtherUsed_ != 0) std::memcpy(static_cast<void*>(further), further_, furtherUsed_ * sizeof(BucketLine));
-  further_ = further;
-  furtherCapacity_ = static_cast<std::uint32_t>(wanted);
+  if (further_.used != 0) {
+    std::memcpy(static_cast<void*>(further), further_.lines, further_.used * sizeof(BucketLine));
+  }
+  further_.lines = further;
+  further_.capacity = static_cast<std::uint32_t>(wanted);
   return true;
 }
 
@@ -48,7 +52,7 @@ BucketLine& BucketLines::furtherLineWithRoom(BucketLine& first) {
   if (number != 0) {
     freeLine_ = furtherLine(number).next;
   } else {
-    number = ++furtherUsed_;
+    number = ++further_.used;
     std::memset(static_cast<void*>(&furtherLine(number)), 0, sizeof(BucketLine));
   }
   furtherLine(number).next = first.next;
@@ -56,14 +60,18 @@ BucketLine& BucketLines::furtherLineWithRoom(BucketLine& first) {
   return furtherLine(number);
 }
 
-bool BucketLines::tryAddToFullLine(std::uint32_t hash, std::uint32_t place) {
-  if (!hasRoomFor(hash) && !tryMakeFurtherLines()) return false;
-  furtherLineWithRoom(lines_[bucketOf(hash)]).append(hash, place);
+bool BucketLines::tryAddToFullLine(BucketLine& first, std::uint32_t hash, std::uint32_t place) {
+  if (!hasRoomIn(first) && !tryMakeFurtherLines()) return false;
+  furtherLineWithRoom(first).append(hash, place);
   return true;
 }
 
 void BucketLines::remove(std::uint32_t hash, std::uint32_t place) {
-  BucketLine& first = lines_[bucketOf(hash)];
+  if (bucketCount_ == 0) {
+    tags_.tags[place] = 0;
+    return;
+  }
+  BucketLine& first = *firstLine(hash);
   BucketLine* line = &first;
   std::uint32_t slot = 0;
   for (;; line = &furtherLine(line->next)) {
@@ -87,9 +95,12 @@ void BucketLines::remove(std::uint32_t hash, std::uint32_t place) {
 }
 
 void BucketLines::empty() {
-  if (lines_ == nullptr) return;
+  if (bucketCount_ == 0) {
+    tags_ = {};
+    return;
+  }
   std::memset(static_cast<void*>(lines_), 0, bucketCount_ * sizeof(BucketLine));
-  furtherUsed_ = 0;
+  further_.used = 0;
   freeLine_ = 0;
 }
 

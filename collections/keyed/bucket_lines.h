@@ -1,4 +1,5 @@
-// The buckets of a hash table: which places of the table may hold a key with a given hash.
+// The buckets of a hash table: which places of the table may hold a key with a given hash. A small table has none, but
+// the tags of its places instead.
 //
 // A bucket is a line as long as a cache line, with the places of up to eight elements and a tag of sixteen bits from
 // the hash of each, so that one load and one comparison find the places worth looking at, and a search for an absent
@@ -6,12 +7,15 @@
 // lines. The layout was chosen among six by measurement at a million entries: chained nodes took half as long again.
 //
 // Invariants, checked by validateHashTable (keyed_validation.h):
-//   - `lines_` is null, with a bucket count of 0, or has a line for each bucket;
+//   - with a bucket count of 0, `lines_` is null, no place has a number beyond the tags', and `tags_` is in use;
+//   - else `lines_` has a line for each bucket, and `further_` is in use;
 //   - a line's slots below `used` are filled, those above are zero;
 //   - of a bucket with further lines all are full but for the first of these, and none is empty. So the number of lines
 //     that a bucket takes depends on the number of its elements alone;
 //   - further lines stand in an array of their own; those that no bucket uses are empty and in the chain that starts
 //     with `freeLine_`, or have never been used.
+// The collector may take tags for an address. What they keep alive by that, if anything, is some block that a chance of
+// one in many millions has named.
 //
 // All of it is numbers, in memory that the collector need not search. Nothing here knows keys, locks, or runs user
 // code.
@@ -20,6 +24,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+
+#include "collections/keyed/place_tags.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -70,9 +76,14 @@ static_assert(sizeof(BucketLine) == 64, "a bucket is one cache line");
 class BucketLines {
  public:
   // Copies share their lines.
-  BucketLines() = default;
+  BucketLines() : tags_{} {}
 
   [[nodiscard]] std::uint64_t bucketCount() const { return bucketCount_; }
+
+  // The tags of the places, where there are no buckets; what is below needs some, but for tryAdd(), remove(), empty() and
+  // tryAllocate().
+  [[nodiscard]] const PlaceTags& tags() const { return tags_; }
+  [[nodiscard]] PlaceTags& tags() { return tags_; }
 
   // A hash spread over [0, bucketCount) by multiplication instead of division (Lemire, "Fast random integer generation
   // in an interval", 2019).
@@ -80,8 +91,8 @@ class BucketLines {
     return (static_cast<std::uint64_t>(hash) * bucketCount_) >> 32;
   }
 
-  // The first line of a hash's bucket; there must be buckets.
-  [[nodiscard]] const BucketLine* firstLine(std::uint32_t hash) const { return &lines_[bucketOf(hash)]; }
+  // The first line of a hash's bucket.
+  [[nodiscard]] BucketLine* firstLine(std::uint32_t hash) const { return &lines_[bucketOf(hash)]; }
 
   // Asks for a bucket that is written to soon.
   void prefetch(std::uint32_t hash) const { __builtin_prefetch(firstLine(hash), 1); }
@@ -91,29 +102,32 @@ class BucketLines {
     return line->next == 0 ? nullptr : &furtherLine(line->next);
   }
 
-  // Whether add() of this hash needs no further line, or there is one.
-  [[nodiscard]] bool hasRoomFor(std::uint32_t hash) const {
-    const BucketLine& first = *firstLine(hash);
+  // Whether addTo() the bucket with this first line needs no further line, or there is one.
+  [[nodiscard]] bool hasRoomIn(const BucketLine& first) const {
     if (first.used < BucketLine::kSlots) [[likely]]
       return true;
     if (first.next != 0 && furtherLine(first.next).used < BucketLine::kSlots) return true;
-    return freeLine_ != 0 || furtherUsed_ < furtherCapacity_;
+    return freeLine_ != 0 || further_.used < further_.capacity;
   }
 
-  // Adds an element; hasRoomFor() its hash. Does not allocate.
-  void add(std::uint32_t hash, std::uint32_t place) {
-    BucketLine* line = &lines_[bucketOf(hash)];
+  // Adds an element to the bucket with this first line, the one of its hash, which has room. Does not allocate.
+  void addTo(BucketLine& first, std::uint32_t hash, std::uint32_t place) {
+    BucketLine* line = &first;
     if (line->used == BucketLine::kSlots) [[unlikely]]
-      line = &furtherLineWithRoom(*line);
+      line = &furtherLineWithRoom(first);
     line->append(hash, place);
   }
 
-  // The same whether there is room or not; false, with nothing changed, when there is no memory for a further line. The
-  // caller roots this object. Allocates.
+  // Adds an element whether there is room or not; false, with nothing changed, when there is no memory for a further
+  // line. The caller roots this object. Allocates.
   [[nodiscard]] bool tryAdd(std::uint32_t hash, std::uint32_t place) {
-    BucketLine& line = lines_[bucketOf(hash)];
+    if (bucketCount_ == 0) {
+      tags_.tags[place] = PlaceTags::tagOf(hash);
+      return true;
+    }
+    BucketLine& line = *firstLine(hash);
     if (line.used == BucketLine::kSlots) [[unlikely]]
-      return tryAddToFullLine(hash, place);
+      return tryAddToFullLine(line, hash, place);
     line.append(hash, place);
     return true;
   }
@@ -124,7 +138,7 @@ class BucketLines {
   // Removes all elements and keeps the memory: as many elements with the same hashes fit in again.
   void empty();
 
-  // Gives buckets that have none their lines; false, with nothing changed, when there is no memory. The caller roots
+  // Makes so many buckets where there were none; false, with nothing changed, when there is no memory. The caller roots
   // this object. Allocates.
   [[nodiscard]] bool tryAllocate(std::uint64_t bucketCount);
 
@@ -133,22 +147,30 @@ class BucketLines {
 
   // For checks and tests.
   [[nodiscard]] const BucketLine* lines() const { return lines_; }
-  [[nodiscard]] const BucketLine& furtherLine(std::uint32_t number) const { return further_[number - 1]; }
-  [[nodiscard]] std::uint32_t furtherUsed() const { return furtherUsed_; }
-  [[nodiscard]] std::uint32_t furtherCapacity() const { return furtherCapacity_; }
+  [[nodiscard]] const BucketLine& furtherLine(std::uint32_t number) const { return further_.lines[number - 1]; }
+  [[nodiscard]] std::uint32_t furtherUsed() const { return bucketCount_ != 0 ? further_.used : 0; }
+  [[nodiscard]] std::uint32_t furtherCapacity() const { return bucketCount_ != 0 ? further_.capacity : 0; }
   [[nodiscard]] std::uint32_t freeLine() const { return freeLine_; }
 
  private:
-  [[nodiscard]] BucketLine& furtherLine(std::uint32_t number) { return further_[number - 1]; }
+  struct FurtherLines {
+    BucketLine* lines;
+    std::uint32_t capacity;
+    std::uint32_t used;  // those that have been used at least once
+  };
+  static_assert(sizeof(FurtherLines) == sizeof(PlaceTags));
+
+  [[nodiscard]] BucketLine& furtherLine(std::uint32_t number) { return further_.lines[number - 1]; }
   BucketLine& furtherLineWithRoom(BucketLine& first);
-  bool tryAddToFullLine(std::uint32_t hash, std::uint32_t place);
+  bool tryAddToFullLine(BucketLine& first, std::uint32_t hash, std::uint32_t place);
 
   BucketLine* lines_ = nullptr;
-  BucketLine* further_ = nullptr;
+  union {
+    PlaceTags tags_;
+    FurtherLines further_;
+  };
   std::uint32_t bucketCount_ = 0;
-  std::uint32_t furtherCapacity_ = 0;
-  std::uint32_t furtherUsed_ = 0;  // the further lines that have been used at least once
-  std::uint32_t freeLine_ = 0;     // numbered as `next` is
+  std::uint32_t freeLine_ = 0;  // numbered as `next` is
 };
 
 }  // namespace vorn::collections

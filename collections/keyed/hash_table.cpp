@@ -15,9 +15,9 @@ namespace vorn::collections {
 
 namespace {
 
-// A small table has one bucket. From 5 on each is the smallest prime that is at least twice the one before.
+// A small table has none. From 5 on each is the smallest prime that is at least twice the one before.
 constexpr std::uint64_t kBucketCounts[] = {
-    1,       5,       11,       23,       47,       97,        197,       397,       797,    1597,
+    0,       5,       11,       23,       47,       97,        197,       397,       797,    1597,
     3203,    6421,    12853,    25717,    51437,    102877,    205759,    411527,    823117, 1646237,
     3292489, 6584983, 13169977, 26339969, 52679969, 105359939, 210719881, 421439783,
 };
@@ -55,16 +55,20 @@ auto HashTable<Entry>::nth(std::uint64_t position) const -> Node* {
 
 template <class Entry>
 void HashTable<Entry>::makePlace() {
-  // Places that removals have left are worth the work of closing the gaps when they are not few.
-  if (places_ - count_ > places_ / 4) {
-    closeGaps();
-    lines_.empty();
-    fill(lines_);
-  } else {
-    if (places_ > kMostPlaces - Chunks::kLargeChunk)
-      throw std::length_error("more elements than a hash table can have");
-    chunks_.grow();
-  }
+  // Places that removals have left are worth the work of closing the gaps when they are not few, or when tags have no
+  // more.
+  const bool tagsUsedUp = lines_.bucketCount() == 0 && places_ == PlaceTags::kPlaces && count_ < places_;
+  if (places_ - count_ > places_ / 4 || tagsUsedUp) return moveTogether();
+  if (places_ > kMostPlaces - Chunks::kLargeChunk) throw std::length_error("more elements than a hash table can have");
+  chunks_.grow();
+  ++changes_;
+}
+
+template <class Entry>
+void HashTable<Entry>::moveTogether() {
+  closeGaps();
+  lines_.empty();
+  fill(lines_);
   ++changes_;
 }
 
@@ -167,6 +171,8 @@ template <class Entry>
 void HashTable<Entry>::rehash(std::uint64_t newBucketCount) {
   BucketLines lines;
   const RootedRange root(&lines, sizeof(lines));
+  // Nothing fails any more then.
+  if (newBucketCount == 0 && places_ > PlaceTags::kPlaces) closeGaps();
   if (!lines.tryAllocate(newBucketCount) || !fill(lines)) throw std::bad_alloc();
   lines_ = lines;
   ++changes_;
@@ -176,36 +182,34 @@ template <class Entry>
 auto HashTable<Entry>::findByUserCode(const NativeCollectionKey& key) const -> Place {
   const PendingErrorWatch watch;
   UserComparedKey compared;
-  const std::uint16_t tag = BucketLine::tagOf(key.hash);
   for (int restarts = 0; restarts <= kMaxRestarts; ++restarts) {
-    if (count_ == 0) return {};
     const std::uint64_t changesBefore = changes_;
-    for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
-      for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-        const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
-        const bool equal = NativeCollectionKeyEqual()(key, compared.copy(at(place).key));
-        if (watch.raised()) return {nullptr, 0, true};
-        if (changes_ != changesBefore) break;
-        if (equal) return {&at(place), place, false};
+    Place result;
+    visitCandidates(key.hash, result, [&](std::uint32_t place) {
+      const bool equal = NativeCollectionKeyEqual()(key, compared.copy(at(place).key));
+      result.failed = watch.raised();
+      if (result.failed || changes_ != changesBefore) return true;
+      if (equal) {
+        result.node = &at(place);
+        result.place = place;
       }
-      if (changes_ != changesBefore) break;
-    }
-    if (changes_ == changesBefore) return {};
+      return equal;
+    });
+    if (result.failed || changes_ == changesBefore) return result;
   }
   return findIdentical(key);
 }
 
 template <class Entry>
 auto HashTable<Entry>::findIdentical(const NativeCollectionKey& key) const -> Place {
-  if (count_ == 0) return {};
-  const std::uint16_t tag = BucketLine::tagOf(key.hash);
-  for (const BucketLine* line = lines_.firstLine(key.hash); line != nullptr; line = lines_.nextLine(line)) {
-    for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-      const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
-      if (identicalKeys(at(place).key, key)) return {&at(place), place, false};
-    }
-  }
-  return {};
+  Place result;
+  visitCandidates(key.hash, result, [&](std::uint32_t place) {
+    if (!identicalKeys(at(place).key, key)) return false;
+    result.node = &at(place);
+    result.place = place;
+    return true;
+  });
+  return result;
 }
 
 template class HashTable<NativeMapEntry>;

@@ -1,15 +1,17 @@
 // The chained hash table of hash maps and sets.
 //
-// Elements stand in places that are numbered in the order of insertion (entry_chunks.h); buckets of one cache line,
-// with a prime policy, say which places may hold a key (bucket_lines.h). Iteration is a walk over the places.
+// Elements stand in places that are numbered in the order of insertion (entry_chunks.h). Which places may hold a key,
+// the tags of the places say in a table of up to 16 elements (place_tags.h), and in a larger one buckets of one cache
+// line, with a prime policy (bucket_lines.h). Iteration is a walk over the places.
 //
 // Invariants, checked by validateHashTable (keyed_validation.h):
 //   - places below `places_` have been given out. The first and the last of those that hold an element are `first_` and
 //     `places_` - 1; a table without elements has no places. Each other one holds an element or is vacant: zero but for
 //     its tag, kVacant, so that it keeps no object alive;
+//   - the bucket count is 0 or one of a fixed sequence, and elementLimit() of it at least the number of elements;
+//   - without buckets no place has a number beyond the tags', those of the elements are of their hashes, and all others
+//     are 0;
 //   - the bucket of an element's hash has its place, with its tag, once, and buckets have nothing else;
-//   - `lines_` has no buckets until the first insertion or reserve; then their count is one of a fixed sequence and
-//     elementLimit() of it at least the number of elements;
 //   - beyond a few places more than half of the places hold elements, and elements take more than a quarter of the
 //     memory there is for them, as far as memory could be had to move them;
 //   - `changes` differs after every change of the elements' places, of the buckets or of the memory behind them.
@@ -27,6 +29,7 @@
 // Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -35,13 +38,14 @@
 #include "collections/keyed/bucket_lines.h"
 #include "collections/keyed/entry_chunks.h"
 #include "collections/keyed/key_words.h"
+#include "collections/keyed/place_tags.h"
 
 namespace vorn::collections {
 
 template <class Entry>
 class HashTable {
  public:
-  // Of elements per bucket. A single bucket is filled to its last slot.
+  // Of elements per bucket.
   static constexpr float kMaxLoadFactor = 6.0F;
 
   // The tag of a vacant place. No key that the runtime makes has it.
@@ -103,11 +107,26 @@ class HashTable {
   // The node of a key that compares without user code, or null. Does not allocate.
   [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const { return locatePlain(key).node; }
 
+  // The same for the key of a number that a signed 64-bit integer holds, without the key.
+  [[nodiscard]] Node* findInteger(std::int64_t value) const {
+    const KeyWords words(value);
+    Node* result = nullptr;
+    Place place;
+    visitCandidates(words.hash(), place, [&](std::uint32_t candidate) {
+      Node& node = chunks_.at(candidate);
+      if (!words.match(node.key)) return false;
+      result = &node;
+      return true;
+    });
+    return result;
+  }
+
   // What a search came to: `node` is null when the key is absent, or when user code raised an error meanwhile
   // (`failed`).
   struct Place {
     Node* node = nullptr;
-    std::uint32_t place = 0;  // of the node
+    BucketLine* bucket = nullptr;  // the first line of the key's bucket, where there are buckets
+    std::uint32_t place = 0;       // of the node
     bool failed = false;
   };
 
@@ -119,22 +138,33 @@ class HashTable {
     return findByUserCode(key);
   }
 
-  // Makes the next insert() of the key possible. Allocates; throws std::bad_alloc or std::length_error with the
-  // elements unchanged.
-  void makeRoom(const NativeCollectionKey& key) {
-    if (places_ == chunks_.capacity()) makePlace();
-    if (count_ == elementLimit(lines_.bucketCount())) rehash(bucketCountFor(count_ + 1));
-    if (!lines_.hasRoomFor(key.hash)) [[unlikely]]
+  // Makes the next insert() of a key that find() did not find possible, and keeps what it gave up to date. Allocates;
+  // throws std::bad_alloc or std::length_error with the elements unchanged.
+  void makeRoom(Place& absent, const NativeCollectionKey& key) {
+    if (places_ == chunks_.capacity()) [[unlikely]]
+      makePlace();
+    if (count_ == elementLimit(lines_.bucketCount())) [[unlikely]] {
+      rehash(bucketCountFor(count_ + 1));
+      absent.bucket = lines_.firstLine(key.hash);
+    }
+    if (lines_.bucketCount() == 0) {
+      if (places_ == PlaceTags::kPlaces) moveTogether();
+    } else if (!lines_.hasRoomIn(*absent.bucket)) [[unlikely]] {
       makeFurtherLines();
+    }
   }
 
   // Adds a new element after find() did not find its key and makeRoom() made room. Neither allocates nor runs user
-  // code. What find() gave is of no use here; it makes the call the same as an ordered table's.
-  void insert(const Place& /*absent*/, const NativeCollectionKey& key, const Entry& entry) {
+  // code.
+  void insert(const Place& absent, const NativeCollectionKey& key, const Entry& entry) {
     Node& node = chunks_.at(places_);
     KeyWords(key).storeTo(node.key);
     node.entry = entry;
-    lines_.add(key.hash, places_);
+    if (lines_.bucketCount() == 0) {
+      lines_.tags().tags[places_] = PlaceTags::tagOf(key.hash);
+    } else {
+      lines_.addTo(*absent.bucket, key.hash, places_);
+    }
     ++places_;
     ++count_;
     ++changes_;
@@ -151,12 +181,12 @@ class HashTable {
   // std::length_error for a number beyond all bucket counts and std::bad_alloc, with nothing changed. Allocates.
   void reserve(std::uint64_t wanted);
 
-  // The smallest bucket count for that many elements. Throws std::length_error for more than a table can have.
+  // The smallest bucket count for that many elements; 0 for those of a small table. Throws std::length_error for more than a table can have.
   static std::uint64_t bucketCountFor(std::uint64_t elements);
 
   // How many elements so many buckets may have.
   static constexpr std::uint64_t elementLimit(std::uint64_t bucketCount) {
-    return bucketCount == 1 ? BucketLine::kSlots : bucketCount * static_cast<std::uint64_t>(kMaxLoadFactor);
+    return bucketCount == 0 ? PlaceTags::kPlaces : bucketCount * static_cast<std::uint64_t>(kMaxLoadFactor);
   }
 
   // For checks and tests.
@@ -179,24 +209,42 @@ class HashTable {
   static constexpr std::uint64_t kBucketsKept = 64;
 
   [[nodiscard]] Place locatePlain(const NativeCollectionKey& key) const {
-    if (count_ == 0) return {};
     const KeyWords words(key);
     const bool longText = key.tag == NativeCollectionKey::Tag::LongText;
-    const std::uint16_t tag = BucketLine::tagOf(words.hash());
-    for (const BucketLine* line = lines_.firstLine(words.hash()); line != nullptr; line = lines_.nextLine(line)) {
+    Place result;
+    visitCandidates(words.hash(), result, [&](std::uint32_t place) {
+      Node& node = chunks_.at(place);
+      if (!words.match(node.key) && !(longText && NativeCollectionKeyEqual()(key, node.key))) return false;
+      result.node = &node;
+      result.place = place;
+      return true;
+    });
+    return result;
+  }
+
+  // Calls visit(place) for the places that may hold a key of the hash, until it returns true: it must when it has
+  // changed the table. Sets the bucket of what is found or not.
+  template <class Visit>
+  void visitCandidates(std::uint32_t hash, Place& result, Visit visit) const {
+    if (lines_.bucketCount() == 0) {
+      for (std::uint32_t places = lines_.tags().placesWith(hash); places != 0; places &= places - 1) {
+        if (visit(static_cast<std::uint32_t>(std::countr_zero(places)))) return;
+      }
+      return;
+    }
+    const std::uint16_t tag = BucketLine::tagOf(hash);
+    result.bucket = lines_.firstLine(hash);
+    for (const BucketLine* line = result.bucket; line != nullptr; line = lines_.nextLine(line)) {
       for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-        const std::uint32_t place = line->places[BucketLine::slotOf(slots)];
-        Node& node = chunks_.at(place);
-        if (words.match(node.key)) return {&node, place, false};
-        if (longText && NativeCollectionKeyEqual()(key, node.key)) return {&node, place, false};
+        if (visit(line->places[BucketLine::slotOf(slots)])) return;
       }
     }
-    return {};
   }
 
   [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
   [[nodiscard]] Place findIdentical(const NativeCollectionKey& key) const;
   void makePlace();
+  void moveTogether();
   void makeFurtherLines();
   void rehash(std::uint64_t newBucketCount);
   bool fill(BucketLines& lines) const;

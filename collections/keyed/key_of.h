@@ -8,20 +8,20 @@
 
 namespace vorn::collections {
 
-// The key of an integer box is made without a call. A ULong's bits are an unsigned number, so its upper half is not
-// meant here.
-inline bool isIntegerKey(const RegisteredObject* object) {
-  return object != nullptr && object->kind() == ObjectKind::IntegerBox &&
-         (object->integer >= 0 || boxedTypeOf(*object) != vorn::collections::PrimitiveType::ULong);
+// The box of an integer, whose key is made without a call; null for any other handle. A ULong's bits are an unsigned
+// number, so its upper half is not meant here.
+inline const RegisteredObject* integerKeyBoxOrNull(const void* handle) {
+  if (objectHeaderAt(handle) != objectHeaderFor(handle, ObjectKind::IntegerBox)) return nullptr;
+  const auto* const box = static_cast<const RegisteredObject*>(handle);
+  return box->integer >= 0 || boxedTypeOf(*box) != PrimitiveType::ULong ? box : nullptr;
 }
 
 // The key of a hash map for a non-null handle. May run user code, raise and allocate: callers look at hasPendingError()
 // next, which also tells of an error that was pending before. Returned in place, since a copy of a key that was just
 // written field by field waits for the stores.
 inline NativeCollectionKey hashedKeyOf(void* handle) {
-  const RegisteredObject* const object = getRegisteredObjectUnsafe(handle);
-  if (isIntegerKey(object)) [[likely]]
-    return integerCollectionKey(object->integer);
+  if (const RegisteredObject* const box = integerKeyBoxOrNull(handle)) [[likely]]
+    return integerCollectionKey(box->integer);
   return makeNativeCollectionKey(handle);
 }
 
@@ -33,9 +33,8 @@ inline NativeCollectionKey mapKeyOf(const MapData& map, void* handle) {
 
 // The key of an element of a set, which may be null.
 inline NativeCollectionKey setKeyOf(void* handle) {
-  const RegisteredObject* const object = getRegisteredObjectUnsafe(handle);
-  if (isIntegerKey(object)) [[likely]]
-    return integerCollectionKey(object->integer);
+  if (const RegisteredObject* const box = integerKeyBoxOrNull(handle)) [[likely]]
+    return integerCollectionKey(box->integer);
   return makeNativeSetCollectionKey(handle);
 }
 

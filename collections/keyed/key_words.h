@@ -17,6 +17,13 @@ struct KeyWords {
         first(key.words[0]),
         second(key.words[1]) {}
 
+  // Those of a number that a signed 64-bit integer holds, which never were in memory.
+  explicit KeyWords(std::int64_t value)
+      : head(mixedKeyHash(static_cast<std::uint64_t>(value)) |
+             static_cast<std::uint64_t>(NativeCollectionKey::Tag::Integer) << 32),
+        first(static_cast<std::uint64_t>(value)),
+        second(0) {}
+
   [[nodiscard]] std::uint32_t hash() const { return static_cast<std::uint32_t>(head); }
 
   // Whether all words of the other key are these.

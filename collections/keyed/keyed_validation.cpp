@@ -118,6 +118,7 @@ class BucketCheck {
         lineSeen_(std::size_t{lines_.furtherUsed()} + 1, false) {}
 
   std::string run() {
+    if (lines_.bucketCount() == 0) return checkTags();
     for (std::uint64_t bucket = 0; bucket < lines_.bucketCount(); ++bucket) {
       if (std::string fault = checkBucket(bucket); !fault.empty()) return fault;
     }
@@ -130,6 +131,18 @@ class BucketCheck {
   }
 
  private:
+  std::string checkTags() {
+    if (table_.places() > PlaceTags::kPlaces) return "a table without buckets has too many places";
+    std::vector<std::uint32_t> places;
+    for (std::uint32_t place = 0; place < PlaceTags::kPlaces; ++place) {
+      const bool holdsElement = place < table_.places() && table_.at(place).key.tag != HashTable<Entry>::kVacant;
+      const std::uint8_t tag = holdsElement ? PlaceTags::tagOf(table_.at(place).key.hash) : std::uint8_t{0};
+      if (lines_.tags().tags[place] != tag) return "a place's tag does not fit what it holds";
+      if (holdsElement) places.push_back(place);
+    }
+    return hasSameKeyTwice(places) ? "two elements have the same key" : "";
+  }
+
   std::string checkBucket(std::uint64_t bucket) {
     const BucketLine* line = &lines_.lines()[bucket];
     std::vector<std::uint32_t> places;

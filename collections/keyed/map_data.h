@@ -6,7 +6,8 @@
 // Further invariants, checked by validateMapData (keyed_validation.h):
 //   - `hashed`, `synchronized` and `mutex` never change after creation, and a synchronised map has a mutex;
 //   - the storage that is not used is empty and has no memory;
-//   - keyType and valueType are null or a short type name, and null after clear.
+//   - keyType and valueType are null or a short type name, and null after clear; the names of lastKeyClass and
+//     lastValueClass, where these are not null, have gone into them.
 // The record belongs to its object and lives inside the object's block; it starts empty without allocating and is never
 // destroyed. Its memory comes from the collector and is never freed. Only natives lock; nothing in this file
 // does.
@@ -16,6 +17,7 @@
 
 #include <cstdint>
 
+#include "collections/core/port/object_layout.h"
 #include "collections/core/port/type_name.h"
 #include "collections/core/record_lock.h"
 #include "collections/keyed/hash_table.h"
@@ -29,6 +31,8 @@ struct MapData {
   bool synchronized = false;
   RuntimeTypeName keyType;    // of the keys put since the last clear: their common one, "Object" when they differ
   RuntimeTypeName valueType;  // of the values likewise
+  const RuntimeClass* lastKeyClass = nullptr;    // of the key put last; null when it was no object, and after clear
+  const RuntimeClass* lastValueClass = nullptr;  // of the value likewise
   vorn::collections::OrderedTable ordered;
   vorn::collections::HashTable<NativeMapEntry> hash;
   pthread_mutex_t* mutex = nullptr;

@@ -1,4 +1,4 @@
-// Lists of a map's keys, values and entries. They are filled from a snapshot, while the map is not locked.
+// Lists of a map's keys, values and entries. They are filled while the map is not locked.
 
 #include <vorn/collections/array_list.h>
 #include <vorn/collections/map.h>
@@ -9,6 +9,8 @@
 #include "collections/core/port/keys.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/roots.h"
+#include "collections/keyed/listing.h"
+#include "collections/keyed/map_data.h"
 #include "collections/keyed/map_snapshot.h"
 #include "collections/keyed/map_types.h"
 
@@ -16,14 +18,28 @@ namespace vc = vorn::collections;
 
 namespace {
 
-void* listingOf(void* map, void* MapEntrySnapshot::*part) {
+// One handle of each entry, `part`, in storage order. A synchronised map is not locked while the list is filled, but a
+// plain one needs no snapshot: nothing changes it meanwhile.
+void* listingOf(void* map, void* NativeMapEntry::*part) {
   if (map == nullptr) return nullptr;
   const vc::RootedHandle list(Vorn_allocObject("ImmutableList"));
   if (list.get() == nullptr) return nullptr;
-  vc::MapEntryVector entries;
-  *entries = snapshotMapEntries(*getMapData(map));
-  vorn_collections_ArrayList_reserve(list.get(), static_cast<long long>(entries->size()));
-  for (const MapEntrySnapshot& entry : *entries) vorn_collections_ArrayList_add(list.get(), entry.*part);
+  const MapData& data = *getMapData(map);
+  if (!data.synchronized) {
+    vc::fillListing(list.get(), data.count(), [&](auto append) {
+      data.forEach([&](const NativeCollectionKey&, const NativeMapEntry& entry) { append(entry.*part); });
+    });
+    return list.get();
+  }
+  vc::HandleVector handles;
+  {
+    const MapDataLock lock(data);
+    handles->reserve(data.count());
+    data.forEach([&](const NativeCollectionKey&, const NativeMapEntry& entry) { handles->push_back(entry.*part); });
+  }
+  vc::fillListing(list.get(), handles->size(), [&](auto append) {
+    for (void* const handle : *handles) append(handle);
+  });
   return list.get();
 }
 
@@ -71,9 +87,9 @@ bool addItem(void* list, const std::string& typeName, const MapEntrySnapshot& en
 
 }  // namespace
 
-void* vorn_collections_Map_keys(void* map) { return listingOf(map, &MapEntrySnapshot::key); }
+void* vorn_collections_Map_keys(void* map) { return listingOf(map, &NativeMapEntry::key); }
 
-void* vorn_collections_Map_values(void* map) { return listingOf(map, &MapEntrySnapshot::value); }
+void* vorn_collections_Map_values(void* map) { return listingOf(map, &NativeMapEntry::value); }
 
 void* vorn_collections_Map_items(void* map) {
   if (map == nullptr) return nullptr;

@@ -12,35 +12,43 @@ namespace vc = vorn::collections;
 
 namespace {
 
-const NativeMapEntry* findLocked(const MapData& map, const NativeCollectionKey& key) {
-  return map.withTable([&](const auto& table) -> const NativeMapEntry* {
-    const auto place = table.find(key);
-    return place.node != nullptr ? &place.node->entry : nullptr;
-  });
+// What a lookup came to, in two registers.
+struct Found {
+  void* value = nullptr;
+  bool found = false;
+};
+
+template <class Node>
+Found foundIn(const Node* node) {
+  return node != nullptr ? Found{node->entry.value, true} : Found{};
 }
 
-[[gnu::noinline]] bool lookUpLocked(const MapData& map, const NativeCollectionKey& key, void** slot) {
+[[gnu::always_inline]] inline Found lookUpKey(const MapData& map, const NativeCollectionKey& key) {
+  if (map.hashed && !map.synchronized && !key.comparesByUserCode()) return foundIn(map.hash.findPlain(key));
   const MapDataLock lock(map);
-  const NativeMapEntry* const entry = findLocked(map, key);
-  if (entry == nullptr) return false;
-  *slot = entry->value;
-  return true;
+  return map.withTable([&](const auto& table) { return foundIn(table.find(key).node); });
 }
 
-// The common case, a plain hash map and a key without user code, is inlined into every lookup.
-inline bool lookUp(const MapData& map, const NativeCollectionKey& key, void** slot) {
-  if (map.synchronized || !map.hashed || key.comparesByUserCode()) return lookUpLocked(map, key, slot);
-  const auto* const node = map.hash.findPlain(key);
-  if (node == nullptr) return false;
-  *slot = node->entry.value;
-  return true;
+[[gnu::noinline]] Found lookUpAny(const MapData& map, void* key) {
+  const NativeCollectionKey nativeKey = map.hashed ? makeNativeCollectionKey(key) : makeNativeOrderedCollectionKey(key);
+  return hasPendingError() ? Found{} : lookUpKey(map, nativeKey);
+}
+
+// The common case, an integer in a plain hash map, is inlined into every lookup and needs neither a frame nor a key in
+// memory.
+inline Found lookUp(void* map, void* key) {
+  const MapData& data = *getMapData(map);
+  const RegisteredObject* const box = vc::integerKeyBoxOrNull(key);
+  if (box == nullptr || !data.hashed || data.synchronized || mayHavePendingError()) return lookUpAny(data, key);
+  return foundIn(data.hash.findInteger(box->integer));
 }
 
 }  // namespace
 
 bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** slot) {
-  *slot = nullptr;
-  return map != nullptr && lookUp(*getMapData(map), key, slot);
+  const Found result = map != nullptr ? lookUpKey(*getMapData(map), key) : Found{};
+  *slot = result.value;
+  return result.found;
 }
 
 bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
@@ -51,13 +59,9 @@ bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
     vc::hashedKeyOf(key);
     return false;
   }
-  const MapData& data = *getMapData(map);
-  const RegisteredObject* const object = getRegisteredObjectUnsafe(key);
-  if (vc::isIntegerKey(object)) [[likely]] {
-    return !hasPendingError() && lookUp(data, integerCollectionKey(object->integer), slot);
-  }
-  const NativeCollectionKey nativeKey = vc::mapKeyOf(data, key);
-  return !hasPendingError() && lookUp(data, nativeKey, slot);
+  const Found result = lookUp(map, key);
+  *slot = result.value;
+  return result.found;
 }
 
 bool tryMapLookupValue(void* map, std::string_view key, void** slot) {
@@ -65,25 +69,23 @@ bool tryMapLookupValue(void* map, std::string_view key, void** slot) {
 }
 
 void* vorn_collections_Map__get(void* map, void* key) {
-  void* value = nullptr;
-  if (map != nullptr) tryMapLookupObjectValue(map, key, &value);
-  return value;
+  return map != nullptr && key != nullptr ? lookUp(map, key).value : nullptr;
 }
 
 void* vorn_collections_Map_operator_index(void* map, void* key) {
   if (map == nullptr || key == nullptr) return nullptr;
-  void* value = nullptr;
+  const Found result = lookUp(map, key);
   // Also on top of an error that making the key raised: callers see both.
-  if (!tryMapLookupObjectValue(map, key, &value)) vc::errors::raiseKeyNotFound();
-  return value;
+  if (!result.found) vc::errors::raiseKeyNotFound();
+  return result.value;
 }
 
 bool vorn_collections_Map_tryGet(void* map, void* key, void** result) {
-  *result = nullptr;
-  return map != nullptr && tryMapLookupObjectValue(map, key, result);
+  const Found looked = map != nullptr && key != nullptr ? lookUp(map, key) : Found{};
+  *result = looked.value;
+  return looked.found;
 }
 
 bool vorn_collections_Map_operator_in(void* map, void* key) {
-  void* value = nullptr;
-  return map != nullptr && tryMapLookupObjectValue(map, key, &value);
+  return map != nullptr && key != nullptr && lookUp(map, key).found;
 }

@@ -38,5 +38,6 @@ void vorn_collections_Map_clear(void* map) {
   const MapDataLock lock(data);
   data.withTable([](auto& table) { table.clear(); });
   data.keyType = data.valueType = {};
+  data.lastKeyClass = data.lastValueClass = nullptr;
   vc::writeSizeField(map, 0);
 }

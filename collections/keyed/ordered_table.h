@@ -135,7 +135,7 @@ class OrderedTable {
   }
 
   // Makes the next insert() possible, whatever its key. Allocates; throws std::bad_alloc with the elements unchanged.
-  void makeRoom(const NativeCollectionKey& /*key*/) { pool_.makeRoom(); }
+  void makeRoom(const Place& /*absent*/, const NativeCollectionKey& /*key*/) { pool_.makeRoom(); }
 
   // Links a new element at the place that find() gave, after makeRoom(). Neither allocates nor runs user code.
   void insert(const Place& place, const NativeCollectionKey& key, const NativeMapEntry& entry);

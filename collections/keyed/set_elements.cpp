@@ -13,14 +13,21 @@ namespace {
 
 // Adds or replaces, unless user code raised during the search. All that can fail comes before the first change.
 void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
-  const auto place = set.table.find(key);
+  auto place = set.table.find(key);
   if (place.failed) return;
   if (place.node != nullptr) {
     place.node->entry = value;
     return;
   }
-  set.table.makeRoom(key);
+  set.table.makeRoom(place, key);
   set.table.insert(place, key, value);
+}
+
+[[gnu::noinline]] bool containsAny(const SetData& set, void* value) {
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return false;
+  const SetDataLock lock(set);
+  return set.table.find(key).node != nullptr;
 }
 
 }  // namespace
@@ -50,11 +57,10 @@ bool vorn_collections_HashSet_remove(void* set, void* value) {
 
 bool vorn_collections_HashSet_operator_in(void* set, void* value) {
   if (set == nullptr) return false;
-  const NativeCollectionKey key = vc::setKeyOf(value);
-  if (hasPendingError()) return false;
   const SetData& data = *getSetData(set);
-  const SetDataLock lock(data);
-  return data.table.find(key).node != nullptr;
+  const RegisteredObject* const box = vc::integerKeyBoxOrNull(value);
+  if (box == nullptr || data.synchronized || mayHavePendingError()) return containsAny(data, value);
+  return data.table.findInteger(box->integer) != nullptr;
 }
 
 long long vorn_collections_HashSet_count(void* set, void* value) {

@@ -8,6 +8,7 @@
 #include "collections/core/index_rules.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/roots.h"
+#include "collections/keyed/listing.h"
 #include "collections/keyed/set_data.h"
 
 namespace vc = vorn::collections;
@@ -38,8 +39,9 @@ void* vorn_collections_HashSet_items(void* set) {
   if (set == nullptr || list.get() == nullptr) return list.get();
   const SetData& data = *getSetData(set);
   const SetDataLock lock(data);
-  vorn_collections_ArrayList_reserve(list.get(), static_cast<long long>(data.count()));
-  data.forEach([&](const NativeCollectionKey&, void* element) { vorn_collections_ArrayList_add(list.get(), element); });
+  vc::fillListing(list.get(), data.count(), [&](auto append) {
+    data.forEach([&](const NativeCollectionKey&, void* element) { append(element); });
+  });
   return list.get();
 }
 

@@ -3,13 +3,13 @@
 
 #include <cstdint>
 
-#include "collections/core/port/objects.h"
+#include "collections/core/port/object_layout.h"
 
 namespace vorn::collections {
 
-// Tells compiled code how many entries there are. The caller holds the lock.
+// Tells compiled code how many entries a map or set has. The caller holds the lock.
 inline void writeSizeField(void* handle, std::uint64_t count) {
-  Vorn_setField_i64(handle, "size", static_cast<long long>(count));
+  static_cast<SizedObject*>(handle)->size = static_cast<std::int64_t>(count);
 }
 
 }  // namespace vorn::collections

@@ -114,8 +114,12 @@ std::uint32_t keyHash(const NativeCollectionKey& key) {
 
 NativeCollectionKey makeNativeCollectionKey(void* handle) {
   using namespace vorn::runtime;
-  // Numbers are the most frequent keys by far, integers above all, and then texts.
+  // Numbers and Strings are the most frequent keys by far. Integers mostly do not come here.
   const std::uint64_t header = objectHeaderAt(handle);
+  if (header == objectHeaderFor(handle, ObjectKind::String)) {
+    const auto* string = static_cast<const StringObject*>(handle);
+    return hashedTextKey({string->text, string->length});
+  }
   const auto* box = static_cast<const RegisteredObject*>(handle);
   if (header == objectHeaderFor(handle, ObjectKind::IntegerBox)) {
     if (box->integer >= 0 || boxedTypeOf(*box) != vorn::collections::PrimitiveType::ULong)

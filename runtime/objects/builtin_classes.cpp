@@ -17,6 +17,7 @@ constexpr ObjectField::Kind fieldKindOf(KindFamily family) {
 // The one field of boxes.
 template <KindFamily kFamily>
 constexpr std::array boxField{ObjectField{fieldKindOf(kFamily), kFirstField, "_value"}};
+static_assert(kFirstField + sizeof(std::int64_t) == sizeof(SizedObject), "natives write the size without its name");
 constexpr std::array sizeField{ObjectField{ObjectField::Kind::Integer, kFirstField, "size"}};
 constexpr std::array typeFields{
     ObjectField{ObjectField::Kind::Handle, kFirstField, "_fullName"},

@@ -20,16 +20,13 @@ struct ListObject : ObjectRecord {
 
 // "size" is the first field, as in tuples. The natives of maps and sets keep it up to date; of those of arrays only the
 // copy from another array writes it, the rest being up to the language's own class.
-struct ArrayObject : ObjectRecord {
-  std::int64_t size;
+struct ArrayObject : SizedObject {
   ArrayData record;
 };
-struct MapObject : ObjectRecord {
-  std::int64_t size;
+struct MapObject : SizedObject {
   MapData record;
 };
-struct SetObject : ObjectRecord {
-  std::int64_t size;
+struct SetObject : SizedObject {
   SetData record;
 };
 

@@ -84,6 +84,106 @@ TEST_F(HashTableTest, Insert_IntoATableOfVacantPlaces_UsesThemBeforeNewMemory) {
   EXPECT_EQ(table().count(), static_cast<std::uint64_t>(count));
 }
 
+// ---- Small tables, which have no buckets ----------------------------------------------------------------------------
+
+TEST_F(HashTableTest, SmallTable_HasNoBucketsUntilItOutgrowsItsTags) {
+  for (const bool crowded : {false, true}) {
+    SCOPED_TRACE(crowded);
+    const auto keyFor = [&](std::int64_t value) { return crowded ? crowdedKey(value) : integerCollectionKey(value); };
+    std::vector<std::int64_t> expected;
+    for (std::int64_t value = 0; value < 40; ++value) {
+      EXPECT_EQ(table().findPlain(keyFor(value)), nullptr);
+      put(keyFor(value), number(value));
+      expected.push_back(value);
+      EXPECT_EQ(table().bucketCount() == 0, value < 16) << value;
+      EXPECT_EQ(keys(), expected);
+      for (std::int64_t present = 0; present <= value; ++present) {
+        const Table::Node* const node = table().findPlain(keyFor(present));
+        ASSERT_NE(node, nullptr) << present << " of " << value;
+        EXPECT_EQ(valueOf(node->entry.value), present);
+      }
+      expectWhole();
+    }
+    while (table().count() != 0) EXPECT_TRUE(remove(keyFor(expected[table().count() - 1])));
+    table().reserve(1);
+    EXPECT_EQ(table().bucketCount(), 0U);
+  }
+}
+
+TEST_F(HashTableTest, SmallTable_WhosePlacesAreUsedUp_MovesItsElementsTogether) {
+  for (std::int64_t key = 0; key < 16; ++key) put(key);
+  EXPECT_TRUE(remove(integerCollectionKey(3)));
+  std::vector<std::int64_t> expected = keys();
+  const std::uint64_t capacity = table().chunks().capacity();
+  for (std::int64_t key = 16; key < 80; ++key) {
+    put(key);
+    expected.push_back(key);
+    EXPECT_EQ(keys(), expected);
+    expectWhole();
+    EXPECT_TRUE(remove(integerCollectionKey(expected[5])));
+    expected.erase(expected.begin() + 5);
+    EXPECT_EQ(keys(), expected);
+    expectWhole();
+  }
+  EXPECT_EQ(table().bucketCount(), 0U);
+  EXPECT_EQ(table().chunks().capacity(), capacity);
+}
+
+TEST_F(HashTableTest, SmallAgain_AfterRemovalsClearOrReserve_HasNoBuckets) {
+  const auto fill = [&] {
+    for (std::int64_t key = 0; key < 60; ++key) put(key);
+    EXPECT_NE(table().bucketCount(), 0U);
+  };
+  fill();
+  for (std::int64_t key = 0; key < 53; ++key) EXPECT_TRUE(remove(integerCollectionKey(key)));
+  EXPECT_EQ(table().bucketCount(), 0U);
+  EXPECT_EQ(keys(), (std::vector<std::int64_t>{53, 54, 55, 56, 57, 58, 59}));
+  expectWhole();
+  fill();
+  for (std::int64_t key = 0; key < 60; ++key) {
+    if (key % 5 == 0) continue;
+    EXPECT_TRUE(remove(integerCollectionKey(key)));
+  }
+  const std::vector<std::int64_t> left = keys();
+  EXPECT_EQ(left.size(), 12U);
+  table().reserve(2);
+  EXPECT_EQ(table().bucketCount(), 0U);
+  EXPECT_EQ(keys(), left);
+  for (const std::int64_t key : left) EXPECT_NE(table().findPlain(integerCollectionKey(key)), nullptr);
+  expectWhole();
+  table().clear();
+  std::vector<std::int64_t> expected;
+  for (std::int64_t key = 0; key < 20; ++key) put(key);
+  for (std::int64_t key = 0; key < 20; ++key) {
+    if (key < 5 || key > 10) expected.push_back(key);
+  }
+  for (std::int64_t key = 5; key <= 10; ++key) EXPECT_TRUE(remove(integerCollectionKey(key)));
+  EXPECT_EQ(table().places(), 20U) << "elements stand beyond the tags";
+  table().reserve(1);
+  EXPECT_EQ(table().bucketCount(), 0U);
+  EXPECT_EQ(keys(), expected);
+  for (const std::int64_t key : expected) EXPECT_NE(table().findPlain(integerCollectionKey(key)), nullptr);
+  expectWhole();
+  table().reserve(1000);
+  table().clear();
+  EXPECT_EQ(table().bucketCount(), 0U);
+  put(1);
+  EXPECT_EQ(keys(), std::vector<std::int64_t>{1});
+}
+
+TEST_F(HashTableTest, SmallTable_FailedAllocationOnTheWayToBuckets_LeavesIt) {
+  int failures = 0;
+  for (std::int64_t key = 0; key < 18; ++key) {
+    const std::vector<std::int64_t> before = keys();
+    failures += sweepAllocationFailures([&] { put(integerCollectionKey(key), nullptr); },
+                                        [&] {
+                                          expectWhole();
+                                          EXPECT_EQ(keys(), before);
+                                        });
+  }
+  EXPECT_GE(failures, 5) << "four sizes of the chunk, and the buckets";
+}
+
 // ---- Costs, in places that are passed -------------------------------------------------------------------------------
 
 TEST_F(HashTableTest, Walk_PassesAtMostTwoPlacesAnElement_WhateverWasRemoved) {
@@ -225,7 +325,7 @@ TEST_F(HashTableTest, Clear_DropsManyBuckets) {
   table().clear();
   EXPECT_EQ(table().bucketCount(), 0U);
   put(6);
-  EXPECT_EQ(table().bucketCount(), 1U);
+  EXPECT_EQ(table().bucketCount(), 0U);
   EXPECT_EQ(keys(), std::vector<std::int64_t>{6});
 }
 
@@ -235,11 +335,11 @@ TEST_F(HashTableTest, Clear_OfANewTable_ChangesNothing) {
 }
 
 TEST_F(HashTableTest, BucketCounts_ArePrimeAndAtLeastDouble) {
-  EXPECT_EQ(Table::bucketCountFor(0), 1U);
-  EXPECT_EQ(Table::bucketCountFor(8), 1U);
-  EXPECT_EQ(Table::bucketCountFor(9), 5U);
+  EXPECT_EQ(Table::bucketCountFor(0), 0U);
+  EXPECT_EQ(Table::bucketCountFor(16), 0U);
+  EXPECT_EQ(Table::bucketCountFor(17), 5U);
   std::uint64_t before = 1;
-  for (std::uint64_t elements = 9; elements < 20000000; elements = Table::elementLimit(before) + 1) {
+  for (std::uint64_t elements = 17; elements < 20000000; elements = Table::elementLimit(before) + 1) {
     const std::uint64_t count = Table::bucketCountFor(elements);
     EXPECT_GE(count * 6, elements);
     EXPECT_GE(count, 2 * before);
@@ -256,11 +356,11 @@ TEST_F(HashTableTest, BucketOf_SpreadsHashesOverAllBuckets) {
 }
 
 TEST_F(HashTableTest, Growth_HappensWhenTheLoadFactorWouldExceedItsMaximum) {
-  for (std::int64_t key = 0; key < 8; ++key) put(key);
-  EXPECT_EQ(table().bucketCount(), 1U);
-  put(8);
+  for (std::int64_t key = 0; key < 16; ++key) put(key);
+  EXPECT_EQ(table().bucketCount(), 0U);
+  put(16);
   EXPECT_EQ(table().bucketCount(), 5U);
-  for (std::int64_t key = 9; key < 30; ++key) put(key);
+  for (std::int64_t key = 17; key < 30; ++key) put(key);
   EXPECT_EQ(table().bucketCount(), 5U);
   put(30);
   EXPECT_EQ(table().bucketCount(), 11U);
@@ -292,7 +392,7 @@ TEST_F(HashTableTest, Reserve_Impossible_ThrowsAndChangesNothing) {
   EXPECT_THROW(table().reserve(~std::uint64_t{0}), std::length_error);
   EXPECT_THROW(table().reserve(2528638699ULL), std::length_error);
   EXPECT_EQ(table().changes(), changes);
-  EXPECT_EQ(table().bucketCount(), 1U);
+  EXPECT_EQ(table().bucketCount(), 0U);
 }
 
 TEST_F(HashTableTest, Reserve_CountsAsAChange) {
@@ -309,11 +409,15 @@ TEST_F(HashTableTest, FailedAllocation_LeavesTheElements) {
   const std::int64_t count = onStressHeap() ? 700 : 1200;
   for (std::int64_t i = 0; i < count; ++i) {
     const NativeCollectionKey key = i % 3 == 0 ? crowdedKey(i) : integerCollectionKey(i);
-    failures += sweepAllocationFailures([&] { table().makeRoom(key); },
-                                        [&] {
-                                          expectWhole();
-                                          EXPECT_EQ(table().count(), static_cast<std::uint64_t>(i));
-                                        });
+    failures += sweepAllocationFailures(
+        [&] {
+          auto place = table().find(key);
+          table().makeRoom(place, key);
+        },
+        [&] {
+          expectWhole();
+          EXPECT_EQ(table().count(), static_cast<std::uint64_t>(i));
+        });
     put(key, value);
   }
   EXPECT_GE(failures, 20);
@@ -372,8 +476,9 @@ TEST_F(HashTableTest, Memory_PerEntryAtAMillion) {
   constexpr std::int64_t kCount = 1000000;
   for (std::int64_t key = 0; key < kCount; ++key) {
     const NativeCollectionKey made = integerCollectionKey(key);
-    table().makeRoom(made);
-    table().insert({}, made, {nullptr, nullptr});
+    auto place = table().find(made);
+    table().makeRoom(place, made);
+    table().insert(place, made, {nullptr, nullptr});
   }
   EXPECT_LE(static_cast<double>(memoryOf(table())) / kCount, 60.0);
   table().clear();

@@ -76,11 +76,15 @@ TYPED_TEST(KeyedTableTest, Changes_DifferAfterEveryStructuralChangeOnly) {
 
 TYPED_TEST(KeyedTableTest, FailedAllocation_LeavesTheElements) {
   for (std::int64_t key = 0; key < 200; ++key) {
-    sweepAllocationFailures([&] { this->table().makeRoom(integerCollectionKey(key)); },
-                            [&] {
-                              this->expectWhole();
-                              EXPECT_EQ(this->table().count(), static_cast<std::uint64_t>(key));
-                            });
+    sweepAllocationFailures(
+        [&] {
+          auto place = this->table().find(integerCollectionKey(key));
+          this->table().makeRoom(place, integerCollectionKey(key));
+        },
+        [&] {
+          this->expectWhole();
+          EXPECT_EQ(this->table().count(), static_cast<std::uint64_t>(key));
+        });
     this->put(key, key);
   }
   EXPECT_EQ(this->table().count(), 200U);

@@ -76,39 +76,66 @@ TEST_F(KeyedValidation, EndsThatAreVacant) {
   EXPECT_MAP_AT_REST(map);
 }
 
+// Adds elements with crowded keys to a table.
+void addCrowded(HashTable& table, std::int64_t first, std::int64_t end) {
+  for (std::int64_t value = first; value < end; value += 5) {
+    auto place = table.find(crowdedKey(value));
+    table.makeRoom(place, crowdedKey(value));
+    table.insert(place, crowdedKey(value), {nullptr, nullptr});
+  }
+}
+
 TEST_F(KeyedValidation, SlotsOfABucket) {
-  const Handle set = countingSet("HashSet", 3);
-  auto& line = const_cast<collections::BucketLine&>(getSetData(set)->table.lines().lines()[0]);
+  const CollectedRecord<MapData> map;
+  addCrowded(map->hash, 4, 19);
+  addCrowded(map->hash, 0, 95);
+  ASSERT_EQ(validateMapData(*map), "");
+  collections::BucketLine& line = *map->hash.lines().firstLine(crowdedKey(4).hash);
+  ASSERT_EQ(line.used, 3U);
   const std::uint32_t place = std::exchange(line.places[0], line.places[1]);
-  EXPECT_NE(validateSetData(*getSetData(set)), "");
-  line.places[0] = 3;
-  EXPECT_EQ(validateSetData(*getSetData(set)), "a bucket has a place without an element");
+  EXPECT_NE(validateMapData(*map), "");
+  line.places[0] = 99;
+  EXPECT_EQ(validateMapData(*map), "a bucket has a place without an element");
   line.places[0] = place;
   line.places[3] = 1;
-  EXPECT_EQ(validateSetData(*getSetData(set)), "a free slot holds something");
+  EXPECT_EQ(validateMapData(*map), "a free slot holds something");
   line.places[3] = 0;
-  const std::uint32_t used = std::exchange(line.used, 2);
+  const collections::BucketLine whole = line;
+  line.used = 2;
   line.tags[2] = 0;
   line.places[2] = 0;
-  EXPECT_EQ(validateSetData(*getSetData(set)), "an element is in no bucket");
-  line.used = used;
+  EXPECT_EQ(validateMapData(*map), "an element is in no bucket");
+  line = whole;
+  EXPECT_EQ(validateMapData(*map), "");
+}
+
+TEST_F(KeyedValidation, TagsOfASmallTable) {
+  const Handle set = countingSet("HashSet", 3);
+  auto& tags = const_cast<collections::PlaceTags&>(getSetData(set)->table.lines().tags()).tags;
+  for (const int place : {0, 2, 3, 15}) {
+    tags[place] ^= 2;
+    EXPECT_EQ(validateSetData(*getSetData(set)), "a place's tag does not fit what it holds") << place;
+    tags[place] ^= 2;
+    EXPECT_SET_AT_REST(set);
+  }
+  const std::uint8_t tag = std::exchange(tags[1], std::uint8_t{0});
+  EXPECT_EQ(validateSetData(*getSetData(set)), "a place's tag does not fit what it holds");
+  tags[1] = tag;
 }
 
 TEST_F(KeyedValidation, HashKeyTwice) {
   const Handle map = countingMap("Map", 1);
   auto& table = getMapData(map)->hash;
-  table.makeRoom(integerCollectionKey(0));
-  table.insert({}, integerCollectionKey(0), {nullptr, nullptr});
+  auto place = table.find(integerCollectionKey(1));
+  table.makeRoom(place, integerCollectionKey(0));
+  table.insert(place, integerCollectionKey(0), {nullptr, nullptr});
   EXPECT_EQ(validateMapData(*getMapData(map)), "two elements have the same key");
 }
 
 TEST_F(KeyedValidation, FurtherLinesOfABucket) {
   const CollectedRecord<MapData> map;
   auto& table = map->hash;
-  for (std::int64_t value = 0; value < 95; value += 5) {
-    table.makeRoom(crowdedKey(value));
-    table.insert({}, crowdedKey(value), {nullptr, nullptr});
-  }
+  addCrowded(table, 0, 95);
   EXPECT_EQ(validateMapData(*map), "");
   auto& line = const_cast<collections::BucketLine&>(*table.lines().firstLine(crowdedKey(0).hash));
   ASSERT_NE(line.next, 0U);

@@ -62,6 +62,22 @@ TEST_P(MapTypes, ValuesOfAnotherType_RecordObjectForGood) {
   vorn_collections_Map_clear(map);
   vorn_collections_Map_put(map, number(1), string("v"));
   EXPECT_EQ(valueTypeOf(map), "String");
+  EXPECT_EQ(keyTypeOf(map), "Int") << "the class of the key before clear is no longer recorded";
+}
+
+TEST_P(MapTypes, ClassesThatTakeTurns_AreNotTakenForTheOneSeenLast) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, text("k"), number(1));
+  vorn_collections_Map_put(map, string("k"), number(2));
+  EXPECT_EQ(keyTypeOf(map), "String") << "a bare text and a String have one type name";
+  EXPECT_EQ(valueTypeOf(map), "Int");
+  vorn_collections_Map_put(map, string("l"), integer("Long", 3));
+  EXPECT_EQ(valueTypeOf(map), "Object");
+  vorn_collections_Map_clear(map);
+  vorn_collections_Map_put(map, string("l"), integer("Long", 3));
+  vorn_collections_Map_put(map, number(4), integer("Long", 3));
+  EXPECT_EQ(keyTypeOf(map), "Object");
+  EXPECT_EQ(valueTypeOf(map), "Long");
 }
 
 TEST_P(MapTypes, NullValue_RecordsObject) {

@@ -1,6 +1,9 @@
 // Natives whose result, or a part of it, cannot be had: a runtime may answer null instead of throwing. And the order of
-// the "size" field and the lock. The test program is linked so that the library's calls come here first.
+// the "size" field and the unlocking. The test program is linked so that the library's calls come here first.
 
+#include <pthread.h>
+
+#include "collections/core/port/objects.h"
 #include "tests/keyed/keyed_cases.h"
 #include "tests/support/before.h"
 
@@ -8,7 +11,7 @@ namespace vorn::tests {
 namespace {
 int objectsBeforeNull = -1;  // negative when all can be had
 bool listsAreNull = false;
-std::function<void()>* onSetField = nullptr;
+std::function<void()>* onUnlock = nullptr;
 }  // namespace
 }  // namespace vorn::tests
 
@@ -16,7 +19,7 @@ std::function<void()>* onSetField = nullptr;
 extern "C" {
 void* __real_Vorn_allocObject(const char* className);
 void* __real_vorn_collections_ArrayList_literal0();
-void __real_Vorn_setField_i64(void* handle, const char* field, long long value);
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 
 void* __wrap_Vorn_allocObject(const char* className) {
   if (vorn::tests::objectsBeforeNull == 0) return nullptr;
@@ -26,9 +29,9 @@ void* __wrap_Vorn_allocObject(const char* className) {
 void* __wrap_vorn_collections_ArrayList_literal0() {
   return vorn::tests::listsAreNull ? nullptr : __real_vorn_collections_ArrayList_literal0();
 }
-void __wrap_Vorn_setField_i64(void* handle, const char* field, long long value) {
-  __real_Vorn_setField_i64(handle, field, value);
-  if (vorn::tests::onSetField != nullptr) (*vorn::tests::onSetField)();
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+  if (vorn::tests::onUnlock != nullptr) (*vorn::tests::onUnlock)();
+  return __real_pthread_mutex_unlock(mutex);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -82,35 +85,32 @@ TEST_F(NullObjects, SetItems_AreNullAndLeaveTheSetUnlocked) {
 }
 
 TEST_F(NullObjects, SizeField_IsWrittenBeforeTheUnlock) {
-  const auto expectLockedWrites = [](pthread_mutex_t* mutex, int expected, const std::function<void()>& calls) {
-    int writes = 0;
-    const Before during(onSetField, [&] {
-      ++writes;
-      EXPECT_TRUE(isLocked(mutex));
-    });
-    calls();
-    EXPECT_EQ(writes, expected);
+  void* collection = nullptr;
+  long long sizeAtUnlock = -1;
+  const Before watch(onUnlock, [&] {
+    if (collection != nullptr) sizeAtUnlock = Vorn_getField_i64(collection, "size");
+  });
+  const auto expectSizeAtUnlock = [&](void* of, long long expected, const std::function<void()>& call) {
+    sizeAtUnlock = -1;
+    collection = of;
+    call();
+    collection = nullptr;
+    EXPECT_EQ(sizeAtUnlock, expected);
   };
+  const Handle key = number(1);
+  const Handle further = number(7);
   for (const char* type : {"HashMapSync", "SortedMapSync"}) {
     SCOPED_TRACE(type);
     const Handle map = countingMap(type, 3);
-    const Handle key = number(1);
-    expectLockedWrites(getMapData(map)->mutex, 4, [&] {
-      vorn_collections_Map_put(map, key, key);
-      vorn_collections_Map__set(map, key, key);
-      vorn_collections_Map_remove(map, key);
-      vorn_collections_Map_clear(map);
-    });
-    EXPECT_FALSE(isLocked(getMapData(map)->mutex));
+    expectSizeAtUnlock(map, 3, [&] { vorn_collections_Map_put(map, key, key); });
+    expectSizeAtUnlock(map, 4, [&] { vorn_collections_Map__set(map, further, key); });
+    expectSizeAtUnlock(map, 3, [&] { vorn_collections_Map_remove(map, key); });
+    expectSizeAtUnlock(map, 0, [&] { vorn_collections_Map_clear(map); });
   }
   const Handle set = countingSet("HashSetSync", 3);
-  const Handle value = number(1);
-  expectLockedWrites(getSetData(set)->mutex, 3, [&] {
-    vorn_collections_HashSet_add(set, value);
-    vorn_collections_HashSet_remove(set, value);
-    vorn_collections_HashSet_clear(set);
-  });
-  EXPECT_FALSE(isLocked(getSetData(set)->mutex));
+  expectSizeAtUnlock(set, 4, [&] { vorn_collections_HashSet_add(set, further); });
+  expectSizeAtUnlock(set, 3, [&] { vorn_collections_HashSet_remove(set, key); });
+  expectSizeAtUnlock(set, 0, [&] { vorn_collections_HashSet_clear(set); });
 }
 
 }  // namespace

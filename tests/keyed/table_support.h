@@ -51,12 +51,12 @@ class TableTest : public RuntimeTest {
 
   void put(const NativeCollectionKey& key, void* value) const {
     const Handle keep(value);
-    const auto place = table().find(key);
+    auto place = table().find(key);
     if (place.node != nullptr) {
       place.node->entry.value = value;
       return;
     }
-    table().makeRoom(key);
+    table().makeRoom(place, key);
     table().insert(place, key, {nullptr, value});
   }
   void put(std::int64_t key, std::int64_t value) const { put(integerCollectionKey(key), number(value)); }

@@ -245,6 +245,32 @@ TEST_P(ChangingKeys, OneChangeDuringTheSearch_TheResultIsThatOfTheChangedMap) {
   }
 }
 
+TEST_P(ChangingKeys, BucketsComeOrGoDuringTheSearch_TheResultIsThatOfTheChangedMap) {
+  for (const int count : {7, 15, 16, 17, 20}) {
+    for (const bool shrinks : {false, true}) {
+      SCOPED_TRACE(count);
+      userHooks = {};
+      keys_.clear();
+      const Handle map = userMap(count);
+      bool done = false;
+      duringComparisons([&] {
+        if (std::exchange(done, true)) return;
+        for (int i = 0; i < 4 && !shrinks; ++i) vorn_collections_Map_put(map, number(1000 + i), nullptr);
+        for (int i = 6; i < count && shrinks; ++i) vorn_collections_Map_remove(map, keys_[static_cast<std::size_t>(i)]);
+        if (shrinks) vorn_collections_Map_reserve(map, 1);
+        EXPECT_EQ(collections::validateMapData(*getMapData(map)), "");
+      });
+      vorn_collections_Map_put(map, userKey(5), string("new"));
+      userHooks = {};
+      EXPECT_TRUE(done);
+      EXPECT_EQ(vorn_collections_Map_size(map), shrinks ? 6 : count + 4);
+      EXPECT_EQ(std::string(vorn_string_text(vorn_collections_Map__get(map, userKey(5)))), "new");
+      EXPECT_TRUE(!shrinks || getMapData(map)->hash.bucketCount() == 0);
+      EXPECT_MAP_AT_REST(map);
+    }
+  }
+}
+
 TEST_P(ChangingKeys, ChangesAtEveryComparison_EveryNativeEnds) {
   const Handle map = userMap(10);
   int turn = 0;

@@ -72,6 +72,12 @@ struct RegisteredObject : ObjectRecord {
   std::int64_t integer;
 };
 
+// The runtime's record of a map or set. The natives keep `size`, which is the object's field of that name, equal to the
+// number of entries.
+struct SizedObject : ObjectRecord {
+  std::int64_t size;
+};
+
 // The primitive type of a box; None for every other object.
 inline vorn::collections::PrimitiveType boxedTypeOf(const ObjectRecord& object) {
   return reinterpret_cast<const RuntimeClassHead*>(object.runtimeClass)->boxedType;
@@ -79,6 +85,7 @@ inline vorn::collections::PrimitiveType boxedTypeOf(const ObjectRecord& object) 
 
 static_assert(std::endian::native == std::endian::little, "the header word is laid out for little-endian machines");
 static_assert(sizeof(ObjectRecord) == 24 && sizeof(RegisteredObject) == 32, "boxes are 32 bytes");
+static_assert(sizeof(SizedObject) == 32, "the size follows the object record");
 
 inline constexpr std::uintptr_t kObjectAlignment = 16;
 
@@ -125,6 +132,11 @@ inline bool isObjectPointer(const void* handle) { return hasObjectMagic(handle);
 // The object record of a handle that has the magic; null for any other handle.
 inline ObjectRecord* getObject(void* handle) {
   return hasObjectMagic(handle) ? static_cast<ObjectRecord*>(handle) : nullptr;
+}
+
+// The class of an object; null for any other handle.
+inline const RuntimeClass* classOfObject(const void* handle) {
+  return hasObjectMagic(handle) ? static_cast<const ObjectRecord*>(handle)->runtimeClass : nullptr;
 }
 
 // The record of a boxed value, or null when the handle is not an object. Callers look at kind() before `integer`.

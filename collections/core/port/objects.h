@@ -27,7 +27,7 @@ void Vorn_setField_i64(void* handle, const char* field, long long value);
 void Vorn_setField_ptr(void* handle, const char* field, void* value);
 
 // The runtime type name, such as "vorn.Int" or "vorn.collections.ArrayList<Int>"; "vorn.String" for a bare text; null
-// for null. The text lives as long as the process.
+// for null. The text lives as long as the process, and is one for all objects of a class.
 const char* Vorn_objectTypeName(void* handle);
 
 // Whether the handle is an instance of the named class or of a class derived from it; names as in Vorn_allocObject.

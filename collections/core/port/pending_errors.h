@@ -24,9 +24,11 @@ extern std::atomic<std::uint32_t> Vorn_threadsWithPendingErrors;
 
 }  // extern "C"
 
-// The same as Vorn_hasPendingError. A thread's own raise is always seen: it counts its thread before it returns.
-inline bool hasPendingError() {
-  return Vorn_threadsWithPendingErrors.load(std::memory_order_relaxed) != 0 && Vorn_hasPendingError() != 0;
-}
+// Whether any thread may have a pending error; false when this one certainly has none. A thread's own raise is always
+// seen: it counts its thread before it returns.
+inline bool mayHavePendingError() { return Vorn_threadsWithPendingErrors.load(std::memory_order_relaxed) != 0; }
+
+// The same as Vorn_hasPendingError.
+inline bool hasPendingError() { return mayHavePendingError() && Vorn_hasPendingError() != 0; }
 
 #pragma GCC visibility pop

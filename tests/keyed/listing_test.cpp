@@ -1,0 +1,90 @@
+// Listings keep their elements as adding them one by one would: unboxed where a list adopts the first one's type, and as
+// the very handles where it does not.
+#include "collections/core/port/objects.h"
+#include "collections/core/storage/list_data.h"
+#include "tests/keyed/keyed_cases.h"
+
+namespace vorn::tests {
+namespace {
+
+// What a list holds, and how.
+struct Kept {
+  explicit Kept(void* list) : kind(getListData(list)->primitiveKind), name(getListData(list)->primitiveType.get()) {
+    const ListData& data = *getListData(list);
+    for (std::uint64_t i = 0; i < data.logicalSize(); ++i) {
+      if (data.isUnboxed()) {
+        integers.push_back(vorn_collections_ArrayList_getInt(list, static_cast<long long>(i)));
+      } else {
+        handles.push_back(data.objects.data[i]);
+      }
+    }
+  }
+  bool operator==(const Kept&) const = default;
+
+  ListData::PrimitiveKind kind;
+  std::string_view name;
+  std::vector<long long> integers;
+  std::vector<void*> handles;
+};
+
+std::vector<std::vector<Handle>> rowsOfElements() {
+  std::vector<std::vector<Handle>> rows;
+  rows.reserve(20);  // rows are made from earlier ones
+  for (std::size_t size : {1, 4, 5, 40}) {
+    auto& numbers = rows.emplace_back();
+    auto& texts = rows.emplace_back();
+    auto& longs = rows.emplace_back();
+    for (std::size_t i = 0; i < size; ++i) {
+      numbers.push_back(number(static_cast<int>(i)));
+      texts.push_back(string(std::to_string(i)));
+      longs.push_back(integer("Long", static_cast<std::int64_t>(i)));
+    }
+    // Handles after which numbers stay boxes, the null handle among them.
+    auto& textFirst = rows.emplace_back(texts);
+    textFirst.insert(textFirst.end(), numbers.begin(), numbers.end());
+    auto& nullFirst = rows.emplace_back(numbers);
+    nullFirst.insert(nullFirst.begin(), Handle(nullptr));
+  }
+  return rows;
+}
+
+TEST_F(RuntimeTest, Listings_KeepTheirElementsAsAddingEachDoes) {
+  for (const std::vector<Handle>& row : rowsOfElements()) {
+    SCOPED_TRACE(row.size());
+    const Handle added = object("ImmutableList");
+    for (const Handle& element : row) vorn_collections_ArrayList_add(added, element);
+    for (const char* type : kMapTypes) {
+      const Handle map = object(type);
+      int position = 0;
+      for (const Handle& element : row) vorn_collections_Map_put(map, number(position++), element);
+      const Handle values(vorn_collections_Map_values(map));
+      EXPECT_EQ(Kept(values), Kept(added)) << type;
+      const Handle keys(vorn_collections_Map_keys(map));
+      EXPECT_EQ(Kept(keys).integers.size(), row.size()) << type;
+      EXPECT_EQ(Kept(keys).name, "Int") << type;
+    }
+    for (const char* type : kSetTypes) {
+      const Handle set = object(type);
+      for (const Handle& element : row) vorn_collections_HashSet_add(set, element);
+      const Handle once = object("ArrayList");
+      for (void* element : elementsOfSet(set)) vorn_collections_ArrayList_add(once, element);
+      const Handle items(vorn_collections_HashSet_items(set));
+      EXPECT_EQ(Kept(items), Kept(once)) << type;
+    }
+  }
+}
+
+// The boxes that a list makes when a later element does not fit are its own, so that only their values are compared.
+TEST_F(RuntimeTest, ListingOfNumbersAndThenTexts_IsBoxedAgain) {
+  const Handle map = object("Map");
+  for (int i = 0; i < 20; ++i) vorn_collections_Map_put(map, number(i), i < 15 ? number(i) : string("text"));
+  const Handle values(vorn_collections_Map_values(map));
+  const ListData& data = *getListData(values);
+  EXPECT_FALSE(data.isUnboxed());
+  ASSERT_EQ(data.objects.size, 20U);
+  for (int i = 0; i < 15; ++i) EXPECT_EQ(valueOf(data.objects.data[i]), i);
+  EXPECT_EQ(std::string(vorn_string_text(data.objects.data[19])), "text");
+}
+
+}  // namespace
+}  // namespace vorn::tests
