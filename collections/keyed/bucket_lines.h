@@ -147,7 +147,7 @@ class BucketLines {
 
   // For checks and tests.
   [[nodiscard]] const BucketLine* lines() const { return lines_; }
-  [[nodiscard]] const BucketLine& furtherLine(std::uint32_t number) const { return further_.lines[number - 1]; }
+  [[nodiscard]] BucketLine& furtherLine(std::uint32_t number) const { return further_.lines[number - 1]; }
   [[nodiscard]] std::uint32_t furtherUsed() const { return bucketCount_ != 0 ? further_.used : 0; }
   [[nodiscard]] std::uint32_t furtherCapacity() const { return bucketCount_ != 0 ? further_.capacity : 0; }
   [[nodiscard]] std::uint32_t freeLine() const { return freeLine_; }
@@ -160,7 +160,6 @@ class BucketLines {
   };
   static_assert(sizeof(FurtherLines) == sizeof(PlaceTags));
 
-  [[nodiscard]] BucketLine& furtherLine(std::uint32_t number) { return further_.lines[number - 1]; }
   BucketLine& furtherLineWithRoom(BucketLine& first);
   bool tryAddToFullLine(BucketLine& first, std::uint32_t hash, std::uint32_t place);
 

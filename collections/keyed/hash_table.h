@@ -147,7 +147,7 @@ class HashTable {
       rehash(bucketCountFor(count_ + 1));
       absent.bucket = lines_.firstLine(key.hash);
     }
-    if (lines_.bucketCount() == 0) {
+    if (absent.bucket == nullptr) {
       if (places_ == PlaceTags::kPlaces) moveTogether();
     } else if (!lines_.hasRoomIn(*absent.bucket)) [[unlikely]] {
       makeFurtherLines();
@@ -160,7 +160,7 @@ class HashTable {
     Node& node = chunks_.at(places_);
     KeyWords(key).storeTo(node.key);
     node.entry = entry;
-    if (lines_.bucketCount() == 0) {
+    if (absent.bucket == nullptr) {
       lines_.tags().tags[places_] = PlaceTags::tagOf(key.hash);
     } else {
       lines_.addTo(*absent.bucket, key.hash, places_);
