@@ -1,6 +1,6 @@
 // The key record of maps and sets.
 //
-// The runtime makes keys from objects (makeNativeCollectionKey and its siblings in runtime_interface.h) and decides
+// The runtime makes keys from objects (makeNativeCollectionKey and its siblings in keys.h) and decides
 // what they mean; tables store them and compare them through the three functors below. Like the object layout, the
 // record is a compile-time contract, because a lookup by number or short text has ten nanoseconds in all: equality of
 // such keys is equality of three words.
