@@ -16,13 +16,9 @@ constexpr std::size_t kLeastReserved = std::size_t{1} << 34;
 constexpr std::size_t kMostBlocks = std::size_t{1} << 26;
 constexpr std::size_t kLargestStressBlock = std::size_t{4} << 30;
 constexpr std::size_t kSharedChunkBytes = std::size_t{16} << 20;
-// A guarded block takes two mappings at worst, of the 65530 that Linux allows a process by default.
+// Where open pages are bounded, a guarded block takes two mappings at worst, of the 65530 that Linux allows a process by
+// default.
 constexpr std::size_t kMostGuardedBlocks = 20000;
-
-void* mapReserved(std::size_t bytes, int protection) {
-  void* const memory = mmap(nullptr, bytes, protection, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  return memory == MAP_FAILED ? nullptr : memory;
-}
 
 template <class T>
 bool mapTable(T*& table, std::size_t count) {
@@ -34,15 +30,10 @@ constexpr std::size_t roundUp(std::size_t bytes, std::size_t unit) { return (byt
 
 }  // namespace
 
-bool StressBlocks::reserve() {
-  void* addresses = nullptr;
-  for (reserved_ = kMostReserved; reserved_ >= kLeastReserved; reserved_ /= 2) {
-    addresses = mapReserved(reserved_, PROT_NONE);
-    if (addresses != nullptr) break;
-  }
-  base_ = reinterpret_cast<std::uintptr_t>(addresses);
-  return addresses != nullptr && mapTable(pageOwner_, reserved_ / kPageBytes) && mapTable(blocks_, kMostBlocks) &&
-         mapTable(liveSlots_, kMostBlocks) && mapTable(freeSlots_, kMostBlocks) && mapTable(markStack_, kMostBlocks);
+bool StressBlocks::reserve(PageGuards guards) {
+  return pages_.reserve(kMostReserved, kLeastReserved, guards) && mapTable(pageOwner_, pages_.bytes() / kPageBytes) &&
+         mapTable(blocks_, kMostBlocks) && mapTable(liveSlots_, kMostBlocks) && mapTable(freeSlots_, kMostBlocks) &&
+         mapTable(markStack_, kMostBlocks);
 }
 
 void* StressBlocks::allocate(std::size_t bytes, BlockKind kind) {
@@ -57,7 +48,7 @@ void* StressBlocks::allocate(std::size_t bytes, BlockKind kind) {
   const std::uintptr_t start = pages + pageBytes - blockBytes;
   blocks_[slot] = {start, std::max<std::size_t>(bytes, 1), kind, false, guarded};
   liveSlots_[liveCount_++] = slot;
-  std::fill_n(pageOwner_ + (pages - base_) / kPageBytes, pageBytes / kPageBytes, slot);
+  std::fill_n(pageOwner_ + (pages - pages_.base()) / kPageBytes, pageBytes / kPageBytes, slot);
   bytesLive_ += blocks_[slot].bytes;
   guardedCount_ += guarded ? 1 : 0;
 
@@ -70,7 +61,7 @@ void* StressBlocks::allocate(std::size_t bytes, BlockKind kind) {
 }
 
 std::uintptr_t StressBlocks::takePages(std::size_t bytes, bool* guarded) {
-  if (guardedCount_ < kMostGuardedBlocks) {
+  if (!pages_.bounded() || guardedCount_ < kMostGuardedBlocks) {
     if (const std::uintptr_t pages = takeGuardedPages(bytes)) {
       *guarded = true;
       return pages;
@@ -81,9 +72,9 @@ std::uintptr_t StressBlocks::takePages(std::size_t bytes, bool* guarded) {
 }
 
 std::uintptr_t StressBlocks::takeGuardedPages(std::size_t bytes) {
-  if (reserved_ - used_ < bytes + kPageBytes) return 0;
-  const std::uintptr_t pages = base_ + used_;
-  if (mprotect(reinterpret_cast<void*>(pages), bytes, PROT_READ | PROT_WRITE) != 0) return 0;
+  if (pages_.bytes() - used_ < bytes + kPageBytes) return 0;
+  const std::uintptr_t pages = pages_.base() + used_;
+  if (!pages_.open(pages, bytes)) return 0;
   used_ += bytes + kPageBytes;
   return pages;
 }
@@ -116,17 +107,14 @@ void StressBlocks::freeUnmarked() {
   liveCount_ = kept;
 }
 
-// Mapping the pages anew, instead of only protecting them, gives their memory back and lets the kernel merge them with
-// their neighbours into one mapping.
 void StressBlocks::releasePages(const Block& block) {
   const std::uintptr_t pages = pagesOf(block);
   const std::size_t bytes = roundUp(block.start + block.bytes - pages, kPageBytes);
-  std::fill_n(pageOwner_ + (pages - base_) / kPageBytes, bytes / kPageBytes, Slot{0});
+  std::fill_n(pageOwner_ + (pages - pages_.base()) / kPageBytes, bytes / kPageBytes, Slot{0});
   bytesLive_ -= block.bytes;
   auto* const memory = reinterpret_cast<void*>(pages);
   if (block.guarded) --guardedCount_;
-  if (!block.guarded ||
-      mmap(memory, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0) == MAP_FAILED) {
+  if (!block.guarded || !pages_.close(pages, bytes)) {
     unpoisonMemory(memory, bytes);
     std::memset(memory, kFreedByte, bytes);
   }

@@ -5,8 +5,8 @@
 //    the rounding to 16 bytes, where its last page ends; an inaccessible page follows. What a block does not use of its
 //    pages is poisoned under AddressSanitizer.
 //  - A freed block's pages become inaccessible for good, and poisoned under AddressSanitizer.
-//  - The kernel bounds the number of mappings of a process. Once too many guarded blocks live, further ones share
-//    accessible pages without guards in between; those are filled with kFreedByte when they die, and stay readable.
+//  - Where the kernel bounds the number of open ranges, and too many guarded blocks live, further ones share accessible
+//    pages without guards in between; those are filled with kFreedByte when they die, and stay readable.
 //  - pageOwner_ tells the block of a page, 0 for none; liveSlots_ lists the slots in use, in no particular order.
 //
 // All tables are mappings of their own: marking runs while other threads are stopped, perhaps inside malloc. Nothing
@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "runtime/heap/guarded_pages.h"
 #include "runtime/heap/heap_backend.h"
 
 namespace vorn::runtime {
@@ -38,7 +39,7 @@ class StressBlocks {
   };
 
   // Reserves addresses and tables. False when the system has none.
-  bool reserve();
+  bool reserve(PageGuards guards = PageGuards::Best);
 
   // Null when the addresses or the memory are exhausted.
   void* allocate(std::size_t bytes, BlockKind kind);
@@ -49,7 +50,7 @@ class StressBlocks {
     return slot != 0 && blocks_[slot].start == address ? slot : 0;
   }
   [[nodiscard]] Slot blockContaining(std::uintptr_t address) const {
-    const std::uintptr_t offset = address - base_;
+    const std::uintptr_t offset = address - pages_.base();
     if (offset >= used_) return 0;
     const Slot slot = pageOwner_[offset / kPageBytes];
     return slot != 0 && address - blocks_[slot].start < blocks_[slot].bytes ? slot : 0;
@@ -67,8 +68,6 @@ class StressBlocks {
   [[nodiscard]] std::size_t liveCount() const { return liveCount_; }
 
  private:
-  static constexpr std::size_t kPageBytes = 4096;
-
   // Accessible pages for a block; 0 when there are none.
   std::uintptr_t takePages(std::size_t bytes, bool* guarded);
   std::uintptr_t takeGuardedPages(std::size_t bytes);
@@ -76,8 +75,7 @@ class StressBlocks {
   void releasePages(const Block& block);
   [[nodiscard]] static std::uintptr_t pagesOf(const Block& block) { return block.start & ~(kPageBytes - 1); }
 
-  std::uintptr_t base_ = 0;
-  std::size_t reserved_ = 0;
+  GuardedPages pages_;
   std::size_t used_ = 0;  // bytes of the reservation handed out so far
   // The part of the shared pages that is still free.
   std::uintptr_t sharedNext_ = 0;

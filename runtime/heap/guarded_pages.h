@@ -1,0 +1,45 @@
+// A range of addresses, reserved once, whose pages are inaccessible but where they are opened.
+//
+// Where the kernel has guard markers (Linux 6.13) a page is opened and closed in the page table alone. Elsewhere each
+// opened range is a mapping of its own, and the kernel bounds the number of mappings of a process.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vorn::runtime {
+
+inline constexpr std::size_t kPageBytes = 4096;
+
+// Fresh memory, zeroed when it is first read; null when the system has none.
+void* mapReserved(std::size_t bytes, int protection);
+
+enum class PageGuards { Best, Mappings };
+
+class GuardedPages {
+ public:
+  // Reserves up to `most` bytes, at least `least`. False when the system has fewer.
+  bool reserve(std::size_t most, std::size_t least, PageGuards guards);
+
+  [[nodiscard]] std::uintptr_t base() const { return base_; }
+  [[nodiscard]] std::size_t bytes() const { return reserved_; }
+
+  // Whether the number of ranges that can be open at a time is bounded.
+  [[nodiscard]] bool bounded() const { return !hasMarkers_; }
+
+  // Makes whole pages accessible, in ascending order of their addresses. False when the kernel refuses.
+  bool open(std::uintptr_t pages, std::size_t bytes);
+
+  // Gives the memory of an opened range back and makes it inaccessible. False when the kernel refuses.
+  bool close(std::uintptr_t pages, std::size_t bytes) const;
+
+ private:
+  bool prepareUntil(std::uintptr_t end);
+
+  std::uintptr_t base_ = 0;
+  std::size_t reserved_ = 0;
+  std::uintptr_t prepared_ = 0;  // with markers: pages below it are inaccessible by a marker only
+  bool hasMarkers_ = false;
+};
+
+}  // namespace vorn::runtime

@@ -1,0 +1,115 @@
+// Pages that are inaccessible but where they are opened, and the stress heap's blocks on them: with the kernel's guard
+// markers, where it has them, and with a mapping for each range, as on every kernel.
+#include "runtime/heap/guarded_pages.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "runtime/heap/stress_blocks.h"
+
+namespace vorn::tests {
+namespace {
+
+using runtime::GuardedPages;
+using runtime::kPageBytes;
+using runtime::PageGuards;
+
+volatile unsigned char* byteAt(std::uintptr_t address) { return reinterpret_cast<volatile unsigned char*>(address); }
+
+class GuardedPagesTest : public testing::TestWithParam<PageGuards> {
+ protected:
+  // Larger than what markers are laid over at a time, so that ranges reach past it.
+  static constexpr std::size_t kReserved = std::size_t{8} << 20;
+
+  void SetUp() override { ASSERT_TRUE(pages_.reserve(kReserved, kReserved, GetParam())); }
+
+  [[nodiscard]] std::uintptr_t page(std::size_t index) const { return pages_.base() + index * kPageBytes; }
+
+  static void expectInaccessible(std::uintptr_t address) {
+    EXPECT_DEATH({ std::_Exit(*byteAt(address) & 0); }, "");
+    EXPECT_DEATH(
+        {
+          *byteAt(address) = 1;
+          std::_Exit(0);
+        },
+        "");
+  }
+
+  GuardedPages pages_;
+};
+
+TEST_P(GuardedPagesTest, OnlyOpenedPages_AreAccessible) {
+  ASSERT_TRUE(pages_.open(page(1), kPageBytes));
+  *byteAt(page(1)) = 1;
+  *byteAt(page(2) - 1) = 2;
+  EXPECT_EQ(*byteAt(page(1)) + *byteAt(page(2) - 1), 3);
+  expectInaccessible(page(0));
+  expectInaccessible(page(2));
+  expectInaccessible(page(500));
+  expectInaccessible(page(2000));
+}
+
+TEST_P(GuardedPagesTest, OpenedPages_AreZeroed) {
+  ASSERT_TRUE(pages_.open(page(0), 3 * kPageBytes));
+  for (std::uintptr_t at = page(0); at < page(3); at += 512) ASSERT_EQ(*byteAt(at), 0);
+}
+
+TEST_P(GuardedPagesTest, ClosedPages_AreInaccessibleAndTheirNeighboursAreNot) {
+  ASSERT_TRUE(pages_.open(page(0), kPageBytes));
+  ASSERT_TRUE(pages_.open(page(1), 2 * kPageBytes));
+  ASSERT_TRUE(pages_.open(page(3), kPageBytes));
+  for (std::size_t i = 0; i < 4; ++i) *byteAt(page(i)) = 7;
+  ASSERT_TRUE(pages_.close(page(1), 2 * kPageBytes));
+  expectInaccessible(page(1));
+  expectInaccessible(page(2));
+  EXPECT_EQ(*byteAt(page(0)) + *byteAt(page(3)), 14);
+}
+
+TEST_P(GuardedPagesTest, RangeUpToTheLastReservedPage_CanBeOpened) {
+  ASSERT_TRUE(pages_.open(page(1), kReserved - kPageBytes));
+  *byteAt(pages_.base() + kReserved - 1) = 1;
+  expectInaccessible(page(0));
+}
+
+TEST_P(GuardedPagesTest, ManySingleRanges_CanBeOpenAtOnceUnlessBounded) {
+  if (pages_.bounded()) GTEST_SKIP() << "only as many as the kernel grants mappings";
+  GuardedPages many;
+  constexpr std::size_t kRanges = 70'000;
+  ASSERT_TRUE(many.reserve(2 * kRanges * kPageBytes, 2 * kRanges * kPageBytes, GetParam()));
+  for (std::size_t i = 0; i < kRanges; ++i) {
+    ASSERT_TRUE(many.open(many.base() + 2 * i * kPageBytes, kPageBytes)) << "after " << i;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Guards, GuardedPagesTest, testing::Values(PageGuards::Best, PageGuards::Mappings),
+                         [](const auto& guards) {
+                           return guards.param == PageGuards::Best ? std::string("Best") : std::string("Mappings");
+                         });
+
+// Past the number of ranges that can be open, freed blocks stay readable but are filled.
+TEST(StressBlocksOnMappings, BlocksBeyondTheGuardedOnes_AreFilledWhenFreed) {
+  runtime::StressBlocks blocks;
+  ASSERT_TRUE(blocks.reserve(PageGuards::Mappings));
+  void* last = nullptr;
+  for (int i = 0; i < 21'000; ++i) {
+    last = blocks.allocate(32, runtime::BlockKind::Scanned);
+    ASSERT_NE(last, nullptr);
+    ASSERT_EQ(*static_cast<std::uint64_t*>(last), 0u);
+  }
+  EXPECT_EQ(blocks.bytesLive(), 21'000u * 32);
+  blocks.freeUnmarked();
+  EXPECT_EQ(blocks.bytesLive(), 0u);
+  const auto freed = reinterpret_cast<std::uintptr_t>(last);
+#if defined(__SANITIZE_ADDRESS__)
+  EXPECT_DEATH((void)*byteAt(freed), "use-after-poison");
+#else
+  EXPECT_EQ(*byteAt(freed), runtime::kFreedByte);
+  EXPECT_EQ(*byteAt(freed + 31), runtime::kFreedByte);
+#endif
+}
+
+}  // namespace
+}  // namespace vorn::tests
