@@ -22,14 +22,9 @@ using vc::PrimitiveType;
 
 namespace {
 
-BulkPrimitiveListValue rawValue(const vc::ElementType& type, long long value) {
-  return {type.kind, type.name, value, static_cast<double>(value)};
+BulkPrimitiveListValue intValue(long long value) {
+  return vc::rawPrimitiveValue(vc::elementTypeOf(PrimitiveType::Int), value);
 }
-BulkPrimitiveListValue rawValue(const vc::ElementType& type, double value) {
-  return {type.kind, type.name, vc::truncateToI64(value), value};
-}
-
-BulkPrimitiveListValue intValue(long long value) { return rawValue(vc::elementTypeOf(PrimitiveType::Int), value); }
 
 // Appends a raw value as the declared element type when that takes it, otherwise under its own kind.
 void appendRawValue(ListData& list, const BulkPrimitiveListValue& value) {
@@ -105,7 +100,7 @@ inline bool appendToStorageOf(ListData& list, const char* typeName, Value value)
 template <class Value>
 [[gnu::noinline]] void lockedAddRaw(ListData& list, Value value, const vc::ElementType& type) {
   const ListDataLock lock(list);
-  appendRawValue(list, rawValue(type, value));
+  appendRawValue(list, vc::rawPrimitiveValue(type, value));
 }
 
 // The kind and name of a raw append's type argument.
@@ -153,7 +148,7 @@ void vorn_collections_ArrayList_addPrimitiveBool(void* list, bool value) {
   if (list == nullptr) return;
   ListData& data = *getListData(list);
   const ListDataLock lock(data);
-  appendPrimitiveValue(data, rawValue(vc::elementTypeOf(PrimitiveType::Boolean), value ? 1LL : 0LL));
+  appendPrimitiveValue(data, vc::rawPrimitiveValue(vc::elementTypeOf(PrimitiveType::Boolean), value ? 1LL : 0LL));
 }
 
 void vorn_collections_ArrayList_addIntToData(ListData* data, long long value) {

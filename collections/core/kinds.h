@@ -107,6 +107,12 @@ constexpr PrimitiveType primitiveTypeNamed(std::string_view name) {
   return PrimitiveType::None;
 }
 
+// The primitive type of a name with or without the language's module; None for every other name.
+constexpr PrimitiveType languageTypeNamed(std::string_view name) {
+  constexpr std::string_view kModule = "vorn.";
+  return primitiveTypeNamed(name.starts_with(kModule) ? name.substr(kModule.size()) : name);
+}
+
 // What a visitor of visitKind receives: the kind and its element type.
 template <PrimitiveKind kKind, class ElementType>
 struct KindTag {

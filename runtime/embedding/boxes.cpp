@@ -17,7 +17,7 @@ using vorn::runtime::madeOrNull;
 
 // The boxed type of a short or full name; None for every other name, null included.
 PrimitiveType boxedTypeNamed(const char* name) {
-  return name != nullptr ? vorn::runtime::languageTypeNamed(name) : PrimitiveType::None;
+  return name != nullptr ? vorn::collections::languageTypeNamed(name) : PrimitiveType::None;
 }
 
 const RegisteredObject* boxOf(const void* handle) {

@@ -25,12 +25,6 @@ static_assert(boxClassOf(collections::PrimitiveType::SByte) == BuiltinClass::SBy
 
 inline const RuntimeClass& boxClass(collections::PrimitiveType type) { return builtinClass(boxClassOf(type)); }
 
-// The primitive type of a name with or without the language's module; None for every other name.
-constexpr collections::PrimitiveType languageTypeNamed(std::string_view name) {
-  constexpr std::string_view kModule = "vorn.";
-  return collections::primitiveTypeNamed(name.starts_with(kModule) ? name.substr(kModule.size()) : name);
-}
-
 // The built-in class of a short or full name without type arguments; null for every other name.
 const RuntimeClass* findBuiltinClass(std::string_view name);
 

@@ -39,7 +39,7 @@ class CodeUnitTexts {
 }  // namespace
 
 ArraySlotKind slotKindForArrayElementType(std::string_view typeName) {
-  return vorn::collections::slotKindOf(vorn::collections::kindOf(vorn::runtime::languageTypeNamed(typeName)));
+  return vorn::collections::slotKindOf(vorn::collections::kindOf(vorn::collections::languageTypeNamed(typeName)));
 }
 
 bool extractArrayElementInteger(void* value, long long& integer) {

@@ -33,7 +33,7 @@ struct BooleanBoxes {
 
 // The type behind a name that is no short name of a primitive type: the full name of one, else what fits.
 [[gnu::noinline, gnu::cold]] PrimitiveType unusualIntegerType(std::string_view typeName, long long value) {
-  const PrimitiveType type = vorn::runtime::languageTypeNamed(typeName);
+  const PrimitiveType type = vorn::collections::languageTypeNamed(typeName);
   if (type != PrimitiveType::None && !isFloatingKind(kindOf(type))) return type;
   const bool fitsInt =
       value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
@@ -59,6 +59,6 @@ void* boxIntegerLikeLocal(RuntimeTypeName typeName, long long value) {
 void* boxFloatingLikeLocal(RuntimeTypeName typeName, double value) {
   PrimitiveType type = typeName.primitiveType();
   if (type == PrimitiveType::None) [[unlikely]]
-    type = vorn::runtime::languageTypeNamed(typeName.get());
+    type = vorn::collections::languageTypeNamed(typeName.get());
   return vorn::runtime::newFloatingBox(isFloatingKind(kindOf(type)) ? type : PrimitiveType::Double, value);
 }

@@ -9,13 +9,6 @@ namespace vorn::collections {
 
 namespace {
 
-// The primitive type of a name with or without the language's module.
-PrimitiveType languageTypeNamed(std::string_view name) {
-  constexpr std::string_view kModule = "vorn.";
-  if (name.starts_with(kModule)) name.remove_prefix(kModule.size());
-  return primitiveTypeNamed(name);
-}
-
 const PrimitiveTypeInfo& infoOfLanguageType(const char* name) {
   return infoOf(name != nullptr ? languageTypeNamed(name) : PrimitiveType::None);
 }

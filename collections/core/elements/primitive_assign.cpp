@@ -19,13 +19,6 @@ namespace vorn::collections {
 
 namespace {
 
-BulkPrimitiveListValue rawValue(PrimitiveKind kind, RuntimeTypeName typeName, long long value) {
-  return {kind, typeName, value, static_cast<double>(value)};
-}
-BulkPrimitiveListValue rawValue(PrimitiveKind kind, RuntimeTypeName typeName, double value) {
-  return {kind, typeName, truncateToI64(value), value};
-}
-
 // Narrows every value to the element type, as storing it alone would.
 template <class Tag, class Value>
 void fillElements(Tag tag, unsigned char* data, const Value* values, std::uint64_t n) {
@@ -56,7 +49,7 @@ bool assignValues(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName, 
     HandleVector boxes;
     boxes->reserve(n);
     for (std::uint64_t i = 0; i < n; ++i) {
-      const auto raw = rawValue(kind, typeName, values != nullptr ? values[i] : Value{});
+      const auto raw = rawPrimitiveValue({kind, typeName}, values != nullptr ? values[i] : Value{});
       boxes->push_back(boxPrimitiveListValue(kind, typeName, raw.integer, raw.floating));
     }
     list.objectAssign(*boxes);

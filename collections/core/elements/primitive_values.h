@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "collections/core/elements/element_types.h"
+#include "collections/core/number_rules.h"
 #include "collections/core/storage/list_data.h"
 
 // A value converted to a primitive kind, under a normalised type name.
@@ -20,6 +21,14 @@ namespace vorn::collections {
 
 // The field that a box, or an object of a class named like one, keeps its value in.
 inline constexpr const char* kValueField = "_value";
+
+// A raw value of an element type, as an integer and as a floating number.
+inline BulkPrimitiveListValue rawPrimitiveValue(const ElementType& type, long long value) {
+  return {type.kind, type.name, value, static_cast<double>(value)};
+}
+inline BulkPrimitiveListValue rawPrimitiveValue(const ElementType& type, double value) {
+  return {type.kind, type.name, truncateToI64(value), value};
+}
 
 }  // namespace vorn::collections
 
