@@ -107,9 +107,8 @@ class HashTable {
   // The node of a key that compares without user code, or null. Does not allocate.
   [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const { return locatePlain(key).node; }
 
-  // The same for the key of a number that a signed 64-bit integer holds, without the key.
-  [[nodiscard]] Node* findInteger(std::int64_t value) const {
-    const KeyWords words(value);
+  // The same for a key whose equality its words decide.
+  [[nodiscard]] Node* findWords(const KeyWords& words) const {
     Node* result = nullptr;
     Place place;
     visitCandidates(words.hash(), place, [&](std::uint32_t candidate) {
@@ -234,11 +233,13 @@ class HashTable {
     }
     const std::uint16_t tag = BucketLine::tagOf(hash);
     result.bucket = lines_.firstLine(hash);
-    for (const BucketLine* line = result.bucket; line != nullptr; line = lines_.nextLine(line)) {
+    const BucketLine* line = result.bucket;
+    do {
       for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
         if (visit(line->places[BucketLine::slotOf(slots)])) return;
       }
-    }
+      line = lines_.nextLine(line);
+    } while (line != nullptr);
   }
 
   [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;

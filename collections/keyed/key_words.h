@@ -12,17 +12,22 @@ namespace vorn::collections {
 // reading it back from memory right after the runtime wrote them one by one would wait for the stores, for some five
 // nanoseconds.
 struct KeyWords {
-  explicit KeyWords(const NativeCollectionKey& key)
-      : head(key.hash | static_cast<std::uint64_t>(key.tag) << 32 | static_cast<std::uint64_t>(key.shortLength) << 40),
-        first(key.words[0]),
-        second(key.words[1]) {}
+  KeyWords(std::uint32_t hash, NativeCollectionKey::Tag tag, std::uint64_t shortLength, std::uint64_t firstWord,
+           std::uint64_t secondWord)
+      : head(hash | static_cast<std::uint64_t>(tag) << 32 | shortLength << 40), first(firstWord), second(secondWord) {}
 
-  // Those of a number that a signed 64-bit integer holds, which never were in memory.
-  explicit KeyWords(std::int64_t value)
-      : head(mixedKeyHash(static_cast<std::uint64_t>(value)) |
-             static_cast<std::uint64_t>(NativeCollectionKey::Tag::Integer) << 32),
-        first(static_cast<std::uint64_t>(value)),
-        second(0) {}
+  explicit KeyWords(const NativeCollectionKey& key)
+      : KeyWords(key.hash, key.tag, key.shortLength, key.words[0], key.words[1]) {}
+
+  // Those of a number that a signed 64-bit integer holds, and of a text in two words padded with zeros. They never were in
+  // memory.
+  static KeyWords ofInteger(std::int64_t value) {
+    const auto bits = static_cast<std::uint64_t>(value);
+    return {mixedKeyHash(bits), NativeCollectionKey::Tag::Integer, 0, bits, 0};
+  }
+  static KeyWords ofShortText(std::uint64_t first, std::uint64_t second, std::uint64_t length) {
+    return {shortTextKeyHash(first, second), NativeCollectionKey::Tag::ShortText, length, first, second};
+  }
 
   [[nodiscard]] std::uint32_t hash() const { return static_cast<std::uint32_t>(head); }
 
@@ -34,6 +39,12 @@ struct KeyWords {
   }
 
   void storeTo(NativeCollectionKey& key) const { std::memcpy(static_cast<void*>(&key), this, sizeof(key)); }
+
+  [[nodiscard]] NativeCollectionKey key() const {
+    NativeCollectionKey key;
+    storeTo(key);
+    return key;
+  }
 
   std::uint64_t head;
   std::uint64_t first;

@@ -29,18 +29,36 @@ Found foundIn(const Node* node) {
   return map.withTable([&](const auto& table) { return foundIn(table.find(key).node); });
 }
 
-[[gnu::noinline]] Found lookUpAny(const MapData& map, void* key) {
-  const NativeCollectionKey nativeKey = map.hashed ? makeNativeCollectionKey(key) : makeNativeOrderedCollectionKey(key);
-  return hasPendingError() ? Found{} : lookUpKey(map, nativeKey);
+// What natives want of a lookup.
+Found all(Found found) { return found; }
+void* valueOf(Found found) { return found.value; }
+bool isFound(Found found) { return found.found; }
+
+template <auto resultOf>
+[[gnu::noinline]] auto lookUpAny(const MapData& map, void* key) {
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(map, key);
+  return resultOf(hasPendingError() ? Found{} : lookUpKey(map, nativeKey));
 }
 
-// The common case, an integer in a plain hash map, is inlined into every lookup and needs neither a frame nor a key in
-// memory.
-inline Found lookUp(void* map, void* key) {
+bool isPlainHash(const MapData& map) { return map.hashed && !map.synchronized && !mayHavePendingError(); }
+
+template <auto resultOf>
+[[gnu::noinline]] auto lookUpText(const MapData& map, void* key) {
+  const auto otherwise = [&] { return lookUpAny<resultOf>(map, key); };
+  if (!isPlainHash(map)) return otherwise();
+  return vc::withShortTextKey(
+      key, [&](const vc::KeyWords& words) { return resultOf(foundIn(map.hash.findWords(words))); }, otherwise);
+}
+
+// The common cases, an integer or a short text in a plain hash map, need no key in memory. The first is inlined into
+// every lookup and, since all others are jumps to these, needs no frame.
+template <auto resultOf>
+[[gnu::always_inline]] inline auto lookUp(void* map, void* key) {
   const MapData& data = *getMapData(map);
-  const RegisteredObject* const box = vc::integerKeyBoxOrNull(key);
-  if (box == nullptr || !data.hashed || data.synchronized || mayHavePendingError()) return lookUpAny(data, key);
-  return foundIn(data.hash.findInteger(box->integer));
+  const auto otherwise = [&] { return lookUpText<resultOf>(data, key); };
+  if (!isPlainHash(data)) return otherwise();
+  return vc::withIntegerKey(
+      key, [&](const vc::KeyWords& words) { return resultOf(foundIn(data.hash.findWords(words))); }, otherwise);
 }
 
 }  // namespace
@@ -56,10 +74,10 @@ bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
   if (key == nullptr) return false;
   if (map == nullptr) {
     // Its class's hash runs all the same, and may raise.
-    vc::hashedKeyOf(key);
+    makeNativeCollectionKey(key);
     return false;
   }
-  const Found result = lookUp(map, key);
+  const Found result = lookUp<all>(map, key);
   *slot = result.value;
   return result.found;
 }
@@ -69,23 +87,23 @@ bool tryMapLookupValue(void* map, std::string_view key, void** slot) {
 }
 
 void* vorn_collections_Map__get(void* map, void* key) {
-  return map != nullptr && key != nullptr ? lookUp(map, key).value : nullptr;
+  return map != nullptr && key != nullptr ? lookUp<valueOf>(map, key) : nullptr;
 }
 
 void* vorn_collections_Map_operator_index(void* map, void* key) {
   if (map == nullptr || key == nullptr) return nullptr;
-  const Found result = lookUp(map, key);
+  const Found result = lookUp<all>(map, key);
   // Also on top of an error that making the key raised: callers see both.
   if (!result.found) vc::errors::raiseKeyNotFound();
   return result.value;
 }
 
 bool vorn_collections_Map_tryGet(void* map, void* key, void** result) {
-  const Found looked = map != nullptr && key != nullptr ? lookUp(map, key) : Found{};
+  const Found looked = map != nullptr && key != nullptr ? lookUp<all>(map, key) : Found{};
   *result = looked.value;
   return looked.found;
 }
 
 bool vorn_collections_Map_operator_in(void* map, void* key) {
-  return map != nullptr && key != nullptr && lookUp(map, key).found;
+  return map != nullptr && key != nullptr && lookUp<isFound>(map, key);
 }

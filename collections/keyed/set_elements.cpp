@@ -30,6 +30,13 @@ void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
   return set.table.find(key).node != nullptr;
 }
 
+[[gnu::noinline]] bool containsText(const SetData& set, void* value) {
+  const auto otherwise = [&] { return containsAny(set, value); };
+  if (set.synchronized || mayHavePendingError()) return otherwise();
+  return vc::withShortTextKey(
+      value, [&](const vc::KeyWords& words) { return set.table.findWords(words) != nullptr; }, otherwise);
+}
+
 }  // namespace
 
 void vorn_collections_HashSet_add(void* set, void* value) {
@@ -58,9 +65,10 @@ bool vorn_collections_HashSet_remove(void* set, void* value) {
 bool vorn_collections_HashSet_operator_in(void* set, void* value) {
   if (set == nullptr) return false;
   const SetData& data = *getSetData(set);
-  const RegisteredObject* const box = vc::integerKeyBoxOrNull(value);
-  if (box == nullptr || data.synchronized || mayHavePendingError()) return containsAny(data, value);
-  return data.table.findInteger(box->integer) != nullptr;
+  const auto otherwise = [&] { return containsText(data, value); };
+  if (data.synchronized || mayHavePendingError()) return otherwise();
+  return vc::withIntegerKey(
+      value, [&](const vc::KeyWords& words) { return data.table.findWords(words) != nullptr; }, otherwise);
 }
 
 long long vorn_collections_HashSet_count(void* set, void* value) {

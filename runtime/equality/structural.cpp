@@ -53,7 +53,7 @@ bool Vorn_collectionObjectsEqual(void* left, void* right, bool& equal) {
 
 int compareStringObjects(void* left, void* right) {
   const auto textOf = [](void* string) {
-    const auto* object = static_cast<const vorn::runtime::StringObject*>(string);
+    const auto* object = static_cast<const StringObject*>(string);
     return std::string_view(object->text, object->length);
   };
   return textOf(left).compare(textOf(right));

@@ -25,7 +25,7 @@ std::uint64_t hardlyRandomBits() {
 void drawKeyHashSeed(std::uint64_t seed) {
   if (seed == 0 && getentropy(&Vorn_keyHashSeed, sizeof(Vorn_keyHashSeed)) == 0) return;
   std::uint64_t state = seed != 0 ? seed : hardlyRandomBits();
-  Vorn_keyHashSeed = {nextRandom(state), nextRandom(state), nextRandom(state)};
+  Vorn_keyHashSeed = {nextRandom(state), nextRandom(state), nextRandom(state), nextRandom(state), nextRandom(state)};
 }
 
 }  // namespace vorn::runtime

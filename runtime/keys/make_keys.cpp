@@ -21,6 +21,10 @@ std::uint32_t textHash(std::string_view text) {
   return folded(XXH3_64bits_withSeed(text.data(), text.size(), Vorn_keyHashSeed.addend));
 }
 
+std::uint32_t textKeyHash(const NativeCollectionKey& key) {
+  return key.tag == KeyTag::ShortText ? shortTextKeyHash(key.words[0], key.words[1]) : textHash(key.text());
+}
+
 // The tag keeps false, the character NUL and the number 0 apart. Values of different tags may be chosen so that they
 // collide, but no more of them than there are tags.
 std::uint32_t wordKeyHash(KeyTag tag, std::uint64_t word) {
@@ -41,10 +45,9 @@ const RuntimeClass* rootOfEquality(const RuntimeClass* type) {
   return type;
 }
 
-// The hash is made from the text itself: reading back the words that were written just now would wait for them.
 NativeCollectionKey hashedTextKey(std::string_view text) {
   NativeCollectionKey key = unhashedTextKey(text);
-  key.hash = textHash(text);
+  key.hash = textKeyHash(key);
   return key;
 }
 
@@ -93,7 +96,7 @@ NativeCollectionKey unhashedKey(void* handle) {
 }
 
 std::uint32_t plainKeyHash(const NativeCollectionKey& key) {
-  if (key.tag == KeyTag::ShortText || key.tag == KeyTag::LongText) return textHash(key.text());
+  if (key.tag == KeyTag::ShortText || key.tag == KeyTag::LongText) return textKeyHash(key);
   return wordKeyHash(key.tag, key.words[0]);
 }
 

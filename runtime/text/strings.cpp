@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cstring>
 
+#include "collections/core/port/collection_key.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/text.h"
 #include "collections/core/port/values.h"
@@ -10,7 +12,9 @@
 namespace vorn::runtime {
 
 char* newText(std::string_view text) {
-  auto* block = static_cast<char*>(allocateAtomic(text.size() + 1));
+  constexpr std::size_t kPadded = NativeCollectionKey::kShortText;
+  auto* block = static_cast<char*>(allocateAtomic(std::max(text.size() + 1, kPadded)));
+  std::memset(block, 0, kPadded);
   if (!text.empty()) std::memcpy(block, text.data(), text.size());
   block[text.size()] = '\0';
   return block;

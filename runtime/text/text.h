@@ -13,13 +13,7 @@
 
 namespace vorn::runtime {
 
-struct StringObject : ObjectRecord {
-  const char* text;
-  std::uint64_t length;
-};
-static_assert(sizeof(StringObject) == 40);
-
-// A new text block with a copy of the text. The caller keeps whatever owns the text alive. Allocates; std::bad_alloc.
+// A new text block with a copy of the text, as a String's record asks for it. The caller keeps whatever owns the text alive. Allocates; std::bad_alloc.
 char* newText(std::string_view text);
 
 // Whether the handle is a String object or a bare text, and its text if so. Valid while the handle is alive.

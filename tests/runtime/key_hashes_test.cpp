@@ -54,13 +54,19 @@ std::int64_t unmixed(std::uint64_t bits) {
 
 // What a search for each key passes, were each bucket searched to its end: the sum of the squares of the buckets'
 // sizes.
-double stepsPerKey(const std::vector<std::int64_t>& keys) {
-  const std::uint64_t buckets = keys.size() / 5 + 1;
+double stepsPerHash(const std::vector<std::uint32_t>& hashes) {
+  const std::uint64_t buckets = hashes.size() / 5 + 1;
   std::vector<double> sizes(buckets);
-  for (const std::int64_t key : keys) ++sizes[(integerCollectionKey(key).hash * buckets) >> 32];
+  for (const std::uint64_t hash : hashes) ++sizes[(hash * buckets) >> 32];
   double steps = 0;
   for (const double size : sizes) steps += size * size;
-  return steps / static_cast<double>(keys.size());
+  return steps / static_cast<double>(hashes.size());
+}
+
+double stepsPerKey(const std::vector<std::int64_t>& keys) {
+  std::vector<std::uint32_t> hashes;
+  for (const std::int64_t key : keys) hashes.push_back(integerCollectionKey(key).hash);
+  return stepsPerHash(hashes);
 }
 
 TEST_F(KeyHashes, OfChosenAndOfRegularIntegersSpreadAsRandomOnes) {
@@ -114,6 +120,31 @@ TEST_F(KeyHashes, Seed_IsRandomWhereNoneIsGiven) {
     hashes.insert(integerCollectionKey(7).hash);
   }
   EXPECT_GE(hashes.size(), 19U);
+}
+
+// Texts that differ in a few places, in the first word, in the second or in both.
+TEST_F(KeyHashes, Seed_SpreadsRegularTextsWhateverItIs) {
+  const SeedScope scope;
+  const auto digits = [](int i) { return std::to_string(10000 + i); };
+  const std::function<std::string(int)> forms[] = {
+      digits, [&](int i) { return "item" + digits(i); }, [&](int i) { return "prefix-of-8" + digits(i); },
+      [&](int i) { return digits(i) + "-of-a-suffix"; },
+      [](int i) { return std::string(1, static_cast<char>(i % 128)) + "abcdefghi" + static_cast<char>(i / 128); }};
+  for (std::uint64_t seed = 1; seed <= 50; ++seed) {
+    runtime::drawKeyHashSeed(seed);
+    for (const auto& form : forms) {
+      std::vector<std::uint32_t> hashes;
+      for (int i = 0; i < 5000; ++i) hashes.push_back(makeNativeStringCollectionKey(form(i)).hash);
+      EXPECT_NEAR(stepsPerHash(hashes), 6.0, 0.8) << seed << " " << form(0);
+    }
+  }
+}
+
+TEST_F(KeyHashes, OfShortTexts_AreNotThoseOfNumbersWithTheSameBytes) {
+  for (int i = 0; i < 128; ++i) {
+    const std::string text(1, static_cast<char>(i));
+    EXPECT_NE(makeNativeStringCollectionKey(text).hash, integerCollectionKey(i).hash) << i;
+  }
 }
 
 TEST_F(KeyHashes, Seed_SpreadsRegularIntegersWhateverItIs) {

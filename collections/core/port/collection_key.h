@@ -61,6 +61,8 @@ struct KeyHashSeed {
   std::uint64_t multiplierLow;
   std::uint64_t multiplierHigh;
   std::uint64_t addend;
+  std::uint64_t secondMultiplierLow;  // of a key's second word
+  std::uint64_t secondMultiplierHigh;
 };
 
 #pragma GCC visibility push(default)
@@ -78,16 +80,19 @@ extern KeyHashSeed Vorn_keyHashSeed;
 // The upper half of a product with a secret number of 128 bits, plus another secret, is a family of hash functions for
 // which no two inputs come to the same result, or to two given results, with more than twice the probability of random
 // numbers (Dietzfelbinger, "Universal hashing and k-wise independent random variables via integer arithmetic without
-// primes", 1996). Whoever chooses keys without knowing the seed can therefore not choose ones that collide more than
+// primes", 1996); and so is that of a sum of products, one for each word of the input (Lemire and Kaser, "Strongly
+// universal string hashing is fast", 2014). Whoever chooses keys without knowing the seed can therefore not choose ones that collide more than
 // random ones would, but for that factor, though he knows the algorithm. He could learn about the seed from how long
 // operations take: that is not defended against. By itself such a function would spread the numbers of an
 // arithmetic progression badly for one seed in twenty; the last line, a bijection that leaves the probabilities as they
 // are, breaks progressions up.
-inline std::uint32_t mixedKeyHash(std::uint64_t bits) {
+inline std::uint32_t mixedKeyHash(std::uint64_t first, std::uint64_t second = 0) {
   __extension__ using Wide = unsigned __int128;
-  const Wide product = static_cast<Wide>(Vorn_keyHashSeed.multiplierLow) * bits;
-  const std::uint64_t sum =
-      static_cast<std::uint64_t>(product >> 64) + Vorn_keyHashSeed.multiplierHigh * bits + Vorn_keyHashSeed.addend;
+  const KeyHashSeed& seed = Vorn_keyHashSeed;
+  const Wide products =
+      static_cast<Wide>(seed.multiplierLow) * first + static_cast<Wide>(seed.secondMultiplierLow) * second;
+  const std::uint64_t sum = static_cast<std::uint64_t>(products >> 64) + seed.multiplierHigh * first +
+                            seed.secondMultiplierHigh * second + seed.addend;
   return static_cast<std::uint32_t>(((sum ^ (sum >> 32)) * 0x9E3779B97F4A7C15ULL) >> 32);
 }
 
@@ -98,6 +103,11 @@ inline NativeCollectionKey integerCollectionKey(std::int64_t value) {
   key.tag = NativeCollectionKey::Tag::Integer;
   key.words[0] = static_cast<std::uint64_t>(value);
   return key;
+}
+
+// The hash of a text of up to kShortText bytes, from its words. A second word that no text has stands for numbers.
+inline std::uint32_t shortTextKeyHash(std::uint64_t first, std::uint64_t second) {
+  return mixedKeyHash(first, ~second);
 }
 
 #pragma GCC visibility push(default)

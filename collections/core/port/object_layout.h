@@ -72,6 +72,12 @@ struct RegisteredObject : ObjectRecord {
   std::int64_t integer;
 };
 
+// The runtime's record of a String.
+struct StringObject : ObjectRecord {
+  const char* text;  // and a NUL; sixteen bytes are readable at least, and zero from the text's end to the sixteenth
+  std::uint64_t length;
+};
+
 // The runtime's record of a map or set. The natives keep `size`, which is the object's field of that name, equal to the
 // number of entries.
 struct SizedObject : ObjectRecord {
@@ -85,6 +91,7 @@ inline vorn::collections::PrimitiveType boxedTypeOf(const ObjectRecord& object) 
 
 static_assert(std::endian::native == std::endian::little, "the header word is laid out for little-endian machines");
 static_assert(sizeof(ObjectRecord) == 24 && sizeof(RegisteredObject) == 32, "boxes are 32 bytes");
+static_assert(sizeof(StringObject) == 40, "the text follows the object record");
 static_assert(sizeof(SizedObject) == 32, "the size follows the object record");
 
 inline constexpr std::uintptr_t kObjectAlignment = 16;
