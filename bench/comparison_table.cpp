@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 namespace vorn::bench {
 
@@ -27,15 +28,18 @@ std::string nameOf(const Mark& mark) { return mark.operation != nullptr ? mark.o
 }  // namespace
 
 void printFigures(const Figures& figures, const std::vector<Row>& rows, const std::vector<std::string>& libraries) {
+  std::vector<std::string> columns;
+  std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(columns), [&](const std::string& library) {
+    return std::any_of(rows.begin(), rows.end(),
+                       [&](const Row& row) { return figures.find(row.operation, library, row.elements).has_value(); });
+  });
   std::printf("Nanoseconds per element\n%-32s %9s", "operation", "n");
-  for (const std::string& library : libraries) std::printf(" %9s", library.c_str());
+  for (const std::string& library : columns) std::printf(" %9s", library.c_str());
   std::printf("\n");
   for (const Row& row : rows) {
-    const auto figure = [&](const std::string& library) { return figures.find(row.operation, library, row.elements); };
-    if (std::none_of(libraries.begin(), libraries.end(), figure)) continue;
     std::printf("%-32s %9lld", row.operation.c_str(), static_cast<long long>(row.elements));
-    for (const std::string& library : libraries) {
-      if (const auto spread = figure(library)) {
+    for (const std::string& library : columns) {
+      if (const auto spread = figures.find(row.operation, library, row.elements)) {
         std::printf(" %9.3f", spread->median);
       } else {
         std::printf(" %9s", "-");

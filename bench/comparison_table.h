@@ -18,8 +18,7 @@ struct Row {
   friend bool operator==(const Row&, const Row&) = default;
 };
 
-// Prints the median nanoseconds per element: a line for each row, a column for each library. Rows that did not run are
-// left out.
+// Prints the median nanoseconds per element: a line for each row, a column for each library that has a figure in one.
 void printFigures(const Figures& figures, const std::vector<Row>& rows, const std::vector<std::string>& libraries);
 
 enum class Verdict { Held, Exceeded, Unclear };

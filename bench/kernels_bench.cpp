@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <numeric>
 #include <string>
 #include <vector>
 
 #include "bench/limits.h"
+#include "bench/path_columns.h"
 #include "bench/program.h"
 #include "collections/core/kernels/reverse_kernels.h"
 #include "collections/core/kernels/search_kernels.h"
@@ -61,8 +61,7 @@ template <class Element, class Pass>
 void addPaths(Benchmarks& benchmarks, const std::string& operation, Pass pass) {
   for (const VectorPath path : vorn::collections::kVectorPaths) {
     if (!vorn::collections::isVectorPathAvailable(path)) continue;
-    const bool inUse = path == vorn::collections::vectorPath();
-    addSizes<Element>(benchmarks, operation, inUse ? kOwn : vorn::collections::vectorPathName(path), pass, path);
+    addSizes<Element>(benchmarks, operation, columnOf(path), pass, path);
   }
 }
 
@@ -145,9 +144,7 @@ int main(int argc, char** argv) {
   addReversal<std::int64_t>(benchmarks, "int64");
   return runBenchmarks(argc, argv,
                        {.topic = "kernels",
-                        .libraries = {kOwn, "plain", "sse2", "avx2", "C++"},
+                        .libraries = pathColumns({"C++"}),
                         .benchmarks = std::move(benchmarks),
-                        .printMore = [] {
-                          std::printf("\"vorn\" is the path %s.\n", vectorPathName(vorn::collections::vectorPath()));
-                        }});
+                        .printMore = printPathInUse});
 }

@@ -15,6 +15,7 @@ using TreeMap = absl::btree_map<Key, Value>;
 
 struct Library : Containers<HashMap, TreeMap> {
   static constexpr const char* kName = "Abseil";
+  static constexpr std::int64_t kLargestGrowth = 10 * kLarge;
 };
 
 }  // namespace

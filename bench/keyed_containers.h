@@ -152,6 +152,7 @@ class LockedMap {
 // A library of containers: HashMap and TreeMap are templates of a key and what is stored for it.
 template <template <class, class> class HashMap, template <class, class> class TreeMap>
 struct Containers : MallocBoxes {
+  static constexpr std::int64_t kLargestGrowth = kLarge;
   static constexpr std::int64_t kLargestSortedMap = kLarge;
 
   template <class Key>

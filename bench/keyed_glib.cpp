@@ -131,6 +131,7 @@ class TableOfTables {
 
 struct Library : MallocBoxes {
   static constexpr const char* kName = "GLib";
+  static constexpr std::int64_t kLargestGrowth = kLarge;
   static constexpr std::int64_t kLargestSortedMap = kSmall;  // a million take some seconds each time
 
   template <class Key>

@@ -74,6 +74,7 @@ class NativeMapOfMaps {
 
 struct Library {
   static constexpr const char* kName = kOwn;
+  static constexpr std::int64_t kLargestGrowth = 10 * kLarge;
   static constexpr std::int64_t kLargestSortedMap = kLarge;
 
   template <class Key>

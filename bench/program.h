@@ -11,8 +11,8 @@
 
 namespace vorn::bench {
 
-// What the time of a benchmark is. That of the whole process: a collector's threads count, other programs on the machine
-// do not. Where threads work side by side, only the clock on the wall tells what they gain.
+// Whose time is taken. The processor's is that of the whole process: a collector's threads count, other programs on the
+// machine do not. Where threads work side by side, only the clock on the wall tells what they gain.
 enum class Clock { Processor, Wall };
 
 // One thing to measure, named "operation/library/elements".

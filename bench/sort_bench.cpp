@@ -1,10 +1,10 @@
 // Sorting unboxed elements without the natives: each of our paths beside std::sort and, where its library is installed,
 // Highway's vqsort. "vorn" is the path that this processor gets.
 
-#include <cstdio>
 #include <string>
 
 #include "bench/limits.h"
+#include "bench/path_columns.h"
 #include "bench/program.h"
 #include "bench/sort_inputs.h"
 #include "bench/vqsort.h"
@@ -42,9 +42,7 @@ template <class Element>
 void addType(Benchmarks& benchmarks, const std::string& type) {
   for (const VectorPath path : {VectorPath::Plain, VectorPath::Avx2, VectorPath::Avx512}) {
     if (!vorn::collections::isVectorPathAvailable(path)) continue;
-    const bool inUse = path == vorn::collections::vectorPath();
-    addSort<Element>(benchmarks, type, inUse ? kOwn : vorn::collections::vectorPathName(path), sortByPath<Element>,
-                     path);
+    addSort<Element>(benchmarks, type, columnOf(path), sortByPath<Element>, path);
   }
   addSort<Element>(benchmarks, type, "C++", sortByStandard<Element>);
   if constexpr (kHasVqsort<Element>) addSort<Element>(benchmarks, type, "vqsort", sortByVqsort<Element>);
@@ -66,9 +64,7 @@ int main(int argc, char** argv) {
   addSort<std::int64_t>(benchmarks, "by comparison", "C++", sortByStandard<std::int64_t>);
   return runBenchmarks(argc, argv,
                        {.topic = "sort",
-                        .libraries = {kOwn, "plain", "avx2", "C++", "vqsort"},
+                        .libraries = pathColumns({"C++", "vqsort"}),
                         .benchmarks = std::move(benchmarks),
-                        .printMore = [] {
-                          std::printf("\"vorn\" is the path %s.\n", vectorPathName(vorn::collections::vectorPath()));
-                        }});
+                        .printMore = printPathInUse});
 }
