@@ -108,11 +108,11 @@ constexpr LimitedRow kSortLimits[] = {
     {"sort int64", kSmall, {1.5, peer("vqsort")}},      {"sort int64", kLarge, {1.2, peer("vqsort")}},
     {"sort float", kLarge, {1.2, peer("vqsort")}},      {"sort double", kLarge, {1.2, peer("vqsort")}},
     {"sort int8", kLarge, {0.1, peer("C++")}},          {"sort int32, sorted", kLarge, {0.2, peer("C++")}},
-    {"sort by comparison", kLarge, {1.5, peer("C++")}},
+    {"sort by comparison", kLarge, {2.0, peer("C++")}},
 };
 
 constexpr LimitedRow kKernelLimits[] = {
-    {"sum Int", kSmall, {2.0, floor(kReadMemory)}},   {"sum Int", kLarge, {1.3, floor(kReadMemory)}},
+    {"sum Int", kSmall, {2.5, floor(kReadMemory)}},   {"sum Int", kLarge, {1.3, floor(kReadMemory)}},
     {"find Int", kSmall, {2.0, floor(kReadMemory)}},  {"find Int", kLarge, {1.3, floor(kReadMemory)}},
     {"count Int", kSmall, {2.0, floor(kReadMemory)}}, {"count Int", kLarge, {1.3, floor(kReadMemory)}},
     {"sum Double", kSmall, {1.1, peer("C++")}},       {"sum Double", kLarge, {1.1, peer("C++")}},
