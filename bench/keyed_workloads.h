@@ -2,7 +2,8 @@
 //
 // A library is a class with
 //   kName                      its column in the table
-//   kLargestGrowth, kLargestSortedMap   the sizes up to which growth and sorted maps are measured: as far as it is quick
+//   kLargestGrowth             the size up to which growth is measured, which is as far as it is quick;
+//   kLargestSortedMap          the same for sorted maps
 //   Box<Key>                   a pointer to a number or text in a block of its own
 //   box(key), drop(box)        makes one and gives it back
 //   number(value)              reads the number in the box of a value
