@@ -1,8 +1,6 @@
 // The natives of fixed arrays beside plain C++ arrays, and the conversions of arrays to text and bytes, at a size that
-// stays in the caches and at a million.
-//
-// Prints the benchmarks as they run and then one table; for the conversions an element is a byte of text. All options
-// of Google Benchmark work; with --benchmark_format set, only that output appears.
+// stays in the caches and at a million. For the conversions an element is a byte of text. How to read what it prints
+// stands in docs/benchmarks.md.
 #include <benchmark/benchmark.h>
 #include <vorn/collections/array.h>
 #include <vorn/runtime.h>
@@ -15,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "bench/comparison_table.h"
 #include "bench/native_support.h"
 #include "bench/program.h"
 #include "collections/array/array_data.h"
@@ -27,8 +24,7 @@ using namespace vorn::bench;  // NOLINT(google-build-using-namespace): the progr
 using natives::requireNoErrors;
 using vorn::Handle;
 
-constexpr std::int64_t kSmall = 1000;
-constexpr std::int64_t kLarge = 1000000;
+constexpr std::int64_t kSizes[] = {1'000, 1'000'000};
 
 void* makeArray(Handle& array, const char* type, std::int64_t elements) {
   array = vorn_object_new(type);
@@ -182,6 +178,30 @@ std::vector<std::uint32_t> characters(std::int64_t bytes, bool mixed) {
   return result;
 }
 
+// The plain C++ way: the bytes of each character appended to a string.
+void appendCharacters(benchmark::State& state, std::int64_t bytes, bool mixed) {
+  const std::vector<std::uint32_t> scalars = characters(bytes, mixed);
+  std::size_t length = 0;
+  for (auto _ : state) {
+    std::string text;
+    for (const std::uint32_t scalar : scalars) {
+      const auto following = [scalar](int shift) { return static_cast<char>(0x80 | ((scalar >> shift) & 0x3F)); };
+      if (scalar < 0x80) {
+        text += static_cast<char>(scalar);
+      } else if (scalar < 0x800) {
+        text += {static_cast<char>(0xC0 | (scalar >> 6)), following(0)};
+      } else if (scalar < 0x10000) {
+        text += {static_cast<char>(0xE0 | (scalar >> 12)), following(6), following(0)};
+      } else {
+        text += {static_cast<char>(0xF0 | (scalar >> 18)), following(12), following(6), following(0)};
+      }
+    }
+    keep(text.data());
+    length = text.size();
+  }
+  countElements(state, static_cast<std::int64_t>(length));
+}
+
 void textOfCharacters(benchmark::State& state, std::int64_t bytes, bool mixed, bool asUnits) {
   std::vector<std::uint32_t> slots = characters(bytes, mixed);
   if (asUnits) {
@@ -209,6 +229,8 @@ void textOfCharacters(benchmark::State& state, std::int64_t bytes, bool mixed, b
 
 void asciiText(benchmark::State& state, std::int64_t bytes) { textOfCharacters(state, bytes, false, false); }
 void mixedText(benchmark::State& state, std::int64_t bytes) { textOfCharacters(state, bytes, true, false); }
+void appendAscii(benchmark::State& state, std::int64_t bytes) { appendCharacters(state, bytes, false); }
+void appendMixed(benchmark::State& state, std::int64_t bytes) { appendCharacters(state, bytes, true); }
 void asciiUnits(benchmark::State& state, std::int64_t bytes) { textOfCharacters(state, bytes, false, true); }
 void mixedUnits(benchmark::State& state, std::int64_t bytes) { textOfCharacters(state, bytes, true, true); }
 
@@ -251,41 +273,29 @@ void printMemory(std::int64_t elements) {
               static_cast<double>(slots.capacity * slots.elementSize) / static_cast<double>(elements));
 }
 
-struct ArrayOperation {
-  const char* name;
-  Measured vorn;
-  Measured plain;
-  double limit;  // nanoseconds per element that the native may take; 0 when none is set
-};
-
-constexpr ArrayOperation kOperations[] = {
-    {"getInt", getInt, getPlainInt, 3},
-    {"setInt", setInt, setPlainInt, 3},
-    {"getDouble", getDouble, nullptr, 0},
-    {"getInt synchronised", getSynchronisedInt, nullptr, 0},
-    {"loop over rawDataPtr", loopRaw, loopPlain, 0},
-    {"sort Int", sortInts, sortPlain, 0},
-    {"Char ASCII to String", asciiText, nullptr, 1},             // 1 GB/s
-    {"Char mixed to String", mixedText, nullptr, 1000.0 / 300},  // 300 MB/s
-    {"CodeUnit ASCII to String", asciiUnits, nullptr, 0},
-    {"CodeUnit mixed to String", mixedUnits, nullptr, 0},
-    {"readByteArrayData", readBytes, copyPlainBytes, 0},
-    {"writeByteArrayData", writeBytes, copyPlainBytes, 0},
+constexpr Operation kOperations[] = {
+    {"getInt", getInt, getPlainInt, nullptr},
+    {"setInt", setInt, setPlainInt, nullptr},
+    {"getDouble", getDouble, nullptr, nullptr},
+    {"getInt synchronised", getSynchronisedInt, nullptr, nullptr},
+    {"loop over rawDataPtr", loopRaw, loopPlain, nullptr},
+    {"sort Int", sortInts, sortPlain, nullptr},
+    {"Char ASCII to String", asciiText, appendAscii, nullptr},
+    {"Char mixed to String", mixedText, appendMixed, nullptr},
+    {"CodeUnit ASCII to String", asciiUnits, nullptr, nullptr},
+    {"CodeUnit mixed to String", mixedUnits, nullptr, nullptr},
+    {"readByteArrayData", readBytes, copyPlainBytes, nullptr},
+    {"writeByteArrayData", writeBytes, copyPlainBytes, nullptr},
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  Benchmarks benchmarks;
+  add(benchmarks, kOperations, kSizes);
   return runBenchmarks(
-      argc, argv, {"vorn", "C++"},
-      [](std::vector<ComparisonTable::Row>& rows) {
-        for (const ArrayOperation& operation : kOperations) {
-          for (const std::int64_t size : {kSmall, kLarge}) {
-            registerBenchmark(operation.name, "vorn", operation.vorn, size);
-            registerBenchmark(operation.name, "C++", operation.plain, size);
-            rows.push_back({operation.name, size, operation.limit});
-          }
-        }
-      },
-      [] { printMemory(kLarge); });
+      argc, argv,
+      {.topic = "array", .libraries = {"vorn", "C++"}, .benchmarks = std::move(benchmarks), .printMore = [] {
+         printMemory(1'000'000);
+       }});
 }

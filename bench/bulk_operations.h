@@ -44,10 +44,6 @@ void shuffle(benchmark::State& state, std::int64_t elements);
 void narrow(benchmark::State& state, std::int64_t elements);
 void widen(benchmark::State& state, std::int64_t elements);
 void writeThroughPointer(benchmark::State& state, std::int64_t elements);
-// std::memchr for a byte that is not there: how fast memory can be read at all, per 4-byte element.
-void readMemory(benchmark::State& state, std::int64_t elements);
-// std::memcpy to another place in 64 MB each time, as a collected heap hands out blocks.
-void copyUncached(benchmark::State& state, std::int64_t elements);
 }  // namespace standard
 
 // GArray. Sums, reversal and slices are the user's loops.

@@ -1,7 +1,6 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -135,25 +134,6 @@ void writeThroughPointer(benchmark::State& state, std::int64_t elements) {
     const auto ints = std::make_unique_for_overwrite<std::int32_t[]>(static_cast<std::size_t>(elements));
     for (std::int64_t i = 0; i < elements; ++i) ints[i] = static_cast<std::int32_t>(i);
     keep(ints.get());
-  }
-  countElements(state, elements);
-}
-
-void readMemory(benchmark::State& state, std::int64_t elements) {
-  const std::vector<char> bytes(static_cast<std::size_t>(elements) * 4, 'a');
-  for (auto _ : state) keep(std::memchr(bytes.data(), 'b', bytes.size()));
-  countElements(state, elements);
-}
-
-void copyUncached(benchmark::State& state, std::int64_t elements) {
-  const auto source = makeVector<std::int32_t>(elements);
-  const std::size_t bytes = source.size() * sizeof(std::int32_t);
-  std::vector<char> memory(std::max(bytes, std::size_t{64} << 20), 'a');
-  std::size_t at = 0;
-  for (auto _ : state) {
-    std::memcpy(memory.data() + at, source.data(), bytes);
-    keep(memory.data());
-    at = memory.size() - at >= 2 * bytes ? at + bytes : 0;
   }
   countElements(state, elements);
 }

@@ -1,35 +1,42 @@
-// One table out of a run: rows are an operation and a size, columns are libraries, figures nanoseconds per element.
+// Two tables out of a run: what every library took, and what became of the limits.
 #pragma once
 
-#include <benchmark/benchmark.h>
-
 #include <cstdint>
-#include <map>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "bench/figures.h"
+#include "bench/limits.h"
+
 namespace vorn::bench {
 
-// Shows one line for each benchmark, the median of its repetitions, and keeps that median's "ns_per_element" counter.
-// Benchmarks are named "operation/library/size".
-class ComparisonTable : public benchmark::ConsoleReporter {
- public:
-  ComparisonTable() : benchmark::ConsoleReporter(OO_None) {}
+struct Row {
+  std::string operation;
+  std::int64_t elements;
 
-  void ReportRuns(const std::vector<Run>& runs) override;
-
-  struct Row {
-    std::string operation;
-    std::int64_t elements;
-    double limit;  // 0: none
-  };
-
-  // Prints the rows in the given order and a verdict beside each limit. Rows that did not run are left out; nothing is
-  // printed when no row ran.
-  void print(const std::vector<Row>& rows, const std::vector<std::string>& libraries) const;
-
- private:
-  std::map<std::string, double> figures_;
+  friend bool operator==(const Row&, const Row&) = default;
 };
+
+// Prints the median nanoseconds per element: a line for each row, a column for each library that has a figure in one.
+void printFigures(const Figures& figures, const std::vector<Row>& rows, const std::vector<std::string>& libraries);
+
+enum class Verdict { Held, Exceeded, Unclear };
+
+// How many times as long as its mark a row took, by the medians, and the range of that ratio when both move between
+// their quartiles.
+struct Ratio {
+  double value;
+  double low;
+  double high;
+};
+Ratio ratioOf(const Spread& own, const Spread& mark);
+
+// Unclear where the limit lies in the range, or where there are too few repetitions to tell.
+Verdict judge(double limit, const Spread& own, const Spread& mark);
+
+// Prints a line for each limit whose row ran, and how many held. A mark of one of the `missing` libraries is not
+// installed.
+void printLimits(const Figures& figures, std::span<const LimitedRow> limits, const std::vector<std::string>& missing);
 
 }  // namespace vorn::bench

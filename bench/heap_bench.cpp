@@ -1,15 +1,13 @@
-// The heap and boxes beside malloc: what one small block costs in a loop that drops it at once, collections included.
-//
-// Options as in list_bench.
+// The heap and boxes beside malloc: what a block costs in a loop that drops it at once, collections included; lists of
+// Int beside std::vector. How to read what it prints stands in docs/benchmarks.md.
 
 #include <vorn/collections/array_list.h>
 #include <vorn/runtime.hpp>
 
 #include <cstdlib>
-#include <vector>
 
-#include "bench/comparison_table.h"
-#include "bench/measurement.h"
+#include "bench/bulk_operations.h"
+#include "bench/floors.h"
 #include "bench/native_support.h"
 #include "bench/program.h"
 #include "collections/core/port/memory.h"
@@ -30,12 +28,6 @@ void repeat(benchmark::State& state, std::int64_t elements, Work work) {
   countElements(state, elements);
 }
 
-// ---- The floor: a block of a box's size taken and given back, as a box is with a value in it.
-
-struct PlainBox {
-  std::int64_t words[4];
-};
-
 template <std::size_t bytes>
 void mallocAndFree(benchmark::State& state, std::int64_t elements) {
   repeat(state, elements, [](std::int64_t) {
@@ -44,17 +36,6 @@ void mallocAndFree(benchmark::State& state, std::int64_t elements) {
     std::free(block);
   });
 }
-
-void mallocBox(benchmark::State& state, std::int64_t elements) {
-  repeat(state, elements, [](std::int64_t i) {
-    auto* const box = static_cast<PlainBox*>(std::malloc(sizeof(PlainBox)));
-    *box = {{1, 2, 3, i}};
-    keep(box);
-    std::free(box);
-  });
-}
-
-// ---- Ours
 
 template <std::size_t bytes>
 void atomicBlock(benchmark::State& state, std::int64_t elements) {
@@ -107,34 +88,35 @@ void boxIntBesideAMillion(benchmark::State& state, std::int64_t elements) {
   boxInt(state, elements);
 }
 
-constexpr Operation kOperations[] = {
-    {"box Int", boxInt, mallocBox, nullptr, 10},
-    {"box Int by name", boxIntByName, mallocBox, nullptr, 0},
-    {"box Double", boxDouble, mallocBox, nullptr, 10},
-    {"box Double by name", boxDoubleByName, mallocBox, nullptr, 0},
-    {"box Int beside a million boxes", boxIntBesideAMillion, mallocBox, nullptr, 0},
-    {"unbox Int", unboxInt, nullptr, nullptr, 0},
-    {"unbox Int by its family", unboxIntByFamily, nullptr, nullptr, 0},
-    {"operator_index, new box", operatorIndex, mallocBox, nullptr, 0},
-    {"atomic block of 32 bytes", atomicBlock<32>, mallocAndFree<32>, nullptr, 0},
-    {"atomic block of 64 bytes", atomicBlock<64>, mallocAndFree<64>, nullptr, 0},
-    {"scanned block of 32 bytes", scannedBlock<32>, mallocAndFree<32>, nullptr, 0},
-    {"scanned block of 64 bytes", scannedBlock<64>, mallocAndFree<64>, nullptr, 0},
+constexpr Operation kBlocks[] = {
+    {"box Int", boxInt, mallocAndFreeBox, nullptr},
+    {"box Int by name", boxIntByName, mallocAndFreeBox, nullptr},
+    {"box Double", boxDouble, mallocAndFreeBox, nullptr},
+    {"box Double by name", boxDoubleByName, mallocAndFreeBox, nullptr},
+    {"box Int beside a million boxes", boxIntBesideAMillion, mallocAndFreeBox, nullptr},
+    {"unbox Int", unboxInt, nullptr, nullptr},
+    {"unbox Int by its family", unboxIntByFamily, nullptr, nullptr},
+    {"operator_index, new box", operatorIndex, mallocAndFreeBox, nullptr},
+    {"atomic block of 32 bytes", atomicBlock<32>, mallocAndFree<32>, nullptr},
+    {"atomic block of 64 bytes", atomicBlock<64>, mallocAndFree<64>, nullptr},
+    {"scanned block of 32 bytes", scannedBlock<32>, mallocAndFree<32>, nullptr},
+    {"scanned block of 64 bytes", scannedBlock<64>, mallocAndFree<64>, nullptr},
+};
+
+// Blocks of a list's size, and what it takes to fill them.
+constexpr Operation kLists[] = {
+    {"slice [1:-1]", natives::slice, standard::slice, nullptr},
+    {"concat", natives::concat, standard::concat, nullptr},
+    {"repeat 10 times", natives::repeat, standard::concat, nullptr},
+    {"write through newPrimitiveData", natives::writeThroughPointer, standard::writeThroughPointer, nullptr},
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  return runBenchmarks(
-      argc, argv, {"vorn", "C++"},
-      [](std::vector<ComparisonTable::Row>& rows) {
-        for (const Operation& operation : kOperations) {
-          for (const std::int64_t size : kSizes) {
-            registerBenchmark(operation.name, "vorn", operation.vorn, size);
-            registerBenchmark(operation.name, "C++", operation.standard, size);
-            rows.push_back({operation.name, size, operation.limit});
-          }
-        }
-      },
-      [] {});
+  Benchmarks benchmarks;
+  add(benchmarks, kBlocks, kSizes);
+  add(benchmarks, kLists, kSizes);
+  return runBenchmarks(argc, argv,
+                       {.topic = "heap", .libraries = {"vorn", "C++"}, .benchmarks = std::move(benchmarks)});
 }

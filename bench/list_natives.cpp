@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <deque>
 #include <vector>
@@ -214,18 +212,6 @@ void printMemory(std::int64_t elements) {
   std::printf("Heap: %.2f bytes per element allocated while it grew, %+.2f live after a collection.\n",
               perElement(static_cast<double>(allocated)),
               perElement(static_cast<double>(static_cast<std::int64_t>(after.bytes_live - before.bytes_live))));
-}
-
-void printCallFloor() {
-  constexpr int kCalls = 1'000'000;
-  double best = 1e9;
-  for (int round = 0; round < 20; ++round) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < kCalls; ++i) benchmark::DoNotOptimize(vorn_is_object(nullptr));
-    const std::chrono::duration<double, std::nano> spent = std::chrono::steady_clock::now() - start;
-    best = std::min(best, spent.count() / kCalls);
-  }
-  std::printf("Floor: a checked call through a shared library that does nothing takes %.2f ns here.\n", best);
 }
 
 }  // namespace vorn::bench::natives

@@ -33,9 +33,6 @@ void indexOfAbsentBoxed(benchmark::State& state, std::int64_t elements);
 
 // Prints what an `ArrayList<Int>` of so many elements occupies, by the runtime's own account.
 void printMemory(std::int64_t elements);
-
-// Prints what a call into a shared library costs on this machine: the limits were set where it is 1.2 ns.
-void printCallFloor();
 }  // namespace natives
 
 // std::vector; std::list for the linked list.

@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 
 namespace vorn::bench {
 
@@ -29,7 +28,9 @@ inline void countElements(benchmark::State& state, std::int64_t elements) {
 
 // Collections consumed by one iteration of a benchmark that has to prepare them with the clock stopped: enough of them
 // that stopping the clock, about a microsecond, does not show.
-inline std::int64_t preparedCollections(std::int64_t elements) { return elements >= 64000 ? 1 : 64000 / elements; }
+inline constexpr std::int64_t preparedCollections(std::int64_t elements) {
+  return elements >= 64000 ? 1 : 64000 / elements;
+}
 
 // A measured function: builds or reads `elements` elements per iteration.
 using Measured = void (*)(benchmark::State& state, std::int64_t elements);
@@ -40,8 +41,6 @@ struct Operation {
   Measured vorn;
   Measured standard;
   Measured glib;
-  double limit;  // nanoseconds per element that the native may take; 0 when none is set
-  std::int64_t limitUpTo = std::numeric_limits<std::int64_t>::max();  // elements; beyond, memory sets the pace
 };
 
 // The element at `index` of every collection of numbers that is read; searches look for `kAbsent`.
