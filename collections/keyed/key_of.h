@@ -16,26 +16,25 @@ inline const RegisteredObject* integerKeyBoxOrNull(const void* handle) {
   return box->integer >= 0 || boxedTypeOf(*box) != PrimitiveType::ULong ? box : nullptr;
 }
 
-// The key of a hash map for a non-null handle. May run user code, raise and allocate: callers look at hasPendingError()
-// next, which also tells of an error that was pending before. Returned in place, since a copy of a key that was just
-// written field by field waits for the stores.
-inline NativeCollectionKey hashedKeyOf(void* handle) {
+// The key of an integer's box without a call, what make(handle) returns for any other handle. Returned in place, since a
+// copy of a key that was just written field by field waits for the stores.
+template <class Make>
+inline NativeCollectionKey keyOf(void* handle, Make make) {
   if (const RegisteredObject* const box = integerKeyBoxOrNull(handle)) [[likely]]
     return integerCollectionKey(box->integer);
-  return makeNativeCollectionKey(handle);
+  return make(handle);
 }
 
-// The same for any map. A sorted one never looks at hashes, so that its keys come without and run no user code. Whether
-// a map is hashed never changes and may be read without its lock.
+// The key of a map for a non-null handle. For hash maps it may run user code, raise and allocate: callers look at
+// hasPendingError() next, which also tells of an error that was pending before. A sorted map never looks at hashes, so
+// that its keys need none and run no user code. Whether a map is hashed never changes and may be read without its lock.
 inline NativeCollectionKey mapKeyOf(const MapData& map, void* handle) {
-  return map.hashed ? hashedKeyOf(handle) : makeNativeOrderedCollectionKey(handle);
+  return keyOf(handle, [&](void* other) {
+    return map.hashed ? makeNativeCollectionKey(other) : makeNativeOrderedCollectionKey(other);
+  });
 }
 
 // The key of an element of a set, which may be null.
-inline NativeCollectionKey setKeyOf(void* handle) {
-  if (const RegisteredObject* const box = integerKeyBoxOrNull(handle)) [[likely]]
-    return integerCollectionKey(box->integer);
-  return makeNativeSetCollectionKey(handle);
-}
+inline NativeCollectionKey setKeyOf(void* handle) { return keyOf(handle, makeNativeSetCollectionKey); }
 
 }  // namespace vorn::collections

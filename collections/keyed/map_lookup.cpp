@@ -30,17 +30,16 @@ Found foundIn(const Node* node) {
 }
 
 [[gnu::noinline]] Found lookUpAny(const MapData& map, void* key) {
-  const NativeCollectionKey nativeKey = map.hashed ? makeNativeCollectionKey(key) : makeNativeOrderedCollectionKey(key);
+  const NativeCollectionKey nativeKey = vc::mapKeyOf(map, key);
   return hasPendingError() ? Found{} : lookUpKey(map, nativeKey);
 }
 
-// The common case, an integer in a plain hash map, is inlined into every lookup and needs neither a frame nor a key in
-// memory.
+// The common case, an integer in a plain map, is inlined into every lookup and needs neither a frame nor a key in memory.
 inline Found lookUp(void* map, void* key) {
   const MapData& data = *getMapData(map);
   const RegisteredObject* const box = vc::integerKeyBoxOrNull(key);
-  if (box == nullptr || !data.hashed || data.synchronized || mayHavePendingError()) return lookUpAny(data, key);
-  return foundIn(data.hash.findInteger(box->integer));
+  if (box == nullptr || data.synchronized || mayHavePendingError()) return lookUpAny(data, key);
+  return data.withTable([&](const auto& table) { return foundIn(table.findInteger(box->integer)); });
 }
 
 }  // namespace
@@ -56,7 +55,7 @@ bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
   if (key == nullptr) return false;
   if (map == nullptr) {
     // Its class's hash runs all the same, and may raise.
-    vc::hashedKeyOf(key);
+    makeNativeCollectionKey(key);
     return false;
   }
   const Found result = lookUp(map, key);
