@@ -44,7 +44,10 @@ inline Found lookUp(void* map, void* key) {
 
 }  // namespace
 
+// The slots of the lookups below are null before anything can throw: user code may, while a key is made or compared.
+
 bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** slot) {
+  *slot = nullptr;
   const Found result = map != nullptr ? lookUpKey(*getMapData(map), key) : Found{};
   *slot = result.value;
   return result.found;
@@ -64,6 +67,7 @@ bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
 }
 
 bool tryMapLookupValue(void* map, std::string_view key, void** slot) {
+  *slot = nullptr;
   return tryMapLookupStorageValue(map, makeNativeStringCollectionKey(key), slot);
 }
 
@@ -80,6 +84,7 @@ void* vorn_collections_Map_operator_index(void* map, void* key) {
 }
 
 bool vorn_collections_Map_tryGet(void* map, void* key, void** result) {
+  *result = nullptr;
   const Found looked = map != nullptr && key != nullptr ? lookUp(map, key) : Found{};
   *result = looked.value;
   return looked.found;
