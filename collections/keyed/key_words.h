@@ -31,6 +31,9 @@ struct KeyWords {
 
   [[nodiscard]] std::uint32_t hash() const { return static_cast<std::uint32_t>(head); }
 
+  // The number of an integer's key.
+  [[nodiscard]] std::int64_t integer() const { return static_cast<std::int64_t>(first); }
+
   // Whether all words of the other key are these.
   [[nodiscard]] bool match(const NativeCollectionKey& key) const {
     std::uint64_t otherHead;

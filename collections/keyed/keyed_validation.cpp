@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <unordered_set>
 #include <vector>
 
 #include "collections/keyed/map_data.h"
@@ -13,49 +12,6 @@
 namespace vorn::collections {
 
 namespace {
-
-// The addresses of nodes, in memory that is not collected: for comparing, not for following.
-template <class Node>
-using NodeSet = std::unordered_set<const Node*>;
-
-// Whether a free node is zero but for its mark and its link.
-template <class Node>
-bool isWiped(const Node& node) {
-  Node copy;
-  std::memcpy(static_cast<void*>(&copy), &node, sizeof(Node));
-  copy.poolLink() = nullptr;
-  copy.key.tag = {};
-  const auto* const bytes = reinterpret_cast<const unsigned char*>(&copy);
-  return std::all_of(bytes, bytes + sizeof(Node), [](unsigned char byte) { return byte == 0; });
-}
-
-// Checks the pool and collects its nodes in use.
-template <class Node>
-std::string validatePool(const NodePool<Node>& pool, NodeSet<Node>& inUse) {
-  using Pool = NodePool<Node>;
-  if ((pool.firstBlock() == nullptr) != (pool.lastBlock() == nullptr)) return "the chain of blocks has only one end";
-  NodeSet<Node> free;
-  const typename Pool::Block* last = nullptr;
-  for (const auto* block = pool.firstBlock(); block != nullptr; block = block->next) {
-    if (block->capacity == 0 || block->used > block->capacity) return "a block has used more nodes than it has";
-    if (block != pool.lastBlock() && block->used != block->capacity) return "a block before the last is not used up";
-    for (std::uint32_t i = 0; i < block->used; ++i) {
-      const Node* const node = Pool::nodesOf(block) + i;
-      if (node->key.tag != kFreeNode) {
-        inUse.insert(node);
-        continue;
-      }
-      free.insert(node);
-      if (!isWiped(*node)) return "a free node holds something";
-    }
-    last = block;
-  }
-  if (last != pool.lastBlock()) return "the last block is not the end of the chain";
-  for (Node* node = pool.firstFree(); node != nullptr; node = node->poolLink()) {
-    if (free.erase(node) == 0) return "the chain of free nodes has a node that is not free, or has it twice";
-  }
-  return free.empty() ? "" : "a free node is not in the chain of free nodes";
-}
 
 // What is wrong with the memory for elements.
 template <class Node>
@@ -218,40 +174,100 @@ std::string validateHashTable(const HashTable<Entry>& table) {
   return BucketCheck<Entry>(table).run();
 }
 
-// Checks the tree below a node and gives its black height.
-std::string validateSubtree(const OrderedTable::Node* node, NodeSet<OrderedTable::Node>& inUse, int& blackHeight) {
-  if (node == nullptr) {
+// Checks the shape of a tree, and marks the places that it finds in it.
+class TreeCheck {
+ public:
+  explicit TreeCheck(const TreeLinks& tree) : tree_(tree), seen_(std::size_t{tree.used()} + 1, false) {}
+
+  std::string run() {
+    if (tree_.links() == nullptr)
+      return tree_.used() == 0 && tree_.root() == 0 ? "" : "a tree without memory has places";
+    if (tree_.used() >= tree_.capacity()) return "more places are given out than there are";
+    const TreeLinks::Link& none = tree_.at(0);
+    if (none.children[0] != 0 || none.children[1] != 0 || none.parentAndColour != 0) {
+      return "the missing child is no black node without children";
+    }
+    if (tree_.root() != 0 && (tree_.root() > tree_.used() || tree_.at(tree_.root()).parentAndColour != 0)) {
+      return "the root has a parent or is red";
+    }
+    int blackHeight = 0;
+    last_ = 0;
+    if (std::string fault = checkSubtree(tree_.root(), blackHeight); !fault.empty()) return fault;
+    if (tree_.at(last_).next != 0) return "the last node has a next one";
+    return checkFree();
+  }
+
+  [[nodiscard]] std::uint64_t nodes() const { return nodes_; }
+  [[nodiscard]] bool isFree(std::uint32_t place) const { return free_[place]; }
+
+ private:
+  // Gives the black height below a place.
+  std::string checkSubtree(std::uint32_t place, int& blackHeight) {
     blackHeight = 1;
+    if (place == 0) return {};
+    if (place > tree_.used() || seen_[place]) return "the tree has a node that was never given out, or has it twice";
+    seen_[place] = true;
+    ++nodes_;
+    const TreeLinks::Link& node = tree_.at(place);
+    for (const std::uint32_t child : node.children) {
+      if (child > tree_.used()) return "the tree has a node that was never given out, or has it twice";
+      if (child != 0 && tree_.at(child).parent() != place) return "a node's child names another parent";
+      if (child != 0 && node.red() && tree_.at(child).red()) return "a red node has a red child";
+    }
+    int heights[2] = {};
+    if (std::string fault = checkSubtree(node.children[0], heights[0]); !fault.empty()) return fault;
+    if (tree_.at(last_).next != place) return "a node is not the next one of that before it";
+    last_ = place;
+    if (std::string fault = checkSubtree(node.children[1], heights[1]); !fault.empty()) return fault;
+    if (heights[0] != heights[1]) return "the black heights of a node's children differ";
+    blackHeight = heights[0] + (node.red() ? 0 : 1);
     return {};
   }
-  if (inUse.erase(node) == 0) return "the tree has a node that is not in use, or has it twice";
-  int heights[2] = {};
-  for (const auto side : {OrderedTable::Left, OrderedTable::Right}) {
-    const OrderedTable::Node* const child = node->children[side];
-    if (child != nullptr && child->parent() != node) return "a node's child names another parent";
-    if (child != nullptr && node->red() && child->red()) return "a red node has a red child";
-    if (std::string fault = validateSubtree(child, inUse, heights[side]); !fault.empty()) return fault;
+
+  std::string checkFree() {
+    free_.assign(seen_.size(), false);
+    for (std::uint32_t place = tree_.firstFree(); place != 0; place = tree_.at(place).next) {
+      if (place > tree_.used() || seen_[place])
+        return "a free place is in the tree, free twice, or was never given out";
+      seen_[place] = free_[place] = true;
+      const TreeLinks::Link& link = tree_.at(place);
+      if (link.order != 0 || link.children[0] != 0 || link.children[1] != 0 || link.parentAndColour != 0) {
+        return "a free place is linked";
+      }
+    }
+    if (!std::all_of(seen_.begin() + 1, seen_.end(), [](bool seen) { return seen; })) return "a place is lost";
+    return {};
   }
-  if (heights[0] != heights[1]) return "the black heights of a node's children differ";
-  blackHeight = heights[0] + (node->red() ? 0 : 1);
-  return {};
-}
+
+  const TreeLinks& tree_;
+  std::vector<bool> seen_;
+  std::vector<bool> free_;
+  std::uint64_t nodes_ = 0;
+  std::uint32_t last_ = 0;
+};
 
 std::string validateOrderedTable(const OrderedTable& table) {
-  NodeSet<OrderedTable::Node> inUse;
-  if (std::string fault = validatePool(table.pool(), inUse); !fault.empty()) return fault;
-  if (inUse.size() != table.count()) return "the node count is not the number of nodes in use";
-  const OrderedTable::Node* const root = table.root();
-  if (root != nullptr && (root->parent() != nullptr || root->red())) return "the root has a parent or is red";
-  int blackHeight = 0;
-  if (std::string fault = validateSubtree(root, inUse, blackHeight); !fault.empty()) return fault;
-  if (!inUse.empty()) return "a node in use is not in the tree";
+  const TreeLinks& tree = table.tree();
+  if (std::string fault = validateChunks(table.chunks()); !fault.empty()) return fault;
+  if (tree.used() > table.chunks().capacity()) return "more places are given out than there are";
+  TreeCheck shape(tree);
+  if (std::string fault = shape.run(); !fault.empty()) return fault;
+  if (shape.nodes() != table.count()) return "the element count is not the number of nodes";
+  for (std::uint32_t place = 1; place <= tree.used(); ++place) {
+    const bool vacant = table.at(place).key.tag == OrderedTable::kVacant;
+    if (vacant != shape.isFree(place)) return "a free place holds an element, or a node has none";
+    if (vacant && !isWipedPlace(table.at(place))) return "a vacant place holds something";
+  }
   // Only user code could order what compares by user code.
   const OrderedTable::Node* before = nullptr;
-  for (const auto* node = table.first(); node != nullptr; node = OrderedTable::next(node)) {
-    const bool byUserCode = before != nullptr && before->key.tag == node->key.tag && node->key.comparesByUserCode();
-    if (before != nullptr && !byUserCode && orderOfKeys(before->key, node->key) >= 0) return "keys do not ascend";
-    before = node;
+  for (std::uint32_t place = tree.first(); place != 0; place = tree.at(place).next) {
+    const NativeCollectionKey& key = table.at(place).key;
+    if (tree.at(place).order != orderWordOf(key)) return "a node's number is not its key's order word";
+    if (table.sort() != KeySort::Mixed && table.sort() != sortOfKey(key))
+      return "a key is of another sort than all are";
+    const bool byUserCode = before != nullptr && before->key.tag == key.tag && key.comparesByUserCode();
+    if (before != nullptr && !byUserCode && orderOfKeys(before->key, key) >= 0) return "keys do not ascend";
+    before = &table.at(place);
   }
   return {};
 }
@@ -260,7 +276,8 @@ std::string validateOrderedTable(const OrderedTable& table) {
 
 std::string validateMapData(const MapData& map) {
   if (map.synchronized && map.mutex == nullptr) return "a synchronised map has no mutex";
-  if (map.hashed && (map.ordered.count() != 0 || map.ordered.pool().firstBlock() != nullptr)) {
+  if (map.hashed &&
+      (map.ordered.count() != 0 || map.ordered.tree().links() != nullptr || map.ordered.chunks().capacity() != 0)) {
     return "a hash map has ordered storage";
   }
   if (!map.hashed && (map.hash.count() != 0 || map.hash.bucketCount() != 0 || map.hash.chunks().capacity() != 0)) {

@@ -40,30 +40,38 @@ template <auto resultOf>
   return resultOf(hasPendingError() ? Found{} : lookUpKey(map, nativeKey));
 }
 
-bool isPlainHash(const MapData& map) { return map.hashed && !map.synchronized && !mayHavePendingError(); }
+bool mayBePlain(const MapData& map) { return !map.synchronized && !mayHavePendingError(); }
 
 template <auto resultOf>
-[[gnu::noinline]] auto lookUpText(const MapData& map, void* key) {
+[[gnu::noinline]] auto lookUpOther(const MapData& map, void* key) {
   const auto otherwise = [&] { return lookUpAny<resultOf>(map, key); };
-  if (!isPlainHash(map)) return otherwise();
+  if (!mayBePlain(map)) return otherwise();
+  if (!map.hashed) {
+    return vc::withIntegerKey(
+        key, [&](const vc::KeyWords& words) { return resultOf(foundIn(map.ordered.findInteger(words.integer()))); },
+        otherwise);
+  }
   return vc::withShortTextKey(
       key, [&](const vc::KeyWords& words) { return resultOf(foundIn(map.hash.findWords(words))); }, otherwise);
 }
 
-// The common cases, an integer or a short text in a plain hash map, need no key in memory. The first is inlined into
-// every lookup and, since all others are jumps to these, needs no frame.
+// The common cases, an integer or a short text in a plain map, need no key in memory. That of an integer in a hash map is
+// inlined into every lookup and, since all others are jumps to these, hardly needs a frame.
 template <auto resultOf>
 [[gnu::always_inline]] inline auto lookUp(void* map, void* key) {
   const MapData& data = *getMapData(map);
-  const auto otherwise = [&] { return lookUpText<resultOf>(data, key); };
-  if (!isPlainHash(data)) return otherwise();
+  const auto otherwise = [&] { return lookUpOther<resultOf>(data, key); };
+  if (!data.hashed || !mayBePlain(data)) return otherwise();
   return vc::withIntegerKey(
       key, [&](const vc::KeyWords& words) { return resultOf(foundIn(data.hash.findWords(words))); }, otherwise);
 }
 
 }  // namespace
 
+// The slots of the lookups below are null before anything can throw: user code may, while a key is made or compared.
+
 bool tryMapLookupStorageValue(void* map, const NativeCollectionKey& key, void** slot) {
+  *slot = nullptr;
   const Found result = map != nullptr ? lookUpKey(*getMapData(map), key) : Found{};
   *slot = result.value;
   return result.found;
@@ -83,6 +91,7 @@ bool tryMapLookupObjectValue(void* map, void* key, void** slot) {
 }
 
 bool tryMapLookupValue(void* map, std::string_view key, void** slot) {
+  *slot = nullptr;
   return tryMapLookupStorageValue(map, makeNativeStringCollectionKey(key), slot);
 }
 
@@ -99,6 +108,7 @@ void* vorn_collections_Map_operator_index(void* map, void* key) {
 }
 
 bool vorn_collections_Map_tryGet(void* map, void* key, void** result) {
+  *result = nullptr;
   const Found looked = map != nullptr && key != nullptr ? lookUp<all>(map, key) : Found{};
   *result = looked.value;
   return looked.found;

@@ -1,35 +1,38 @@
-// The balanced ordered tree of sorted maps.
+// The balanced ordered table of sorted maps.
 //
-// A red-black tree with parent pointers (Guibas and Sedgewick, "A dichromatic framework for balanced trees", 1978;
-// Cormen, Leiserson, Rivest and Stein, "Introduction to Algorithms", chapter 13), where a missing child is a null
-// pointer and black.
+// Elements stand in places (entry_chunks.h) that a red-black tree puts in order (tree_links.h): place n of the tree is
+// element n - 1. What searches look at stands in the tree alone, a word of each key; an element is looked at once it is
+// found, or where the words do not decide.
 //
 // Invariants, checked by validateOrderedTable (keyed_validation.h):
-//   - the root is black, a red node's children are black, and every way from the root to a missing child passes the
-//     same number of black nodes;
-//   - each child names its parent; `count` nodes hang below the root, all of the pool, and no other node is in use;
-//   - keys ascend from left to right, as far as user code orders them consistently;
-//   - `changes` differs after every change of the tree.
+//   - `count` nodes hang in the tree, and keys ascend from left to right, as far as user code orders them consistently;
+//   - a node's number is its key's order word, and while there are elements, `sort` is the sort of all their keys, or
+//     Mixed, or keys of other sorts have been removed;
+//   - places that are free or were never given out hold no element: they are zero but for their tag, kVacant, where
+//     they were given out, so that they keep no object alive;
+//   - `changes` differs after every change of the tree, or of the memory for elements.
 // The hashes of keys are not looked at, so that keys may come without. A table lives in a record inside its object's
-// block, starts empty without allocating, and is never destroyed.
+// block, which it points into, starts empty without allocating, and is never destroyed.
 //
 // A std::map takes 72 bytes and a block of its own for each element, a million blocks for a million, where this takes
-// 64 bytes and 3,927 blocks. And it cannot start a search again when a key's ordering hook changes the tree under it.
+// 65 bytes and 2,025 blocks. And it cannot start a search again when a key's ordering hook changes the tree under it.
 //
 // Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
 #pragma once
 
-#include <cstddef>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 
 #include "collections/core/port/collection_key.h"
+#include "collections/keyed/entry_chunks.h"
 #include "collections/keyed/map_entry.h"
-#include "collections/keyed/node_pool.h"
+#include "collections/keyed/order_words.h"
+#include "collections/keyed/tree_links.h"
 
 namespace vorn::collections {
 
-// The order of keys as compareNativeCollectionKeys gives it. The common pairs are decided here, since a search meets
-// one pair per level.
+// The order of keys as compareNativeCollectionKeys gives it, with the common pairs decided here.
 inline int orderOfKeys(const NativeCollectionKey& left, const NativeCollectionKey& right) {
   using Tag = NativeCollectionKey::Tag;
   if (left.tag == Tag::Integer && right.tag == Tag::Integer) {
@@ -43,19 +46,17 @@ inline int orderOfKeys(const NativeCollectionKey& left, const NativeCollectionKe
 
 class OrderedTable {
  public:
-  enum Side : unsigned { Left = 0, Right = 1 };
+  using Side = TreeLinks::Side;
+  using Link = TreeLinks::Link;
+
+  // The tag of a place that has no element. No key that the runtime makes has it.
+  static constexpr auto kVacant = static_cast<NativeCollectionKey::Tag>(0xFF);
 
   struct Node {
-    std::uintptr_t parentAndColour;  // the lowest bit is set in a red node
-    Node* children[2];
     NativeCollectionKey key;
     NativeMapEntry entry;
-
-    Node*& poolLink() { return children[Left]; }
-    [[nodiscard]] Node* parent() const { return reinterpret_cast<Node*>(parentAndColour & ~std::uintptr_t{1}); }
-    [[nodiscard]] bool red() const { return (parentAndColour & 1) != 0; }
   };
-  static_assert(sizeof(Node) == 64, "a node is one cache line");
+  using Chunks = EntryChunks<Node>;
 
   OrderedTable() = default;
   OrderedTable(const OrderedTable&) = delete;
@@ -64,66 +65,58 @@ class OrderedTable {
   [[nodiscard]] std::uint64_t count() const { return count_; }
   [[nodiscard]] std::uint64_t changes() const { return changes_; }
 
-  // The node with the smallest key, or null.
-  [[nodiscard]] Node* first() const { return root_ != nullptr ? outermost(root_, Left) : nullptr; }
-
-  // The node after this one in ascending order, or null.
-  [[nodiscard]] static Node* next(const Node* node) {
-    if (node->children[Right] != nullptr) return outermost(node->children[Right], Left);
-    Node* parent = node->parent();
-    while (parent != nullptr && parent->children[Right] == node) {
-      node = parent;
-      parent = node->parent();
-    }
-    return parent;
-  }
-
   // Calls visit(key, entry) for every element in ascending order. It must not change the table.
   template <class Visit>
   void forEach(Visit visit) const {
-    for (const Node* node = first(); node != nullptr; node = next(node)) visit(node->key, node->entry);
+    for (std::uint32_t place = tree_.first(); place != 0; place = tree_.at(place).next) {
+      const Node& node = at(place);
+      visit(node.key, node.entry);
+    }
   }
 
   // Walks the nodes in ascending order.
   class Cursor {
    public:
-    explicit Cursor(Node* first) : next_(first) {}
+    explicit Cursor(const OrderedTable& table) : table_(&table), next_(table.tree_.first()) {}
 
     // The next node, or null after the last. The table must not have changed since the cursor was made.
     Node* next() {
-      Node* const node = next_;
-      if (node != nullptr) next_ = OrderedTable::next(node);
-      return node;
+      if (next_ == 0) return nullptr;
+      Node& node = table_->at(next_);
+      next_ = table_->tree_.at(next_).next;
+      return &node;
     }
 
    private:
-    Node* next_;
+    const OrderedTable* table_;
+    std::uint32_t next_;
   };
 
   // A cursor before the first node.
-  [[nodiscard]] Cursor walk() const { return Cursor(first()); }
+  [[nodiscard]] Cursor walk() const { return Cursor(*this); }
 
   // Where a key is, or where it would hang: `node` is null when it is absent, and then a new node goes to `side` of
-  // `parent` (null for the root). `failed` tells that user code raised an error during the search.
+  // `parent` (0 for the root). `failed` tells that user code raised an error during the search.
   struct Place {
     Node* node = nullptr;
-    Node* parent = nullptr;
-    Side side = Left;
+    std::uint32_t place = 0;  // of the node
+    std::uint32_t parent = 0;
+    Side side = TreeLinks::Left;
     bool failed = false;
   };
 
   // The place of a key that compares without user code. Does not allocate.
   [[nodiscard]] Place findPlain(const NativeCollectionKey& key) const {
-    if (key.tag == NativeCollectionKey::Tag::Integer) return findInteger(key);
-    Node* parent = nullptr;
-    Side side = Left;
-    for (Node* node = root_; node != nullptr; node = node->children[side]) {
-      const int order = orderOfKeys(key, node->key);
-      if (order == 0) return {node, nullptr, Left, false};
-      parent = node;
-      side = order > 0 ? Right : Left;
-    }
-    return {nullptr, parent, side, false};
+    if (sort_ == KeySort::Integer && key.tag == NativeCollectionKey::Tag::Integer) return locateInteger(key);
+    return locateByOrder(key);
+  }
+
+  // The node of the key of a number that a signed 64-bit integer holds, without the key; or null.
+  [[nodiscard]] Node* findInteger(std::int64_t value) const {
+    if (sort_ != KeySort::Integer) [[unlikely]]
+      return locateByOrder(integerCollectionKey(value)).node;
+    const std::uint32_t place = lastTowards(value);
+    return place != 0 && tree_.at(place).order == value ? &at(place) : nullptr;
   }
 
   // The place of a key. For a key that compares by user code, that code may change this very table: the search then
@@ -134,66 +127,64 @@ class OrderedTable {
     return findByUserCode(key);
   }
 
-  // Makes the next insert() possible, whatever its key. Allocates; throws std::bad_alloc with the elements unchanged.
-  void makeRoom(const Place& /*absent*/, const NativeCollectionKey& /*key*/) { pool_.makeRoom(); }
+  // Makes the next insert() possible, whatever its key. Allocates; throws std::bad_alloc or std::length_error with the
+  // elements unchanged.
+  void makeRoom(const Place& /*absent*/, const NativeCollectionKey& /*key*/) {
+    tree_.makeRoom();
+    if (tree_.nextPlace() > chunks_.capacity()) [[unlikely]]
+      makePlace();
+  }
 
-  // Links a new element at the place that find() gave, after makeRoom(). Neither allocates nor runs user code.
+  // Adds a new element at the place that find() gave, after makeRoom(). Neither allocates nor runs user code.
   void insert(const Place& place, const NativeCollectionKey& key, const NativeMapEntry& entry);
 
   // Removes the element that find() found. Neither allocates nor runs user code.
   void remove(const Place& found);
 
-  // Empties the table and leaves the nodes to the collector.
-  void clear() {
-    pool_.clear();
-    root_ = nullptr;
-    count_ = 0;
-    ++changes_;
-  }
+  // Empties the table and leaves its memory to the collector.
+  void clear();
 
-  [[nodiscard]] const Node* root() const { return root_; }
-  [[nodiscard]] const NodePool<Node>& pool() const { return pool_; }
+  // For checks and tests.
+  [[nodiscard]] const TreeLinks& tree() const { return tree_; }
+  [[nodiscard]] const Chunks& chunks() const { return chunks_; }
+  [[nodiscard]] KeySort sort() const { return sort_; }
+  [[nodiscard]] Node& at(std::uint32_t place) const { return chunks_.at(place - 1); }
 
  private:
-  // The same for an integer, which maps have most often and almost always among integers. No branch depends on which
-  // side a level takes: half of them would be mispredicted, and searches that follow each other could not overlap. With
-  // a branch, a million entries took up to twice as long.
-  [[nodiscard]] Place findInteger(const NativeCollectionKey& key) const {
-    const auto wanted = static_cast<std::int64_t>(key.words[0]);
-    Node* parent = nullptr;
-    unsigned side = Left;
-    for (Node* node = root_; node != nullptr; node = node->children[side]) {
-      if (node->key.tag != NativeCollectionKey::Tag::Integer) [[unlikely]] {
-        const int order = orderOfKeys(key, node->key);
-        if (order == 0) return {node, nullptr, Left, false};
-        side = order > 0 ? Right : Left;
-      } else {
-        const auto number = static_cast<std::int64_t>(node->key.words[0]);
-        if (number == wanted) [[unlikely]]
-          return {node, nullptr, Left, false};
-        side = static_cast<unsigned>(wanted > number);
-      }
-      parent = node;
+  // The place of a number, or the last one on the way to where it would hang; 0 in an empty table. No branch depends on
+  // the side that the way takes: half of them would be mispredicted, and searches that follow each other could not
+  // overlap. With a branch they took up to twice as long. Both children are loaded as one word, for compilers make a
+  // branch of a choice between two loads.
+  [[nodiscard]] std::uint32_t lastTowards(std::int64_t wanted) const {
+    static_assert(std::endian::native == std::endian::little);
+    const Link* const links = tree_.links();
+    std::uint32_t place = tree_.root();
+    if (place == 0) [[unlikely]]
+      return 0;
+    while (true) {
+      const Link& link = links[place];
+      std::uint64_t children;
+      std::memcpy(&children, link.children, sizeof(children));
+      const auto left = static_cast<std::uint32_t>(children);
+      const auto right = static_cast<std::uint32_t>(children >> 32);
+      const std::uint32_t next = wanted > link.order ? right : left;
+      if (next == 0 || link.order == wanted) return place;
+      place = next;
     }
-    return {nullptr, parent, static_cast<Side>(side), false};
   }
 
-  [[nodiscard]] static Node* outermost(Node* node, Side side) {
-    while (node->children[side] != nullptr) node = node->children[side];
-    return node;
-  }
-
+  [[nodiscard]] Place locateInteger(const NativeCollectionKey& key) const;
+  [[nodiscard]] Place locateText(const NativeCollectionKey& key) const;
+  [[nodiscard]] Place locateByOrder(const NativeCollectionKey& key) const;
   [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;
   [[nodiscard]] Place findIdentical(const NativeCollectionKey& key) const;
-  void replaceChild(Node* parent, const Node* child, Node* replacement);
-  void rotate(Node* node, Side side);
-  void rebalanceAfterInsert(Node* node);
-  void rebalanceAfterRemove(Node* parent, Side side);
+  void makePlace();
 
-  Node* root_ = nullptr;
-  std::uint64_t count_ = 0;
+  TreeLinks tree_;
+  Chunks chunks_;
   std::uint64_t changes_ = 0;
-  NodePool<Node> pool_;
+  std::uint32_t count_ = 0;
+  KeySort sort_ = KeySort::Integer;  // of no meaning in an empty table
 };
 
 }  // namespace vorn::collections

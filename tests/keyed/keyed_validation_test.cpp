@@ -12,7 +12,7 @@ using collections::validateMapData;
 using collections::validateSetData;
 using HashTable = collections::HashTable<NativeMapEntry>;
 using HashNode = HashTable::Node;
-using TreeNode = collections::OrderedTable::Node;
+using Link = collections::TreeLinks::Link;
 
 class KeyedValidation : public RuntimeTest {};
 
@@ -149,38 +149,105 @@ TEST_F(KeyedValidation, FurtherLinesOfABucket) {
   EXPECT_EQ(validateMapData(*map), "");
 }
 
-TEST_F(KeyedValidation, FreeNodeOfATreeThatKeepsAHandle) {
+Link& linkAt(const MapData& data, std::uint32_t place) { return const_cast<Link&>(data.ordered.tree().at(place)); }
+
+TEST_F(KeyedValidation, FreePlaceOfATreeThatKeepsAHandle) {
   const Handle map = countingMap("SortedMap", 5);
-  TreeNode* const node = getMapData(map)->ordered.findPlain(integerCollectionKey(3)).node;
+  const MapData& data = *getMapData(map);
+  auto* const node = data.ordered.findInteger(3);
   vorn_collections_Map_remove(map, number(3));
   node->entry.value = map;
-  EXPECT_EQ(validateMapData(*getMapData(map)), "a free node holds something");
+  EXPECT_EQ(validateMapData(data), "a vacant place holds something");
   node->entry.value = nullptr;
+  node->key.tag = NativeCollectionKey::Tag::Null;
+  EXPECT_EQ(validateMapData(data), "a free place holds an element, or a node has none");
+  node->key.tag = collections::OrderedTable::kVacant;
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, FreePlaceThatIsLinked) {
+  const Handle map = countingMap("SortedMap", 5);
+  const MapData& data = *getMapData(map);
+  vorn_collections_Map_remove(map, number(3));
+  Link& freed = linkAt(data, data.ordered.tree().firstFree());
+  freed.children[1] = 1;
+  EXPECT_EQ(validateMapData(data), "a free place is linked");
+  freed.children[1] = 0;
+  freed.next = data.ordered.tree().root();
+  EXPECT_EQ(validateMapData(data), "a free place is in the tree, free twice, or was never given out");
+  freed.next = 0;
   EXPECT_MAP_AT_REST(map);
 }
 
 TEST_F(KeyedValidation, TreeColoursParentsAndOrder) {
   const Handle map = countingMap("SortedMap", 7);
   const MapData& data = *getMapData(map);
-  auto* const root = const_cast<TreeNode*>(data.ordered.root());
-  root->parentAndColour |= 1;
+  Link& root = linkAt(data, data.ordered.tree().root());
+  root.parentAndColour |= 1;
   EXPECT_EQ(validateMapData(data), "the root has a parent or is red");
-  root->parentAndColour &= ~std::uintptr_t{1};
+  root.parentAndColour = 0;
 
-  TreeNode* const child = root->children[0];
-  const std::uintptr_t parent = std::exchange(child->parentAndColour, child->parentAndColour & 1);
+  Link& child = linkAt(data, root.children[0]);
+  const std::uint32_t parent = std::exchange(child.parentAndColour, child.parentAndColour & 1);
   EXPECT_EQ(validateMapData(data), "a node's child names another parent");
-  child->parentAndColour = parent ^ 1;
+  child.parentAndColour = parent ^ 1;
   EXPECT_NE(validateMapData(data), "") << "one black node more or less on one side";
-  child->parentAndColour = parent;
+  child.parentAndColour = parent;
 
-  std::swap(root->key, child->key);
+  auto& rootKey = data.ordered.at(data.ordered.tree().root()).key;
+  auto& childKey = data.ordered.at(root.children[0]).key;
+  std::swap(rootKey, childKey);
+  EXPECT_EQ(validateMapData(data), "a node's number is not its key's order word");
+  std::swap(root.order, child.order);
   EXPECT_EQ(validateMapData(data), "keys do not ascend");
-  std::swap(root->key, child->key);
+  std::swap(rootKey, childKey);
+  std::swap(root.order, child.order);
 
-  TreeNode* const cut = std::exchange(root->children[1], nullptr);
+  const std::uint32_t cut = std::exchange(root.children[1], 0);
   EXPECT_NE(validateMapData(data), "");
-  root->children[1] = cut;
+  root.children[1] = root.children[0];
+  EXPECT_NE(validateMapData(data), "") << "a node twice";
+  root.children[1] = cut;
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, NextNodesOfATree) {
+  const Handle map = countingMap("SortedMap", 7);
+  const MapData& data = *getMapData(map);
+  const auto& tree = data.ordered.tree();
+  for (std::uint32_t place = tree.first(); place != 0; place = tree.at(place).next) {
+    Link& link = linkAt(data, place);
+    const bool last = link.next == 0;
+    const std::uint32_t next = std::exchange(link.next, last ? tree.first() : 0);
+    EXPECT_EQ(validateMapData(data),
+              last ? "the last node has a next one" : "a node is not the next one of that before it");
+    link.next = next;
+  }
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, MissingChildThatIsOne) {
+  const Handle map = countingMap("SortedMap", 3);
+  const MapData& data = *getMapData(map);
+  Link& none = linkAt(data, 0);
+  for (std::uint32_t* const field : {&none.children[0], &none.children[1], &none.parentAndColour}) {
+    *field = 1;
+    EXPECT_EQ(validateMapData(data), "the missing child is no black node without children");
+    *field = 0;
+  }
+  EXPECT_MAP_AT_REST(map);
+}
+
+TEST_F(KeyedValidation, KeyOfAnotherSort) {
+  const Handle map = countingMap("SortedMap", 3);
+  const MapData& data = *getMapData(map);
+  auto& key = data.ordered.findInteger(2)->key;
+  key.tag = NativeCollectionKey::Tag::Unsigned;
+  Link& link = linkAt(data, data.ordered.find(integerCollectionKey(2)).place);
+  link.order = 0;
+  EXPECT_EQ(validateMapData(data), "a key is of another sort than all are");
+  link.order = 2;
+  key.tag = NativeCollectionKey::Tag::Integer;
   EXPECT_MAP_AT_REST(map);
 }
 

@@ -6,6 +6,7 @@
 #include <limits>
 #include <numeric>
 
+#include "collections/core/port/keys.h"
 #include "tests/keyed/table_support.h"
 
 namespace vorn::tests {
@@ -17,8 +18,8 @@ using OrderedTableTest = TableTest<Ordered>;
 
 TEST_F(OrderedTableTest, NewTable_IsEmptyAndHasNoMemory) {
   EXPECT_EQ(table().count(), 0U);
-  EXPECT_EQ(table().first(), nullptr);
-  EXPECT_EQ(table().pool().firstBlock(), nullptr);
+  EXPECT_EQ(table().tree().links(), nullptr);
+  EXPECT_EQ(table().chunks().capacity(), 0U);
   EXPECT_EQ(table().find(integerCollectionKey(1)).node, nullptr);
 }
 
@@ -57,18 +58,19 @@ TEST_F(OrderedTableTest, Remove_EveryOrderOfSevenKeys_StaysWhole) {
       expectWhole();
     }
   } while (std::next_permutation(order.begin(), order.end()));
-  EXPECT_EQ(table().root(), nullptr);
+  EXPECT_EQ(table().tree().root(), 0U);
+  EXPECT_EQ(table().tree().first(), 0U);
 }
 
-TEST_F(OrderedTableTest, Remove_FreeNodesAreReusedBeforeNewBlocks) {
+TEST_F(OrderedTableTest, Remove_FreePlacesAreReusedBeforeNewOnes) {
   for (std::int64_t key = 0; key < 50; ++key) put(key);
-  const auto* const last = table().pool().lastBlock();
-  const std::uint32_t used = last->used;
+  const std::uint32_t used = table().tree().used();
+  const std::uint64_t capacity = table().chunks().capacity();
   for (std::int64_t key = 0; key < 50; ++key) EXPECT_TRUE(remove(key));
   expectWhole();
   for (std::int64_t key = 0; key < 50; ++key) put(-key);
-  EXPECT_EQ(table().pool().lastBlock(), last);
-  EXPECT_EQ(last->used, used);
+  EXPECT_EQ(table().tree().used(), used);
+  EXPECT_EQ(table().chunks().capacity(), capacity);
 }
 
 TEST_F(OrderedTableTest, Clear_DropsTheNodes) {
@@ -76,7 +78,111 @@ TEST_F(OrderedTableTest, Clear_DropsTheNodes) {
   table().clear();
   EXPECT_EQ(table().count(), 0U);
   EXPECT_EQ(keys(), std::vector<std::int64_t>{});
-  EXPECT_EQ(table().pool().firstBlock(), nullptr);
+  EXPECT_EQ(table().tree().links(), nullptr);
+  EXPECT_EQ(table().chunks().capacity(), 0U);
+}
+
+// The extreme numbers are those that the words of an empty or a free place could be taken for.
+TEST_F(OrderedTableTest, Find_ExtremeIntegers_OnlyWhenPresent) {
+  constexpr std::int64_t kExtremes[] = {std::numeric_limits<std::int64_t>::min(), -1, 0, 1,
+                                        std::numeric_limits<std::int64_t>::max()};
+  const auto expectFound = [&](std::int64_t key, bool present) {
+    EXPECT_EQ(table().findInteger(key) != nullptr, present) << key;
+    EXPECT_EQ(table().find(integerCollectionKey(key)).node, table().findInteger(key)) << key;
+  };
+  for (const std::int64_t key : kExtremes) expectFound(key, false);
+  put(17);
+  for (const std::int64_t key : kExtremes) {
+    expectFound(key, false);
+    put(key);
+    expectFound(key, true);
+  }
+  for (const std::int64_t key : kExtremes) {
+    remove(key);
+    expectFound(key, false);
+  }
+}
+
+// ---- The sorts of keys -----------------------------------------------------------------------------------------------
+
+// Texts as they stand in the table. Borrowed by its keys, so that they must outlive them.
+class TextsInOrder : public OrderedTableTest {
+ protected:
+  void putText(std::string_view text) { put(makeNativeStringCollectionKey(text), nullptr); }
+  [[nodiscard]] bool has(std::string_view text) const {
+    return table().find(makeNativeStringCollectionKey(text)).node != nullptr;
+  }
+  [[nodiscard]] std::vector<std::string> texts() const {
+    std::vector<std::string> result;
+    table().forEach([&](const NativeCollectionKey& key, const NativeMapEntry&) { result.emplace_back(key.text()); });
+    return result;
+  }
+};
+
+// Around the eight bytes that the order word has and the sixteen that a key has, with bytes that a signed comparison
+// would put elsewhere and zeros that look like an end.
+const std::vector<std::string>& hardTexts() {
+  static const std::vector<std::string> texts = [] {
+    std::vector<std::string> result;
+    for (const std::size_t length : {0, 1, 7, 8, 9, 15, 16, 17, 40}) {
+      const std::string stem(length, 'a');
+      for (const char* end : {"", "b", "\x7f", "\x80", "\xff"}) result.push_back(stem + end);
+      result.push_back(stem + std::string(1, '\0'));
+      result.push_back(stem + std::string(2, '\0') + "a");
+    }
+    std::sort(result.begin(), result.end());
+    result.erase(std::unique(result.begin(), result.end()), result.end());
+    return result;
+  }();
+  return texts;
+}
+
+TEST_F(TextsInOrder, HardTexts_AreFoundAndAscendByBytes) {
+  const std::vector<std::string>& texts = hardTexts();
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const std::string& text = texts[i * 37 % texts.size()];
+    EXPECT_FALSE(has(text)) << text;
+    putText(text);
+    EXPECT_TRUE(has(text)) << text;
+  }
+  EXPECT_EQ(table().sort(), collections::KeySort::Text);
+  EXPECT_EQ(this->texts(), texts);
+  EXPECT_FALSE(has("aaaaaaaaa?"));
+}
+
+TEST_F(TextsInOrder, AmongNumbers_AreFoundAndStandAfterThem) {
+  const std::vector<std::string>& texts = hardTexts();
+  for (std::int64_t i = 0; i < static_cast<std::int64_t>(texts.size()); ++i) {
+    putText(texts[static_cast<std::size_t>(i)]);
+    put(i);
+    expectWhole();
+  }
+  EXPECT_EQ(table().sort(), collections::KeySort::Mixed);
+  for (std::int64_t i = 0; i < static_cast<std::int64_t>(texts.size()); ++i) {
+    EXPECT_TRUE(has(texts[static_cast<std::size_t>(i)]));
+    EXPECT_NE(table().findInteger(i), nullptr);
+    EXPECT_EQ(table().find(integerCollectionKey(i)).node, table().findInteger(i));
+    EXPECT_EQ(table().findInteger(-1 - i), nullptr);
+  }
+}
+
+TEST_F(TextsInOrder, ANumberInATableOfTexts_IsAbsent) {
+  putText("text");
+  EXPECT_EQ(table().findInteger(0), nullptr);
+  EXPECT_EQ(table().find(integerCollectionKey(0)).node, nullptr);
+}
+
+TEST_F(TextsInOrder, EmptiedTable_TakesTheSortOfItsNextKey) {
+  put(1);
+  putText("text");
+  ASSERT_EQ(table().sort(), collections::KeySort::Mixed);
+  remove(1);
+  remove(makeNativeStringCollectionKey("text"));
+  putText("text");
+  EXPECT_EQ(table().sort(), collections::KeySort::Text);
+  table().clear();
+  put(1);
+  EXPECT_EQ(table().sort(), collections::KeySort::Integer);
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 // Keys of a user class whose hooks raise, change the very collection, or answer inconsistently.
 #include <algorithm>
+#include <stdexcept>
 
+#include "collections/core/port/keys.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/keyed/keyed_validation.h"
+#include "collections/keyed/map_lookup.h"
 #include "tests/keyed/keyed_cases.h"
 #include "tests/support/error_texts.h"
 #include "tests/support/sequences.h"
@@ -52,6 +55,31 @@ TEST_P(UserKeys, EqualKeys_AreFoundReplacedAndRemoved) {
   EXPECT_FALSE(vorn_collections_Map_remove(map, userKey(7)));
   EXPECT_EQ(vorn_collections_Map_size(map), 19);
   EXPECT_MAP_AT_REST(map);
+}
+
+TEST_P(UserKeys, AHookThatThrows_LeavesNullInTheSlotOfALookup) {
+  const Handle map = userMap(3);
+  const Handle key = userKey(1);
+  void* slot = nullptr;
+  const auto expectNull = [&](const char* what, const auto& lookUp) {
+    slot = map;
+    EXPECT_THROW(lookUp(), std::runtime_error) << what;
+    EXPECT_EQ(slot, nullptr) << what;
+  };
+  const auto expectAll = [&](const char* hook) {
+    SCOPED_TRACE(hook);
+    expectNull("tryMapLookupObjectValue", [&] { tryMapLookupObjectValue(map, key, &slot); });
+    expectNull("tryGet", [&] { vorn_collections_Map_tryGet(map, key, &slot); });
+  };
+  const NativeCollectionKey madeBefore = makeNativeCollectionKey(key);
+  duringComparisons([] { throw std::runtime_error("thrown by a hook"); });
+  expectAll("a comparison");
+  expectNull("tryMapLookupStorageValue", [&] { tryMapLookupStorageValue(map, madeBefore, &slot); });
+  userHooks = {};
+  if (sorted()) return;
+  userHooks.hash = [](void*) -> std::uint64_t { throw std::runtime_error("thrown by a hook"); };
+  expectAll("hash");
+  userHooks = {};
 }
 
 TEST_P(UserKeys, SortedMapsListThemInTheirOrder) {
