@@ -59,7 +59,7 @@ void HashTable<Entry>::makePlace() {
   // more.
   const bool tagsUsedUp = lines_.bucketCount() == 0 && places_ == PlaceTags::kPlaces && count_ < places_;
   if (places_ - count_ > places_ / 4 || tagsUsedUp) return moveTogether();
-  if (places_ > kMostPlaces - Chunks::kLargeChunk) throw std::length_error("more elements than a hash table can have");
+  if (places_ > kMostPlaces - Chunks::kChunk) throw std::length_error("more elements than a hash table can have");
   chunks_.grow();
   ++changes_;
 }
@@ -134,8 +134,9 @@ bool HashTable<Entry>::fill(BucketLines& lines) const {
 template <class Entry>
 void HashTable<Entry>::giveMemoryBack() {
   const bool moved = closeGaps();
-  // Room for twice the elements, so that a few insertions do not bring the memory back at once.
-  const std::uint64_t newBucketCount = bucketCountFor(std::min(2 * count_, elementLimit(lines_.bucketCount())));
+  // Room for twice the elements, so that a few insertions do not bring the memory back at once, unless they are few.
+  const std::uint64_t room = count_ > PlaceTags::kPlaces ? 2 * count_ : count_;
+  const std::uint64_t newBucketCount = bucketCountFor(std::min(room, elementLimit(lines_.bucketCount())));
   BucketLines fewer;
   const RootedRange root(&fewer, sizeof(fewer));
   if (newBucketCount < lines_.bucketCount() && fewer.tryAllocate(newBucketCount) && fill(fewer)) {

@@ -21,9 +21,9 @@ std::string validateChunks(const EntryChunks<Node>& chunks) {
     return "the number of places does not fit the memory for them";
   if (chunks.isOneChunk() != (chunks.firstChunk() != nullptr)) return "the first chunk is kept in two places or none";
   if (capacity == 0) return "";
-  if (chunks.isOneChunk()) return capacity > chunks.chunkSize() ? "a chunk is too large" : "";
-  if (capacity % chunks.chunkSize() != 0) return "a chunk among many is not whole";
-  const std::uint64_t count = capacity / chunks.chunkSize();
+  if (chunks.isOneChunk()) return capacity > EntryChunks<Node>::kChunk ? "a chunk is too large" : "";
+  if (capacity % EntryChunks<Node>::kChunk != 0) return "a chunk among many is not whole";
+  const std::uint64_t count = capacity / EntryChunks<Node>::kChunk;
   for (std::uint64_t i = 0; i < count; ++i) {
     if (chunks.directory()[i] == nullptr) return "a chunk is missing";
   }
