@@ -30,6 +30,7 @@ constexpr Operation kOperations[] = {
     {"add boxed Int, as handle", natives::addHandle, standard::appendPointer, glib::appendPointer, 12},
     {"addAt the end", natives::addAtEnd, standard::insertFromBoxAtEnd, glib::insertFromBoxAtEnd, 0},
     {"add to linked list", natives::addLinked, standard::appendLinked, glib::appendLinked, 0},
+    {"iterate linked list", natives::iterateLinked, standard::iterateLinked, glib::iterateLinked, 0},
     {"getInt", natives::getInt, standard::read, glib::read, 3},
     {"getIntFast", natives::getIntFast, standard::read, glib::read, 2},
     {"getDouble", natives::getDouble, standard::readDouble, glib::readDouble, 0},
