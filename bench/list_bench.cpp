@@ -26,6 +26,7 @@ constexpr Operation kOperations[] = {
     {"add boxed Int, as handle", natives::addHandle, standard::appendPointer, glib::appendPointer},
     {"addAt the end", natives::addAtEnd, standard::insertFromBoxAtEnd, glib::insertFromBoxAtEnd},
     {"add to linked list", natives::addLinked, standard::appendLinked, glib::appendLinked},
+    {"iterate linked list", natives::iterateLinked, standard::iterateLinked, glib::iterateLinked},
     {"getInt", natives::getInt, standard::read, glib::read},
     {"getIntFast", natives::getIntFast, standard::read, glib::read},
     {"getDouble", natives::getDouble, standard::readDouble, glib::readDouble},

@@ -4,6 +4,8 @@
 
 #include "bench/list_operations.h"
 #include "bench/native_support.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/storage/list_data.h"
 
 namespace vorn::bench::natives {
 
@@ -106,6 +108,20 @@ void addAtEnd(benchmark::State& state, std::int64_t elements) {
 void addLinked(benchmark::State& state, std::int64_t elements) {
   buildListsFromBoxes(state, elements, "LinkedList<Object>",
                       [](void* list, std::int64_t, void* box) { vorn_collections_ArrayList_add(list, box); });
+}
+
+// As the library's own natives walk a linked list.
+void iterateLinked(benchmark::State& state, std::int64_t elements) {
+  const Handle list(vorn_object_new("LinkedList<Object>"));
+  fillBoxes(list, elements);
+  requireSize(list, elements);
+  const LinkedHandles& nodes = getListData(list)->linkedObjects;
+  for (auto _ : state) {
+    for (const auto* node = nodes.sentinel.next; node != &nodes.sentinel; node = node->next) {
+      keep(static_cast<const LinkedHandles::Node*>(node)->handle);
+    }
+  }
+  countElements(state, elements);
 }
 
 void getInt(benchmark::State& state, std::int64_t elements) {

@@ -111,6 +111,16 @@ void appendLinked(benchmark::State& state, std::int64_t elements) {
                           [&boxes](auto& pointers, std::size_t i) { pointers.push_back(boxes[i].get()); });
 }
 
+void iterateLinked(benchmark::State& state, std::int64_t elements) {
+  const auto boxes = makeBoxes(elements);
+  std::list<void*> pointers;
+  for (const auto& box : boxes) pointers.push_back(box.get());
+  for (auto _ : state) {
+    for (void* const pointer : pointers) keep(pointer);
+  }
+  countElements(state, elements);
+}
+
 void read(benchmark::State& state, std::int64_t elements) {
   visit<std::int32_t>(state, elements, [](const auto& numbers, std::size_t i) { keep(numbers.at(i)); });
 }
@@ -308,6 +318,17 @@ void appendLinked(benchmark::State& state, std::int64_t elements) {
     for (const auto& box : boxes) g_queue_push_tail(&queue, box.get());
     g_queue_clear(&queue);
   }
+  countElements(state, elements);
+}
+
+void iterateLinked(benchmark::State& state, std::int64_t elements) {
+  const auto boxes = makeBoxes(elements);
+  GQueue queue = G_QUEUE_INIT;
+  for (const auto& box : boxes) g_queue_push_tail(&queue, box.get());
+  for (auto _ : state) {
+    for (const GList* node = queue.head; node != nullptr; node = node->next) keep(node->data);
+  }
+  g_queue_clear(&queue);
   countElements(state, elements);
 }
 

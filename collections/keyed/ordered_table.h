@@ -15,7 +15,7 @@
 // block, which it points into, starts empty without allocating, and is never destroyed.
 //
 // A std::map takes 72 bytes and a block of its own for each element, a million blocks for a million, where this takes
-// 65 bytes and 2,025 blocks. And it cannot start a search again when a key's ordering hook changes the tree under it.
+// 65 bytes and 2,020 blocks. And it cannot start a search again when a key's ordering hook changes the tree under it.
 //
 // Nothing in this file locks. What is defined here may be used by the runtime; the rest only by this library.
 #pragma once

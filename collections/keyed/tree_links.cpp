@@ -63,7 +63,7 @@ void TreeLinks::rotate(std::uint32_t place, Side side) {
 }
 
 void TreeLinks::grow() {
-  // Fourfold at first, since the collected heap is slow with the blocks of some kilobytes that come next.
+  // Fourfold at first, so that a table of a thousand elements has taken six blocks.
   constexpr int kFirstBits = 2;
   constexpr int kFewBits = 8;
   if (used_ == kMostPlaces) throw std::length_error("a tree's number of places");

@@ -13,9 +13,8 @@
 //   - number 0 stands for a missing child: black and without children. Its next one is the first node, and from there
 //     the next ones lead through all nodes below the root, from left to right, to number 0.
 //
-// A search at a million entries takes 24 bytes of cache a node it passes, and the array is not looked through by the
-// collector. A std::map takes 56 bytes and a block of its own for each element. It grows as a vector does: a copy takes
-// a nanosecond an element, where a directory of chunks would cost every step of a search a load more.
+// A search passes 24 bytes a node, where the nodes of a std::map with the same keys have 72, and the collector does not
+// look through the array. It grows as a vector does, since a directory of chunks would cost every step a load more.
 #pragma once
 
 #include <bit>

@@ -194,9 +194,14 @@ TEST_F(Allocation, BoxedAppends_AllocateBlocksAndNodesOnly) {
   }
   const Handle linked = object("LinkedList");
   void* const rawLinked = linked;
-  EXPECT_COST(vorn_collections_ArrayList_add(rawLinked, value), 1);
-  EXPECT_COST(vorn_collections_ArrayList_addAt(rawLinked, 0, value), 1);
-  EXPECT_COST(vorn_collections_ArrayList_addInt(rawLinked, 1), 2);
+  for (int size = 1; size <= 20; ++size) {
+    const bool grows = size == 1 || size == 4 || size == 11;
+    EXPECT_COST(vorn_collections_ArrayList_add(rawLinked, value), grows ? 1 : 0);
+  }
+  EXPECT_COST(vorn_collections_ArrayList_addAt(rawLinked, 0, value), 0);
+  EXPECT_COST(vorn_collections_ArrayList_addInt(rawLinked, 1), 1);
+  EXPECT_COST(vorn_collections_ArrayList_removeAt(rawLinked, 7), 0);
+  EXPECT_COST(vorn_collections_ArrayList_addAt(rawLinked, 9, value), 0);
 }
 
 TEST_F(Allocation, Materialisation_AllocatesOneBoxPerElementAndTheBlock) {

@@ -4,6 +4,7 @@
 
 #include "collections/core/port/roots.h"
 #include "tests/core/core_test_support.h"
+#include "tests/support/heap_statistics.h"
 
 namespace vorn::tests {
 namespace {
@@ -226,6 +227,71 @@ TEST_F(LinkedHandlesTest, ChangesDiffersAfterEveryChangeOfTheNodes) {
   expectChanged("pushBack");
   EXPECT_EQ(list_.nodeAt(0), list_.sentinel.next);
   EXPECT_EQ(list_.changes, last) << "looking changes nothing";
+}
+
+TEST_F(LinkedHandlesTest, PushBackAllocatesBlocksOfNodes) {
+  const Handle value = integer("Int", 1);
+  void* const handle = value;
+  EXPECT_EQ(allocationsOf([&] {
+              for (int i = 0; i < 3 + 7 + 15 + 31; ++i) list_.pushBack(handle);
+            }),
+            4U);
+  EXPECT_EQ(allocationsOf([&] { list_.pushBack(handle); }), 1U);
+}
+
+TEST_F(LinkedHandlesTest, PushBackInPlaceNeverAllocates) {
+  const Handle value = integer("Int", 1);
+  void* const handle = value;
+  EXPECT_FALSE(list_.pushBackInPlace(handle)) << "no block yet";
+  EXPECT_EQ(list_.count, 0U);
+  pushIntegers(2);
+  EXPECT_EQ(allocationsOf([&] { EXPECT_TRUE(list_.pushBackInPlace(handle)); }), 0U);
+  const std::uint64_t changes = list_.changes;
+  EXPECT_FALSE(list_.pushBackInPlace(handle)) << "the block is used up";
+  EXPECT_EQ(list_.changes, changes);
+  EXPECT_EQ(integers(), (Values{0, 1, 1}));
+}
+
+TEST_F(LinkedHandlesTest, UnhookedNodesAreUsedAgainAndHoldNothing) {
+  pushIntegers(10);
+  auto* const node = list_.nodeAt(4);
+  list_.unhook(node);
+  EXPECT_EQ(node->handle, nullptr);
+  list_.unhook(list_.nodeAt(0));
+  const Handle value = integer("Int", 7);
+  void* const handle = value;
+  EXPECT_EQ(allocationsOf([&] {
+              list_.pushBack(handle);
+              list_.pushBack(handle);
+            }),
+            0U);
+  EXPECT_EQ(integers(), (Values{1, 2, 3, 5, 6, 7, 8, 9, 7, 7}));
+}
+
+TEST_F(LinkedHandlesTest, QueuesNeedNoMoreMemoryInTheLongRun) {
+  pushIntegers(40);
+  const Handle value = integer("Int", 7);
+  void* const handle = value;
+  EXPECT_EQ(allocationsOf([&] {
+              for (int i = 0; i < 1000; ++i) {
+                list_.unhook(list_.sentinel.next);
+                list_.pushBack(handle);
+              }
+            }),
+            0U);
+}
+
+TEST_F(LinkedHandlesTest, AListThatRemovalsEmptiedKeepsOneBlock) {
+  pushIntegers(40);
+  ASSERT_NE(list_.newest->older, nullptr);
+  while (list_.count != 0) list_.unhook(list_.sentinel.next);
+  ASSERT_NE(list_.newest, nullptr);
+  EXPECT_EQ(list_.newest->older, nullptr);
+  EXPECT_EQ(list_.newest->used, 0U);
+  pushIntegers(3);
+  EXPECT_EQ(integers(), (Values{0, 1, 2}));
+  list_.reset();
+  EXPECT_EQ(list_.newest, nullptr);
 }
 
 TEST_F(LinkedHandlesTest, FailedNodeAllocationThrowsAndChangesNothing) {

@@ -159,6 +159,37 @@ TEST_F(ListValidation, NullLinks) {
   expectBroken<LinkedHandles::Links*>(record(list), sentinel.next->previous, nullptr, "null previous");
 }
 
+TEST_F(ListValidation, BlocksOfNodes) {
+  Handle list = objectList("LinkedList", 12);
+  const ListData& data = record(list);
+  LinkedHandles::Block& newest = *data.linkedObjects.newest;
+  LinkedHandles::Block& older = *newest.older;
+  ASSERT_NE(older.older, nullptr);
+  expectBroken(data, newest.used, newest.capacity + 1, "more nodes than there are");
+  expectBroken(data, newest.used, newest.used - 1, "a node of the list that was never given out");
+  expectBroken(data, newest.used, newest.used + 1, "a node that is nowhere");
+  expectBroken(data, older.used, older.used - 1, "an older block with nodes left");
+  expectBroken(data, older.free, older.nodes(), "an older block with free nodes");
+  expectBroken<LinkedHandles::Block*>(data, newest.older, nullptr, "a block lost");
+  expectBroken(data, newest.free, newest.nodes(), "a free node that is in the list");
+}
+
+TEST_F(ListValidation, FreeNodeThatKeepsAHandle) {
+  Handle list = objectList("LinkedList", 3);
+  LinkedHandles& nodes = const_cast<LinkedHandles&>(record(list).linkedObjects);
+  nodes.unhook(nodes.sentinel.next);
+  expectBroken<void*>(record(list), nodes.newest->free->handle, list, "a handle");
+  expectBroken(record(list), nodes.newest->free->previous, &nodes.sentinel, "a link");
+  expectBroken<LinkedHandles::Links*>(record(list), nodes.newest->free->next, nodes.newest->free, "itself again");
+  expectBroken<LinkedHandles::Node*>(record(list), nodes.newest->free, nullptr, "not in the chain");
+}
+
+TEST_F(ListValidation, BlocksOfAnArrayBackedList) {
+  Handle linked = objectList("LinkedList", 3);
+  Handle list = objectList("ArrayList", 3);
+  expectBroken(record(list), record(list).linkedObjects.newest, record(linked).linkedObjects.newest, "nodes");
+}
+
 TEST_F(ListValidation, MirrorSizesAboveTheirCapacity) {
   Handle list = primitiveList("Int", {1});
   expectBroken(record(list), record(list).i64Mirror.size, std::uint64_t{17}, "integer mirror");

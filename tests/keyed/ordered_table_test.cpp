@@ -168,8 +168,12 @@ TEST_F(TextsInOrder, AmongNumbers_AreFoundAndStandAfterThem) {
 
 TEST_F(TextsInOrder, ANumberInATableOfTexts_IsAbsent) {
   putText("text");
-  EXPECT_EQ(table().findInteger(0), nullptr);
-  EXPECT_EQ(table().find(integerCollectionKey(0)).node, nullptr);
+  // The number that stands for the text in the tree.
+  const std::int64_t word = collections::orderWordOf(makeNativeStringCollectionKey("text"));
+  for (const std::int64_t number : {word, std::int64_t{0}}) {
+    EXPECT_EQ(table().findInteger(number), nullptr);
+    EXPECT_EQ(table().find(integerCollectionKey(number)).node, nullptr);
+  }
 }
 
 TEST_F(TextsInOrder, EmptiedTable_TakesTheSortOfItsNextKey) {

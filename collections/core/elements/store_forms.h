@@ -51,9 +51,9 @@ bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& val
 
 // ---- The common cases of that decision, which look at no type but one -----------------------------------------------
 
-// Whether the list takes every value as one more handle: it holds handles, and it is untyped.
+// Whether the list takes every value as one more handle: it holds handles, or nodes, and it is untyped.
 inline bool takesEveryHandle(const ListData& list) {
-  return !list.isUnboxed() && list.objects.size != 0 &&
+  return !list.isUnboxed() && (list.objects.size != 0 || list.linked) &&
          (list.elementType.empty() || isObjectType(elementTypeNamed(list.elementType)));
 }
 
@@ -91,6 +91,7 @@ inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, st
 // Appends a value that one of the two cases takes and that there is room for; false, with nothing changed, otherwise.
 inline bool appendInPlace(ListData& list, void* value) {
   if (takesEveryHandle(list)) {
+    if (list.linked) return list.linkedObjects.pushBackInPlace(value);
     SmallObjectVector& objects = list.objects;
     if (objects.size == objects.capacity) return false;
     objects.data[objects.size] = value;

@@ -1,5 +1,7 @@
 #include "collections/core/storage/linked_handles.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -17,14 +19,24 @@ LinkedHandles::Node* LinkedHandles::nodeAt(std::uint64_t index) {
   return static_cast<Node*>(at);
 }
 
-void LinkedHandles::insertBefore(Links* position, void* handle) {
-  void* block = Vorn_gcAlloc(sizeof(Node));
+void LinkedHandles::addBlock() {
+  // The sizes are those that the collected heap has without waste; a list of a few elements takes little.
+  constexpr std::size_t kSmallestBytes = 96;
+  constexpr std::size_t kLargestBytes = 16384;
+  std::size_t bytes = kSmallestBytes;
+  if (newest != nullptr) bytes = std::min(2 * (sizeof(Block) + newest->capacity * sizeof(Node)), kLargestBytes);
+  void* const block = Vorn_gcAlloc(bytes);
   if (block == nullptr) throw std::bad_alloc();
-  auto* node = new (block) Node{{position, position->previous}, handle};
-  position->previous->next = node;
-  position->previous = node;
-  ++count;
-  ++changes;
+  newest = new (block) Block{newest, nullptr, static_cast<std::uint32_t>((bytes - sizeof(Block)) / sizeof(Node)), 0};
+}
+
+void LinkedHandles::insertBefore(Links* position, void* handle) {
+  Node* node = takeNode();
+  if (node == nullptr) {
+    addBlock();
+    node = takeNode();
+  }
+  hook(*node, position, handle);
 }
 
 LinkedHandles::Links* LinkedHandles::insertionPoint(std::uint64_t index) {

@@ -1,5 +1,7 @@
 #include "collections/core/storage/list_validation.h"
 
+#include <unordered_set>
+
 #include "collections/core/kinds.h"
 #include "collections/core/storage/list_data.h"
 
@@ -45,9 +47,32 @@ std::string validateObjects(const ListData& list) {
   return {};
 }
 
+// Where the nodes of a list that is linked up well come from.
+std::string validateBlocks(const LinkedHandles& list) {
+  // Addresses in memory that is not collected: for comparing, not for following.
+  std::unordered_set<const LinkedHandles::Links*> given;
+  for (const auto* block = list.newest; block != nullptr; block = block->older) {
+    if (block->used > block->capacity) return "a block has given out more nodes than it has";
+    if (block != list.newest && block->used != block->capacity) return "an older block has nodes left";
+    if (block != list.newest && block->free != nullptr) return "an older block starts a chain of free nodes";
+    for (std::uint32_t i = 0; i < block->used; ++i) given.insert(block->nodes() + i);
+  }
+  for (const auto* node = list.sentinel.next; node != &list.sentinel; node = node->next) {
+    if (given.erase(node) == 0) return "a linked node is of no block";
+  }
+  const LinkedHandles::Links* next = list.newest != nullptr ? list.newest->free : nullptr;
+  for (; next != nullptr; next = next->next) {
+    if (given.erase(next) == 0) return "a free node is in the list, free twice, or of no block";
+    if (next->previous != nullptr || static_cast<const LinkedHandles::Node*>(next)->handle != nullptr) {
+      return "a free node holds something";
+    }
+  }
+  return given.empty() ? "" : "a node is lost";
+}
+
 std::string validateLinked(const ListData& list) {
   const LinkedHandles& nodes = list.linkedObjects;
-  if (!list.linked && nodes.count != 0) return "an array-backed list has linked nodes";
+  if (!list.linked && (nodes.count != 0 || nodes.newest != nullptr)) return "an array-backed list has linked nodes";
   std::uint64_t walked = 0;
   const LinkedHandles::Links* at = &nodes.sentinel;
   do {
@@ -56,7 +81,7 @@ std::string validateLinked(const ListData& list) {
     ++walked;
   } while (at != &nodes.sentinel && walked <= nodes.count);
   if (at != &nodes.sentinel || walked != nodes.count + 1) return "the linked count is not the number of nodes";
-  return {};
+  return validateBlocks(nodes);
 }
 
 template <class Mirror>
