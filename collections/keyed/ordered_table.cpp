@@ -10,10 +10,6 @@ namespace vorn::collections {
 
 namespace {
 
-using Side = OrderedTable::Side;
-
-Side sideFor(bool right) { return right ? TreeLinks::Right : TreeLinks::Left; }
-
 // The order of keys without user code, for the search of last resort.
 int orderByIdentity(const NativeCollectionKey& left, const NativeCollectionKey& right) {
   if (left.tag != right.tag || !left.comparesByUserCode()) return orderOfKeys(left, right);
@@ -31,7 +27,7 @@ void OrderedTable::insert(const Place& place, const NativeCollectionKey& key, co
   Node& node = at(tree_.nextPlace());
   KeyWords(key).storeTo(node.key);
   node.entry = entry;
-  tree_.add(place.parent, place.side, orderWordOf(key));
+  tree_.add(place.gap, orderWordOf(key));
   if (const KeySort sort = sortOfKey(key); sort != sort_) sort_ = count_ == 0 ? sort : KeySort::Mixed;
   ++count_;
   ++changes_;
@@ -52,30 +48,20 @@ void OrderedTable::clear() {
   ++changes_;
 }
 
-auto OrderedTable::locateInteger(const NativeCollectionKey& key) const -> Place {
-  const auto wanted = static_cast<std::int64_t>(key.words[0]);
-  const std::uint32_t place = lastTowards(wanted);
-  if (place == 0) return {};
-  const std::int64_t order = tree_.at(place).order;
-  if (order == wanted) return {&at(place), place};
-  return {nullptr, 0, place, sideFor(wanted > order)};
-}
-
 auto OrderedTable::locateText(const NativeCollectionKey& key) const -> Place {
   const std::int64_t word = orderWordOfText(key);
   const Link* const links = tree_.links();
   Place result;
-  for (std::uint32_t place = tree_.root(); place != 0; place = links[place].children[result.side]) {
+  for (std::uint32_t place = tree_.root(); place != 0; place = links[place].children[result.gap.side]) {
     const std::int64_t order = links[place].order;
+    bool toTheRight = word > order;
     if (order == word) {
       Node& node = at(place);
       const int longOrder = key.text().compare(node.key.text());
       if (longOrder == 0) return {&node, place};
-      result.side = sideFor(longOrder > 0);
-    } else {
-      result.side = sideFor(word > order);
+      toTheRight = longOrder > 0;
     }
-    result.parent = place;
+    result.descend(place, toTheRight);
   }
   return result;
 }
@@ -83,12 +69,11 @@ auto OrderedTable::locateText(const NativeCollectionKey& key) const -> Place {
 auto OrderedTable::locateByOrder(const NativeCollectionKey& key) const -> Place {
   if (sort_ == KeySort::Text && sortOfKey(key) == KeySort::Text) return locateText(key);
   Place result;
-  for (std::uint32_t place = tree_.root(); place != 0; place = tree_.at(place).children[result.side]) {
+  for (std::uint32_t place = tree_.root(); place != 0; place = tree_.at(place).children[result.gap.side]) {
     Node& node = at(place);
     const int order = orderOfKeys(key, node.key);
     if (order == 0) return {&node, place};
-    result.parent = place;
-    result.side = sideFor(order > 0);
+    result.descend(place, order > 0);
   }
   return result;
 }
@@ -99,13 +84,12 @@ auto OrderedTable::findByUserCode(const NativeCollectionKey& key) const -> Place
   for (int restarts = 0; restarts <= kMaxRestarts; ++restarts) {
     const std::uint64_t changesBefore = changes_;
     Place result;
-    for (std::uint32_t place = tree_.root(); place != 0; place = tree_.at(place).children[result.side]) {
+    for (std::uint32_t place = tree_.root(); place != 0; place = tree_.at(place).children[result.gap.side]) {
       const int order = orderOfKeys(key, compared.copy(at(place).key));
       if (watch.raised()) return {.failed = true};
       if (changes_ != changesBefore) break;
       if (order == 0) return {&at(place), place};
-      result.parent = place;
-      result.side = sideFor(order > 0);
+      result.descend(place, order > 0);
     }
     if (changes_ == changesBefore) return result;
   }
@@ -118,9 +102,8 @@ auto OrderedTable::findIdentical(const NativeCollectionKey& key) const -> Place 
     if (identicalKeys(at(place).key, key)) return {&at(place), place};
   }
   Place result;
-  for (std::uint32_t place = tree_.root(); place != 0; place = tree_.at(place).children[result.side]) {
-    result.parent = place;
-    result.side = sideFor(orderByIdentity(key, at(place).key) > 0);
+  for (std::uint32_t place = tree_.root(); place != 0; place = tree_.at(place).children[result.gap.side]) {
+    result.descend(place, orderByIdentity(key, at(place).key) > 0);
   }
   return result;
 }

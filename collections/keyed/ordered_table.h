@@ -95,19 +95,24 @@ class OrderedTable {
   // A cursor before the first node.
   [[nodiscard]] Cursor walk() const { return Cursor(*this); }
 
-  // Where a key is, or where it would hang: `node` is null when it is absent, and then a new node goes to `side` of
-  // `parent` (0 for the root). `failed` tells that user code raised an error during the search.
+  // Where a key is, or where it would hang: `node` is null when it is absent, and then a new node goes to the gap.
+  // `failed` tells that user code raised an error during the search.
   struct Place {
     Node* node = nullptr;
     std::uint32_t place = 0;  // of the node
-    std::uint32_t parent = 0;
-    Side side = TreeLinks::Left;
+    TreeLinks::Gap gap = {};
     bool failed = false;
+
+    // Goes on from the node at a place to one of its sides.
+    void descend(std::uint32_t from, bool toTheRight) {
+      gap = {from, toTheRight ? from : gap.before, toTheRight ? TreeLinks::Right : TreeLinks::Left};
+    }
   };
 
   // The place of a key that compares without user code. Does not allocate.
   [[nodiscard]] Place findPlain(const NativeCollectionKey& key) const {
-    if (sort_ == KeySort::Integer && key.tag == NativeCollectionKey::Tag::Integer) return locateInteger(key);
+    if (sort_ == KeySort::Integer && key.tag == NativeCollectionKey::Tag::Integer)
+      return locateInteger(static_cast<std::int64_t>(key.words[0]));
     return locateByOrder(key);
   }
 
@@ -115,8 +120,7 @@ class OrderedTable {
   [[nodiscard]] Node* findInteger(std::int64_t value) const {
     if (sort_ != KeySort::Integer) [[unlikely]]
       return locateByOrder(integerCollectionKey(value)).node;
-    const std::uint32_t place = lastTowards(value);
-    return place != 0 && tree_.at(place).order == value ? &at(place) : nullptr;
+    return locateInteger(value).node;
   }
 
   // The place of a key. For a key that compares by user code, that code may change this very table: the search then
@@ -151,29 +155,36 @@ class OrderedTable {
   [[nodiscard]] Node& at(std::uint32_t place) const { return chunks_.at(place - 1); }
 
  private:
-  // The place of a number, or the last one on the way to where it would hang; 0 in an empty table. No branch depends on
-  // the side that the way takes: half of them would be mispredicted, and searches that follow each other could not
-  // overlap. With a branch they took up to twice as long. Both children are loaded as one word, for compilers make a
-  // branch of a choice between two loads.
-  [[nodiscard]] std::uint32_t lastTowards(std::int64_t wanted) const {
+  // The gap where a number would hang; or, if it is in the table, one whose parent is its place. No branch depends on the
+  // side that the way takes: half of them would be mispredicted, and searches that follow each other could not overlap.
+  // With a branch they took up to twice as long. Compilers make one of two choices, hence the arithmetic.
+  [[nodiscard]] TreeLinks::Gap lastTowards(std::int64_t wanted) const {
     static_assert(std::endian::native == std::endian::little);
     const Link* const links = tree_.links();
     std::uint32_t place = tree_.root();
+    std::uint32_t before = 0;
     if (place == 0) [[unlikely]]
-      return 0;
+      return {};
     while (true) {
       const Link& link = links[place];
       std::uint64_t children;
       std::memcpy(&children, link.children, sizeof(children));
       const auto left = static_cast<std::uint32_t>(children);
       const auto right = static_cast<std::uint32_t>(children >> 32);
-      const std::uint32_t next = wanted > link.order ? right : left;
-      if (next == 0 || link.order == wanted) return place;
+      const bool toTheRight = wanted > link.order;
+      const std::uint32_t next = toTheRight ? right : left;
+      before ^= (before ^ place) & (0U - static_cast<std::uint32_t>(toTheRight));
+      if (next == 0 || link.order == wanted) return {place, before, toTheRight ? TreeLinks::Right : TreeLinks::Left};
       place = next;
     }
   }
 
-  [[nodiscard]] Place locateInteger(const NativeCollectionKey& key) const;
+  [[nodiscard]] Place locateInteger(std::int64_t wanted) const {
+    const TreeLinks::Gap gap = lastTowards(wanted);
+    if (gap.parent != 0 && tree_.at(gap.parent).order == wanted) return {&at(gap.parent), gap.parent};
+    return {nullptr, 0, gap};
+  }
+
   [[nodiscard]] Place locateText(const NativeCollectionKey& key) const;
   [[nodiscard]] Place locateByOrder(const NativeCollectionKey& key) const;
   [[nodiscard]] Place findByUserCode(const NativeCollectionKey& key) const;

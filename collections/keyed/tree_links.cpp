@@ -79,25 +79,19 @@ void TreeLinks::grow() {
   capacityBits_ = static_cast<std::uint8_t>(bits);
 }
 
-std::uint32_t TreeLinks::add(std::uint32_t parent, Side side, std::int64_t order) {
+std::uint32_t TreeLinks::add(const Gap& gap, std::int64_t order) {
   const std::uint32_t place = nextPlace();
   if (free_ != 0) {
     free_ = links_[place].next;
   } else {
     ++used_;
   }
-  Link& link = links_[place];
-  link = {order, {0, 0}, parent << 1 | 1, 0};
-  if (parent == 0) {
-    root_ = links_[0].next = place;
-  } else if (side == Right) {
-    link.next = links_[parent].next;
-    links_[parent].next = place;
-    links_[parent].children[Right] = place;
+  links_[place] = {order, {0, 0}, gap.parent << 1 | 1, links_[gap.before].next};
+  links_[gap.before].next = place;
+  if (gap.parent == 0) {
+    root_ = place;
   } else {
-    link.next = parent;
-    links_[before(parent)].next = place;
-    links_[parent].children[Left] = place;
+    links_[gap.parent].children[gap.side] = place;
   }
   rebalanceAfterAdd(place);
   return place;

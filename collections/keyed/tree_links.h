@@ -60,9 +60,16 @@ class TreeLinks {
   // The place that the next add() will give out.
   [[nodiscard]] std::uint32_t nextPlace() const { return free_ != 0 ? free_ : used_ + 1; }
 
-  // Hangs a new node to a side of `parent` where it has no child; 0 stands for the root of an empty tree. Gives the
-  // node's number. After makeRoom(); does not allocate.
-  std::uint32_t add(std::uint32_t parent, Side side, std::int64_t order);
+  // Where a node can be added: to a side of `parent` that has no child, after the node `before` in ascending order, which a
+  // search passes last of those that it leaves to the right. 0 stands for no node.
+  struct Gap {
+    std::uint32_t parent = 0;
+    std::uint32_t before = 0;
+    Side side = Left;
+  };
+
+  // Adds a new node there. Gives its number. After makeRoom(); does not allocate.
+  std::uint32_t add(const Gap& gap, std::int64_t order);
 
   // Takes a node out; its place is free. Does not allocate.
   void remove(std::uint32_t place);
