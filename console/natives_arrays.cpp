@@ -8,7 +8,7 @@ namespace {
 
 using enum Effect;
 
-constexpr NativeRow kRows[] = {
+constexpr NativeRow kArrayRows[] = {
     native<&vorn_collections_Array_ctor>("array, size", Changes, "Array<T>(n): so many zero elements"),
     native<&vorn_collections_Array_copyCtor>("array, source", Changes, "Array<T>(xs): a copy of an ordered collection"),
     native<&vorn_collections_Array_size>("array", Reads, "the number of elements"),
@@ -51,6 +51,6 @@ constexpr NativeRow kRows[] = {
 
 }  // namespace
 
-std::span<const NativeRow> arrayNatives() { return kRows; }
+std::span<const NativeRow> arrayNatives() { return kArrayRows; }
 
 }  // namespace vorn::console

@@ -8,7 +8,7 @@ namespace {
 
 using enum Effect;
 
-constexpr NativeRow kRows[] = {
+constexpr NativeRow kBufferRows[] = {
     native<&vorn_collections_ArrayList_newPrimitiveData>(
         "count, typeName, list", Reads, "a new list of so many raw elements, to be written", Gives::Raw),
     native<&vorn_collections_ArrayListSync_newPrimitiveData>("count, typeName, list", Reads,
@@ -44,6 +44,6 @@ constexpr NativeRow kRows[] = {
 
 }  // namespace
 
-std::span<const NativeRow> listBufferNatives() { return kRows; }
+std::span<const NativeRow> listBufferNatives() { return kBufferRows; }
 
 }  // namespace vorn::console

@@ -8,7 +8,7 @@ namespace {
 
 using enum Effect;
 
-constexpr NativeRow kRows[] = {
+constexpr NativeRow kListRows[] = {
     native<&vorn_collections_ArrayList_add>("list, value", Changes, "appends a value that the list accepts"),
     native<&vorn_collections_ArrayList_addInt>("list, value", Changes, "appends a raw Int, unchecked"),
     native<&vorn_collections_ArrayList_addPrimitiveI64>("list, value, typeName", Changes,
@@ -91,6 +91,6 @@ constexpr NativeRow kRows[] = {
 
 }  // namespace
 
-std::span<const NativeRow> listNatives() { return kRows; }
+std::span<const NativeRow> listNatives() { return kListRows; }
 
 }  // namespace vorn::console

@@ -9,7 +9,7 @@ namespace {
 
 using enum Effect;
 
-constexpr NativeRow kRows[] = {
+constexpr NativeRow kSequenceRows[] = {
     native<&vorn_collections_ImmutableList_ctor>("list, source", Changes,
                                                  "ImmutableList(xs): a list with the elements of another"),
     native<&vorn_collections_ImmutableList_size>("list", Reads, "the number of elements"),
@@ -30,6 +30,6 @@ constexpr NativeRow kRows[] = {
 
 }  // namespace
 
-std::span<const NativeRow> sequenceNatives() { return kRows; }
+std::span<const NativeRow> sequenceNatives() { return kSequenceRows; }
 
 }  // namespace vorn::console

@@ -48,13 +48,13 @@ void save(Console& console, std::string_view text, Output& output) {
   output.line("saved " + counted(count, "statement") + " to " + path, Style::Faint);
 }
 
-constexpr Command kCommands[] = {
+constexpr Command kFileCommands[] = {
     {"load", "FILE", "runs a script as if it were typed", load},
     {"save", "FILE", "the session as a script with expectations", save},
 };
 
 }  // namespace
 
-std::span<const Command> fileCommands() { return kCommands; }
+std::span<const Command> fileCommands() { return kFileCommands; }
 
 }  // namespace vorn::console

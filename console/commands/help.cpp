@@ -50,7 +50,7 @@ void tour(Console& console, std::string_view, Output& output) {
 
 void quit(Console& console, std::string_view, Output&) { console.end(); }
 
-constexpr Command kCommands[] = {
+constexpr Command kHelpCommands[] = {
     {"help", "[TOPIC]", "this, or more on a topic or command", help},
     {"tour", "", "a guided tour of ten minutes", tour},
     {"quit", "", "leaves, as does Ctrl-D", quit},
@@ -138,7 +138,7 @@ An asterisk in an expectation stands for any text; \* for itself.
 
 }  // namespace
 
-std::span<const Command> helpCommands() { return kCommands; }
+std::span<const Command> helpCommands() { return kHelpCommands; }
 std::span<const HelpTopic> helpTopics() { return kTopics; }
 
 }  // namespace vorn::console

@@ -172,7 +172,7 @@ void collect(Console&, std::string_view, Output& output) {
   output.line(grouped(before.bytes_live) + " bytes live before, " + grouped(after.bytes_live) + " after");
 }
 
-constexpr Command kCommands[] = {
+constexpr Command kInspectCommands[] = {
     {"storage", "EXPR", "draws what stands behind a collection: storage, size and capacity, lock", showStorage},
     {"watch", "[x]", "prints a line whenever the storage of x changes its form", watch},
     {"unwatch", "x", "ends that", unwatch},
@@ -186,6 +186,6 @@ constexpr Command kCommands[] = {
 
 }  // namespace
 
-std::span<const Command> inspectCommands() { return kCommands; }
+std::span<const Command> inspectCommands() { return kInspectCommands; }
 
 }  // namespace vorn::console

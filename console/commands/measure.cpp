@@ -175,13 +175,13 @@ void plot(Console& console, std::string_view text, Output& output) {
   output.line("drawn into " + request.file, Style::Faint);
 }
 
-constexpr Command kCommands[] = {
+constexpr Command kMeasureCommands[] = {
     {"time", "EXPR [with x = SETUP]", "how long a call takes, repeated until it is stable", time},
     {"plot", "EXPR over n [with x = SETUP] [up to N] [to FILE.svg]", "time against size, as a chart", plot},
 };
 
 }  // namespace
 
-std::span<const Command> measureCommands() { return kCommands; }
+std::span<const Command> measureCommands() { return kMeasureCommands; }
 
 }  // namespace vorn::console
