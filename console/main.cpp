@@ -98,16 +98,16 @@ std::string parseArguments(int argc, char** argv, Options& options) {
   return {};
 }
 
-// Takes no more than so much address space: a list that doubles and doubles then gets std::bad_alloc, which is told,
+// Takes no more than so much data: a list that doubles and doubles then gets std::bad_alloc, which is told,
 // instead of taking the machine along. Sanitizers need all there is.
 void limitMemory(std::size_t megabytes) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
   if (megabytes == 0) return;
   const rlim_t bytes = rlim_t{megabytes} << 20;
   rlimit limit = {};
-  if (::getrlimit(RLIMIT_AS, &limit) != 0) return;
+  if (::getrlimit(RLIMIT_DATA, &limit) != 0) return;
   limit.rlim_cur = std::min(bytes, limit.rlim_max);
-  ::setrlimit(RLIMIT_AS, &limit);
+  ::setrlimit(RLIMIT_DATA, &limit);
 #else
   static_cast<void>(megabytes);
 #endif
