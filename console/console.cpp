@@ -91,6 +91,7 @@ bool Console::run(std::string_view source, Output& output) {
     recording.line("Refused: " + std::string(exception.what()), Style::Error);
   }
   vorn_errors_clear();
+  if (!done) ++failures_;
   if (done || raised) {
     showWatches(output);
     if (!trimmed(source).empty()) accepted_.push_back({std::string(trimmed(source)), recording.texts(), raised});

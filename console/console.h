@@ -36,6 +36,9 @@ class Console {
   Watches& watches() { return watches_; }
   [[nodiscard]] const std::vector<Accepted>& accepted() const { return accepted_; }
 
+  // How many statements have failed, those of loaded scripts included.
+  [[nodiscard]] std::size_t failures() const { return failures_; }
+
   // Whether :quit was given, and how: the shell looks after each statement.
   [[nodiscard]] bool ended() const { return ended_; }
   void end() { ended_ = true; }
@@ -54,6 +57,7 @@ class Console {
   Watches watches_;
   std::vector<Accepted> accepted_;
   std::optional<Tour> tour_;
+  std::size_t failures_ = 0;
   bool ended_ = false;
   std::size_t width_ = 80;
   int loadDepth_ = 0;

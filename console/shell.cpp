@@ -27,12 +27,12 @@ class Conversation {
       console_.setWidth(lines_.columns());
       if (console_.tour() && trimmed(source).empty() && read == LineRead::Line) {
         takeStep();
-      } else if (!console_.run(source, output_)) {
-        ++failures_;
+      } else {
+        console_.run(source, output_);
       }
       if (read == LineRead::End) break;
     }
-    return failures_;
+    return console_.failures();
   }
 
  private:
@@ -83,7 +83,6 @@ class Conversation {
   Console& console_;
   LineSource& lines_;
   Output& output_;
-  std::size_t failures_ = 0;
   std::size_t offered_ = 0;
 };
 
