@@ -64,11 +64,6 @@ Value bufferValue(const NativeRow& row, const RawResult& result, const PassedArg
   return Value::buffer(owner, raw);
 }
 
-Value made(void* handle) {
-  if (handle == nullptr) throw Refusal("there is no memory for the result");
-  return Value::object(handle);
-}
-
 }  // namespace
 
 long long integerOf(const Value& value, const std::string& purpose) {
@@ -164,14 +159,14 @@ Value resultValue(const NativeRow& row, const RawResult& result, const PassedArg
     case Slot::Handle:
       return Value::object(result.pointer);
     case Slot::Integer:
-      return made(row.gives == Gives::Long ? vorn_box_long(result.integer) : boxCount(result.integer));
+      return newObject(row.gives == Gives::Long ? vorn_box_long(result.integer) : boxCount(result.integer));
     case Slot::Floating:
-      return made(vorn_box_double(result.floating));
+      return newObject(vorn_box_double(result.floating));
     case Slot::Boolean: {
       void* answer = vorn_box_boolean(result.boolean);
       if (std::ranges::count(row.slots, Slot::Out) == 0) return Value::object(answer);
       const std::array<void*, 2> items = {answer, passed.stored()};
-      return made(vorn_tuple_new(nullptr, items.data(), items.size()));
+      return newObject(vorn_tuple_new(nullptr, items.data(), items.size()));
     }
     case Slot::Record:
       if (result.record == nullptr) return Value::object(nullptr);

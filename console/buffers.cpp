@@ -59,9 +59,9 @@ WideInteger loadInteger(const ScalarType& type, const unsigned char* address) {
 Value readBuffer(const Session& session, const Value& buffer, const Value& index) {
   const unsigned char* address = elementAt(session, buffer, index);
   const ScalarType& type = *buffer.raw().type;
-  if (type.family != ScalarFamily::Floating) return Value::object(boxInteger(type, loadInteger(type, address)));
+  if (type.family != ScalarFamily::Floating) return newObject(boxInteger(type, loadInteger(type, address)));
   const double value = type.width == sizeof(float) ? double{load<float>(address)} : load<double>(address);
-  return Value::object(vorn_box_floating(type.name.data(), value));
+  return newObject(vorn_box_floating(type.name.data(), value));
 }
 
 void writeBuffer(const Session& session, const Value& buffer, const Value& index, const Value& value) {

@@ -24,12 +24,7 @@ constexpr std::string_view kCollections[] = {
     "Tuple",     "Map",           "HashMapSync", "SortedMap",      "SortedMapSync", "HashSet", "HashSetSync"};
 constexpr std::string_view kTexts[] = {"String", "Text"};
 
-Value made(void* handle, std::string_view what) {
-  if (handle == nullptr) throw Refusal("there is no memory for a new " + std::string(what));
-  return Value::object(handle);
-}
-
-Value newObject(const std::string& type) {
+Value newOfType(const std::string& type) {
   void* handle = vorn_object_new(type.c_str());
   if (handle == nullptr) throw Refusal("there is no type " + type);
   return Value::object(handle);
@@ -44,7 +39,7 @@ Value scalar(const ScalarType& type, std::span<const Value> arguments) {
   const std::string name(type.name);
   if (arguments.size() != 1 || !arguments[0].isObject()) throw Refusal(name + " takes one value");
   if (const std::optional<Number> number = readNumber(arguments[0].handle())) {
-    return made(boxNumber(type, *number), type.name);
+    return newObject(boxNumber(type, *number));
   }
   throw Refusal(name + " is made from a number, a character or a Boolean, not from " + shortDisplay(arguments[0], 40));
 }
@@ -62,11 +57,11 @@ Value text(std::string_view type, std::span<const Value> arguments) {
   const char* given = source != nullptr ? vorn_string_text(source) : nullptr;
   if (given == nullptr) throw Refusal(std::string(type) + " is made from a text or an array of characters");
   const std::string copy = given;
-  return made(type == "String" ? vorn_string_new(copy.data(), copy.size()) : vorn_text_new(copy.c_str()), type);
+  return newObject(type == "String" ? vorn_string_new(copy.data(), copy.size()) : vorn_text_new(copy.c_str()));
 }
 
 Value collection(Session& session, const Expression& call, std::span<const Value> arguments) {
-  const Value object = newObject(call.type);
+  const Value object = newOfType(call.type);
   const auto construct = [&](std::string_view className, std::string_view native) {
     const std::array<Value, 2> passed = {object, arguments[0]};
     session.call(className, native, passed);
@@ -139,7 +134,7 @@ Value listLiteral(Session& session, std::span<const Value> elements, bool allInt
   if (count <= kMostVariadic) return session.call("ArrayList", name, elements);
   // More than a call can be given here: what the literal would come to, element by element.
   if (const ScalarType* type = commonType(elements)) {
-    const std::array<Value, 1> typeName = {Value::object(vorn_string_new(type->name.data(), type->name.size()))};
+    const std::array<Value, 1> typeName = {newObject(vorn_string_new(type->name.data(), type->name.size()))};
     return added(session, session.call("ArrayList", "primitiveLiteral0", typeName), elements);
   }
   return added(session, session.call("ArrayList", "literal0", {}), elements);
@@ -147,7 +142,7 @@ Value listLiteral(Session& session, std::span<const Value> elements, bool allInt
 
 Value mapLiteral(Session& session, std::span<const Value> keysAndValues) {
   requireObjects(keysAndValues);
-  const Value map = newObject("Map");
+  const Value map = newOfType("Map");
   for (std::size_t i = 0; i + 1 < keysAndValues.size(); i += 2) {
     session.call("Map", "put", std::array<Value, 3>{map, keysAndValues[i], keysAndValues[i + 1]});
   }
@@ -156,14 +151,14 @@ Value mapLiteral(Session& session, std::span<const Value> keysAndValues) {
 
 Value setLiteral(Session& session, std::span<const Value> elements) {
   requireObjects(elements);
-  const Value set = newObject("HashSet");
+  const Value set = newOfType("HashSet");
   for (const Value& element : elements) session.call("HashSet", "add", std::array<Value, 2>{set, element});
   return set;
 }
 
 Value tupleLiteral(Session& session, std::span<const Value> items) {
   const Value packed = listLiteral(session, items, false);
-  const Value tuple = newObject("Tuple");
+  const Value tuple = newOfType("Tuple");
   session.call("Tuple", "ctor", std::array<Value, 2>{tuple, packed});
   return tuple;
 }

@@ -39,7 +39,7 @@ Value integerLiteral(const Expression& expression) {
     }
     throw Refusal(expression.text + " does not fit " + expression.type + hint);
   }
-  return Value::object(boxInteger(type, *value));
+  return newObject(boxInteger(type, *value));
 }
 
 Value floatingLiteral(const Expression& expression) {
@@ -53,7 +53,7 @@ Value floatingLiteral(const Expression& expression) {
   } else {
     value = std::strtod(expression.text.c_str(), nullptr);
   }
-  return Value::object(vorn_box_floating(expression.type.c_str(), value));
+  return newObject(vorn_box_floating(expression.type.c_str(), value));
 }
 
 // The code point of a text of one character, which the scanner has checked.
@@ -139,7 +139,7 @@ SliceBounds sliceBounds(Session& session, const Expression& expression) {
 
 Value negation(const Value& boolean) {
   const std::optional<Number> number = readNumber(boolean.handle());
-  return Value::object(vorn_box_boolean(!number || number->integer == 0));
+  return newObject(vorn_box_boolean(!number || number->integer == 0));
 }
 
 Value listOf(Session& session, const Expression& expression) {
@@ -157,15 +157,15 @@ Value evaluate(Session& session, const Expression& expression) {
     case ExpressionKind::Null:
       return Value::object(nullptr);
     case ExpressionKind::Boolean:
-      return Value::object(vorn_box_boolean(expression.text == "true"));
+      return newObject(vorn_box_boolean(expression.text == "true"));
     case ExpressionKind::Integer:
       return integerLiteral(expression);
     case ExpressionKind::Floating:
       return floatingLiteral(expression);
     case ExpressionKind::Character:
-      return Value::object(vorn_box_char(codePoint(expression.text)));
+      return newObject(vorn_box_char(codePoint(expression.text)));
     case ExpressionKind::Text:
-      return Value::object(vorn_string_new(expression.text.data(), expression.text.size()));
+      return newObject(vorn_string_new(expression.text.data(), expression.text.size()));
     case ExpressionKind::List:
       return listOf(session, expression);
     case ExpressionKind::Tuple:

@@ -41,6 +41,7 @@ Value ascending(long long count) {
   } catch (const std::bad_alloc&) {
     throw Refusal("there is no memory for so long a list");
   }
+  if (elements == nullptr) throw Refusal("there is no memory for so long a list");
   auto* ints = static_cast<std::int32_t*>(elements);
   for (long long i = 0; i < count; ++i) ints[i] = static_cast<std::int32_t>(i);
   return Value::object(list);
@@ -58,10 +59,10 @@ Value shuffled(Session& session, std::span<const Value> arguments) {
 
 Value texts(Session& session, std::span<const Value> arguments) {
   const long long count = countArgument(session, arguments, "texts");
-  const Value list = Value::object(vorn_object_new("ArrayList<String>"));
+  const Value list = newObject(vorn_object_new("ArrayList<String>"));
   Handle text;
   for (long long i = 0; i < count; ++i) {
-    text = vorn_string_new(("text " + std::to_string(i)).c_str(), SIZE_MAX);
+    text = newObject(vorn_string_new(("text " + std::to_string(i)).c_str(), SIZE_MAX)).handle();
     vorn_collections_ArrayList_add(list.handle(), text);
   }
   return list;
@@ -69,7 +70,7 @@ Value texts(Session& session, std::span<const Value> arguments) {
 
 Value same(Session&, std::span<const Value> arguments) {
   if (arguments.size() != 2) throw Refusal("same takes (a, b), not " + counted(arguments.size(), "argument"));
-  return Value::object(vorn_box_boolean(arguments[0].handle() == arguments[1].handle()));
+  return newObject(vorn_box_boolean(arguments[0].handle() == arguments[1].handle()));
 }
 
 constexpr ConsoleFunction kFunctions[] = {

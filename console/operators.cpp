@@ -40,7 +40,7 @@ const NativeRow& operatorOf(const Value& collection, std::string_view native, co
 std::vector<Value> sliceArguments(const Value& collection, const SliceBounds& bounds) {
   const auto given = [](const Value& bound) { return bound.isObject() && !bound.isNull(); };
   const auto number = [&](const Value& bound, std::int64_t otherwise) {
-    return given(bound) ? bound : Value::object(vorn_box_long(otherwise));
+    return given(bound) ? bound : newObject(vorn_box_long(otherwise));
   };
   const auto flag = [&](const Value& bound) { return Value::object(given(bound) ? vorn_box_boolean(true) : nullptr); };
   return {collection,         number(bounds.start, 0), number(bounds.stop, 0), number(bounds.step, 1),
@@ -95,7 +95,7 @@ Value equal(Session& session, const Value& left, const Value& right, bool negate
   }
   const bool same = vorn_equals(left.handle(), right.handle()) != 0;
   throwPendingErrors();
-  return Value::object(vorn_box_boolean(same != negated));
+  return newObject(vorn_box_boolean(same != negated));
 }
 
 Value concatenated(Session& session, const Value& left, const Value& right) {
@@ -116,7 +116,7 @@ Value readField(const Value& object, const std::string& field) {
   if (vorn_field_get_handle(object.handle(), field.c_str(), &handle) != 0) return Value::object(handle);
   std::int64_t integer = 0;
   if (isCollection(object.handle()) && vorn_field_get_integer(object.handle(), field.c_str(), &integer) != 0) {
-    return Value::object(boxCount(integer));
+    return newObject(boxCount(integer));
   }
   refuseField(object, field);
 }

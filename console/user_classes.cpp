@@ -275,8 +275,7 @@ const UserClass& declareClass(const ClassDeclaration& declaration) {
 }
 
 Value newUserObject(const UserClass& type, std::span<const Value> fields) {
-  const Value object = Value::object(vorn_object_new(type.fullName.c_str()));
-  if (object.isNull()) throw Refusal("there is no memory for a new object");
+  const Value object = newObject(vorn_object_new(type.fullName.c_str()));
   for (std::size_t i = 0; i < fields.size(); ++i) {
     vorn_field_set_handle(object.handle(), type.fields[i].c_str(), fields[i].handle());
   }

@@ -44,22 +44,25 @@ std::string plainDisplay(void* handle) {
   return text;
 }
 
-// The first elements of a list or array as a collection of its class; the handle itself when it is neither, or short.
-void* beginning(void* handle) {
-  const Family family = familyOf(handle);
-  if (!isCollection(handle) || sizeOf(handle) <= kMostElements) return handle;
-  const Handle given = vorn_box_boolean(true);
-  if (family == Family::List) {
-    return vorn_collections_ArrayList_slice(handle, 0, kMostElements, 1, nullptr, given);
+// The first elements of a list or array as a collection of its class; the value itself when it is neither, or short.
+Value beginning(const Value& value) {
+  void* handle = value.handle();
+  if (!isCollection(handle) || sizeOf(handle) <= kMostElements) return value;
+  const Value given = newObject(vorn_box_boolean(true));
+  switch (familyOf(handle)) {
+    case Family::List:
+      return newObject(vorn_collections_ArrayList_slice(handle, 0, kMostElements, 1, nullptr, given.handle()));
+    case Family::Array:
+      return newObject(vorn_collections_Array_slice(handle, 0, kMostElements, 1, nullptr, given.handle()));
+    default:
+      return value;
   }
-  if (family == Family::Array) return vorn_collections_Array_slice(handle, 0, kMostElements, 1, nullptr, given);
-  return handle;
 }
 
 std::string objectText(const Value& value) {
-  const Handle shown = beginning(value.handle());
-  std::string text = plainDisplay(shown);
-  const bool whole = shown.get() == value.handle();
+  const Value shown = beginning(value);
+  std::string text = plainDisplay(shown.handle());
+  const bool whole = shown.handle() == value.handle();
   if (whole && characterCount(text) <= kLongestText) return text;
   const std::uint64_t characters = characterCount(text);
   text = firstCharacters(text, kLongestText);
@@ -98,6 +101,11 @@ Value Value::record(void* owner, ListData* data) {
   result.handle_ = owner;
   result.data_ = data;
   return result;
+}
+
+Value newObject(void* handle) {
+  if (handle == nullptr) throw Refusal("there is not enough memory");
+  return Value::object(handle);
 }
 
 std::string typeText(void* handle) {
@@ -182,7 +190,7 @@ std::string displayText(const Value& value) {
 }
 
 std::string shortDisplay(const Value& value, std::size_t characters) {
-  std::string text = value.isObject() ? plainDisplay(Handle(beginning(value.handle()))) : displayText(value);
+  std::string text = value.isObject() ? plainDisplay(beginning(value).handle()) : displayText(value);
   std::ranges::replace(text, '\n', ' ');
   if (characterCount(text) <= characters) return text;
   return std::string(firstCharacters(text, characters - 3)) + "...";

@@ -54,6 +54,9 @@ class Value {
   ListData* data_ = nullptr;
 };
 
+// What has just been made. Refuses null, which is how the runtime says that there is no memory.
+Value newObject(void* handle);
+
 Family familyOf(void* handle);
 
 // The type name without modules, in its type arguments too: "Map<String, Int>". "null" for null.

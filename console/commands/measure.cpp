@@ -94,7 +94,7 @@ class BoundVariable {
   BoundVariable& operator=(const BoundVariable&) = delete;
 
   void bind(std::uint64_t value) {
-    session_.variables().insert_or_assign(name_, Value::object(boxCount(static_cast<std::int64_t>(value))));
+    session_.variables().insert_or_assign(name_, newObject(boxCount(static_cast<std::int64_t>(value))));
   }
 
  private:
