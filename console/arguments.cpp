@@ -31,6 +31,11 @@ std::optional<Number> numberOf(const Value& value) {
   return value.isObject() ? readNumber(value.handle()) : std::nullopt;
 }
 
+bool isList(void* handle) {
+  const Family family = familyOf(handle);
+  return family == Family::List || family == Family::ImmutableList;
+}
+
 [[noreturn]] void refuseCount(const NativeRow& row, std::size_t given) {
   const std::string wanted = signatureText(row);
   const std::size_t shownCount = given - std::min<std::size_t>(given, row.hasReceiver() ? 1 : 0);
@@ -99,7 +104,7 @@ PassedArguments::PassedArguments(const NativeRow& row, std::span<const Value> va
     if (row.slots[i] == Slot::Out) {
       raw_[i].out = stored_.out();
     } else if (used < values.size()) {
-      pass(i, values[used++], std::string(row.method) + "'s " + std::string(names[i].name));
+      pass(i, values[used++], names[i]);
     } else if (!names[i].defaultText.empty()) {
       raw_[i].integer = static_cast<long long>(*parseInteger(names[i].defaultText));
     } else {
@@ -109,11 +114,13 @@ PassedArguments::PassedArguments(const NativeRow& row, std::span<const Value> va
   if (used != values.size()) refuseCount(row, values.size());
 }
 
-void PassedArguments::pass(std::size_t slot, const Value& value, const std::string& name) {
+void PassedArguments::pass(std::size_t slot, const Value& value, const ArgumentName& argument) {
+  const std::string name = std::string(row_.method) + "'s " + std::string(argument.name);
   RawArgument& raw = raw_[slot];
   switch (row_.slots[slot]) {
     case Slot::Handle:
       if (!value.isObject()) refuse(name, "a value of the language", value);
+      if (argument.mustBeList && !value.isNull() && !isList(value.handle())) refuse(name, "a list", value);
       raw.handle = value.handle();
       return;
     case Slot::Integer:

@@ -25,7 +25,7 @@ class PassedArguments {
   [[nodiscard]] long long count() const;
 
  private:
-  void pass(std::size_t slot, const Value& value, const std::string& name);
+  void pass(std::size_t slot, const Value& value, const ArgumentName& argument);
 
   const NativeRow& row_;
   std::vector<RawArgument> raw_;

@@ -33,6 +33,7 @@ class Console {
   void runShown(std::string_view script, Output& output);
 
   Session& session() { return session_; }
+  [[nodiscard]] const Session& session() const { return session_; }
   Watches& watches() { return watches_; }
   [[nodiscard]] const std::vector<Accepted>& accepted() const { return accepted_; }
 

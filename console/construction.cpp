@@ -26,7 +26,7 @@ constexpr std::string_view kTexts[] = {"String", "Text"};
 
 Value newOfType(const std::string& type) {
   void* handle = vorn_object_new(type.c_str());
-  if (handle == nullptr) throw Refusal("there is no type " + type);
+  if (handle == nullptr) throw Refusal("there is no type " + type + ", or no memory for it");
   return Value::object(handle);
 }
 

@@ -37,8 +37,12 @@ std::vector<ArgumentName> argumentNames(const NativeRow& row) {
   while (!rest.empty()) {
     const std::size_t comma = std::min(rest.find(','), rest.size());
     const std::string_view entry = withoutBlanks(rest.substr(0, comma));
+    constexpr std::string_view kList = ":list";
     const std::size_t equals = std::min(entry.find('='), entry.size());
-    names.push_back({entry.substr(0, equals), entry.substr(std::min(equals + 1, entry.size()))});
+    ArgumentName name = {entry.substr(0, equals), entry.substr(std::min(equals + 1, entry.size()))};
+    name.mustBeList = name.name.ends_with(kList);
+    if (name.mustBeList) name.name.remove_suffix(kList.size());
+    names.push_back(name);
     rest = rest.substr(std::min(comma + 1, rest.size()));
   }
   return names;

@@ -59,10 +59,12 @@ enum class Gives : std::uint8_t {
 enum class Effect : std::uint8_t { Reads, Changes };
 
 struct NativeRow {
-  std::string_view exportedName;   // vorn_collections_ArrayList_addAll
-  std::string_view className;      // ArrayList
-  std::string_view method;         // addAll
-  std::string_view argumentNames;  // "list, source"; "start=0" has a default. The first is the receiver's.
+  std::string_view exportedName;  // vorn_collections_ArrayList_addAll
+  std::string_view className;     // ArrayList
+  std::string_view method;        // addAll
+  // "list, source"; "start=0" has a default, and "other:list" is passed as it is to a native that takes a list on trust,
+  // as compilers know the type. The first is the receiver's.
+  std::string_view argumentNames;
   std::string_view description;
   std::span<const Slot> slots;  // of the arguments; behind a variadic native's count only one, of all the others
   Slot result = Slot::Nothing;
@@ -82,6 +84,7 @@ constexpr std::size_t kMostVariadic = 256;
 struct ArgumentName {
   std::string_view name;
   std::string_view defaultText;  // "" for none
+  bool mustBeList = false;
 };
 std::vector<ArgumentName> argumentNames(const NativeRow& row);
 

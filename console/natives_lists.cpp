@@ -66,7 +66,7 @@ constexpr NativeRow kListRows[] = {
                                               "xs[a:b:c]: a new list of a range; a null hasStart omits the bound"),
     native<&vorn_collections_ArrayList_sliceAssign>("list, start, stop, step, hasStart, hasStop, source", Changes,
                                                     "xs[a:b:c] = ys: puts other values in place of a range"),
-    native<&vorn_collections_ArrayList_concat>("list, other", Reads, "xs + ys: a new list of both"),
+    native<&vorn_collections_ArrayList_concat>("list, other:list", Reads, "xs + ys: a new list of both"),
     native<&vorn_collections_ArrayList_repeat>("list, count", Reads, "xs * n: a new list, n times over"),
     native<&vorn_collections_ArrayList_reverse>("list", Changes, "reverses the list in place"),
     native<&vorn_collections_ArrayList_reverseNew>("list", Reads, "a reversed copy"),

@@ -19,6 +19,7 @@ namespace vorn::console {
 // any memory. None by default.
 struct Limits {
   std::uint64_t mostElements = UINT64_MAX;
+  bool computationOnly = false;  // no files, and no measurements, which take their time
 };
 
 class Session {

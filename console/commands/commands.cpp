@@ -13,6 +13,10 @@ std::vector<const Command*> allCommands() {
   return all;
 }
 
+void requireSurroundings(const Console& console) {
+  if (console.session().limits().computationOnly) throw Refusal("this session is for computation only");
+}
+
 void runCommand(Console& console, std::string_view name, std::string_view text, Output& output) {
   std::vector<std::string_view> names;
   for (const Command* command : allCommands()) {

@@ -24,6 +24,9 @@ std::span<const Command> helpCommands();
 
 std::vector<const Command*> allCommands();
 
+// Refuses to go on in a session that is for computation only.
+void requireSurroundings(const Console& console);
+
 // Runs a command; refuses a name that is none.
 void runCommand(Console& console, std::string_view name, std::string_view text, Output& output);
 

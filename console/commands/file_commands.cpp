@@ -14,6 +14,7 @@ namespace {
 
 void load(Console& console, std::string_view text, Output& output) {
   if (text.empty()) throw Refusal(":load takes a file");
+  requireSurroundings(console);
   console.runShown(readFile(expandedPath(text)), output);
 }
 
@@ -36,6 +37,7 @@ bool isSaved(const Accepted& accepted) {
 
 void save(Console& console, std::string_view text, Output& output) {
   if (text.empty()) throw Refusal(":save takes a file");
+  requireSurroundings(console);
   const std::string path = expandedPath(text);
   std::string script = "# A session of the vorn console. Run it again: ./dev console FILE\n\n";
   std::size_t count = 0;

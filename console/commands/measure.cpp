@@ -66,6 +66,7 @@ Subject subjectOf(std::string_view expression, std::optional<std::string_view> s
 void time(Console& console, std::string_view text, Output& output) {
   const std::optional<std::string_view> setup = takeClause(text, "with");
   const Subject subject = subjectOf(text, setup);
+  requireSurroundings(console);
   const Timing timing = measure(console.session(), *subject.expression, subject.setupOrNull(), kSecondsForTime);
   const std::string calls =
       " (" + counted(timing.repetitions, "call") + (timing.stable ? "" : ", not yet stable") + ")";
@@ -151,6 +152,7 @@ PlotRequest plotRequest(std::string_view text) {
 
 void plot(Console& console, std::string_view text, Output& output) {
   const PlotRequest request = plotRequest(text);
+  requireSurroundings(console);
   std::vector<PlotPoint> points;
   {
     constexpr double kSlowest = 2e9;
