@@ -3,7 +3,6 @@
 #include <chrono>
 #include <exception>
 #include <new>
-#include <system_error>
 
 #include "console/arguments.h"
 #include "console/problems.h"
