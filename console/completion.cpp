@@ -24,7 +24,7 @@ void keepMatching(Completion& completion, std::string_view text) {
   std::vector<std::string>& candidates = completion.candidates;
   std::erase_if(candidates, [&](const std::string& candidate) { return !candidate.starts_with(word); });
   std::ranges::sort(candidates);
-  candidates.erase(std::ranges::unique(candidates).begin(), candidates.end());
+  candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
 }
 
 template <class Names>

@@ -167,7 +167,7 @@ class CalledNatives {
   }
   [[nodiscard]] std::string text() {
     std::ranges::sort(names_);
-    names_.erase(std::ranges::unique(names_).begin(), names_.end());
+    names_.erase(std::unique(names_.begin(), names_.end()), names_.end());
     std::string text;
     for (const std::string& name : names_) text += name + "\n";
     return text;
