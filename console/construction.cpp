@@ -49,7 +49,7 @@ Value text(std::string_view type, std::span<const Value> arguments) {
   void* source = arguments[0].handle();
   if (familyOf(source) == Family::Array) {
     const std::string elements = elementTypeText(source);
-    const Value result =
+    Value result =
         Value::object(elements == "CodeUnit" ? Vorn_stringFromCodeUnitArray(source) : Vorn_stringFromCharArray(source));
     throwPendingErrors();
     return result;
@@ -61,7 +61,7 @@ Value text(std::string_view type, std::span<const Value> arguments) {
 }
 
 Value collection(Session& session, const Expression& call, std::span<const Value> arguments) {
-  const Value object = newOfType(call.type);
+  Value object = newOfType(call.type);
   const auto construct = [&](std::string_view className, std::string_view native) {
     const std::array<Value, 2> passed = {object, arguments[0]};
     session.call(className, native, passed);
@@ -142,7 +142,7 @@ Value listLiteral(Session& session, std::span<const Value> elements, bool allInt
 
 Value mapLiteral(Session& session, std::span<const Value> keysAndValues) {
   requireObjects(keysAndValues);
-  const Value map = newOfType("Map");
+  Value map = newOfType("Map");
   for (std::size_t i = 0; i + 1 < keysAndValues.size(); i += 2) {
     session.call("Map", "put", std::array<Value, 3>{map, keysAndValues[i], keysAndValues[i + 1]});
   }
@@ -151,14 +151,14 @@ Value mapLiteral(Session& session, std::span<const Value> keysAndValues) {
 
 Value setLiteral(Session& session, std::span<const Value> elements) {
   requireObjects(elements);
-  const Value set = newOfType("HashSet");
+  Value set = newOfType("HashSet");
   for (const Value& element : elements) session.call("HashSet", "add", std::array<Value, 2>{set, element});
   return set;
 }
 
 Value tupleLiteral(Session& session, std::span<const Value> items) {
   const Value packed = listLiteral(session, items, false);
-  const Value tuple = newOfType("Tuple");
+  Value tuple = newOfType("Tuple");
   session.call("Tuple", "ctor", std::array<Value, 2>{tuple, packed});
   return tuple;
 }

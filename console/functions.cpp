@@ -52,14 +52,14 @@ Value range(Session& session, std::span<const Value> arguments) {
 }
 
 Value shuffled(Session& session, std::span<const Value> arguments) {
-  const Value list = ascending(countArgument(session, arguments, "shuffled"));
+  Value list = ascending(countArgument(session, arguments, "shuffled"));
   vorn_collections_ArrayList_shuffle(list.handle());
   return list;
 }
 
 Value texts(Session& session, std::span<const Value> arguments) {
   const long long count = countArgument(session, arguments, "texts");
-  const Value list = newObject(vorn_object_new("ArrayList<String>"));
+  Value list = newObject(vorn_object_new("ArrayList<String>"));
   Handle text;
   for (long long i = 0; i < count; ++i) {
     text = newObject(vorn_string_new(("text " + std::to_string(i)).c_str(), SIZE_MAX)).handle();
@@ -76,7 +76,7 @@ Value same(Session&, std::span<const Value> arguments) {
 constexpr ConsoleFunction kFunctions[] = {
     {"range", "range(n)", "a list of Int from 0 to n - 1", range},
     {"shuffled", "shuffled(n)", "the same in random order, always the same one after a fresh start", shuffled},
-    {"texts", "texts(n)", "a list of the Strings \"text 0\" to \"text n-1\"", texts},
+    {"texts", "texts(n)", R"(a list of the Strings "text 0" to "text n-1")", texts},
     {"same", "same(a, b)", "whether both are one object", same},
 };
 

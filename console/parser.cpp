@@ -76,7 +76,7 @@ class Parser {
     fail(std::string(otherwise) + " or '" + std::string(mark) + "'");
   }
 
-  ExpressionPointer node(ExpressionKind kind, std::size_t offset, std::string text = {}) {
+  static ExpressionPointer node(ExpressionKind kind, std::size_t offset, std::string text = {}) {
     auto result = std::make_unique<Expression>();
     result->kind = kind;
     result->offset = offset;
@@ -85,7 +85,7 @@ class Parser {
   }
 
   // Adds a part, which may be null, and keeps the depth.
-  void adopt(Expression& parent, ExpressionPointer part) {
+  static void adopt(Expression& parent, ExpressionPointer part) {
     if (part != nullptr) parent.depth = std::max(parent.depth, part->depth + 1);
     if (parent.depth > kDeepestExpression) tooDeep(parent.offset);
     parent.parts.push_back(std::move(part));

@@ -14,13 +14,12 @@ namespace {
 // Maps both coordinates to 0..1 by their logarithms.
 class Scale {
  public:
-  explicit Scale(const std::vector<PlotPoint>& points) {
-    const auto [least, most] = std::ranges::minmax_element(points, {}, &PlotPoint::nanoseconds);
-    lowest_ = std::log10(positive(least->nanoseconds));
-    highest_ = std::max(std::log10(positive(most->nanoseconds)), lowest_ + 0.1);
-    first_ = std::log10(static_cast<double>(points.front().size));
-    last_ = std::max(std::log10(static_cast<double>(points.back().size)), first_ + 0.1);
-  }
+  explicit Scale(const std::vector<PlotPoint>& points)
+      : lowest_(std::log10(positive(std::ranges::min(points, {}, &PlotPoint::nanoseconds).nanoseconds))),
+        highest_(std::max(std::log10(positive(std::ranges::max(points, {}, &PlotPoint::nanoseconds).nanoseconds)),
+                          lowest_ + kNarrowest)),
+        first_(std::log10(static_cast<double>(points.front().size))),
+        last_(std::max(std::log10(static_cast<double>(points.back().size)), first_ + kNarrowest)) {}
 
   [[nodiscard]] double across(std::uint64_t size) const {
     return (std::log10(static_cast<double>(size)) - first_) / (last_ - first_);
@@ -34,6 +33,9 @@ class Scale {
  private:
   // A time below what the clock tells counts as a tenth of a nanosecond: zero has no logarithm.
   static double positive(double nanoseconds) { return std::max(nanoseconds, 0.1); }
+
+  // Equal times have a scale too.
+  static constexpr double kNarrowest = 0.1;
 
   double lowest_;
   double highest_;
@@ -120,10 +122,10 @@ std::string drawSvg(const std::vector<PlotPoint>& points, const std::string& tit
     return "  <text x=\"" + left + "\" y=\"" + top + "\" text-anchor=\"" + anchor + "\">" + text + "</text>\n";
   };
 
-  std::string svg =
-      "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"640\" height=\"400\" viewBox=\"0 0 640 400\" "
-      "font-family=\"sans-serif\" font-size=\"12\">\n"
-      "  <rect width=\"640\" height=\"400\" fill=\"white\"/>\n";
+  std::string svg = R"(<svg xmlns="http://www.w3.org/2000/svg" width="640" height="400" viewBox="0 0 640 400" )"
+                    R"(font-family="sans-serif" font-size="12">
+  <rect width="640" height="400" fill="white"/>
+)";
   svg += label(number(kWidth / 2), "28", "middle", escapedForXml(title));
   for (const double height : {0.0, 0.5, 1.0}) {
     const double time = scale.timeAt(height);

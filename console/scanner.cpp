@@ -149,7 +149,7 @@ class Scanner {
         unicodeEscape(text, start);
         return;
       default:
-        throw SyntaxError(start, "unknown escape; expected \\n, \\t, \\r, \\\\, \\\", \\' or \\u{1F600}");
+        throw SyntaxError(start, R"(unknown escape; expected \n, \t, \r, \\, \", \' or \u{1F600})");
     }
   }
 

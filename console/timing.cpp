@@ -44,28 +44,32 @@ struct Figure {
 // that the least is the truest.
 Figure repeat(const std::function<double(std::uint64_t)>& sample, double seconds) {
   constexpr double kLongEnough = 2e6;
-  constexpr std::uint64_t kMostCalls = 5'000'000;
+  constexpr std::uint64_t kMostCalls = 50'000'000;
   constexpr int kAgreeing = 3;
   constexpr double kTolerance = 1.02;
   const Clock::time_point start = Clock::now();
   Figure figure;
+  double least = 0;  // of the batches that were long enough; 0 while there is none
   std::uint64_t batch = 1;
   int agreed = 0;
-  while (agreed < kAgreeing && figure.repetitions < kMostCalls &&
-         (figure.repetitions == 0 || nanosecondsSince(start) < seconds * 1e9)) {
+  const auto hasTime = [&] { return figure.repetitions == 0 || nanosecondsSince(start) < seconds * 1e9; };
+  while (agreed < kAgreeing && figure.repetitions < kMostCalls && hasTime()) {
     throwIfInterrupted();
     const double total = sample(batch);
+    const double each = total / static_cast<double>(batch);
     figure.repetitions += batch;
     if (total < kLongEnough && batch < kMostCalls / 8) {
       batch *= 2;
-      figure.nanoseconds = total / static_cast<double>(batch / 2);
-      continue;
+      figure.nanoseconds = each;
+    } else if (least == 0 || each * kTolerance < least) {
+      least = each;
+      agreed = 1;
+    } else if (each <= least * kTolerance) {
+      least = std::min(least, each);
+      ++agreed;
     }
-    const double each = total / static_cast<double>(batch);
-    const bool first = agreed == 0 && figure.nanoseconds == 0;
-    agreed = !first && each <= figure.nanoseconds * kTolerance ? agreed + 1 : 1;
-    figure.nanoseconds = first ? each : std::min(figure.nanoseconds, each);
   }
+  if (least > 0) figure.nanoseconds = least;
   figure.stable = agreed >= kAgreeing;
   return figure;
 }

@@ -14,8 +14,13 @@ namespace {
 void listCommands(Output& output) {
   output.line("Commands", Style::Heading);
   for (const Command* command : allCommands()) {
+    constexpr std::size_t kColumn = 20;
     std::string call = ":" + std::string(command->name) + " " + std::string(command->usage);
-    if (call.size() < 20) call.resize(20, ' ');
+    if (call.size() > kColumn) {
+      output.line("  " + call);
+      call.clear();
+    }
+    call.resize(kColumn, ' ');
     output.line("  " + call + " " + std::string(command->description));
   }
   output.line("");

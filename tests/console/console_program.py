@@ -6,6 +6,7 @@ import subprocess
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 CONSOLE = os.environ['VORN_CONSOLE']
+SANITIZED = os.environ.get('VORN_CONSOLE_SANITIZED') == '1'
 HEAP = os.environ.get('VORN_TEST_HEAP', 'heap=collected')
 
 
