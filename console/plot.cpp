@@ -130,7 +130,7 @@ std::string drawSvg(const std::vector<PlotPoint>& points, const std::string& tit
   for (const double height : {0.0, 0.5, 1.0}) {
     const double time = scale.timeAt(height);
     svg += "  <line x1=\"" + number(kLeft) + "\" x2=\"" + number(kLeft + kInnerWidth) + "\" y1=\"" + y(time) +
-           "\" y2=\"" + y(time) + "\" stroke=\"#cccccc\"/>\n";
+           "\" y2=\"" + y(time) + R"(" stroke="#cccccc"/>)" + "\n";
     svg += label(number(kLeft - 8), y(time), "end", durationText(time));
   }
   std::string line;

@@ -30,9 +30,9 @@ class HookCall {
   ~HookCall() { --hookDepth; }
   HookCall(const HookCall&) = delete;
   HookCall& operator=(const HookCall&) = delete;
-
-  [[nodiscard]] bool tooDeep() const { return hookDepth > kDeepestHook; }
 };
+
+bool tooDeep() { return hookDepth > kDeepestHook; }
 
 std::vector<std::unique_ptr<UserClass>>& registry() {
   static std::vector<std::unique_ptr<UserClass>> classes;
@@ -63,7 +63,7 @@ bool equals(void* self, void* other, void* context) {
   const HookCall call(type, Hook::Equals);
   if (type.forms.equals == "always") return true;
   if (type.forms.equals == "never") return false;
-  if (type.forms.equals == "raises" || call.tooDeep()) {
+  if (type.forms.equals == "raises" || tooDeep()) {
     raise(type, Hook::Equals);
     return false;
   }
@@ -173,7 +173,7 @@ void* toString(void* self, void* context) {
     raise(type, Hook::Text);
     return nullptr;
   }
-  const std::string text = textOf(type, self, call.tooDeep());
+  const std::string text = textOf(type, self, tooDeep());
   return vorn_string_new(text.data(), text.size());
 }
 
@@ -275,7 +275,7 @@ const UserClass& declareClass(const ClassDeclaration& declaration) {
 }
 
 Value newUserObject(const UserClass& type, std::span<const Value> fields) {
-  const Value object = newObject(vorn_object_new(type.fullName.c_str()));
+  Value object = newObject(vorn_object_new(type.fullName.c_str()));
   for (std::size_t i = 0; i < fields.size(); ++i) {
     vorn_field_set_handle(object.handle(), type.fields[i].c_str(), fields[i].handle());
   }

@@ -74,7 +74,9 @@ void Watches::afterNative(const NativeRow& row, std::span<const Value> arguments
   for (auto& [name, watched] : watched_) {
     std::string form = storageForm(watched.collection.handle());
     if (form == watched.form) continue;
-    std::string line = "watch " + name + ": " + watched.form + " -> " + form + ", by " + callText(row, arguments);
+    std::string line = "watch ";
+    line.append(name).append(": ").append(watched.form).append(" -> ").append(form).append(", by ");
+    line += callText(row, arguments);
     if (watched.form.starts_with(kUnboxed) && form.starts_with("boxed")) {
       const std::string type = watched.form.substr(kUnboxed.size(), watched.form.find(',') - kUnboxed.size());
       line += firstForeignElement(name, watched.collection.handle(), type);
@@ -89,13 +91,15 @@ void Watches::afterStatement(const Session& session) {
     auto& [name, watched] = *it;
     const Value* value = session.find(name);
     if (value == nullptr || !value->isObject() || storageForm(value->handle()).empty()) {
-      lines_.push_back("watch " + name + ": no collection any more");
+      std::string line = "watch ";
+      lines_.push_back(line.append(name).append(": no collection any more"));
       it = watched_.erase(it);
       continue;
     }
     if (value->handle() != watched.collection.handle()) {
       const std::string form = storageForm(value->handle());
-      lines_.push_back("watch " + name + ": another collection now, " + form);
+      std::string line = "watch ";
+      lines_.push_back(line.append(name).append(": another collection now, ").append(form));
       watched = {*value, form};
     }
     ++it;
