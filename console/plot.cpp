@@ -136,7 +136,7 @@ std::string drawSvg(const std::vector<PlotPoint>& points, const std::string& tit
   std::string line;
   for (const PlotPoint& point : points) {
     line += (line.empty() ? "" : " ") + x(point) + "," + y(point.nanoseconds);
-    svg += "  <circle cx=\"" + x(point) + "\" cy=\"" + y(point.nanoseconds) + "\" r=\"3\" fill=\"#1f6feb\"><title>" +
+    svg += "  <circle cx=\"" + x(point) + "\" cy=\"" + y(point.nanoseconds) + R"(" r="3" fill="#1f6feb"><title>)" +
            grouped(point.size) + ": " + durationText(point.nanoseconds) + "</title></circle>\n";
   }
   svg += "  <polyline points=\"" + line + "\" fill=\"none\" stroke=\"#1f6feb\"/>\n";
