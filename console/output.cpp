@@ -19,10 +19,13 @@ std::string_view styleStart(Style style) {
 }
 
 void StreamOutput::line(std::string_view text, Style style) {
+  const auto write = [&](std::string_view part) {
+    if (!part.empty()) std::fwrite(part.data(), 1, part.size(), stream_);
+  };
   const std::string_view start = coloured_ ? styleStart(style) : std::string_view();
-  std::fwrite(start.data(), 1, start.size(), stream_);
-  std::fwrite(text.data(), 1, text.size(), stream_);
-  if (!start.empty()) std::fwrite(kStyleEnd.data(), 1, kStyleEnd.size(), stream_);
+  write(start);
+  write(text);
+  if (!start.empty()) write(kStyleEnd);
   std::fputc('\n', stream_);
 }
 
