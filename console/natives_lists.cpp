@@ -1,0 +1,96 @@
+#include <vorn/collections/array_list.h>
+
+#include "console/native_shapes.h"
+
+namespace vorn::console {
+
+namespace {
+
+using enum Effect;
+
+constexpr NativeRow kListRows[] = {
+    native<&vorn_collections_ArrayList_add>("list, value", Changes, "appends a value that the list accepts"),
+    native<&vorn_collections_ArrayList_addInt>("list, value", Changes, "appends a raw Int, unchecked"),
+    native<&vorn_collections_ArrayList_addPrimitiveI64>("list, value, typeName", Changes,
+                                                        "appends a raw integer of the named type"),
+    native<&vorn_collections_ArrayList_addPrimitiveDouble>("list, value, typeName", Changes,
+                                                           "appends a raw floating number of the named type"),
+    native<&vorn_collections_ArrayList_addPrimitiveBool>("list, value", Changes, "appends a raw Boolean"),
+    native<&vorn_collections_ArrayList_addIntToData>("record, value", Changes,
+                                                     "appends a raw Int to the record that dataHandle gives"),
+    native<&vorn_collections_ArrayList_addAt>("list, index, value", Changes, "inserts a value before an index"),
+    native<&vorn_collections_ArrayList_operator_index>("list, index", Reads, "xs[i]: the element at an index"),
+    native<&vorn_collections_ArrayList_operator_index_eq>("list, index, value", Changes,
+                                                          "xs[i] = v: replaces an element; at the size, appends"),
+    native<&vorn_collections_ArrayList_getInt>("list, index", Reads, "the element at an index as an integer",
+                                               Gives::Long),
+    native<&vorn_collections_ArrayList_getIntFast>("list, index", Reads, "getInt without a lock where none is needed",
+                                                   Gives::Long),
+    native<&vorn_collections_ArrayList_getIntFromData>("record, index", Reads,
+                                                       "getInt on the record that dataHandle gives", Gives::Long),
+    native<&vorn_collections_ArrayList_getDouble>("list, index", Reads, "the element at an index as a Double"),
+    native<&vorn_collections_ArrayList_removeAt>("list, index", Changes, "removes the element at an index"),
+    native<&vorn_collections_ArrayList_remove>("list, value", Changes,
+                                               "removes the first element equal to the value; whether there was one"),
+    native<&vorn_collections_ArrayList_clear>("list", Changes, "removes all elements; type and capacity stay"),
+    native<&vorn_collections_ArrayList_size>("list", Reads, "the number of elements"),
+    native<&vorn_collections_ArrayList_sizeFast>("list", Reads, "the number of elements, read without the lock"),
+    native<&vorn_collections_ArrayList_count>("list, value", Reads, "how many elements equal the value"),
+    native<&vorn_collections_ArrayList_operator_in>("list, value", Reads, "v in xs: whether an element equals it"),
+    native<&vorn_collections_ArrayList_indexOf>("list, value, start=0", Reads,
+                                                "the first position of the value at or after start, or -1"),
+    native<&vorn_collections_ArrayList_lastIndexOf>("list, value, start=-1", Reads,
+                                                    "the last position of the value at or before start, or -1"),
+    native<&vorn_collections_ArrayList_literal0>("", Reads, "[]: a new empty list"),
+    native<&vorn_collections_ArrayList_literal1>("a", Reads, "[a]: a new list of one value"),
+    native<&vorn_collections_ArrayList_literal5>("a, b, c, d, e", Reads, "a new list of five values"),
+    native<&vorn_collections_ArrayList_literal10>("a, b, c, d, e, f, g, h, i, j", Reads, "a new list of ten values"),
+    variadicNative<&vorn_collections_ArrayList_literal, void*>("count, values", "a new list of the values"),
+    native<&vorn_collections_ArrayList_intLiteral0>("", Reads, "a new empty ArrayList<Int>"),
+    native<&vorn_collections_ArrayList_intLiteral1>("a", Reads, "a new ArrayList<Int> of one value"),
+    native<&vorn_collections_ArrayList_intLiteral5>("a, b, c, d, e", Reads, "a new ArrayList<Int> of five values"),
+    native<&vorn_collections_ArrayList_intLiteral10>("a, b, c, d, e, f, g, h, i, j", Reads,
+                                                     "a new ArrayList<Int> of ten values"),
+    native<&vorn_collections_ArrayList_intLiteral20>("a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t",
+                                                     Reads, "a new ArrayList<Int> of twenty values"),
+    variadicNative<&vorn_collections_ArrayList_intLiteral, long long>("count, values",
+                                                                      "a new ArrayList<Int> of the values"),
+    native<&vorn_collections_ArrayList_primitiveLiteral0>("typeName", Reads,
+                                                          "a new empty list that is declared with the type"),
+    native<&vorn_collections_ArrayList_reserve>("list, count", Changes, "makes room for so many elements"),
+    native<&vorn_collections_ArrayList_addAll>("list, source", Changes,
+                                               "appends the values of a list, array, tuple or set"),
+    native<&vorn_collections_ArrayList_addAllAt>("list, index, source", Changes,
+                                                 "inserts the values of another collection before an index"),
+    native<&vorn_collections_ArrayList_slice>("list, start, stop, step, hasStart, hasStop", Reads,
+                                              "xs[a:b:c]: a new list of a range; a null hasStart omits the bound"),
+    native<&vorn_collections_ArrayList_sliceAssign>("list, start, stop, step, hasStart, hasStop, source", Changes,
+                                                    "xs[a:b:c] = ys: puts other values in place of a range"),
+    native<&vorn_collections_ArrayList_concat>("list, other:list", Reads, "xs + ys: a new list of both"),
+    native<&vorn_collections_ArrayList_repeat>("list, count", Reads, "xs * n: a new list, n times over"),
+    native<&vorn_collections_ArrayList_reverse>("list", Changes, "reverses the list in place"),
+    native<&vorn_collections_ArrayList_reverseNew>("list", Reads, "a reversed copy"),
+    native<&vorn_collections_ArrayList_shuffle>("list", Changes, "brings the elements into a random order"),
+    native<&vorn_collections_ArrayList_sort>("list", Changes, "sorts the list in place, ascending"),
+    native<&vorn_collections_ArrayList_sortNew>("list", Reads, "a sorted copy"),
+    native<&vorn_collections_ArrayList_sortI64Fast>("list", Changes, "sorts unboxed integers directly"),
+    native<&vorn_collections_ArrayList_sortF64Fast>("list", Changes, "sorts unboxed floating numbers directly"),
+    native<&vorn_collections_ArrayList_sumInt>("list", Reads, "the sum of the elements as an integer", Gives::Long),
+    native<&vorn_collections_ArrayList_sumI64Fast>("list", Reads, "the sum of the elements as an integer", Gives::Long),
+    native<&vorn_collections_ArrayList_sumF64Fast>("list", Reads, "the sum of the elements as a Double"),
+    native<&vorn_collections_ArrayList_toString>("list", Reads, "the display text"),
+    native<&vorn_collections_ArrayList_join>("list, separator", Reads,
+                                             "the texts of the elements with the separator between them"),
+    native<&vorn_collections_ArrayListSync_literal0>("", Reads, "a new empty synchronised list"),
+    variadicNative<&vorn_collections_ArrayListSync_literal, void*>("count, values",
+                                                                   "a new synchronised list of the values"),
+    native<&vorn_collections_ArrayListSync_intLiteral0>("", Reads, "a new empty synchronised list of Int"),
+    native<&vorn_collections_ArrayListSync_primitiveLiteral0>("typeName", Reads,
+                                                              "a new empty synchronised list declared with the type"),
+};
+
+}  // namespace
+
+std::span<const NativeRow> listNatives() { return kListRows; }
+
+}  // namespace vorn::console
