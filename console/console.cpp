@@ -93,7 +93,7 @@ bool Console::run(std::string_view source, Output& output) {
   vorn_errors_clear();
   if (!done) ++failures_;
   if (done || raised) {
-    showWatches(output);
+    showWatches(recording);
     if (!trimmed(source).empty()) accepted_.push_back({std::string(trimmed(source)), recording.texts(), raised});
   }
   return done;

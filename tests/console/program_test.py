@@ -85,9 +85,9 @@ class ProgramTest(unittest.TestCase):
             self.assertRegex(done.stderr, r'\Avorn-console: [^\n]+\n\Z')
 
     def test_every_heap(self):
-        for heap in ('heap=collected', 'heap=plain', 'heap=stress', 'heap=stress,one-in=3,seed=5'):
-            if HEAP == 'heap=plain' and 'collected' in heap:
-                continue
+        # Sanitizers have heaps of their own, on which the scripts run as well.
+        heaps = ('heap=collected', 'heap=plain', 'heap=stress', 'heap=stress,one-in=3,seed=5')
+        for heap in (HEAP,) if SANITIZED else heaps:
             done = subprocess.run([CONSOLE, f'--heap={heap}', *sorted((ROOT / 'tests/scripts').glob('*.vorn'))],
                                   capture_output=True, text=True, check=False, timeout=300)
             self.assertEqual(done.returncode, 0, done.stdout)
@@ -97,14 +97,14 @@ class ProgramTest(unittest.TestCase):
     def test_a_saved_session_is_a_script_that_meets_its_expectations(self):
         saved = self.directory / 'saved.vorn'
         done = run(text='xs = [1, 2]\nxs  # what I have\nxs * 2\n{"a *": 1}\nxs[9]\nclass P(x) text "{x}\\n*"\nP(3)\n'
-                        f'[\n  5\n]\nnonsense\n:type xs\n:save {saved}\n')
-        self.assertIn('saved 9 statements', done.stdout)
+                        f'[\n  5\n]\nnonsense\n:type xs\n:watch xs\nxs.count("a")\n:save {saved}\n')
+        self.assertIn('saved 11 statements', done.stdout)
         text = saved.read_text(encoding='utf-8')
         self.assertIn('# expect error: IndexException: Index out of bounds', text)
         self.assertNotIn('nonsense', text)
         again = run(saved)
         self.assertEqual(again.returncode, 0, again.stdout + text)
-        self.assertIn('9 statements, 6 expectations', again.stdout)
+        self.assertIn('11 statements, 7 expectations', again.stdout)
 
     def test_a_full_disk_is_told_and_nothing_lost(self):
         if not os.path.exists('/dev/full'):
