@@ -1,7 +1,9 @@
 // A range of addresses, reserved once, whose pages are inaccessible but where they are opened.
 //
-// Where the kernel has guard markers (Linux 6.13) a page is opened and closed in the page table alone. Elsewhere each
-// opened range is a mapping of its own, and the kernel bounds the number of mappings of a process.
+// Where the kernel has guard markers (Linux 6.13) a page is opened and closed in the page table alone, in stretches that
+// are made accessible underneath when their first page is opened, and inaccessible again when their last one is closed,
+// for limits of a process's memory count what is accessible. Elsewhere each opened range is a mapping of its own, and
+// the kernel bounds the number of mappings of a process.
 #pragma once
 
 #include <cstddef>
@@ -27,19 +29,25 @@ class GuardedPages {
   // Whether the number of ranges that can be open at a time is bounded.
   [[nodiscard]] bool bounded() const { return !hasMarkers_; }
 
-  // Makes whole pages accessible, in ascending order of their addresses. False when the kernel refuses.
+  // Makes whole pages accessible, each time at higher addresses than before. False when the kernel refuses.
   bool open(std::uintptr_t pages, std::size_t bytes);
 
   // Gives the memory of an opened range back and makes it inaccessible. False when the kernel refuses.
-  bool close(std::uintptr_t pages, std::size_t bytes) const;
+  bool close(std::uintptr_t pages, std::size_t bytes);
 
  private:
   bool prepareUntil(std::uintptr_t end);
+  void retireUnlessOpen(std::size_t stretch);
+  template <class Visit>
+  void forEachStretch(std::uintptr_t pages, std::size_t bytes, Visit visit);
 
   std::uintptr_t base_ = 0;
   std::size_t reserved_ = 0;
-  std::uintptr_t prepared_ = 0;  // with markers: pages below it are inaccessible by a marker only
   bool hasMarkers_ = false;
+  // With markers:
+  std::uintptr_t prepared_ = 0;      // the end of the stretches that have been made accessible
+  std::uintptr_t opened_ = 0;        // the end of the pages that have been opened
+  std::uint32_t* openIn_ = nullptr;  // how many pages of each stretch are open
 };
 
 }  // namespace vorn::runtime

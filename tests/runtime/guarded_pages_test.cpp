@@ -4,8 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cinttypes>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 #include "runtime/heap/stress_blocks.h"
@@ -72,6 +76,43 @@ TEST_P(GuardedPagesTest, RangeUpToTheLastReservedPage_CanBeOpened) {
   ASSERT_TRUE(pages_.open(page(1), kReserved - kPageBytes));
   *byteAt(pages_.base() + kReserved - 1) = 1;
   expectInaccessible(page(0));
+}
+
+// Bytes of a range of addresses that the kernel counts as writable.
+std::uintptr_t writableBytes(std::uintptr_t start, std::uintptr_t end) {
+  std::ifstream maps("/proc/self/maps");
+  std::uintptr_t sum = 0;
+  for (std::string line; std::getline(maps, line);) {
+    std::uintptr_t first = 0;
+    std::uintptr_t last = 0;
+    char writes = 0;
+    if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR " %*c%c", &first, &last, &writes) != 3) continue;
+    if (writes == 'w' && first < end && last > start) sum += std::min(last, end) - std::max(first, start);
+  }
+  return sum;
+}
+
+TEST_P(GuardedPagesTest, WhatIsClosed_DoesNotCountAgainstALimitOfMemory) {
+  const std::size_t pages = kReserved / kPageBytes;
+  for (std::size_t i = 0; i + 3 < pages; i += 3) {
+    ASSERT_TRUE(pages_.open(page(i), 2 * kPageBytes));
+    *byteAt(page(i)) = 1;
+    if (i >= 30) {
+      ASSERT_TRUE(pages_.close(page(i - 30), 2 * kPageBytes));
+    }
+  }
+  EXPECT_LE(writableBytes(page(0), page(pages)), std::size_t{2} << 20);
+  expectInaccessible(page(0));
+}
+
+// As when everything that a stretch of addresses had dies before the next one is begun.
+TEST_P(GuardedPagesTest, WhatIsClosedAtOnce_DoesNotCountEither) {
+  const std::size_t pages = kReserved / kPageBytes;
+  for (std::size_t i = 0; i + 1 < pages; ++i) {
+    ASSERT_TRUE(pages_.open(page(i), kPageBytes));
+    ASSERT_TRUE(pages_.close(page(i), kPageBytes));
+  }
+  EXPECT_LE(writableBytes(page(0), page(pages)), std::size_t{2} << 20);
 }
 
 TEST_P(GuardedPagesTest, ManySingleRanges_CanBeOpenAtOnceUnlessBounded) {
