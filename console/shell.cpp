@@ -28,6 +28,8 @@ class Conversation {
       if (console_.tour() && trimmed(source).empty() && read == LineRead::Line) {
         takeStep();
       } else {
+        // Begun anew, a tour offers its first step again.
+        if (trimmed(source).starts_with(":tour")) offered_ = 0;
         console_.run(source, output_);
       }
       if (read == LineRead::End) break;

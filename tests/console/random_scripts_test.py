@@ -1,7 +1,7 @@
 """Random scripts, run by the console and by an independent evaluation of the same expressions in Python.
 
-The model knows lists (declared for Int, or for nothing), maps and sets of integers and texts, with the rules of the
-language for indexes, slices, declared types and displays. Each script states what the model says as expectations, so
+The model knows lists (declared for Int, or for nothing), arrays of Int, maps, sorted maps and sets of integers and texts,
+with the rules of the language for indexes, slices, declared types and displays. Each script states what the model says as expectations, so
 that the console itself finds what differs. The seed is fixed; VORN_SCRIPT_SEED and VORN_SCRIPT_COUNT choose others.
 """
 
@@ -113,6 +113,21 @@ class ModelList:
             raise Raised('Exception: slice step cannot be zero')
         return ModelList(self.elements[slice(start, stop, step)]).display()
 
+    def assign_slice(self, start, stop, step, values):
+        if step == 0:
+            raise Raised('Exception: slice step cannot be zero')
+        begin, end, _ = slice(start, stop, step).indices(len(self.elements))
+        positions = range(begin, end, step)
+        if step == 1 and len(values) != len(positions):
+            if end < begin:
+                raise Raised('IndexException: Invalid slice assignment range')
+            self.elements[begin:end] = values
+            return
+        if len(values) != len(positions):
+            raise Raised('ValueException: extended slice assignment requires the same number of values')
+        for at, value in zip(positions, values):
+            self.elements[at] = value
+
     def join(self, separator):
         return '"' + separator.join('null' if each is None else str(each) for each in self.elements) + '"'
 
@@ -125,6 +140,35 @@ class ModelList:
         return str(sum(self.elements))
 
 
+class ModelArray(ModelList):
+    """An array of Int: a list whose size stays, and whose values must fit."""
+
+    def __init__(self, elements):
+        super().__init__(elements, 'Int')
+
+    def display(self):
+        return 'f:' + super().display()
+
+    def accept(self, value):
+        if not isinstance(value, int):
+            raise Raised('TypeError: Invalid array element type')
+
+    def store(self, index, value):
+        at = self.checked(index)
+        self.accept(value)
+        self.elements[at] = value
+
+    def slice(self, start, stop, step):
+        return 'f:' + super().slice(start, stop, step)
+
+    def assign_slice(self, start, stop, step, values):
+        if step == 0:
+            raise Raised('Exception: slice step cannot be zero')
+        if len(values) != len(range(*slice(start, stop, step).indices(len(self.elements)))):
+            raise Raised('ValueException: fixed array slice assignment requires the same number of values')
+        super().assign_slice(start, stop, step, values)
+
+
 class Generator:
     """Writes one script and keeps the model in step."""
 
@@ -132,6 +176,7 @@ class Generator:
         self.random = random.Random(seed)
         self.lines = []
         self.lists = {}
+        self.arrays = {}
         self.maps = {}
         self.sets = {}
 
@@ -162,6 +207,10 @@ class Generator:
     def step(self):
         return self.random.choice([None, None, 1, 2, -1, -2, 3, 0])
 
+    def slice_text(self, start, stop, step):
+        text = ':'.join('' if each is None else str(each) for each in (start, stop))
+        return text + ('' if step is None and self.random.random() < 0.5 else f':{"" if step is None else step}')
+
     # ---- Statements ----
 
     def new_list(self):
@@ -185,8 +234,7 @@ class Generator:
         other_name, other = self.random.choice(list(self.lists.items()))
         given = [self.value() for _ in range(self.random.randint(0, 3))]
         start, stop, step = self.bound(size), self.bound(size), self.step()
-        text = ':'.join('' if each is None else str(each) for each in (start, stop))
-        text += '' if step is None and self.random.random() < 0.5 else f':{"" if step is None else step}'
+        text = self.slice_text(start, stop, step)
         separator = self.random.choice([', ', '-', ''])
         statements = [
             (f'{name}', model.display),
@@ -209,6 +257,9 @@ class Generator:
             (f'{name}.size()', lambda: str(size)),
             (f'{name} == {other_name}', lambda: 'true' if model.elements == other.elements else 'false'),
         ]
+        if model.declared is None and size < 60:
+            statements.append((f'{name}[{text}] = {ModelList(given).display()}',
+                               lambda: model.assign_slice(start, stop, step if step is not None else 1, given)))
         # Displays of more than a thousand characters are cut, which other tests look at.
         if size + len(other.elements) < 60:
             statements.append((f'{name} + {other_name}',
@@ -223,13 +274,47 @@ class Generator:
             statements.append((f'{name}.sumInt()', model.total))
         self.say(*self.random.choice(statements))
 
+    def on_array(self):
+        name = self.random.choice('ab')
+        if name not in self.arrays or self.random.random() < 0.1:
+            self.arrays[name] = ModelArray([self.integer() for _ in range(self.random.randint(0, 6))])
+            self.lines.append(f'{name} = Array<Int>({ModelList(self.arrays[name].elements).display()})')
+        model = self.arrays[name]
+        size = len(model.elements)
+        value, index = self.value(), self.index(size)
+        start, stop, step = self.bound(size), self.bound(size), self.step()
+        values = [self.integer() for _ in range(self.random.randint(0, 3))]
+        text = self.slice_text(start, stop, step)
+        self.say(*self.random.choice([
+            (f'{name}', model.display),
+            (f'{name}[{index}]', lambda: model.read(index)),
+            (f'{name}[{index}] = {spelled(value)}', lambda: model.store(index, value)),
+            (f'{name}.count({spelled(value)})', lambda: model.count(value)),
+            (f'{name}.indexOf({spelled(value)}, {index})', lambda: model.index_of(value, index)),
+            (f'{name}.lastIndexOf({spelled(value)}, {index})', lambda: model.last_index_of(value, index)),
+            (f'{spelled(value)} in {name}', lambda: model.contains(value)),
+            (f'{name}[{text}]', lambda: model.slice(start, stop, step if step is not None else 1)),
+            (f'{name}[{text}] = {ModelList(values).display()}',
+             lambda: model.assign_slice(start, stop, step if step is not None else 1, values)),
+            (f'{name}.reverse()', model.elements.reverse),
+            (f'{name}.sort()', model.sort),
+            (f'{name}.sumI64Fast()', model.total),
+            (f'{name} + {ModelList(values).display()}', lambda: ModelArray(model.elements + values).display()),
+            (f'{name} == Array<Int>({ModelList(values).display()})',
+             lambda: 'true' if model.elements == values else 'false'),
+            (f'{name}.size()', lambda: str(size)),
+        ]))
+
     def on_map(self):
-        name = self.random.choice('mn')
+        name = self.random.choice('mno')
+        # Keys of a sorted map are of one type here: how types are ordered among each other is not in the model.
+        in_order = name == 'o'
         if name not in self.maps:
             self.maps[name] = {}
-            self.lines.append(f'{name} = Map()')
+            self.lines.append(f'{name} = {"SortedMap" if in_order else "Map"}()')
         model = self.maps[name]
-        key, value = self.random.choice([0, 1, 2, 'a', 'b', 'c']), self.value()
+        key = self.random.choice([7, -3, 0, 1, 2, 10] if in_order else [0, 1, 2, 'a', 'b', 'c'])
+        value = self.value()
 
         def read():
             if key not in model:
@@ -242,7 +327,8 @@ class Generator:
             return 'true' if present else 'false'
 
         def display():
-            return '{' + ', '.join(f'{spelled(k)}: {spelled(v)}' for k, v in model.items()) + '}'
+            entries = sorted(model.items(), key=lambda entry: entry[0]) if in_order else model.items()
+            return ('t:{' if in_order else '{') + ', '.join(f'{spelled(k)}: {spelled(v)}' for k, v in entries) + '}'
 
         self.say(*self.random.choice([
             (f'{name}[{spelled(key)}] = {spelled(value)}', lambda: model.__setitem__(key, value)),
@@ -286,7 +372,7 @@ class Generator:
     def script(self):
         self.new_list()
         while len(self.lines) < STATEMENTS:
-            self.random.choice([self.on_list] * 8 + [self.on_map] * 3 + [self.on_set] * 2 + [self.new_list])()
+            self.random.choice([self.on_list] * 8 + [self.on_array] * 3 + [self.on_map] * 3 + [self.on_set] * 2 + [self.new_list])()
         return '\n'.join(self.lines) + '\n'
 
 

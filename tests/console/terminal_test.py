@@ -316,6 +316,15 @@ class TerminalTest(unittest.TestCase):
         terminal.send(':quit\r')
         self.assertEqual(terminal.close(), 0)
 
+    def test_a_tour_can_begin_anew(self):
+        terminal = self.start('--tour', columns=120)
+        for _ in range(2):
+            begin = len(terminal.text())
+            terminal.send(':tour\r')
+            place = terminal.expect('Enter runs] xs = [3, 1, 2]', begin)
+            terminal.expect('tour> ', place)
+            terminal.settle()
+
     def test_the_whole_tour_by_enter_alone(self):
         terminal = self.start('--tour', columns=120)
         end = time.monotonic() + 4 * SECONDS
