@@ -61,7 +61,7 @@ std::string markedLine(std::string_view source, std::size_t offset) {
   std::string shown(firstCharacters(line, kShown));
   if (shown.size() < line.size()) shown += " ...";
   std::ranges::replace(shown, '\t', ' ');
-  return lead + printable(shown) + "\n" + std::string(lead.size() + characterCount(before), ' ') + "^";
+  return lead + printable(shown) + "\n" + std::string(lead.size() + columnCount(before), ' ') + "^";
 }
 
 Console::Console(Limits limits) : session_(limits) {

@@ -116,7 +116,7 @@ struct LineEditor::State {
 
   static unsigned char cancel(EditLine* editor, int) {
     of(editor).cancelled = true;
-    std::fputs("^C", stdout);
+    std::fputs("^C\n", stdout);
     return CC_NEWLINE;
   }
 
@@ -179,8 +179,11 @@ LineRead LineEditor::read(std::string_view prompt, std::string& line) {
   State& state = *state_;
   state.prompt = prompt;
   if (state.coloured) {
-    // What stands between the marks takes no columns.
-    state.prompt = "\001\033[1;34m\001" + state.prompt + "\001" + std::string(kStyleEnd) + "\001";
+    // What stands between the marks takes no columns. The library drops such a part at the very end, so that the prompt's
+    // blank comes last.
+    const std::string_view words = prompt.substr(0, prompt.find_last_not_of(' ') + 1);
+    state.prompt = "\001\033[1;34m\001" + std::string(words) + "\001" + std::string(kStyleEnd) + "\001";
+    state.prompt += prompt.substr(words.size());
   }
   state.cancelled = false;
   int count = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cwchar>
 #include <vector>
 
 namespace vorn::console {
@@ -72,6 +73,20 @@ std::size_t characterCount(std::string_view text) {
     offset += std::max<std::size_t>(characterLength(text, offset), 1);
   }
   return count;
+}
+
+std::size_t columnCount(std::string_view text) {
+  std::size_t columns = 0;
+  while (!text.empty()) {
+    const std::string_view character = firstCharacters(text, 1);
+    wchar_t wide = 0;
+    std::mbstate_t state = {};
+    const bool known = std::mbrtowc(&wide, character.data(), character.size(), &state) == character.size();
+    const int width = known ? ::wcwidth(wide) : 1;
+    columns += width >= 0 ? static_cast<std::size_t>(width) : 1;
+    text.remove_prefix(character.size());
+  }
+  return columns;
 }
 
 std::string_view firstCharacters(std::string_view text, std::size_t count) {

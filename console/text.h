@@ -15,6 +15,10 @@ std::size_t invalidUtf8At(std::string_view text);
 // The number of characters; a byte outside UTF-8 counts as one.
 std::size_t characterCount(std::string_view text);
 
+// The columns that a text takes on a terminal: some characters take two. The locale has to be of UTF-8 for that; in any
+// other each takes one.
+std::size_t columnCount(std::string_view text);
+
 // The first `count` characters.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 

@@ -174,6 +174,10 @@ class ProgramTest(unittest.TestCase):
         done = run(text='"äöü" ?\n')
         self.assertEqual(done.stdout.splitlines()[1], '        ^')
 
+    def test_the_caret_stands_behind_wide_characters(self):
+        done = run(text='"東京😀" ?\n')
+        self.assertEqual(done.stdout.splitlines()[1], ' ' * (2 + 1 + 6 + 1 + 1) + '^')
+
     def test_the_end_of_the_input_in_the_middle_of_a_line(self):
         self.assertEqual(run(text='[1, 2]').stdout, '[1, 2]\n')
         self.assertEqual(run(text='').returncode, 0)

@@ -197,7 +197,7 @@ class TerminalTest(unittest.TestCase):
         terminal.send('"never run"')
         terminal.settle()
         terminal.send('\x03')
-        terminal.expect('^C')
+        terminal.expect('^C\n' + PROMPT)
         terminal.settle()
         shown = self.say(terminal, '[5]\r', '\n[5]\n')
         self.assertNotIn('never run', shown)
@@ -267,6 +267,7 @@ class TerminalTest(unittest.TestCase):
         self.say(terminal, '[1]\r', '[1]')
         self.say(terminal, 'nonsense\r', 'there is no variable')
         self.assertIn(b'\x1b[36m[1]\x1b[0m', terminal.raw)
+        self.assertIn(b'\x1b[1;34mvorn>\x1b[0m ', terminal.raw)
         self.assertIn(b'\x1b[31m', terminal.raw)
 
     def test_no_colours_when_they_are_not_wanted(self):
@@ -338,13 +339,15 @@ class TerminalTest(unittest.TestCase):
         terminal.settle()
         self.say(terminal, 'xs.size()\r', '\n5\n')
 
-    def test_progress_of_a_long_script(self):
+    def test_progress_of_a_long_script_that_ctrl_c_ends(self):
         script = self.directory / 'long.vorn'
-        script.write_text('x = texts(200000)\n' * 40, encoding='utf-8')
+        script.write_text('x = texts(20000)\n' * 100000, encoding='utf-8')
         terminal = Terminal(self.directory, str(script))
-        terminal.close()
-        self.assertRegex(terminal.text(), r'long\.vorn: \d+ of 40')
-        self.assertIn('40 statements, 0 expectations, 0 differences', terminal.text())
+        terminal.expect(' of 100000')
+        self.assertRegex(terminal.text(), r'long\.vorn: \d+ of 100000')
+        terminal.send('\x03')
+        self.assertEqual(terminal.close(), 1)
+        self.assertIn('long.vorn: interrupted', terminal.text())
 
     def test_without_a_terminal_there_is_no_prompt(self):
         done = subprocess.run([CONSOLE, f'--heap={HEAP}'], input='1\n', capture_output=True, text=True, check=False,
