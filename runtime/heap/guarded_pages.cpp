@@ -68,7 +68,7 @@ void GuardedPages::retireUnlessOpen(std::size_t stretch) {
   const std::uintptr_t start = base_ + stretch * kStretch;
   if (openIn_[stretch] != 0 || opened_ < start + kStretch) return;
   // When the kernel refuses, the markers keep the pages inaccessible.
-  mmap(pointerTo(start), kStretch, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
+  (void)mmap(pointerTo(start), kStretch, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
 }
 
 bool GuardedPages::open(std::uintptr_t pages, std::size_t bytes) {

@@ -31,10 +31,10 @@ void LinkedHandles::addBlock() {
 }
 
 void LinkedHandles::insertBefore(Links* position, void* handle) {
-  Node* node = takeNode();
+  Node* node = takeFrom(newest);
   if (node == nullptr) {
     addBlock();
-    node = takeNode();
+    node = takeFrom(newest);
   }
   hook(*node, position, handle);
 }

@@ -78,7 +78,7 @@ struct LinkedHandles {
 
   // The same where a node is to be had without allocating; else false, with nothing changed.
   bool pushBackInPlace(void* handle) {
-    Node* const node = takeNode();
+    Node* const node = takeFrom(newest);
     if (node == nullptr) return false;
     hook(*node, &sentinel, handle);
     return true;
@@ -100,14 +100,14 @@ struct LinkedHandles {
   }
 
  private:
-  // A node without contents, or null when all are in use.
-  Node* takeNode() {
-    if (newest == nullptr) return nullptr;
-    if (Node* const node = newest->free; node != nullptr) {
-      newest->free = static_cast<Node*>(node->next);
+  // A node without contents; null when there is no block or its nodes are all in use.
+  static Node* takeFrom(Block* block) {
+    if (block == nullptr) return nullptr;
+    if (Node* const node = block->free; node != nullptr) {
+      block->free = static_cast<Node*>(node->next);
       return node;
     }
-    return newest->used != newest->capacity ? newest->nodes() + newest->used++ : nullptr;
+    return block->used != block->capacity ? block->nodes() + block->used++ : nullptr;
   }
 
   void hook(Node& node, Links* position, void* handle) {
