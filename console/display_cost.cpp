@@ -8,6 +8,7 @@
 #include <vorn/collections/tuple.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "console/scalars.h"
@@ -18,14 +19,19 @@ namespace vorn::console {
 namespace {
 
 constexpr std::uint64_t kMostShown = 300'000;
+constexpr std::uint64_t kMostCollections = 2'000'000;
 constexpr std::size_t kDeepest = 1000;
 
 class Walk {
  public:
+  Walk(std::uint64_t mostElements, std::uint64_t mostCollections)
+      : mostElements_(mostElements), mostCollections_(mostCollections) {}
+
   // False when the walk is to end; why() tells the reason.
   bool visit(void* handle) {
-    if (++seen_ > kMostShown) return stop(DisplayCost::TooLarge);
+    if (++seen_ > mostElements_) return stop(DisplayCost::TooLarge);
     const Family family = familyOf(handle);
+    if (family != Family::None && ++collections_ > mostCollections_) return stop(DisplayCost::TooLarge);
     // What holds itself is shown as a mark where it comes again.
     if (family == Family::None || std::ranges::count(path_, handle) != 0) return true;
     if (path_.size() == kDeepest) return stop(DisplayCost::TooDeep);
@@ -78,7 +84,7 @@ class Walk {
 
   bool visitUnboxed(std::uint64_t count) {
     seen_ += count;
-    return seen_ <= kMostShown || stop(DisplayCost::TooLarge);
+    return seen_ <= mostElements_ || stop(DisplayCost::TooLarge);
   }
 
   bool visitEach(void* collection, void* (*read)(void*, long long)) {
@@ -91,7 +97,10 @@ class Walk {
     return true;
   }
 
+  std::uint64_t mostElements_;
+  std::uint64_t mostCollections_;
   std::uint64_t seen_ = 0;
+  std::uint64_t collections_ = 0;
   std::vector<void*> path_;
   DisplayCost why_ = DisplayCost::Fine;
 };
@@ -99,7 +108,13 @@ class Walk {
 }  // namespace
 
 DisplayCost displayCost(void* handle) {
-  Walk walk;
+  Walk walk(kMostShown, kMostShown);
+  walk.visit(handle);
+  return walk.why();
+}
+
+DisplayCost textCost(void* handle) {
+  Walk walk(UINT64_MAX, kMostCollections);
   walk.visit(handle);
   return walk.why();
 }

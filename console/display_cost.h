@@ -8,7 +8,11 @@ namespace vorn::console {
 
 enum class DisplayCost : std::uint8_t { Fine, TooLarge, TooDeep };
 
-// Walks the elements as the display would, up to a bound. Allocates.
+// Whether the console can show it. Walks the elements as the display would, up to a bound. Allocates.
 DisplayCost displayCost(void* handle);
+
+// Whether a native that makes a text of it would end: of collections alone, so many that the text is for nobody are
+// TooLarge, whatever the number of their elements. Allocates.
+DisplayCost textCost(void* handle);
 
 }  // namespace vorn::console

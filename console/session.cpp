@@ -5,6 +5,7 @@
 #include <new>
 
 #include "console/arguments.h"
+#include "console/display_cost.h"
 #include "console/problems.h"
 #include "console/text.h"
 
@@ -29,6 +30,16 @@ void checkLimits(const Limits& limits, const NativeRow& row, const PassedArgumen
   }
 }
 
+// The texts of collections that hold each other over and over double with each level, and no signal ends a native.
+void checkText(const NativeRow& row, std::span<const Value> arguments) {
+  if (row.method != "toString" && row.method != "join") return;
+  for (const Value& value : arguments) {
+    if (value.isObject() && textCost(value.handle()) == DisplayCost::TooLarge) {
+      throw Refusal(std::string(row.method) + ": the text would go on and on");
+    }
+  }
+}
+
 }  // namespace
 
 const Value* Session::find(std::string_view name) const {
@@ -39,6 +50,7 @@ const Value* Session::find(std::string_view name) const {
 Value Session::call(const NativeRow& row, std::span<const Value> arguments) {
   const PassedArguments passed(row, arguments);
   checkLimits(limits_, row, passed, arguments);
+  checkText(row, arguments);
   ++calls_;
   called_.insert(&row);
   RawResult raw;

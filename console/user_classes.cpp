@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+#include "console/display_cost.h"
 #include "console/problems.h"
 #include "console/scalars.h"
 #include "console/text.h"
@@ -133,7 +134,8 @@ std::uint64_t hash(void* self, void* context) {
 // A field as it stands in a text: texts as they are, the rest by its display.
 std::string fieldText(void* value, bool quoted) {
   const char* text = value != nullptr ? vorn_string_text(value) : nullptr;
-  return text != nullptr && !quoted ? std::string(text) : valueToDisplayString(value);
+  if (text != nullptr && !quoted) return text;
+  return displayCost(value) == DisplayCost::Fine ? valueToDisplayString(value) : typeText(value) + "(...)";
 }
 
 // The text between quotes of a declaration, with the fields in place of their names between braces.

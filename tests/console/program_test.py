@@ -230,8 +230,11 @@ class ProgramTest(unittest.TestCase):
         self.assertTrue(done.stdout.endswith('nested too deep to show\n"alive"\n'), done.stdout[-300:])
 
     def test_displays_that_double_with_each_level(self):
-        done = run(text='x = [1]\n' + 'x = [x, x]\n' * 40 + 'x\nx.size()\n')
+        done = run(text='x = [1]\n' + 'x = [x, x]\n' * 40 + 'x\nx.toString()\nx.join("")\nclass B(x) text x\nB(x)\n'
+                        'x.size()\n', timeout=120)
         self.assertIn('shows too much to be shown', done.stdout)
+        self.assertEqual(done.stdout.count('the text would go on and on'), 2)
+        self.assertIn('ArrayList(...)', done.stdout)
         self.assertTrue(done.stdout.endswith('\n2\n'))
 
     def test_objects_that_hold_themselves(self):
