@@ -77,7 +77,7 @@ void viewMap(MapData& map, StorageView& view) {
   } else {
     view.live = "ordered tree";
     view.size = map.ordered.count();
-    view.bytesPerElement = sizeof(collections::OrderedTable::Node);
+    view.bytesPerElement = sizeof(collections::OrderedTable::Node) + sizeof(collections::OrderedTable::Link);
   }
 }
 

@@ -63,36 +63,21 @@ Subject subjectOf(std::string_view expression, std::optional<std::string_view> s
   return subject;
 }
 
-void time(Console& console, std::string_view text, Output& output) {
-  const std::optional<std::string_view> setup = takeClause(text, "with");
-  const Subject subject = subjectOf(text, setup);
-  requireSurroundings(console);
-  const Timing timing = measure(console.session(), *subject.expression, subject.setupOrNull(), kSecondsForTime);
-  const std::string calls =
-      " (" + counted(timing.repetitions, "call") + (timing.stable ? "" : ", not yet stable") + ")";
-  if (timing.nativeName.empty()) {
-    output.line(durationText(timing.expression) + " a call" + calls, Style::Result);
-    return;
-  }
-  output.line(durationText(timing.native) + " a call of " + timing.nativeName + calls, Style::Result);
-  output.line(durationText(timing.expression) + " with the console's own work", Style::Faint);
-}
-
-// Gives a variable other values for a scope.
-class BoundVariable {
+// Gives a variable back what it was when the scope ends: measuring leaves no traces in the session.
+class VariableScope {
  public:
-  BoundVariable(Session& session, std::string name) : session_(session), name_(std::move(name)) {
+  VariableScope(Session& session, std::string name) : session_(session), name_(std::move(name)) {
     if (const Value* value = session.find(name_)) before_ = *value;
   }
-  ~BoundVariable() {
+  ~VariableScope() {
     if (before_) {
       session_.variables().insert_or_assign(name_, *before_);
     } else {
       session_.variables().erase(name_);
     }
   }
-  BoundVariable(const BoundVariable&) = delete;
-  BoundVariable& operator=(const BoundVariable&) = delete;
+  VariableScope(const VariableScope&) = delete;
+  VariableScope& operator=(const VariableScope&) = delete;
 
   void bind(std::uint64_t value) {
     session_.variables().insert_or_assign(name_, newObject(boxCount(static_cast<std::int64_t>(value))));
@@ -103,6 +88,28 @@ class BoundVariable {
   std::string name_;
   std::optional<Value> before_;
 };
+
+// The time of a subject, whose setup may assign to a variable.
+Timing measureSubject(Session& session, const Subject& subject, double seconds) {
+  std::optional<VariableScope> scope;
+  if (subject.setup && subject.setup->kind == StatementKind::Assignment) scope.emplace(session, subject.setup->name);
+  return measure(session, *subject.expression, subject.setupOrNull(), seconds);
+}
+
+void time(Console& console, std::string_view text, Output& output) {
+  const std::optional<std::string_view> setup = takeClause(text, "with");
+  const Subject subject = subjectOf(text, setup);
+  requireSurroundings(console);
+  const Timing timing = measureSubject(console.session(), subject, kSecondsForTime);
+  const std::string calls =
+      " (" + counted(timing.repetitions, "call") + (timing.stable ? "" : ", not yet stable") + ")";
+  if (timing.nativeName.empty()) {
+    output.line(durationText(timing.expression) + " a call" + calls, Style::Result);
+    return;
+  }
+  output.line(durationText(timing.native) + " a call of " + timing.nativeName + calls, Style::Result);
+  output.line(durationText(timing.expression) + " with the console's own work", Style::Faint);
+}
 
 struct PlotRequest {
   Subject subject;
@@ -156,11 +163,10 @@ void plot(Console& console, std::string_view text, Output& output) {
   std::vector<PlotPoint> points;
   {
     constexpr double kSlowest = 2e9;
-    BoundVariable variable(console.session(), request.variable);
+    VariableScope variable(console.session(), request.variable);
     for (const std::uint64_t size : plotSizes(request.largest)) {
       variable.bind(size);
-      const Timing timing =
-          measure(console.session(), *request.subject.expression, request.subject.setupOrNull(), kSecondsForSize);
+      const Timing timing = measureSubject(console.session(), request.subject, kSecondsForSize);
       points.push_back({size, timing.figure()});
       if (timing.expression > kSlowest) break;
     }

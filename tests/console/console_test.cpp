@@ -205,9 +205,21 @@ TEST_F(ConsoleTest, Time_IsPositiveAndNamesTheNative) {
   EXPECT_GT(std::stod(lines[0]), 0.0);
 }
 
-TEST_F(ConsoleTest, TimeWithASetup_RunsItBeforeEachCall) {
+TEST_F(ConsoleTest, TimeWithASetup_RunsItBeforeEachCallAndGivesTheVariableBack) {
   EXPECT_EQ(shown(":time xs.removeAt(0) with xs = [1]").size(), 2U);
-  EXPECT_EQ(only("xs.removeAt(0)"), "IndexException: Index out of bounds");
+  EXPECT_EQ(only("xs"), "Refused: there is no variable xs");
+  shown("xs = [7]");
+  EXPECT_EQ(shown(":time xs.removeAt(0) with xs = [1]").size(), 2U);
+  EXPECT_EQ(only("xs"), "[7]");
+  EXPECT_EQ(only(":time xs[9] with xs = [1]"), "IndexException: Index out of bounds");
+  EXPECT_EQ(only("xs"), "[7]");
+}
+
+TEST_F(ConsoleTest, PlotWithASetup_GivesBothVariablesBack) {
+  shown("xs = [7]");
+  EXPECT_GT(shown(":plot xs.sumInt() over n with xs = range(n) up to 10").size(), 2U);
+  EXPECT_EQ(only("xs"), "[7]");
+  EXPECT_TRUE(only("n").starts_with("Refused: there is no variable n")) << only("n");
 }
 
 TEST_F(ConsoleTest, Time_OfWhatRaises_TellsSo) {
