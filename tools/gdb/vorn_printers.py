@@ -15,7 +15,10 @@ import struct
 import gdb
 import gdb.printing
 
-_TABLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), '../../collections/core/kinds.def')
+_HERE = os.path.dirname(os.path.abspath(__file__))
+# Where this file is installed, the table lies beside it.
+_TABLE = next(table for table in (os.path.join(_HERE, 'kinds.def'),
+                                  os.path.join(_HERE, '../../collections/core/kinds.def')) if os.path.exists(table))
 
 
 def _read_kinds():
