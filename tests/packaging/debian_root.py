@@ -57,7 +57,8 @@ class DebianRoot:
         command = ['dpkg', f'--root={self.path}', '--force-script-chrootless', '--log=/dev/null', *map(str, arguments)]
         if os.geteuid() != 0:
             command = ['fakeroot', *command[:1], '--force-not-root', *command[1:]]
-        done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+        done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False,
+                              env=os.environ | {'LC_ALL': 'C'})
         if expect is not None:
             assert done.returncode == expect, f'{command}\n{done.stdout}'
         return done.stdout

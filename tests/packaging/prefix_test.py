@@ -99,7 +99,7 @@ class PrefixTest(Workspace):
             (project / 'total.c').write_text('#include <vorn/collections/array_list.h>\n'
                                              'int main(void) { return (int)vorn_collections_ArrayList_size(0); }\n')
             self.configure(project, self.prefix)
-            told = self.run_in(project, 'cmake', '--build', 'build', expect=1)
+            told = self.run_in(project, 'cmake', '--build', 'build', expect=1, LC_ALL='C')
             missing = set(re.findall(r"undefined reference to `(\w+)", told))
             self.assertTrue(missing, told)
             self.assertEqual({name for name in missing if name.startswith(('vorn_', 'GC_', 'pthread'))}, set())
