@@ -5,20 +5,20 @@ import re
 import unittest
 
 from debian_root import DebianRoot, dependencies, fields_of, packages_in
-from workspace import PACKAGES, ROOT, VERSION, Workspace, guide_blocks, next_version
+from workspace import ABI, PACKAGES, ROOT, VERSION, Workspace, guide_blocks, next_version
 
-OURS = ['libvorn-collections0', 'libvorn-dev', 'libvorn-runtime0', 'vorn-collections-doc', 'vorn-console']
+COLLECTIONS, RUNTIME = f'libvorn-collections{ABI}', f'libvorn-runtime{ABI}'
+OURS = [COLLECTIONS, 'libvorn-dev', RUNTIME, 'vorn-collections-doc', 'vorn-console']
 
 # Beside each other, the packages depend on these.
 SYSTEM = {
-    'libvorn-collections0': {'libc6', 'libgcc-s1', 'libstdc++6'},
-    'libvorn-runtime0': {'libc6', 'libgc1', 'libgcc-s1', 'libstdc++6'},
+    COLLECTIONS: {'libc6', 'libgcc-s1', 'libstdc++6'},
+    RUNTIME: {'libc6', 'libgc1', 'libgcc-s1', 'libstdc++6'},
     'libvorn-dev': {'libgc-dev'},
     'vorn-console': {'libc6', 'libedit2', 'libgcc-s1', 'libstdc++6'},
     'vorn-collections-doc': set(),
 }
-LIBRARIES = {'libvorn-collections0', 'libvorn-runtime0'}
-INTERNAL = {'libvorn-runtime0': {'libvorn-collections0'}, 'libvorn-dev': LIBRARIES, 'vorn-console': LIBRARIES}
+INTERNAL = {RUNTIME: {COLLECTIONS}, 'libvorn-dev': {COLLECTIONS, RUNTIME}, 'vorn-console': {COLLECTIONS, RUNTIME}}
 
 
 def mismatch(runtime, collections):
@@ -78,8 +78,8 @@ class DebianTest(Workspace):
     def test_without_the_collectors_library_the_runtime_is_not_configured(self):
         root = self.root(without=('libgc1',))
         told = root.dpkg('--install', *packages_in(PACKAGES), expect=1)
-        self.assertRegex(told, r'libvorn-runtime0:\S+ depends on libgc1 .*; however:\n  Package libgc1 is not installed')
-        self.assertNotEqual(root.installed()['libvorn-runtime0'], f'ii {VERSION}')
+        self.assertRegex(told, rf'{RUNTIME}:\S+ depends on libgc1 .*; however:\n  Package libgc1 is not installed')
+        self.assertNotEqual(root.installed()[RUNTIME], f'ii {VERSION}')
 
     def test_the_console_runs_from_the_package(self):
         root = self.root()
@@ -133,7 +133,7 @@ class DebianTest(Workspace):
         self.run_in('.', 'cp', '-a', *root.libraries.glob('libvorn_*.so*'), old_libraries)
 
         with self.subTest('apt would refuse to upgrade a library alone; dpkg does not, and then the runtime does'):
-            root.dpkg('--install', *newer.glob('libvorn-collections0_*.deb'))
+            root.dpkg('--install', *newer.glob(f'{COLLECTIONS}_*.deb'))
             told = self.run_in('.', project / 'build/total', expect=1)
             self.assertEqual(told, mismatch(VERSION, next_version()))
 
@@ -167,7 +167,7 @@ class DebianTest(Workspace):
         mixture.mkdir()
         versions = {}
         for library in 'collections', 'runtime':
-            soname = f'libvorn_{library}.so.0'
+            soname = f'libvorn_{library}.so.{ABI}'
             directory = new_libraries if library == newer else old_libraries
             versions[library] = next_version() if library == newer else VERSION
             (mixture / soname).symlink_to((directory / soname).resolve())

@@ -2,11 +2,10 @@
 
 import re
 import shutil
-import subprocess
 import unittest
 
 from debian_root import DebianRoot, packages_in
-from workspace import PACKAGES, PRINTED, ROOT, VERSION, Workspace, guide_blocks
+from workspace import ABI, PACKAGES, PRINTED, ROOT, VERSION, Workspace, guide_blocks
 
 BUILD = ROOT / 'build/release'
 
@@ -22,7 +21,7 @@ class GuideTest(Workspace):
             # This is what made the packages that are installed here.
             './dev package\n': '',
             'apt install ./build/package/*.deb': f'dpkg --install {PACKAGES}/*.deb',
-            "apt purge 'libvorn-*'": "dpkg --purge libvorn-collections0 libvorn-runtime0 libvorn-dev",
+            "apt purge 'libvorn-*'": f'dpkg --purge libvorn-collections{ABI} libvorn-runtime{ABI} libvorn-dev',
             'dpkg ': f'dpkg --root={root.path} --force-script-chrootless --log=/dev/null ',
             'sudo ': '' if self.run_in('.', 'id', '-u') == '0\n' else 'fakeroot ',
             'cmake --preset': f'cmake -S {ROOT} --preset',
@@ -146,7 +145,8 @@ class PrefixTest(Workspace):
         self.assertIn('Could not find a package configuration file provided by "vorn_collections"', told)
 
     def test_a_version_that_is_not_there(self):
-        for asked in '0.2', '1.0', '0.1.9999', '0.0':
+        major, minor, patch = map(int, VERSION.split('.'))
+        for asked in f'{major}.{minor + 1}', f'{major + 1}.0', f'{major}.{minor}.{patch + 1}', '0.0':
             with self.subTest(asked=asked):
                 project = self.project(asked, find=f'find_package(vorn_collections {asked} REQUIRED)')
                 told = self.configure(project, self.prefix, expect=1)

@@ -11,8 +11,9 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PACKAGES = ROOT / 'build/package'
 GUIDE = (ROOT / 'docs/installing.md').read_text(encoding='utf-8')
-VERSION = re.search(r'^project\(vorn_collections VERSION (\S+)', (ROOT / 'CMakeLists.txt').read_text(),
-                    re.MULTILINE)[1]
+TOP = (ROOT / 'CMakeLists.txt').read_text(encoding='utf-8')
+VERSION = re.search(r'^project\(vorn_collections VERSION (\S+)', TOP, re.MULTILINE)[1]
+ABI = re.search(r'^set\(VORN_ABI (\d+)\)', TOP, re.MULTILINE)[1]
 COMPILERS = {'g++': ('gcc', 'g++'), 'clang': ('clang', 'clang++')}
 PRINTED = '42\n'
 
@@ -23,8 +24,8 @@ def guide_blocks(language):
 
 def next_version():
     """The patch release that follows."""
-    major, minor, patch = VERSION.split('.')
-    return f'{major}.{minor}.{int(patch) + 1}'
+    major, minor, patch = map(int, VERSION.split('.'))
+    return f'{major}.{minor}.{patch + 1}'
 
 
 class Workspace(unittest.TestCase):
@@ -70,7 +71,7 @@ class Workspace(unittest.TestCase):
     def check_program(self, program, shared, **environment):
         self.assertEqual(self.run_in(program.parent, program, **environment), PRINTED)
         ours = sorted(name for name in self.needed(program) if 'vorn' in name)
-        self.assertEqual(ours, ['libvorn_collections.so.0', 'libvorn_runtime.so.0'] if shared else [])
+        self.assertEqual(ours, [f'libvorn_collections.so.{ABI}', f'libvorn_runtime.so.{ABI}'] if shared else [])
 
     def check_all_ways_to_link(self, prefix, libraries):
         """CMake and pkg-config, shared and static, g++ and clang."""
