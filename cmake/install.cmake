@@ -2,6 +2,12 @@
 # components are what the Debian packages are made of (packaging/debian/control).
 include(CMakePackageConfigHelpers)
 
+foreach(directory BINDIR LIBDIR INCLUDEDIR DATADIR)
+  if(IS_ABSOLUTE ${CMAKE_INSTALL_${directory}})
+    message(FATAL_ERROR "CMAKE_INSTALL_${directory} has to be relative to the prefix, so that the prefix can be moved")
+  endif()
+endforeach()
+
 set(vorn_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vorn_collections)
 
 # ---- Libraries and headers -------------------------------------------------------------------------------------------

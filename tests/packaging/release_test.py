@@ -94,6 +94,9 @@ class ReleaseTest(Workspace):
                       self.refusal('-DCMAKE_IGNORE_PATH=/usr/include',
                                    f'-DBDWGC_INCLUDE_DIR={self.collector_headers(8, 2, 2)}'))
 
+    def test_an_absolute_library_directory_is_refused_since_it_would_not_move(self):
+        self.assertIn('CMAKE_INSTALL_LIBDIR has to be relative to the prefix', self.refusal('-DCMAKE_INSTALL_LIBDIR=/usr/lib'))
+
 
 if __name__ == '__main__':
     unittest.main(verbosity=2)
