@@ -2,6 +2,7 @@
 
 import re
 import shutil
+import sys
 import unittest
 
 from debian_root import DebianRoot, packages_in
@@ -70,6 +71,25 @@ class PrefixTest(Workspace):
         script = self.directory / 'script.vorn'
         script.write_text('[3, 1, 2].sortNew()  # expect: [1, 2, 3]\n')
         self.assertIn('0 differences', self.run_in('.', moved / 'bin/vorn-console', script))
+
+    def test_the_runtime_finds_the_library_beside_it_after_a_move(self):
+        """As an interpreter loads it, which has no path of its own for either."""
+        program = 'import ctypes, sys; print(ctypes.CDLL(sys.argv[1]).vorn_runtime_start(None))'
+        self.assertEqual(self.run_in('.', sys.executable, '-c', program, self.moved() / 'lib/libvorn_runtime.so'), '1\n')
+
+    def test_archives_that_need_each_other_in_either_order_link(self):
+        """The program asks for nothing of the runtime itself; only the collections do, which need the runtime first and
+        which it needs."""
+        project = self.project('natives', 'vorn::runtime_static')
+        (project / 'total.c').write_text('#include <vorn/collections/array_list.h>\n'
+                                         'int main(void) { return (int)vorn_collections_ArrayList_size(0); }\n')
+        self.configure(project, self.prefix)
+        self.run_in(project, 'cmake', '--build', 'build')
+        self.run_in(project, 'build/total')
+        flags = self.run_in('.', 'pkg-config', '--static', '--cflags', '--libs', 'vorn_runtime',
+                            PKG_CONFIG_PATH=str(self.prefix / 'lib/pkgconfig'))
+        self.run_in(project, 'cc', 'total.c', '-o', 'total', '-static', *flags.split())
+        self.run_in(project, './total')
 
     def test_a_cxx_project_links_each_target_after_a_move_to_a_path_with_a_space(self):
         moved = self.moved()
