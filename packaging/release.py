@@ -13,7 +13,7 @@ ABI = re.search(r"^set\(VORN_ABI (\d+)\)", _TOP, re.MULTILINE)[1]
 
 
 def _git(*arguments):
-    return subprocess.run(["git", "-C", ROOT, *arguments], check=True, capture_output=True, text=True).stdout
+    return subprocess.run(["git", "-C", ROOT, *arguments], check=True, stdout=subprocess.PIPE, text=True).stdout
 
 
 def _is_checkout():
