@@ -1,0 +1,36 @@
+"""Runs gdb on the subject and gives what each command shows."""
+
+import os
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+PRINTERS = ROOT / 'tools/gdb/vorn_printers.py'
+GDB = os.environ['VORN_GDB']
+SUBJECT = os.environ['VORN_SUBJECT']
+HEADER = re.compile(r'0x[0-9a-f]+')
+MARK = '=====\n'
+
+
+def skip_without_gdb():
+    if not os.path.isfile(GDB):
+        print('skipped: gdb is not installed')
+        sys.exit(77)
+
+
+def run(commands, start=(), subject=SUBJECT, heap='heap=plain'):
+    """What each of the commands shows once the subject has everything in place; addresses as ADDRESS."""
+    call = [GDB, '-batch', '-nx', '-iex', 'set debuginfod enabled off', '-iex', 'set auto-load off',
+            '-iex', 'set width 0']
+    for command in (*(start or [f'source {PRINTERS}']), 'break stopHere', f'run {heap}', 'frame function main'):
+        call += ['-ex', command]
+    for command in commands:
+        call += ['-ex', f'echo {MARK[:-1]}\\n', '-ex', command]
+    done = subprocess.run([*call, subject], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=150,
+                          check=False)
+    _, *shown = done.stdout.split(MARK)
+    if len(shown) != len(commands) or 'Traceback' in done.stdout or 'Python Exception' in done.stdout:
+        raise AssertionError(done.stdout)
+    return [HEADER.sub('ADDRESS', text.strip()) for text in shown]
