@@ -3,10 +3,10 @@
 import gdb
 
 from .guards import reason
-from .memory import Unknown, enumerators, word, word_at
+from .memory import Unknown, enumerators, read, word, word_at
 from .objects import summary
 from .texts import limit
-from .threads import attached_threads, symbol_address, thread_title
+from .threads import anchor, attached_threads, thread_title
 
 _HEAPS = {'CollectedHeap': 'collected', 'PlainHeap': 'plain', 'StressHeap': 'stress'}
 _STRESS = 'vorn::runtime::(anonymous namespace)::StressHeap'
@@ -14,11 +14,13 @@ _STRESS = 'vorn::runtime::(anonymous namespace)::StressHeap'
 
 def _started_heap():
     """The heap's address and name; none before the runtime starts."""
-    address = word_at(symbol_address('_ZN4vorn7runtime12_GLOBAL__N_114startedBackendE', 'the heap'))
+    address = word_at(anchor('vorn_debugger_heap'))
     if address == 0:
         return 0, None
-    table = gdb.execute(f'info symbol {word_at(address)}', to_string=True)
-    name = next((name for class_name, name in _HEAPS.items() if class_name in table), None)
+    # The class's name as the C++ runtime keeps it: the word before the virtual functions leads to it.
+    described = word_at(word_at(address) - 8)
+    class_name = read(word_at(described + 8), 64).split(b'\0')[0].decode(errors='replace')
+    name = next((name for ending, name in _HEAPS.items() if ending in class_name), None)
     if name is None:
         raise Unknown(f'corrupt: no heap at {address:#x}')
     return address, name

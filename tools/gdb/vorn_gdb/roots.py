@@ -3,11 +3,11 @@
 import gdb
 
 from .guards import reason
+from .handles import is_object
 from .memory import Unknown, typed, word, word_at
 from .objects import summary
-from .handles import is_object
 from .texts import limit
-from .threads import attached_threads, symbol_address, thread_title
+from .threads import anchor, attached_threads, thread_title
 
 _WORD = 8
 
@@ -52,11 +52,7 @@ def _print_thread(state, title):
 
 
 def _print_global():
-    at = word_at(symbol_address('_ZZN4vorn7runtime11GlobalRoots8instanceEvE5roots', 'the table of global roots'))
-    if at == 0:
-        print('global: 0 slots')
-        return
-    table = typed(at, 'vorn::runtime::GlobalRoots')
+    table = typed(anchor('vorn_debugger_roots'), 'vorn::runtime::GlobalRoots')
     slots = word(table['slots_'])
     used = [slot for slot in (word_at(slots + index * _WORD) for index in range(word(table['count_']))) if slot]
     print(f'global: {len(used)} slot{"s" if len(used) != 1 else ""}')

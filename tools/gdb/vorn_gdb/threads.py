@@ -5,18 +5,17 @@ import gdb
 from .memory import Unknown, typed, word, word_at
 
 
-def symbol_address(linkage_name, meaning):
-    """The address of a variable of the runtime that only its symbol table names."""
+def anchor(name):
+    """What a variable points at that the runtime exports for debuggers, in libraries without a symbol table too."""
     try:
-        return int(gdb.parse_and_eval(f"(unsigned long)&'{linkage_name}'"))
+        return word_at(int(gdb.parse_and_eval(f"(unsigned long)&'{name}'")))
     except gdb.error:
-        raise Unknown(f'{meaning} cannot be found: there is no vorn runtime in the program, or its symbols are '
-                      'stripped') from None
+        raise Unknown('there is no vorn runtime in the program') from None
 
 
 def attached_threads():
     """The state of each attached thread, and how many states of ended ones there are."""
-    at = word_at(symbol_address('_ZN4vorn7runtime12_GLOBAL__N_110firstStateE', "the runtime's list of threads"))
+    at = word_at(anchor('vorn_debugger_threads'))
     attached, ended = [], []
     while at != 0:
         state = typed(at, 'vorn::runtime::ThreadState')
