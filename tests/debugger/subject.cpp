@@ -37,6 +37,8 @@ void *wrongKind, *wrongSize, *wrongWidth, *unreadableList, *brokenLinks, *noReco
     *wrongObjectKind, *movedObject, *wrongSlotKind, *brokenChain, *brokenPlaces, *noMutex, *wildPointer, *endlessCount;
 void *zeroedRecord, *freedRecord;
 void* rooted;
+// Under the names that the guide uses.
+void *list, *map, *text, *broken, *moved;
 
 // The debugger stops here, with everything in place.
 [[gnu::noinline]] void stopHere() { asm volatile("" : : : "memory"); }
@@ -230,6 +232,12 @@ int main(int, char** arguments) {
   breakRecords();
   ListDataLock once(recordOf(lockedList));
   ListDataLock twice(recordOf(lockedList));
+
+  list = unboxedInline;
+  map = smallMap;
+  text = aText;
+  broken = wrongSize;
+  moved = movedObject;
 
   rooted = unboxedInline;
   vorn_root_add(&rooted);
