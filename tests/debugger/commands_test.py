@@ -29,19 +29,43 @@ GLOBAL_ROOTS = f'''global: 2 slots
     vorn.String "a string"'''
 
 
+AGAIN = f'source {gdb_session.PRINTERS}'
+SESSION = gdb_session.Session()
+SHOW_ROOTS = SESSION.add('vorn-roots', 'vorn-roots 2', 'vorn-roots global', 'vorn-roots 7', 'vorn-roots all')
+SHOW_RECENT = SESSION.add('set print elements 3', 'vorn-roots recent', 'set print elements 200')
+SHOW_HEAP = SESSION.add('vorn-heap', 'vorn-heap blocks')
+SHOW_HELP = SESSION.add('help vorn', 'help vorn-roots', 'help vorn-heap', 'help vorn-types', 'help function vorn')
+SHOW_MISTAKES = SESSION.add('vorn', 'vorn 1.5', 'print $vorn(24)', 'vorn-types /nowhere/vorn_types.debug')
+SHOW_TWICE = SESSION.add(AGAIN, 'info pretty-printer', 'vorn *(void**)&anInt')
+SHOW_OFF = SESSION.add('disable pretty-printer global vorn;RuntimeTypeName',
+                       'output (*(ListData*)((ObjectRecord*)*(void**)&linkedList)->nativeRecord).elementType',
+                       'enable pretty-printer')
+
+
 class RootsTest(unittest.TestCase):
 
     def test_roots_are_listed_with_what_they_hold(self):
-        shown = run(['vorn-roots', 'vorn-roots 2', 'vorn-roots global', 'vorn-roots 7', 'vorn-roots all'])
-        self.assertEqual(shown, [f'{ROOTS_OF_MAIN}\n{ROOTS_OF_OTHER}\n{GLOBAL_ROOTS}', ROOTS_OF_OTHER, GLOBAL_ROOTS,
+        self.assertEqual(SESSION.shown(SHOW_ROOTS), [f'{ROOTS_OF_MAIN}\n{ROOTS_OF_OTHER}\n{GLOBAL_ROOTS}', ROOTS_OF_OTHER, GLOBAL_ROOTS,
                                  'thread 7 is not attached to the runtime',
-                                 'vorn-roots takes the number of a thread, or global'])
+                                 'vorn-roots takes the number of a thread, global or recent'])
+
+
+    def test_the_blocks_handed_out_last_are_listed_newest_first(self):
+        shown = SESSION.shown(SHOW_RECENT)
+        self.assertEqual(re.sub(r'\d{3,} handed', 'N handed', shown[1]),
+                         'thread 1: N handed out\n'
+                         '  vorn.Boolean true\n'
+                         '  vorn.collections.ArrayList at ADDRESS, boxed, inline, size 18446744073709551615, capacity 4 '
+                         '<corrupt: more than there is room for>\n'
+                         '  vorn.collections.ArrayListSync at ADDRESS, boxed, inline, size 0, capacity 4, '
+                         'synchronised <without a mutex>\n'
+                         'thread 2: 0 handed out')
 
 
 class HeapTest(unittest.TestCase):
 
     def test_plain_heap(self):
-        usage, blocks = run(['vorn-heap', 'vorn-heap blocks'])
+        usage, blocks = SESSION.shown(SHOW_HEAP)
         self.assertRegex(usage, r'^heap: plain\nin use: (\d+) blocks, (\d+) bytes, since nothing is freed\n'
                                 r'allocated: \1 blocks, \2 bytes\n  thread 1: \d+ blocks, \d+ bytes\n'
                                 r'  thread 2: 0 blocks, 0 bytes$')
@@ -119,27 +143,24 @@ class LoadingTest(unittest.TestCase):
         self.assertTrue(shown[2].startswith(str(installed)), shown[2])
 
     def test_loading_twice_leaves_one_of_each(self):
-        again = f'source {gdb_session.PRINTERS}'
-        shown = run([again, 'info pretty-printer', 'vorn *(void**)&anInt'])
+        shown = SESSION.shown(SHOW_TWICE)
         self.assertEqual(shown[1].count('\n  vorn\n'), 1)
         self.assertEqual(shown[2], 'vorn.Int -42')
 
     def test_a_printer_can_be_switched_off(self):
-        shown = run(['disable pretty-printer global vorn;RuntimeTypeName',
-                     'output (*(ListData*)((ObjectRecord*)*(void**)&linkedList)->nativeRecord).elementType'])
+        shown = SESSION.shown(SHOW_OFF)
         self.assertRegex(shown[1], r'^\{name = ADDRESS')
 
     def test_commands_have_help_and_refuse_what_they_do_not_know(self):
-        shown = run(['help vorn', 'help vorn-roots', 'help vorn-heap', 'help vorn-types', 'help function vorn', 'vorn',
-                     'vorn 1.5', 'print $vorn(24)', 'vorn-types /nowhere/vorn_types.debug'])
-        for text, beginning in zip(shown, ['vorn HANDLE: shows', 'vorn-roots [THREAD | global]: the roots',
-                                           'vorn-heap [blocks | ADDRESS]: the heap', 'vorn-types [FILE]: reads',
-                                           '$vorn(HANDLE): what']):
+        beginnings = ['vorn HANDLE: shows', 'vorn-roots [THREAD | global | recent]: the roots',
+                      'vorn-heap [blocks | ADDRESS]: the heap', 'vorn-types [FILE]: reads', '$vorn(HANDLE): what']
+        for text, beginning in zip(SESSION.shown(SHOW_HELP), beginnings, strict=True):
             self.assertTrue(text.startswith(beginning), text)
-        self.assertEqual(shown[5], 'vorn needs a handle; see help vorn')
-        self.assertEqual(shown[6], '<a value of type double is no handle>')
-        self.assertIn('<no handle: ADDRESS cannot be read>', shown[7])
-        self.assertIn('/nowhere/vorn_types.debug', shown[8])
+        nothing, number, wild, file = SESSION.shown(SHOW_MISTAKES)
+        self.assertEqual(nothing, 'vorn needs a handle; see help vorn')
+        self.assertEqual(number, '<a value of type double is no handle>')
+        self.assertIn('<no handle: ADDRESS cannot be read>', wild)
+        self.assertIn('/nowhere/vorn_types.debug', file)
 
     def test_before_the_program_runs_the_commands_say_what_is_missing(self):
         call = ['-batch', '-nx', '-iex', 'set debuginfod enabled off', '-iex', f'source {gdb_session.PRINTERS}']

@@ -14,6 +14,25 @@ HEADER = re.compile(r'0x[0-9a-f]+')
 MARK = '=====\n'
 
 
+class Session:
+    """One run of gdb for the commands of several tests, since its start takes most of the time. Each test is given what its
+    own commands show; what one sets, it has to set back."""
+
+    def __init__(self):
+        self._commands = []
+        self._shown = []
+
+    def add(self, *commands):
+        """A place in the session: give it to shown()."""
+        first = len(self._commands)
+        self._commands += commands
+        return slice(first, len(self._commands))
+
+    def shown(self, place):
+        self._shown = self._shown or run(self._commands)
+        return self._shown[place]
+
+
 def skip_without_gdb():
     if not os.path.isfile(GDB):
         print('skipped: gdb is not installed')

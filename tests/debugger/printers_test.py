@@ -1,13 +1,10 @@
 """What the debugger shows for every form of storage, every value and every broken record."""
 
-import pathlib
 import re
-import subprocess
-import tempfile
 import unittest
 
 import gdb_session
-from gdb_session import ROOT, run
+from gdb_session import ROOT
 
 INTS = 'vorn.collections.ArrayList<Int> at ADDRESS, unboxed Int of Int, inline, size 3, capacity 32 = {0, 1, 2}'
 
@@ -138,43 +135,53 @@ def record(name, record_type):
     return f'*({record_type}*)((ObjectRecord*)*(void**)&{name})->nativeRecord'
 
 
+SESSION = gdb_session.Session()
+ROWS = re.findall(r'^VORN_PRIMITIVE_KIND\(\d+, (\w+), ([\w:]+), (\d+), (\w+),',
+                  (ROOT / 'collections/core/kinds.def').read_text(encoding='utf-8'), re.MULTILINE)
+SHOW_HANDLES = SESSION.add(*(f'vorn *(void**)&{name}' for name in HANDLES))
+SHOW_KINDS = SESSION.add(*(f'vorn ((void**)&everyKind)[{i}]' for i in range(len(ROWS))))
+SHOW_BROKEN = SESSION.add(*(f'output *({kind}*)*(void**)&{name}' for kind, name in RECORDS))
+SHOW_RECORDS = SESSION.add(
+    f'output ({record("keySet", "SetData")}).table',
+    f'output ({record("sortedMap", "MapData")}).ordered',
+    f'output {record("linkedList", "ListData")}',
+    f'output ({record("linkedList", "ListData")}).linkedObjects',
+    f'output ({record("linkedList", "ListData")}).elementType',
+    'output *$vorn(*(void**)&aPoint).runtimeClass',
+    'output *(RegisteredObject*)*(void**)&anInt',
+    'output $vorn(*(void**)&aText)',
+    'output $vorn(*(void**)&aNull)',
+    'output $vorn(*(void**)&unboxedInline)')
+SHOW_CUT = SESSION.add('set print elements 4', 'set print max-depth 1', 'vorn *(void**)&manyInts',
+                       'vorn *(void**)&aLongString', 'vorn *(void**)&aText', 'vorn *(void**)&nestedList',
+                       'set print elements 200', 'set print max-depth 20')
+
+
 class PrintersTest(unittest.TestCase):
 
-    def check(self, commands, expected, **options):
-        for command, shown, wanted in zip(commands, run(commands, **options), expected, strict=True):
-            with self.subTest(command=command):
+    def check(self, place, names, expected):
+        for name, shown, wanted in zip(names, SESSION.shown(place), expected, strict=True):
+            with self.subTest(name=name):
                 self.assertEqual(re.sub(r'LWP \d+', 'LWP N', shown), wanted)
 
     def test_each_handle_shows_what_it_stands_for(self):
-        self.check([f'vorn *(void**)&{name}' for name in HANDLES], HANDLES.values())
+        self.check(SHOW_HANDLES, HANDLES, HANDLES.values())
 
     def test_each_kind_of_the_table_shows_its_element(self):
-        rows = re.findall(r'^VORN_PRIMITIVE_KIND\(\d+, (\w+), ([\w:]+), (\d+), (\w+),',
-                          (ROOT / 'collections/core/kinds.def').read_text(encoding='utf-8'), re.MULTILINE)
-        self.check([f'vorn ((void**)&everyKind)[{i}]' for i in range(len(rows))],
+        self.check(SHOW_KINDS, ROWS,
                    [f'vorn.collections.ArrayList<{name}> at ADDRESS, unboxed {name} of {name}, inline, size 1, '
                     f'capacity {128 // int(width)} = {{{"false" if family == "Boolean" else "0"}}}'
-                    for name, _, width, family in rows])
+                    for name, _, width, family in ROWS])
 
     def test_broken_records_show_why(self):
-        self.check([f'output *({kind}*)*(void**)&{name}' for kind, name in RECORDS], RECORDS.values())
+        self.check(SHOW_BROKEN, RECORDS, RECORDS.values())
 
     def test_records_show_by_their_types(self):
-        keys = ', '.join(f'[{key}] = ' for key in KEYS)
-        shown = run([f'output ({record("keySet", "SetData")}).table',
-                     f'output ({record("sortedMap", "MapData")}).ordered',
-                     f'output {record("linkedList", "ListData")}',
-                     f'output ({record("linkedList", "ListData")}).linkedObjects',
-                     f'output ({record("linkedList", "ListData")}).elementType',
-                     'output *$vorn(*(void**)&aPoint).runtimeClass',
-                     'output *(RegisteredObject*)*(void**)&anInt',
-                     'output $vorn(*(void**)&aText)',
-                     'output $vorn(*(void**)&aNull)',
-                     'output $vorn(*(void**)&unboxedInline)'])
-        self.assertTrue(shown[0].startswith('hashed, no buckets, size 12, places 12 of 12 = {[null] = null, '), shown[0])
+        table, *shown = SESSION.shown(SHOW_RECORDS)
+        self.assertTrue(table.startswith('hashed, no buckets, size 12, places 12 of 12 = {[null] = null, '), table)
         for key in KEYS:
-            self.assertIn(f'[{key}] = ', shown[0], keys)
-        self.assertEqual(shown[1:], [
+            self.assertIn(f'[{key}] = ', table)
+        self.assertEqual(shown, [
             'sorted, size 3, places 3 of 4, root 2 = {[1] = vorn.Int 20, [2] = vorn.Int 10, [3] = vorn.Int 0}',
             'linked of String, size 2 = {"a bare text", vorn.String "a string"}',
             'linked, size 2 = {"a bare text", vorn.String "a string"}',
@@ -189,50 +196,9 @@ class PrintersTest(unittest.TestCase):
     def test_long_and_deep_ones_are_cut_where_gdb_is_told_to(self):
         ints = 'vorn.collections.ArrayList<Int> at ADDRESS, unboxed Int of Int, on the heap, size 1000, capacity 1024'
         boxed = 'vorn.collections.ArrayList at ADDRESS, boxed, inline, size'
-        limits = ['set print elements 4', 'set print max-depth 1']
-        self.check([*limits, 'vorn *(void**)&manyInts', 'vorn *(void**)&aLongString', 'vorn *(void**)&aText',
-                    'vorn *(void**)&nestedList'],
-                   ['', '', f'{ints} = {{0, 1, 2, 3...}}', 'vorn.String "0123"...', '"a ba"...',
-                    f'{boxed} 1, capacity 4 = {{{boxed} 2, capacity 4 = {{...}}}}'])
-
-
-class TypesTest(unittest.TestCase):
-
-    def test_without_types_a_message_says_so(self):
-        with tempfile.TemporaryDirectory() as directory:
-            # The printers and the program elsewhere, without the types beside them.
-            program = pathlib.Path(directory) / 'subject'
-            program.write_bytes(pathlib.Path(gdb_session.SUBJECT).read_bytes())
-            program.chmod(0o755)
-            shown = run(['vorn *(void**)&unboxedInline', 'vorn-roots', 'vorn-types'], subject=str(program),
-                        start=['python import sys; sys.path.insert(0, "' + str(ROOT / 'tools/gdb') + '")',
-                               'python import vorn_gdb.memory as memory; memory._places = lambda: iter(())',
-                               'python import vorn_gdb; vorn_gdb.register()'])
-        # A program with types of its own has some of them.
-        missing = r'<vorn_types.debug of this build is not loaded: no type \S+, see help vorn-types>'
-        self.assertRegex(shown[0], missing)
-        self.assertRegex(shown[1], missing)
-        self.assertEqual(shown[2], 'no vorn_types.debug beside the printers, the program or its libraries')
-
-    def test_a_kind_that_is_added_to_the_table_is_known(self):
-        row = 'VORN_PRIMITIVE_KIND(12, Third, std::int16_t, 2, Integer, Third)\n'
-        table = (ROOT / 'collections/core/kinds.def').read_text(encoding='utf-8')
-        with tempfile.TemporaryDirectory() as directory:
-            changed = pathlib.Path(directory) / 'collections/core/kinds.def'
-            changed.parent.mkdir(parents=True)
-            changed.write_text(table.replace('\n// The character types', f'\n{row}\n// The character types', 1),
-                               encoding='utf-8')
-            types = pathlib.Path(directory) / 'vorn_types.debug'
-            subprocess.run(['c++', '-std=c++20', '-g', '-shared', '-fPIC', f'-I{directory}', f'-I{ROOT}',
-                            f'-I{ROOT}/collections/include', f'-I{ROOT}/runtime/include', '-o', types,
-                            ROOT / 'tools/gdb/types.cpp'], check=True)
-            shown = run([
-                'python from vorn_gdb import kinds',
-                "python print(kinds.kind_of(12).name, kinds.kind_of(12).decode(b'\\xfd\\xff', 'Third'))",
-            ], start=['python import sys; sys.path.insert(0, "' + str(ROOT / 'tools/gdb') + '")',
-                      'python import vorn_gdb.memory as memory; memory._places = lambda: iter(())',
-                      'python import vorn_gdb; vorn_gdb.register()', f'vorn-types {types}'])
-        self.assertEqual(shown[1], 'Third -3')
+        self.assertEqual(SESSION.shown(SHOW_CUT)[2:6], [
+            f'{ints} = {{0, 1, 2, 3...}}', 'vorn.String "0123"...', '"a ba"...',
+            f'{boxed} 1, capacity 4 = {{{boxed} 2, capacity 4 = {{...}}}}'])
 
 
 if __name__ == '__main__':

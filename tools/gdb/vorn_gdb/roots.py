@@ -51,6 +51,17 @@ def _print_thread(state, title):
         _print_words(start, length // _WORD)
 
 
+def _print_recent(state, title):
+    """The blocks that a thread was handed, newest first."""
+    recent = state['recentBlocks']
+    noted, blocks = word(recent['noted_']), recent['blocks_']
+    length = blocks.type.sizeof // _WORD
+    print(f'{title}: {noted} handed out')
+    for age in range(1, min(noted, length, limit()) + 1):
+        block = int(blocks[(noted - age) % length])
+        print(f'  {_held(block)}' if block else '  nothing')
+
+
 def _print_global():
     table = typed(anchor('vorn_debugger_roots'), 'vorn::runtime::GlobalRoots')
     slots = word(table['slots_'])
@@ -62,23 +73,29 @@ def _print_global():
 
 
 class RootsCommand(gdb.Command):
-    """vorn-roots [THREAD | global]: the roots, from which a collector starts, and what they hold.
+    """vorn-roots [THREAD | global | recent]: the roots, from which a collector starts, and what they hold.
 
 Without an argument: the root ranges of every thread of the runtime, the oldest first, and the slots of the whole
-process (vorn_root_add). With a number, those of the thread that gdb gives it; with `global`, the slots alone. Stacks
-and registers, which the collected heap searches too, are not listed."""
+process (vorn_root_add). With a number, those of the thread that gdb gives it; with `global`, the slots alone. With
+`recent`, the last blocks that each thread was handed, newest first, as many as are noted: of these a heap keeps alive
+what its option `recent` says, 16 on the collected heap and none on the stress heap. Stacks and registers, which the
+collected heap searches too, are not listed."""
 
     def __init__(self):
         super().__init__('vorn-roots', gdb.COMMAND_DATA)
 
     def invoke(self, argument, from_tty):
         wanted = argument.strip()
-        if wanted not in ('', 'global') and not wanted.isdigit():
-            raise gdb.GdbError('vorn-roots takes the number of a thread, or global')
+        if wanted not in ('', 'global', 'recent') and not wanted.isdigit():
+            raise gdb.GdbError('vorn-roots takes the number of a thread, global or recent')
         try:
+            if wanted == 'recent':
+                for state in attached_threads()[0]:
+                    _print_recent(state, thread_title(state)[1])
+                return
             if wanted != 'global':
                 self._print_threads(int(wanted) if wanted else None)
-            if not wanted.isdigit():
+            if wanted in ('', 'global'):
                 _print_global()
         except Unknown as failure:
             raise gdb.GdbError(reason(failure)) from None
