@@ -62,6 +62,7 @@ typedef struct vorn_runtime_options {
   unsigned recent_blocks;
 } vorn_runtime_options;
 
+/* For vorn_runtime_options.recent_blocks: no block stays alive by having been handed out. */
 #define VORN_RECENT_NONE UINT32_MAX
 
 /* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
