@@ -181,8 +181,8 @@ class Checker:
         self.program = source, expected.code if shows_output else None
         compiler, standard = COMPILERS[block.language]
         self.build_and_run(block.line, [compiler, standard, *WARNINGS, *INCLUDES, source, "-o", source.with_suffix(""),
-                                        f"-I{self.libraries.parent}/include", f"-L{self.libraries}", "-lvorn_collections", "-lvorn_runtime",
-                                        f"-Wl,-rpath,{self.libraries}"])
+                                        f"-I{self.libraries.parent}/generated/include", f"-L{self.libraries}",
+                                        "-lvorn_collections", "-lvorn_runtime", f"-Wl,-rpath,{self.libraries}"])
 
     def build_and_run(self, line, command):
         source, expected = self.program
