@@ -22,11 +22,13 @@ ROOTS_OF_MAIN = '''thread 1: 2 root ranges
 ROOTS_OF_OTHER = '''thread 2: 1 root range
   ADDRESS, 8 bytes
     vorn.Int -42'''
-GLOBAL_ROOTS = f'''global: 2 slots
+GLOBAL_ROOTS = f'''global: 3 slots
   ADDRESS rooted
     {INTS}
   ADDRESS
-    vorn.String "a string"'''
+    vorn.String "a string"
+  ADDRESS
+    {INTS}'''
 
 
 AGAIN = f'source {gdb_session.PRINTERS}'

@@ -44,6 +44,21 @@ void *list, *map, *text, *broken, *moved;
 [[gnu::noinline]] void stopHere() { asm volatile("" : : : "memory"); }
 }
 
+// As the classes of a C++ API over handles are.
+namespace vorn {
+class Wrapped {
+ public:
+  explicit Wrapped(void* handle) : handle_(handle) {}
+
+ private:
+  Handle handle_;
+};
+class WrappedList : public Wrapped {
+ public:
+  using Wrapped::Wrapped;
+};
+}  // namespace vorn
+
 namespace {
 
 void* intBox(int value) { return vorn_box_int(value); }
@@ -242,6 +257,7 @@ int main(int, char** arguments) {
   rooted = unboxedInline;
   vorn_root_add(&rooted);
   vorn::Handle handle = aString;
+  [[maybe_unused]] const vorn::WrappedList wrapped(unboxedInline);
   [[maybe_unused]] const vorn::collections::RootedHandle outer(linkedList);
   void* words[] = {aText, reinterpret_cast<void*>(0x10), nullptr};
   [[maybe_unused]] const vorn::collections::RootedRange range(words, sizeof(words));

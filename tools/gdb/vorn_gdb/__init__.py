@@ -7,8 +7,7 @@
     vorn-roots          what is kept alive from outside the heap
     vorn-heap           the heap, its threads and its blocks
     vorn-types FILE     where the types are, if they are not found
-
-`help user-defined` does not list them; `help vorn` does."""
+"""
 
 import gdb
 import gdb.printing

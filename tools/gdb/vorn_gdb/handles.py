@@ -54,7 +54,7 @@ def address_of(value):
 
 
 class HandlePrinter:
-    """A vorn::Handle, or a class derived from it, as what it holds."""
+    """A vorn::Handle, or a class that is nothing but one, as what it holds."""
 
     def __init__(self, value):
         self._value = value
@@ -67,12 +67,14 @@ class HandlePrinter:
 
 
 def holds_handle(value_type):
-    """Whether a class is vorn::Handle or derived from it."""
-    if value_type.code != gdb.TYPE_CODE_STRUCT:
+    """Whether a class of the C++ API is a vorn::Handle, or has one for its only member or base."""
+    value_type = value_type.strip_typedefs()
+    if value_type.code != gdb.TYPE_CODE_STRUCT or not (value_type.tag or '').startswith('vorn::'):
         return False
     if value_type.tag == 'vorn::Handle':
         return True
-    return any(field.is_base_class and holds_handle(field.type.strip_typedefs()) for field in value_type.fields())
+    members = [field for field in value_type.fields() if hasattr(field, 'bitpos')]
+    return len(members) == 1 and holds_handle(members[0].type)
 
 
 def resolved(value):
