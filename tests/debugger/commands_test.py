@@ -37,7 +37,8 @@ SHOW_ROOTS = SESSION.add('vorn-roots', 'vorn-roots 2', 'vorn-roots global', 'vor
 SHOW_RECENT = SESSION.add('set print elements 3', 'vorn-roots recent', 'set print elements 200')
 SHOW_HEAP = SESSION.add('vorn-heap', 'vorn-heap blocks')
 SHOW_HELP = SESSION.add('help vorn', 'help vorn-roots', 'help vorn-heap', 'help vorn-types', 'help function vorn')
-SHOW_MISTAKES = SESSION.add('vorn', 'vorn 1.5', 'print $vorn(24)', 'vorn-types /nowhere/vorn_types.debug')
+SHOW_MISTAKES = SESSION.add('vorn', 'vorn 1.5', 'print $vorn(24)', 'vorn-types /nowhere/vorn_types.debug',
+                            'vorn nothing', 'vorn-heap nothing +')
 SHOW_TWICE = SESSION.add(AGAIN, 'info pretty-printer', 'vorn *(void**)&anInt')
 SHOW_OFF = SESSION.add('disable pretty-printer global vorn;RuntimeTypeName',
                        'output (*(ListData*)((ObjectRecord*)*(void**)&linkedList)->nativeRecord).elementType',
@@ -158,11 +159,13 @@ class LoadingTest(unittest.TestCase):
                       'vorn-heap [blocks | ADDRESS]: the heap', 'vorn-types [FILE]: reads', '$vorn(HANDLE): what']
         for text, beginning in zip(SESSION.shown(SHOW_HELP), beginnings, strict=True):
             self.assertTrue(text.startswith(beginning), text)
-        nothing, number, wild, file = SESSION.shown(SHOW_MISTAKES)
+        nothing, number, wild, file, unknown, incomplete = SESSION.shown(SHOW_MISTAKES)
         self.assertEqual(nothing, 'vorn needs a handle; see help vorn')
         self.assertEqual(number, '<a value of type double is no handle>')
         self.assertIn('<no handle: ADDRESS cannot be read>', wild)
-        self.assertIn('/nowhere/vorn_types.debug', file)
+        self.assertEqual(file, '/nowhere/vorn_types.debug: No such file or directory.')
+        self.assertEqual(unknown, 'No symbol "nothing" in current context.')
+        self.assertEqual(incomplete, '<the plain heap keeps no table of its blocks>')
 
     def test_before_the_program_runs_the_commands_say_what_is_missing(self):
         call = ['-batch', '-nx', '-iex', 'set debuginfod enabled off', '-iex', f'source {gdb_session.PRINTERS}']

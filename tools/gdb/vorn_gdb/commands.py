@@ -2,10 +2,10 @@
 
 import gdb
 
-from .guards import reason
+from .guards import with_plain_errors
 from .handles import address_of, element, resolved
 from .heap import HeapCommand
-from .memory import TYPES_FILE, Unknown, load_types
+from .memory import TYPES_FILE, load_types
 from .roots import RootsCommand
 
 
@@ -17,11 +17,9 @@ HANDLE is a pointer, an address or a vorn::Handle."""
     def __init__(self):
         super().__init__('vorn')
 
+    @with_plain_errors
     def invoke(self, handle):
-        try:
-            return resolved(handle)
-        except Unknown as failure:
-            raise gdb.GdbError(reason(failure)) from None
+        return resolved(handle)
 
 
 class _Show(gdb.Command):
@@ -37,13 +35,11 @@ See also vorn-roots, vorn-heap and vorn-types."""
     def __init__(self):
         super().__init__('vorn', gdb.COMMAND_DATA, gdb.COMPLETE_EXPRESSION)
 
+    @with_plain_errors
     def invoke(self, argument, from_tty):
         if not argument.strip():
             raise gdb.GdbError('vorn needs a handle; see help vorn')
-        try:
-            shown = element(address_of(gdb.parse_and_eval(argument)))
-        except Unknown as failure:
-            shown = reason(failure)
+        shown = element(address_of(gdb.parse_and_eval(argument)))
         print(shown if isinstance(shown, str) else shown.format_string())
 
 
@@ -56,15 +52,12 @@ found without this command. FILE has to come from the same build as the librarie
     def __init__(self):
         super().__init__('vorn-types', gdb.COMMAND_FILES, gdb.COMPLETE_FILENAME)
 
+    @with_plain_errors
     def invoke(self, argument, from_tty):
         arguments = gdb.string_to_argv(argument)
         if len(arguments) > 1:
             raise gdb.GdbError('vorn-types takes one file')
-        try:
-            found = load_types(*arguments)
-        except gdb.error as failure:
-            raise gdb.GdbError(str(failure)) from None
-        if not found:
+        if not load_types(*arguments):
             raise gdb.GdbError(f'{arguments[0]} has not the types' if arguments else
                                f'no {TYPES_FILE} beside the printers, the program or its libraries')
 

@@ -50,6 +50,19 @@ def children_or_reason(method):
     return guarded
 
 
+def with_plain_errors(method):
+    """A command whose failures are shown as gdb shows its own, without a word of Python."""
+    @functools.wraps(method)
+    def guarded(*arguments):
+        try:
+            return method(*arguments)
+        except Unknown as failure:
+            raise gdb.GdbError(reason(failure)) from None
+        except gdb.error as failure:
+            raise gdb.GdbError(str(failure)) from None
+    return guarded
+
+
 def is_shown(address):
     return address in _shown
 

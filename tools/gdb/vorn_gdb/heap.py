@@ -2,7 +2,7 @@
 
 import gdb
 
-from .guards import reason
+from .guards import with_plain_errors
 from .memory import Unknown, enumerators, read, word, word_at
 from .objects import summary
 from .texts import limit
@@ -101,19 +101,17 @@ heap of a debug build, which alone keeps a table of them. `set print elements` b
     def __init__(self):
         super().__init__('vorn-heap', gdb.COMMAND_DATA, gdb.COMPLETE_EXPRESSION)
 
+    @with_plain_errors
     def invoke(self, argument, from_tty):
-        try:
-            address, name = _started_heap()
-            if name is None:
-                print('heap: not started')
-            elif not argument.strip():
-                self._print_usage(address, name)
-            elif argument.strip() == 'blocks':
-                self._print_blocks(self._blocks(address, name))
-            else:
-                self._print_block_of(self._blocks(address, name), int(gdb.parse_and_eval(argument)))
-        except Unknown as failure:
-            raise gdb.GdbError(reason(failure)) from None
+        address, name = _started_heap()
+        if name is None:
+            print('heap: not started')
+        elif not argument.strip():
+            self._print_usage(address, name)
+        elif argument.strip() == 'blocks':
+            self._print_blocks(self._blocks(address, name))
+        else:
+            self._print_block_of(self._blocks(address, name), int(gdb.parse_and_eval(argument)))
 
     @staticmethod
     def _print_usage(address, name):

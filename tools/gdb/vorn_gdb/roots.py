@@ -2,7 +2,7 @@
 
 import gdb
 
-from .guards import reason
+from .guards import reason, with_plain_errors
 from .handles import is_object
 from .memory import Unknown, typed, word, word_at
 from .objects import summary
@@ -84,21 +84,19 @@ collected heap searches too, are not listed."""
     def __init__(self):
         super().__init__('vorn-roots', gdb.COMMAND_DATA)
 
+    @with_plain_errors
     def invoke(self, argument, from_tty):
         wanted = argument.strip()
         if wanted not in ('', 'global', 'recent') and not wanted.isdigit():
             raise gdb.GdbError('vorn-roots takes the number of a thread, global or recent')
-        try:
-            if wanted == 'recent':
-                for state in attached_threads()[0]:
-                    _print_recent(state, thread_title(state)[1])
-                return
-            if wanted != 'global':
-                self._print_threads(int(wanted) if wanted else None)
-            if wanted in ('', 'global'):
-                _print_global()
-        except Unknown as failure:
-            raise gdb.GdbError(reason(failure)) from None
+        if wanted == 'recent':
+            for state in attached_threads()[0]:
+                _print_recent(state, thread_title(state)[1])
+            return
+        if wanted != 'global':
+            self._print_threads(int(wanted) if wanted else None)
+        if wanted in ('', 'global'):
+            _print_global()
 
     @staticmethod
     def _print_threads(wanted):
