@@ -95,12 +95,12 @@ endif()
 
 # ---- The debugger's printers -----------------------------------------------------------------------------------------
 
-# gdb loads by itself what lies below its auto-load directory under the library's own path; that is fixed when the
-# prefix is chosen, which may be as late as the installation.
+# Their package and the types they read by are installed where they are made (tools/gdb). gdb loads by itself what lies
+# below its auto-load directory under the library's own path; that is fixed when the prefix is chosen, which may be as
+# late as the installation.
 file(GLOB vorn_printers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/gdb/*.py)
-list(FILTER vorn_printers EXCLUDE REGEX "_test\\.py$")
 install(
-  FILES ${vorn_printers} ${CMAKE_SOURCE_DIR}/collections/core/kinds.def
+  FILES ${vorn_printers}
   DESTINATION ${CMAKE_INSTALL_DATADIR}/vorn/gdb
   COMPONENT development)
 install(

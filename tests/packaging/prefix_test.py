@@ -154,8 +154,9 @@ class PrefixTest(Workspace):
             with self.subTest(loaded=title):
                 told = self.run_in(project, gdb, '-batch', '-nx', '-iex', 'set debuginfod enabled off', *options,
                                    '-ex', 'break vorn_runtime_stop', '-ex', 'run', '-ex', 'info pretty-printer',
-                                   'build/total')
-                self.assertRegex(told, r'(?m)^  vorn\n    ListData$')
+                                   '-ex', 'vorn-heap', 'build/total')
+                self.assertRegex(told, r'(?m)^  vorn\n(    .*\n)*    ListData$')
+                self.assertRegex(told, r'(?m)^collected heap')
                 self.assertNotIn('Traceback', told)
 
     # ---- Prefixes that are wrong ----
