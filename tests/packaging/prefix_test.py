@@ -156,7 +156,7 @@ class PrefixTest(Workspace):
                                    '-ex', 'break vorn_runtime_stop', '-ex', 'run', '-ex', 'info pretty-printer',
                                    '-ex', 'vorn-heap', 'build/total')
                 self.assertRegex(told, r'(?m)^  vorn\n(    .*\n)*    ListData$')
-                self.assertRegex(told, r'(?m)^collected heap')
+                self.assertRegex(told, r'(?m)^heap: collected$')
                 self.assertNotIn('Traceback', told)
 
     # ---- Prefixes that are wrong ----
