@@ -1,0 +1,164 @@
+"""The functions of the libraries that this package calls.
+
+What may allocate, raise or throw goes through the runtime's `vorn_call`, which turns C++ exceptions into pending errors
+and writes a returned handle into its rooted slot before anything else can happen. What only reads is called directly.
+
+A shape has a letter for the result and for each parameter: h for a handle (an object with the attribute `handle`, which
+the call keeps alive; a result is a Root), s for bytes, p for an address, i for a 64-bit integer, n for an int, d for a
+double, b for a bool, v for no result.
+"""
+
+import ctypes
+from ctypes import c_bool, c_char_p, c_double, c_int, c_int64, c_size_t, c_uint64, c_void_p
+
+from ._errors import MemoryException, raise_pending
+from ._library import function
+from ._roots import Root
+
+_WORDS = {'h': c_void_p, 's': c_char_p, 'p': c_void_p, 'i': c_int64, 'd': c_double, 'b': c_int64}
+_RESULTS = {'p': c_void_p, 'i': c_int64, 'n': c_int64, 'd': c_double, 'b': c_int64}
+
+_call = function('vorn_call')
+_call.restype, _call.argtypes = c_int, [c_char_p, c_void_p, c_void_p, c_void_p]
+
+
+def _structure(letters):
+    return type(f'Words_{letters}', (ctypes.Structure,),
+                {'_fields_': [(f'word_{index}', _WORDS[letter]) for index, letter in enumerate(letters)]})
+
+
+def guarded(name, shape):
+    """The function as a callable that raises what the function raises or throws."""
+    result_letter, letters = shape[0], shape[2:-1]
+    words = _structure(letters)
+    takes_handle = [letter == 'h' for letter in letters]
+    address = c_void_p(ctypes.cast(function(name), c_void_p).value)
+    text = shape.replace('s', 'h').replace('p', 'h').encode()
+
+    def call_for(slot, arguments):
+        given = words(*[argument.handle if is_handle else argument
+                        for argument, is_handle in zip(arguments, takes_handle)])
+        raised = _call(text, address, ctypes.byref(given), slot)
+        if raised:
+            if raised < 0:
+                raise ImportError(f'the runtime cannot call a function of the shape {text.decode()}: '
+                                  f'it is of another version than this package')
+            raise_pending(raised)
+
+    if result_letter == 'h':
+        def call(*arguments):
+            root = Root()
+            call_for(ctypes.byref(root.slot), arguments)
+            return root.load()
+    elif result_letter == 'v':
+        def call(*arguments):
+            call_for(None, arguments)
+    else:
+        result_type = _RESULTS[result_letter]
+
+        def call(*arguments):
+            result = result_type()
+            call_for(ctypes.byref(result), arguments)
+            return result.value
+
+    call.__name__ = name
+    return call
+
+
+def made(name, shape):
+    """A guarded function that answers null when there is no memory."""
+    make = guarded(name, shape)
+
+    def call(*arguments):
+        root = make(*arguments)
+        if root.handle is None:
+            raise MemoryException('there is not enough memory')
+        return root
+    return call
+
+
+def direct(name, result, *parameters):
+    """A function that neither allocates nor raises nor throws."""
+    native = function(name)
+    native.restype, native.argtypes = result, parameters
+    return native
+
+
+class Options(ctypes.Structure):
+    """vorn_runtime_options with room for what later versions may add; only the runtime looks into it."""
+
+    _fields_ = [('struct_size', c_size_t), ('rest', c_uint64 * 31)]
+
+
+class ListStorage(ctypes.Structure):
+    """vorn_list_storage_info."""
+
+    _fields_ = [('storage', c_int), ('element_type', c_char_p), ('primitive_type', c_char_p), ('size', c_uint64),
+                ('capacity', c_uint64), ('bytes_per_element', c_uint64)]
+
+
+class Statistics(ctypes.Structure):
+    """vorn_heap_statistics."""
+
+    _fields_ = [('bytes_live', c_uint64), ('allocations', c_uint64), ('bytes_allocated', c_uint64),
+                ('collections', c_uint64)]
+
+
+UNBOXED = 2  # ListStorage.storage
+
+# ---- The runtime ----
+
+runtime_start = direct('vorn_runtime_start', c_int, c_void_p)
+parse_options = direct('vorn_runtime_parse_options', c_int, c_char_p, c_void_p)
+heap_collect = direct('vorn_heap_collect', None)
+get_statistics = direct('vorn_heap_get_statistics', None, c_void_p)
+type_name = direct('vorn_type_name', c_char_p, c_void_p)
+string_text = direct('vorn_string_text', c_char_p, c_void_p)
+unbox_integer = direct('vorn_unbox_integer', c_int, c_void_p, c_void_p)
+unbox_floating = direct('vorn_unbox_floating', c_int, c_void_p, c_void_p)
+unbox_boolean = direct('vorn_unbox_boolean', c_int, c_void_p, c_void_p)
+box_boolean = direct('vorn_box_boolean', c_void_p, c_bool)
+list_storage = direct('vorn_list_get_storage', c_int, c_void_p, c_void_p)
+
+box_integer = made('vorn_box_integer', 'h(si)')
+box_floating = made('vorn_box_floating', 'h(sd)')
+string_new = made('vorn_string_new', 'h(si)')
+object_new = guarded('vorn_object_new', 'h(s)')
+tuple_new = made('vorn_tuple_new', 'h(spi)')
+equals = guarded('vorn_equals', 'n(hh)')
+
+
+class _Natives:
+    """The natives of one class of the language."""
+
+    def __init__(self, prefix, **shapes):
+        for name, shape in shapes.items():
+            setattr(self, name, guarded(f'vorn_collections_{prefix}_{name}', shape))
+
+
+ArrayList = _Natives(
+    'ArrayList', add='v(hh)', addAt='v(hih)', addAll='v(hh)', addAllAt='v(hih)', operator_index='h(hi)',
+    operator_index_eq='v(hih)', removeAt='v(hi)', remove='b(hh)', clear='v(h)', count='i(hh)', indexOf='i(hhi)',
+    reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='h(hiiihh)', sliceAssign='v(hiiihhh)', repeat='h(hi)',
+    reverse='v(h)', sort='v(h)', toString='h(h)')
+ImmutableList = _Natives('ImmutableList', ctor='v(hh)', toString='h(h)')
+Tuple = _Natives('Tuple', operator_index='h(hi)', toString='h(h)')
+Array = _Natives(
+    'Array', ctor='v(hi)', operator_index='h(hi)', operator_index_eq='v(hih)', count='i(hh)', indexOf='i(hhi)',
+    sort='v(h)', reverse='v(h)', slice='h(hiiihh)', sliceAssign='v(hiiihhh)', toString='h(h)')
+Map = _Natives(
+    'Map', put='v(hhh)', remove='b(hh)', clear='v(h)', reserve='v(hi)', tryGet='b(hhp)', operator_in='b(hh)',
+    containsValue='b(hh)', keys='h(h)', values='h(h)', items='h(h)', toString='h(h)')
+HashSet = _Natives(
+    'HashSet', add='v(hh)', remove='b(hh)', operator_in='b(hh)', operator_index='h(hi)', items='h(h)', clear='v(h)',
+    reserve='v(hi)', toString='h(h)')
+
+list_size = direct('vorn_collections_ArrayList_size', c_int64, c_void_p)
+list_get_int = direct('vorn_collections_ArrayList_getInt', c_int64, c_void_p, c_int64)
+list_get_double = direct('vorn_collections_ArrayList_getDouble', c_double, c_void_p, c_int64)
+list_data = direct('vorn_collections_ArrayList_primitiveDataPtr', c_void_p, c_void_p)
+tuple_size = direct('vorn_collections_Tuple_size', c_int64, c_void_p)
+array_size = direct('vorn_collections_Array_size', c_int64, c_void_p)
+array_data = direct('vorn_collections_Array_rawDataPtr', c_void_p, c_void_p)
+map_size = direct('vorn_collections_Map_size', c_int64, c_void_p)
+set_size = direct('vorn_collections_HashSet_size', c_int64, c_void_p)
