@@ -2,12 +2,11 @@
 
 import operator
 from collections.abc import Sequence
-from reprlib import recursive_repr
 
 from . import _buffers, _natives, _values
 from ._errors import MemoryException, ValueException
 from ._natives import Array as natives
-from ._objects import Collection
+from ._objects import Collection, representation
 from ._sequences import _GREATEST, bounds, clamped, gathered, index_of, listed, new_list, values_in
 from ._types import PRIMITIVES
 
@@ -144,7 +143,7 @@ class Array(_buffers.Exporting, Collection, Sequence, plain='Array', synchronize
     def __lt__(self, other):
         return operator.lt(self.tolist(), other.tolist()) if isinstance(other, Array) else NotImplemented
 
-    @recursive_repr('...')
+    @representation
     def __repr__(self):
         return self._repr_of(repr(self.tolist()))
 

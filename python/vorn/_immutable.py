@@ -2,11 +2,10 @@
 
 import operator
 from collections.abc import Sequence
-from reprlib import recursive_repr
 
 from . import _buffers, _natives, _values
 from ._errors import ReadOnlyException, ValueException
-from ._objects import Collection
+from ._objects import Collection, nesting, representation
 from ._sequences import RecordSequence, clamped, gathered, index_of
 
 
@@ -53,6 +52,9 @@ class ImmutableList(_buffers.Exporting, RecordSequence, Sequence, plain='Immutab
     def copy(self):
         """The list itself, since it does not change."""
         return self
+
+    def __str__(self):
+        return _values.value_of(_natives.ImmutableList.toString(self))
 
     def __reduce__(self):
         generic = type(self).__mro__[1] if type(self).__dict__.get('element_types') else type(self)
@@ -113,6 +115,7 @@ class Tuple(Collection, Sequence, plain='Tuple'):
 
     __rmul__ = __mul__
 
+    @nesting
     def _compared(self, other, compare):
         return compare(tuple(self), tuple(other)) if isinstance(other, (Tuple, tuple)) else NotImplemented
 
@@ -138,7 +141,7 @@ class Tuple(Collection, Sequence, plain='Tuple'):
         """The tuple itself, since it does not change."""
         return self
 
-    @recursive_repr('...')
+    @representation
     def __repr__(self):
         return self._repr_of(repr(tuple(self)))
 

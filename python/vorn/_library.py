@@ -7,22 +7,33 @@ them is loaded here and gives the functions of both.
 import ctypes
 import os
 
-_NAMES = ('libvorn_runtime.so', 'libvorn_runtime.so.0')
+_NAME = 'libvorn_runtime.so'
+# As a system installs it for programs, and for those who build programs.
+_INSTALLED = ('libvorn_runtime.so.0', _NAME)
 _BUNDLED = os.path.join(os.path.dirname(os.path.abspath(__file__)), 'lib')
 _VARIABLE = 'VORN_LIBRARY_PATH'
 
 
+def _in(directory):
+    """The library in a directory, None when there is none."""
+    try:
+        names = [name for name in sorted(os.listdir(directory)) if name.startswith(_NAME)]
+    except OSError:
+        return None
+    return os.path.join(directory, names[0]) if names else None
+
+
 def _candidates():
-    """What is tried, in this order; the first place that has a library decides."""
-    for directory in (_BUNDLED, os.environ.get(_VARIABLE)):
-        if not directory:
-            continue
-        present = [path for path in (os.path.join(directory, name) for name in _NAMES) if os.path.exists(path)]
-        if present:
-            return present[:1]
-        if directory != _BUNDLED:
-            raise ImportError(f'{_VARIABLE} is {directory!r}, where there is no {_NAMES[0]}')
-    return _NAMES
+    """What is tried. A library of the package's own, or of the directory that is named, is the only one."""
+    bundled, named = _in(_BUNDLED), os.environ.get(_VARIABLE)
+    if bundled:
+        return (bundled,)
+    if not named:
+        return _INSTALLED
+    found = _in(named)
+    if not found:
+        raise ImportError(f'{_VARIABLE} is {named!r}, where there is no {_NAME}')
+    return (found,)
 
 
 def _load():
@@ -34,11 +45,11 @@ def _load():
             return ctypes.PyDLL(candidate)
         except OSError as error:
             reasons.append(str(error))
-    message = f'cannot load {_NAMES[0]}: ' + '; '.join(reasons)
+    message = f'cannot load {_NAME}: ' + '; '.join(reasons)
     if any('libgc.so' in reason for reason in reasons):
         message += ' (the garbage collector is a package of the system, libgc1 on Debian)'
     else:
-        message += f' (it is looked for in {_BUNDLED}, in the directory that {_VARIABLE} names, and among the libraries of the system)'
+        message += '' if os.environ.get(_VARIABLE) else f' ({_VARIABLE} is not set)'
     raise ImportError(message)
 
 

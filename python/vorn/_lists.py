@@ -8,6 +8,7 @@ from collections.abc import MutableSequence
 from . import _buffers, _natives, _values
 from ._errors import IndexException, MemoryException, ValueException
 from ._natives import ArrayList
+from ._objects import nesting
 from ._roots import NULL
 from ._sequences import RecordSequence, bounds, clamped, gathered, index_of, primitive_of, values_in
 from ._types import PRIMITIVES
@@ -232,6 +233,7 @@ class _MutableList(RecordSequence, MutableSequence):
 
     # ---- Comparing ----
 
+    @nesting
     def _compared(self, other, compare):
         if isinstance(other, _MutableList):
             return compare(self.tolist(), other.tolist())

@@ -2,12 +2,12 @@
 
 import ctypes
 from collections.abc import ItemsView, KeysView, Mapping, MutableMapping, ValuesView
-from reprlib import recursive_repr
 
 from . import _natives, _values
 from ._errors import KeyException, NullException
+from ._immutable import Tuple
 from ._natives import Map as natives
-from ._objects import Collection
+from ._objects import Collection, representation
 from ._roots import Root
 from ._sequences import values_in
 
@@ -36,7 +36,7 @@ class _Values(ValuesView):
 
     def __contains__(self, value):
         try:
-            return natives.containsValue(self._mapping, self._mapping._value(value))
+            return natives.containsValue(self._mapping, _values.handle_of(value))
         except (TypeError, ValueError, OverflowError):
             return False
 
@@ -52,6 +52,12 @@ class _Items(ItemsView):
 
     def __iter__(self):
         return self._mapping._walk(self._mapping._pairs)
+
+    def __contains__(self, pair):
+        if not isinstance(pair, (tuple, Tuple)) or len(pair) != 2:
+            return False
+        key, value = pair
+        return key in self._mapping and self._mapping[key] == value
 
     def __reversed__(self):
         return reversed(list(self))
@@ -141,10 +147,10 @@ class _AnyMap(Collection, MutableMapping):
 
     def setdefault(self, key, default=None):
         """The value of the key, which is stored first when it is not there."""
-        value = self._found(key, _ABSENT) if key in self else _ABSENT
-        if value is _ABSENT:
-            self[key] = value = default
-        return value
+        if key in self:
+            return self[key]
+        self[key] = default
+        return default
 
     def clear(self):
         """Removes all pairs."""
@@ -209,8 +215,7 @@ class _AnyMap(Collection, MutableMapping):
             return self._equals(other)
         if not isinstance(other, Mapping):
             return NotImplemented
-        return len(self) == len(other) and all(self._found(key, _ABSENT if key in self else other) == value
-                                               for key, value in other.items())
+        return len(self) == len(other) and all(pair in self.items() for pair in other.items())
 
     def __or__(self, other):
         if not isinstance(other, Mapping):
@@ -231,7 +236,7 @@ class _AnyMap(Collection, MutableMapping):
         self.update(other)
         return self
 
-    @recursive_repr('...')
+    @representation
     def __repr__(self):
         pairs = ', '.join(f'{key!r}: {value!r}' for key, value in self._pairs())
         return self._repr_of(f'{{{pairs}}}')

@@ -5,7 +5,7 @@ and writes a returned handle into its rooted slot before anything else can happe
 
 A shape has a letter for the result and for each parameter: h for a handle (an object with the attribute `handle`, which
 the call keeps alive; a result is a Root), s for bytes, p for an address, i for a 64-bit integer, n for an int, d for a
-double, b for a bool, v for no result.
+double, b for a bool, v for no result. A result H is a handle that is null only when there is no memory.
 """
 
 import ctypes
@@ -15,11 +15,12 @@ from ._errors import MemoryException, raise_pending
 from ._library import function
 from ._roots import Root
 
+_LETTERS_OF_C = str.maketrans('Hsp', 'hhh')
 _WORDS = {'h': c_void_p, 's': c_char_p, 'p': c_void_p, 'i': c_int64, 'd': c_double, 'b': c_int64}
 _RESULTS = {'p': c_void_p, 'i': c_int64, 'n': c_int64, 'd': c_double, 'b': c_int64}
 
+# Without declared types of arguments, which would be converted by calls that may run into the limit of recursion.
 _call = function('vorn_call')
-_call.restype, _call.argtypes = c_int, [c_char_p, c_void_p, c_void_p, c_void_p]
 
 
 def _structure(letters):
@@ -33,7 +34,7 @@ def guarded(name, shape):
     words = _structure(letters)
     takes_handle = [letter == 'h' for letter in letters]
     address = c_void_p(ctypes.cast(function(name), c_void_p).value)
-    text = shape.replace('s', 'h').replace('p', 'h').encode()
+    text = shape.translate(_LETTERS_OF_C).encode()
 
     def call_for(slot, arguments):
         given = words(*[argument.handle if is_handle else argument
@@ -45,11 +46,13 @@ def guarded(name, shape):
                                   f'it is of another version than this package')
             raise_pending(raised)
 
-    if result_letter == 'h':
+    if result_letter in 'hH':
         def call(*arguments):
             root = Root()
             call_for(ctypes.byref(root.slot), arguments)
-            return root.load()
+            if root.load().handle is None and result_letter == 'H':
+                raise MemoryException('there is not enough memory')
+            return root
     elif result_letter == 'v':
         def call(*arguments):
             call_for(None, arguments)
@@ -61,19 +64,7 @@ def guarded(name, shape):
             call_for(ctypes.byref(result), arguments)
             return result.value
 
-    call.__name__ = name
-    return call
-
-
-def made(name, shape):
-    """A guarded function that answers null when there is no memory."""
-    make = guarded(name, shape)
-
-    def call(*arguments):
-        root = make(*arguments)
-        if root.handle is None:
-            raise MemoryException('there is not enough memory')
-        return root
+    call.__name__, call.shape = name, text.decode()
     return call
 
 
@@ -120,11 +111,11 @@ unbox_boolean = direct('vorn_unbox_boolean', c_int, c_void_p, c_void_p)
 box_boolean = direct('vorn_box_boolean', c_void_p, c_bool)
 list_storage = direct('vorn_list_get_storage', c_int, c_void_p, c_void_p)
 
-box_integer = made('vorn_box_integer', 'h(si)')
-box_floating = made('vorn_box_floating', 'h(sd)')
-string_new = made('vorn_string_new', 'h(si)')
-object_new = guarded('vorn_object_new', 'h(s)')
-tuple_new = made('vorn_tuple_new', 'h(spi)')
+box_integer = guarded('vorn_box_integer', 'H(si)')
+box_floating = guarded('vorn_box_floating', 'H(sd)')
+string_new = guarded('vorn_string_new', 'H(si)')
+object_new = guarded('vorn_object_new', 'H(s)')
+tuple_new = guarded('vorn_tuple_new', 'H(spi)')
 equals = guarded('vorn_equals', 'n(hh)')
 
 
@@ -139,19 +130,19 @@ class _Natives:
 ArrayList = _Natives(
     'ArrayList', add='v(hh)', addAt='v(hih)', addAll='v(hh)', addAllAt='v(hih)', operator_index='h(hi)',
     operator_index_eq='v(hih)', removeAt='v(hi)', remove='b(hh)', clear='v(h)', count='i(hh)', indexOf='i(hhi)',
-    reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='h(hiiihh)', sliceAssign='v(hiiihhh)', repeat='h(hi)',
-    reverse='v(h)', sort='v(h)', toString='h(h)')
-ImmutableList = _Natives('ImmutableList', ctor='v(hh)', toString='h(h)')
-Tuple = _Natives('Tuple', operator_index='h(hi)', toString='h(h)')
+    reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', repeat='H(hi)',
+    reverse='v(h)', sort='v(h)', toString='H(h)')
+ImmutableList = _Natives('ImmutableList', ctor='v(hh)', toString='H(h)')
+Tuple = _Natives('Tuple', operator_index='h(hi)', toString='H(h)')
 Array = _Natives(
     'Array', ctor='v(hi)', operator_index='h(hi)', operator_index_eq='v(hih)', count='i(hh)', indexOf='i(hhi)',
-    sort='v(h)', reverse='v(h)', slice='h(hiiihh)', sliceAssign='v(hiiihhh)', toString='h(h)')
+    sort='v(h)', reverse='v(h)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', toString='H(h)')
 Map = _Natives(
     'Map', put='v(hhh)', remove='b(hh)', clear='v(h)', reserve='v(hi)', tryGet='b(hhp)', operator_in='b(hh)',
-    containsValue='b(hh)', keys='h(h)', values='h(h)', items='h(h)', toString='h(h)')
+    containsValue='b(hh)', keys='H(h)', values='H(h)', items='H(h)', toString='H(h)')
 HashSet = _Natives(
-    'HashSet', add='v(hh)', remove='b(hh)', operator_in='b(hh)', operator_index='h(hi)', items='h(h)', clear='v(h)',
-    reserve='v(hi)', toString='h(h)')
+    'HashSet', add='v(hh)', remove='b(hh)', operator_in='b(hh)', operator_index='h(hi)', items='H(h)', clear='v(h)',
+    reserve='v(hi)', toString='H(h)')
 
 list_size = direct('vorn_collections_ArrayList_size', c_int64, c_void_p)
 list_get_int = direct('vorn_collections_ArrayList_getInt', c_int64, c_void_p, c_int64)

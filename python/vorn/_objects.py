@@ -1,10 +1,12 @@
 """What all collections of the package share: the handle, the classes of element types, one object for each handle."""
 
+import ctypes
+import functools
 import threading
 import weakref
+from reprlib import recursive_repr
 
 from . import _natives, _values
-from ._errors import MemoryException
 from ._types import spelling, type_argument
 
 # A handle that Python holds stays where it is, so that its address says whether there is an object for it already.
@@ -14,6 +16,25 @@ _objects_lock = threading.RLock()
 # The classes of the language by their short names: the class here, and whether it is the synchronised form.
 _families = {}
 _typed_classes = {}
+
+
+def nesting(method):
+    """A method that calls itself for nested collections, and ends in RecursionError where they are nested too deeply."""
+    @functools.wraps(method)
+    def call(*arguments):
+        try:
+            return method(*arguments)
+        except ctypes.ArgumentError as error:
+            # What ctypes makes of a RecursionError in its own calls.
+            if 'RecursionError' in str(error):
+                raise RecursionError('collections are nested too deeply') from None
+            raise
+    return call
+
+
+def representation(method):
+    """A __repr__ that shows a collection within itself as three dots."""
+    return nesting(recursive_repr('...')(method))
 
 
 class Object:
@@ -138,8 +159,6 @@ class Collection(Object):
                 raise TypeError(f'there is no synchronized {cls.__name__}')
         arguments = f'<{",".join(cls.element_types)}>' if cls.element_types else ''
         root = _natives.object_new(f'{short_name}{arguments}'.encode())
-        if root.handle is None:
-            raise MemoryException('there is not enough memory')
         return cls._registered(root, bool(synchronized))
 
     @classmethod

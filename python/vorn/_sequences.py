@@ -2,12 +2,11 @@
 
 import ctypes
 import operator
-from reprlib import recursive_repr
 
 from . import _natives, _values
 from ._errors import IndexException, ValueException
 from ._natives import ArrayList
-from ._objects import Collection
+from ._objects import Collection, representation
 from ._roots import NULL
 from ._types import PRIMITIVES
 
@@ -117,7 +116,19 @@ class RecordSequence(Collection):
 
     def tolist(self):
         """The elements, at one moment, as a list of Python's."""
-        return values_in(gathered(self))
+        raw = self._raw(0, len(self))
+        return values_in(gathered(self)) if raw is None else raw
+
+    def _raw(self, start, stop):
+        """A range of unboxed elements that no thread of another language changes; None where that cannot be said."""
+        primitive = None if self.synchronized else primitive_of(self.handle)
+        if primitive is None:
+            return None
+        count = min(stop, len(self)) - start
+        if count <= 0:
+            return []
+        address = _natives.list_data(self.handle) + start * primitive.width
+        return _values.from_unboxed(primitive, ctypes.string_at(address, count * primitive.width))
 
     def __len__(self):
         return _natives.list_size(self.handle)
@@ -135,6 +146,9 @@ class RecordSequence(Collection):
         raise NotImplementedError
 
     def _chunk(self, start, stop):
+        raw = self._raw(start, stop)
+        if raw is not None:
+            return raw
         # Whatever the class is, the elements are then read in a list on an array.
         chunk = new_list()
         ArrayList.addAll(chunk, ArrayList.slice(self, start, stop, 1, self, self))
@@ -199,7 +213,7 @@ class RecordSequence(Collection):
         needle = self._needle(value)
         return 0 if needle is None else ArrayList.count(self, needle)
 
-    @recursive_repr('...')
+    @representation
     def __repr__(self):
         return self._repr_of(repr(self.tolist()))
 

@@ -2,12 +2,11 @@
 
 from collections import abc
 from itertools import chain
-from reprlib import recursive_repr
 
 from . import _natives, _values
 from ._errors import KeyException
 from ._natives import HashSet as natives
-from ._objects import Collection
+from ._objects import Collection, representation
 from ._sequences import values_in
 
 
@@ -215,7 +214,7 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
     def __gt__(self, other):
         return len(self) > len(other) and self.issuperset(other) if isinstance(other, abc.Set) else NotImplemented
 
-    @recursive_repr('...')
+    @representation
     def __repr__(self):
         return self._repr_of(repr(self.tolist()) if len(self) else '')
 

@@ -21,8 +21,8 @@ class Primitive:
         return self.format in 'fd'
 
     def holds(self, value):
-        """Whether an integer is in the range of the type."""
-        return self.least <= value <= self.greatest
+        """Whether a list of the type takes the integer: of ULong only what is no negative number as a Long."""
+        return self.least <= value <= min(self.greatest, 2**63 - 1)
 
 
 def _integer(name, item_format, bits, signed):
@@ -38,7 +38,7 @@ PRIMITIVES = {each.name: each for each in (
     Primitive('Float', 'f', 4), Primitive('Double', 'd', 8), Primitive('Boolean', '?', 1), Primitive('Char', 'I', 4),
     Primitive('CodeUnit', 'H', 2))}
 
-INT, LONG, ULONG, DOUBLE = (PRIMITIVES[_name] for _name in ('Int', 'Long', 'ULong', 'Double'))
+INT, LONG, DOUBLE = (PRIMITIVES[_name] for _name in ('Int', 'Long', 'Double'))
 
 if any(array.array(each.format.replace('?', 'B')).itemsize != each.width for each in PRIMITIVES.values()):
     raise ImportError('the integers of this platform have other widths than those of the language')

@@ -6,13 +6,12 @@ collection of this package.
 
 import array
 import ctypes
-import math
 import operator
 
 from . import _natives
 from ._errors import TypeException
 from ._roots import NULL, Root
-from ._types import DOUBLE, INT, LONG, PRIMITIVES, ULONG, Char, CodeUnit
+from ._types import DOUBLE, INT, LONG, PRIMITIVES, Char, CodeUnit
 
 _COPIED = (list, dict, set, frozenset, bytes, bytearray)
 
@@ -29,15 +28,12 @@ def _text(value):
 
 
 def _whole_number(value):
-    for primitive in (INT, LONG, ULONG):
+    for primitive in (INT, LONG):
         if primitive.holds(value):
-            return _boxed_integer(primitive, value)
+            return _natives.box_integer(primitive.encoded, value)
+    if 0 < value < 2**64:
+        return _natives.box_integer(b'ULong', value - 2**64)  # the same bits
     raise OverflowError('an integer beyond 64 bits')
-
-
-def _boxed_integer(primitive, value):
-    # The upper half of the unsigned numbers is passed as the same bits.
-    return _natives.box_integer(primitive.encoded, value - 2**64 if value >= 2**63 else value)
 
 
 def _floating(value):
@@ -91,7 +87,7 @@ def handle_of(value):
     raise TypeError(f'the language has no values of the type {type(value).__name__}')
 
 
-def element_for(value, declared):
+def element_for(value, declared, owner='ArrayList'):
     """The value as an element of a declared type: in a box of just that type where it fits, else as handle_of has it,
     which the natives then accept or refuse."""
     primitive = PRIMITIVES.get(declared)
@@ -100,9 +96,12 @@ def element_for(value, declared):
     kind = type(value)
     if primitive.is_integer:
         if kind is int and primitive.holds(value):
-            return _boxed_integer(primitive, value)
+            return _natives.box_integer(primitive.encoded, value)
+        if owner == 'ArrayList' and isinstance(value, int) and 2**63 <= value < 2**64:
+            # The natives of lists would take the bits for those of a negative number.
+            raise TypeException(f'{owner}<{declared}> cannot accept vorn.ULong')
     elif primitive.is_floating:
-        if kind is float or kind is int and -2**53 <= value <= 2**53:
+        if kind is float or kind is int:
             return _natives.box_floating(primitive.encoded, value)
     elif declared == 'Char':
         if isinstance(value, str) and len(value) == 1 and not '\ud800' <= value <= '\udfff':
@@ -116,7 +115,7 @@ def element_for(value, declared):
 def strict_element(value, declared, owner):
     """element_for where no native checks the type: a value that a declared primitive type or String does not take
     raises the TypeException that lists raise."""
-    handle = element_for(value, declared)
+    handle = element_for(value, declared, owner)
     if declared in PRIMITIVES or declared == 'String':
         name = type_name_of(handle)
         if name != f'vorn.{declared}' and not (declared == 'String' and handle is NULL):
@@ -131,7 +130,9 @@ def needle_for(value, primitive):
             value = int(value)
         if hasattr(value, '__index__') and not isinstance(value, (bool, CodeUnit)):
             value = operator.index(value)
-            return _boxed_integer(primitive, value) if primitive.holds(value) else None
+            if not primitive.least <= value <= primitive.greatest:
+                return None
+            return _natives.box_integer(primitive.encoded, value - 2**64 if value >= 2**63 else value)
         return None
     if primitive.is_floating:
         if not isinstance(value, (int, float)) or isinstance(value, (bool, CodeUnit)):
@@ -244,8 +245,7 @@ def unboxed(values, declared):
         elements = array.array(primitive.format.replace('?', 'B'), values)
     except (OverflowError, TypeError):
         return None
-    if primitive.format == 'f' and any(math.isinf(single) and not math.isinf(value)
-                                       for single, value in zip(elements, values)):
+    if primitive.format == 'Q' and not all(map(primitive.holds, values)):
         return None
     return primitive, elements
 
@@ -273,6 +273,8 @@ def from_unboxed(primitive, data):
 
 def fill_unboxed(target, primitive, elements):
     """Gives an empty list declared with the type the raw elements."""
+    if not elements:
+        return  # an empty list need not keep them unboxed yet
     _natives.ArrayList.reserve(target, len(elements))
     refill_unboxed(target, primitive, elements)
 
