@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 
@@ -10,10 +11,30 @@ namespace vorn::runtime {
 
 namespace {
 
+// The letters of a shape, result first, packed into one word: what is looked up at every call must not take longer than
+// the call. No packed shape is zero.
+using Letters = std::uint64_t;
+constexpr std::size_t kMostLetters = sizeof(Letters);
+
 struct Shape {
-  std::string_view text;
+  Letters letters = 0;
   CallAs call = nullptr;
 };
+
+constexpr Letters with(Letters letters, char letter) { return letters << 8 | static_cast<unsigned char>(letter); }
+
+// The letters of "r(ppp)"; zero for a text of another form, or with too many.
+Letters lettersOf(const char* shape) noexcept {
+  if (shape[0] == '\0' || shape[1] != '(') return 0;
+  Letters letters = with(0, shape[0]);
+  const char* next = shape + 2;
+  for (; *next != ')' && *next != '\0'; ++next) {
+    const bool full = letters >> 8 * (kMostLetters - 1) != 0;
+    if (full) return 0;
+    letters = with(letters, *next);
+  }
+  return *next == ')' && next[1] == '\0' ? letters : 0;
+}
 
 template <class T>
 consteval char letterOf() {
@@ -54,7 +75,7 @@ void store(T value, vorn_word* result) {
 // that stands for it here.
 template <class Result, class... Parameters>
 struct CallOf {
-  static constexpr std::array kText = {letterOf<Result>(), '(', letterOf<Parameters>()..., ')'};
+  static_assert(1 + sizeof...(Parameters) <= kMostLetters);
 
   static void call(vorn_function function, const vorn_word* arguments, vorn_word* result) {
     [=]<std::size_t... kIndexes>(std::index_sequence<kIndexes...>) {
@@ -71,8 +92,9 @@ struct CallOf {
 
 template <class Result, class... Parameters>
 consteval Shape shapeOf() {
-  using Call = CallOf<Result, Parameters...>;
-  return {std::string_view(Call::kText.data(), Call::kText.size()), &Call::call};
+  Letters letters = with(0, letterOf<Result>());
+  ((letters = with(letters, letterOf<Parameters>())), ...);
+  return {letters, &CallOf<Result, Parameters...>::call};
 }
 
 using Handle = void*;
@@ -115,18 +137,19 @@ consteval auto sortedShapes() {
       shapeOf<int, Handle>(),
       shapeOf<int, Handle, Handle>(),
   };
-  std::ranges::sort(shapes, {}, &Shape::text);
+  std::ranges::sort(shapes, {}, &Shape::letters);
   return shapes;
 }
 
 constexpr auto kShapes = sortedShapes();
-static_assert(std::ranges::adjacent_find(kShapes, {}, &Shape::text) == kShapes.end(), "each shape stands once");
+static_assert(std::ranges::adjacent_find(kShapes, {}, &Shape::letters) == kShapes.end(), "each shape stands once");
 
 }  // namespace
 
-CallAs callAs(std::string_view shape) noexcept {
-  const auto found = std::ranges::lower_bound(kShapes, shape, {}, &Shape::text);
-  return found != kShapes.end() && found->text == shape ? found->call : nullptr;
+CallAs callAs(const char* shape) noexcept {
+  const Letters letters = lettersOf(shape);
+  const auto found = std::ranges::lower_bound(kShapes, letters, {}, &Shape::letters);
+  return found != kShapes.end() && found->letters == letters ? found->call : nullptr;
 }
 
 }  // namespace vorn::runtime

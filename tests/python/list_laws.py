@@ -6,8 +6,6 @@ import random
 
 import vorn
 
-from support import VornTest
-
 
 class ListLaws:
     """Mixed into a test for each class of lists. `elements` are different values, in ascending order."""
