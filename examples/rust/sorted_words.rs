@@ -1,4 +1,4 @@
-//! Sorts the words of standard input in a list and prints them and their number, by declarations of the C headers alone.
+//! Sorts the words of standard input in a list and prints them and their number, by the C headers alone.
 use std::ffi::{c_void, CStr, CString};
 use std::io::Read;
 use std::os::raw::{c_char, c_int, c_longlong};

@@ -1,8 +1,8 @@
 """Builds the wheel of this package: the modules and the two shared libraries (a PEP 517 backend).
 
 The libraries come from the directory that VORN_LIBRARY_PATH names, or else from build/release, which CMake brings up to
-date first. The collector (libgc) stays a library of the system, as the C++ library does: hence a wheel for this platform
-that claims no more.
+date first. The collector (libgc) stays a library of the system, as the C++ library does: hence the wheel is tagged for
+this platform and claims no more.
 """
 
 import base64
@@ -38,8 +38,9 @@ def _metadata():
     return '\n'.join((
         'Metadata-Version: 2.1', 'Name: vorn', f'Version: {_version()}',
         'Summary: The collections of the vorn language: lists, maps, sets, arrays and tuples',
-        'Requires-Python: >=3.9', 'Classifier: Operating System :: POSIX :: Linux', 'Description-Content-Type: text/plain',
-        '', 'Lists, maps, sets, arrays and tuples of the vorn language, which behave as those of Python do.', ''))
+        'Requires-Python: >=3.9', 'Classifier: Operating System :: POSIX :: Linux',
+        'Description-Content-Type: text/plain', '',
+        'Lists, maps, sets, arrays and tuples of the vorn language, which behave as those of Python do.', ''))
 
 
 def _tag():
@@ -69,7 +70,7 @@ def _libraries():
         with open(plain, 'rb') as file:
             contents = file.read()
         if library == _LIBRARIES[0] and b'$ORIGIN' not in contents:
-            raise ValueError(f'{plain} does not look for its neighbour beside itself: take the libraries of the build tree')
+            raise ValueError(f'{plain} does not look for its neighbour beside itself: take those of the build tree')
         yield (names or [library])[0], contents
 
 

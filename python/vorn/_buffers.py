@@ -66,5 +66,5 @@ class Exporting:
             raise AttributeError(str(error)) from None
         kind = {'?': 'b', 'f': 'f', 'd': 'f'}.get(shown.format) or ('i' if shown.format.islower() else 'u')
         # An array of numpy keeps the view, and with it the export, for as long as it lives.
-        return {'version': 3, 'shape': shown.shape, 'typestr': f'{"<" if shown.itemsize > 1 else "|"}{kind}{shown.itemsize}',
-                'data': shown}
+        order = '<' if shown.itemsize > 1 else '|'
+        return {'version': 3, 'shape': shown.shape, 'typestr': f'{order}{kind}{shown.itemsize}', 'data': shown}

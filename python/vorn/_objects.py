@@ -19,7 +19,7 @@ _typed_classes = {}
 
 
 def nesting(method):
-    """A method that calls itself for nested collections, and ends in RecursionError where they are nested too deeply."""
+    """A method that calls itself for nested collections, and ends in RecursionError where these are too deep."""
     @functools.wraps(method)
     def call(*arguments):
         try:

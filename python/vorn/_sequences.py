@@ -142,7 +142,7 @@ class RecordSequence(Collection):
         return self._with_elements_of(ArrayList.slice(self, *bounds(part, self)))
 
     def _with_elements_of(self, source):
-        """A new collection of this class with the elements of a list. A list that a native makes declares another type."""
+        """A new collection of this class with the elements of a list, which natives make of another declared type."""
         raise NotImplementedError
 
     def _chunk(self, start, stop):

@@ -30,11 +30,11 @@ class ArrayTest(VornTest):
         self.assertRaises(TypeError, vorn.Array[int], 2.5)
 
     def test_every_type_keeps_its_extremes(self):
-        for name, values in (('SByte', (-128, 127)), ('Byte', (0, 255)), ('Short', (-2**15, 2**15 - 1)),
-                             ('UShort', (0, 2**16 - 1)), ('Int', (-2**31, 2**31 - 1)), ('UInt', (0, 2**32 - 1)),
-                             ('Long', (-2**63, 2**63 - 1)), ('ULong', (0, 2**63, 2**64 - 1)), ('Float', (-0.5, 2.0**100)),
-                             ('Double', (-1e300, 5e-324)), ('Boolean', (True, False)), ('Char', ('a', '😀')),
-                             ('CodeUnit', (0, 65535))):
+        extremes = {'SByte': (-128, 127), 'Byte': (0, 255), 'Short': (-2**15, 2**15 - 1), 'UShort': (0, 2**16 - 1),
+                    'Int': (-2**31, 2**31 - 1), 'UInt': (0, 2**32 - 1), 'Long': (-2**63, 2**63 - 1),
+                    'ULong': (0, 2**63, 2**64 - 1), 'Float': (-0.5, 2.0**100), 'Double': (-1e300, 5e-324),
+                    'Boolean': (True, False), 'Char': ('a', '😀'), 'CodeUnit': (0, 65535)}
+        for name, values in extremes.items():
             with self.subTest(type=name):
                 ours = vorn.Array[name](values)
                 self.assertEqual(ours.tolist(), list(values))
@@ -120,8 +120,8 @@ class ArrayTest(VornTest):
         self.assertIsInstance(ours, abc.Sequence)
 
     def test_copies_pickles_and_texts(self):
-        for ours in (vorn.Array[int]([1, 2]), vorn.Array(['a', None, (1, 2)]), vorn.Array[str](['x']), vorn.Array[int](),
-                     vorn.Array[int]([5], synchronized=True)):
+        for ours in (vorn.Array[int]([1, 2]), vorn.Array(['a', None, (1, 2)]), vorn.Array[str](['x']),
+                     vorn.Array[int](), vorn.Array[int]([5], synchronized=True)):
             again = eval(repr(ours), {'vorn': vorn})
             for twin in (ours.copy(), copy.copy(ours), copy.deepcopy(ours), pickle.loads(pickle.dumps(ours)), again):
                 self.assertIsNot(twin, ours)

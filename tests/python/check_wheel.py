@@ -15,6 +15,14 @@ import zipfile
 TESTS = pathlib.Path(__file__).resolve().parent
 ROOT = TESTS.parent.parent
 
+BUILD = '''
+import os, sys
+sys.path.insert(0, sys.argv[1])
+import backend
+os.mkdir(sys.argv[2])
+backend.build_wheel(sys.argv[2])
+'''
+
 SMOKE = '''
 import os, sys, vorn
 from vorn import _library
@@ -60,9 +68,7 @@ def main():
         python = directory / 'venv/bin/python'
         wheels = []
         for number in range(2):
-            run(python, '-c', f'import sys; sys.path.insert(0, {str(ROOT / "python/build_backend")!r}); import backend; '
-                              f'import os; os.mkdir(sys.argv[1]); backend.build_wheel(sys.argv[1])',
-                directory / str(number), env=environment)
+            run(python, '-B', '-c', BUILD, ROOT / 'python/build_backend', directory / str(number), env=environment)
             wheels.extend((directory / str(number)).glob('*.whl'))
         if wheels[0].read_bytes() != wheels[1].read_bytes():
             sys.exit('two builds of the wheel differ')

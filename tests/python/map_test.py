@@ -99,8 +99,8 @@ class MapLaws:
 
     def test_update_forms(self):
         ours, model = self.make(), {}
-        for arguments, keywords in (((PAIRS,), {}), (([('x', 1)],), {}), ((), {'y': 2}), ((self.make(PAIRS),), {'a': 7}),
-                                    (({},), {})):
+        for arguments, keywords in (((PAIRS,), {}), (([('x', 1)],), {}), ((), {'y': 2}),
+                                    ((self.make(PAIRS),), {'a': 7}), (({},), {})):
             ours.update(*arguments, **keywords)
             model.update(*(dict(each) for each in arguments), **keywords)
             self.assertSame(ours, model)

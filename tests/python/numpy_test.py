@@ -17,8 +17,9 @@ except ImportError:
 class NumpyTest(VornTest):
 
     def test_arrays_share_the_elements(self):
-        for name, kind in (('SByte', 'i1'), ('Byte', 'u1'), ('Short', 'i2'), ('UShort', 'u2'), ('Int', 'i4'), ('UInt', 'u4'),
-                           ('Long', 'i8'), ('ULong', 'u8'), ('Float', 'f4'), ('Double', 'f8'), ('CodeUnit', 'u2')):
+        kinds = {'SByte': 'i1', 'Byte': 'u1', 'Short': 'i2', 'UShort': 'u2', 'Int': 'i4', 'UInt': 'u4', 'Long': 'i8',
+                 'ULong': 'u8', 'Float': 'f4', 'Double': 'f8', 'CodeUnit': 'u2'}
+        for name, kind in kinds.items():
             for make in (vorn.List, vorn.Array):
                 ours = make[name]([1, 2, 3])
                 shared = numpy.asarray(ours)

@@ -31,8 +31,9 @@ class ValuesTest(VornTest):
         self.assertEqual(vorn.Map(a=value)['a'], value)
 
     def test_values_come_back_as_they_went(self):
-        for value in (None, True, False, 0, -1, 2**31, -2**63, 2**63 - 1, 2**63, 2**64 - 1, 0.0, -0.5, 1e300, float('inf'),
-                      '', 'text', 'grüße, κόσμε 😀', 'x' * 100000, '\u0001\ufeff\uffff', vorn.Char('😀'), vorn.CodeUnit(5)):
+        for value in (None, True, False, 0, -1, 2**31, -2**63, 2**63 - 1, 2**63, 2**64 - 1, 0.0, -0.5, 1e300,
+                      float('inf'), '', 'text', 'grüße, κόσμε 😀', 'x' * 100000, '\u0001\ufeff\uffff',
+                      vorn.Char('😀'), vorn.CodeUnit(5)):
             with self.subTest(value=str(value)[:20]):
                 self.assertKept(value)
         nan = vorn.List([float('nan')])[0]
