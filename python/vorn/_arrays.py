@@ -162,7 +162,7 @@ class Array(_buffers.Exporting, Collection, Sequence, plain='Array', synchronize
         primitive = PRIMITIVES.get(self._declared)
         if primitive is None or self.synchronized:
             raise BufferError(f'{"a synchronised array" if self.synchronized else "an Array of objects"} has no buffer')
-        return _buffers.view(self, primitive, _natives.array_data(self.handle), len(self))
+        return _buffers.view(self, primitive, natives.rawDataPtr)
 
 
 def _restored_array(generic, arguments, synchronized, size):

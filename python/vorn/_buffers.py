@@ -8,8 +8,6 @@ memory alive that it shows, which then is no longer the list's.
 import array
 import ctypes
 
-from ._roots import Root
-
 _ITEMS = {'b': ctypes.c_int8, 'B': ctypes.c_uint8, 'h': ctypes.c_int16, 'H': ctypes.c_uint16, 'i': ctypes.c_int32,
           'I': ctypes.c_uint32, 'q': ctypes.c_int64, 'Q': ctypes.c_uint64, 'f': ctypes.c_float, 'd': ctypes.c_double,
           '?': ctypes.c_bool}
@@ -18,12 +16,18 @@ _ITEMS = {'b': ctypes.c_int8, 'B': ctypes.c_uint8, 'h': ctypes.c_int16, 'H': cty
 class _Export:
     """Keeps a collection, and the block that its elements are in, alive and counted while this object lives."""
 
-    __slots__ = ('collection', 'block')
+    __slots__ = ('collection', 'block', 'count')
 
-    def __init__(self, collection, address):
-        self.collection, self.block = collection, Root(address)
-        # Lists grow and shrink atomically, which adding to a number does not.
+    def __init__(self, collection, locate):
+        self.collection = collection
+        # Counted first: from now on no change begins that moves the elements. Lists grow and shrink atomically, which
+        # adding to a number does not.
         collection._exports.append(None)
+        while True:
+            self.block, self.count = locate(collection), len(collection)
+            # A change that another thread had begun may come between; a block that is kept alive is nobody else's.
+            if locate(collection).handle == self.block.handle:
+                return
 
     def __del__(self):
         self.collection._exports.pop()
@@ -35,13 +39,15 @@ class _NoElements(array.array):
     export = None
 
 
-def view(collection, primitive, address, count, readonly=False):
-    """A memoryview of so many elements of the primitive type."""
+def view(collection, primitive, locate, readonly=False):
+    """A memoryview of the elements, which are of the primitive type; `locate` is the native that gives their address."""
+    export = _Export(collection, locate)
+    count = export.count
     if count:
-        elements = (_ITEMS[primitive.format] * count).from_address(address)
+        elements = (_ITEMS[primitive.format] * count).from_address(export.block.handle)
     else:
         elements = _NoElements(primitive.format.replace('?', 'B'))
-    elements.export = _Export(collection, address)
+    elements.export = export
     # In the format that the module struct uses by itself, which not every memoryview of ctypes is in.
     result = memoryview(elements)
     if count:

@@ -63,7 +63,7 @@ class ImmutableList(_buffers.Exporting, RecordSequence, Sequence, plain='Immutab
     def memoryview(self):
         """A read-only view of the unboxed elements; BufferError for a list that keeps boxes."""
         primitive = self._primitive_for_view()
-        return _buffers.view(self, primitive, _natives.list_data(self.handle), len(self), readonly=True)
+        return _buffers.view(self, primitive, _natives.ArrayList.primitiveDataPtr, readonly=True)
 
 
 def _immutable_list(generic, arguments, values):

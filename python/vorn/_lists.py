@@ -1,7 +1,5 @@
 """The lists that can change."""
 
-import array
-import ctypes
 import operator
 from collections.abc import MutableSequence
 
@@ -101,13 +99,13 @@ class _MutableList(RecordSequence, MutableSequence):
         stop = max(start, stop) if step == 1 else stop
         same_size = step != 1 or size == stop - start
         self._changing(moves=not same_size or self._declared not in PRIMITIVES)
-        if same_size or self.synchronized or primitive_of(self.handle) is None:
+        if same_size or not self._stays_unboxed(source):
             ArrayList.sliceAssign(self, start, stop, 1, self, self, source) if step == 1 else \
                 ArrayList.sliceAssign(self, *given, source)
             return
-        # The native would put every element into a box, where these two steps do not.
+        rest = ArrayList.slice(self, stop, 0, 1, self, NULL)
         ArrayList.addAllAt(self, start, source)
-        self._delete_range(start + size, stop + size)
+        self._replace_from(start + size, rest)
 
     def _delete(self, part):
         bounds(part, self)
@@ -120,12 +118,10 @@ class _MutableList(RecordSequence, MutableSequence):
         if positions.step == 1 or len(positions) == 1:
             self._delete_range(positions[0], positions[-1] + 1)
             return
-        primitive = primitive_of(self.handle)
-        if primitive is not None and not self.synchronized:
-            elements = array.array(primitive.format.replace('?', 'B'))
-            elements.frombytes(ctypes.string_at(_natives.list_data(self.handle), len(self) * primitive.width))
-            del elements[positions.start:positions.stop:positions.step]
-            _values.refill_unboxed(self, primitive, elements)
+        if self._stays_unboxed():
+            kept = self.tolist()
+            del kept[positions.start:positions.stop:positions.step]
+            self._replace_from(0, gathered(kept, primitive_of(self.handle).name))
             return
         whole, kept, after = gathered(self), gathered(()), 0
         for position in (*positions, len(self)):
@@ -135,14 +131,25 @@ class _MutableList(RecordSequence, MutableSequence):
         ArrayList.sliceAssign(self, 0, 0, 1, NULL, NULL, kept)
 
     def _delete_range(self, start, stop):
-        primitive = primitive_of(self.handle)
-        if primitive is None or self.synchronized:
+        if self._stays_unboxed():
+            self._replace_from(start, ArrayList.slice(self, stop, 0, 1, self, NULL))
+        else:
             ArrayList.sliceAssign(self, start, stop, 1, self, self, gathered(()))
-            return
-        count, width = len(self), primitive.width
-        address = _natives.list_data(self.handle)
-        ctypes.memmove(address + start * width, address + stop * width, (count - stop) * width)
-        ArrayList.commitPrimitiveDataSize(self, count - (stop - start))
+
+    def _stays_unboxed(self, added=None):
+        """Whether a range is replaced in steps, after which the elements are still unboxed, as they are not after the
+        one native that does it at once. A synchronised list has to be changed at once."""
+        primitive = None if self.synchronized else primitive_of(self.handle)
+        if primitive is None or added is None or self._declared:
+            return primitive is not None
+        # A list without a declared type goes on as it is with nothing, or with more of the same.
+        return not _natives.list_size(added.handle) or primitive_of(added.handle) is primitive
+
+    def _replace_from(self, start, source):
+        """Puts the elements of another list in the place of those from an index on. There are fewer of them, so that
+        this takes no memory that the list does not have."""
+        ArrayList.commitPrimitiveDataSize(self, start)
+        ArrayList.addAll(self, source)
 
     # ---- The whole list ----
 
@@ -287,7 +294,7 @@ class List(_buffers.Exporting, _MutableList, plain='ArrayList', synchronized='Ar
         """A view of the unboxed elements, which may be written to, except those of Char. BufferError for a list that
         keeps boxes. While it is in use, the list changes neither its size nor its storage."""
         primitive = self._primitive_for_view()
-        return _buffers.view(self, primitive, _natives.list_data(self.handle), len(self))
+        return _buffers.view(self, primitive, ArrayList.primitiveDataPtr)
 
 
 class LinkedList(_MutableList, plain='LinkedList', synchronized='LinkedListSync'):

@@ -95,7 +95,7 @@ class Statistics(ctypes.Structure):
                 ('collections', c_uint64)]
 
 
-UNBOXED = 2  # ListStorage.storage
+LINKED, UNBOXED = 1, 2  # ListStorage.storage
 
 # ---- The runtime ----
 
@@ -131,12 +131,12 @@ ArrayList = _Natives(
     'ArrayList', add='v(hh)', addAt='v(hih)', addAll='v(hh)', addAllAt='v(hih)', operator_index='h(hi)',
     operator_index_eq='v(hih)', removeAt='v(hi)', remove='b(hh)', clear='v(h)', count='i(hh)', indexOf='i(hhi)',
     reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', repeat='H(hi)',
-    reverse='v(h)', sort='v(h)', toString='H(h)')
+    reverse='v(h)', sort='v(h)', primitiveDataPtr='h(h)', toString='H(h)')
 ImmutableList = _Natives('ImmutableList', ctor='v(hh)', toString='H(h)')
 Tuple = _Natives('Tuple', operator_index='h(hi)', toString='H(h)')
 Array = _Natives(
     'Array', ctor='v(hi)', operator_index='h(hi)', operator_index_eq='v(hih)', count='i(hh)', indexOf='i(hhi)',
-    sort='v(h)', reverse='v(h)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', toString='H(h)')
+    sort='v(h)', reverse='v(h)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', rawDataPtr='h(h)', toString='H(h)')
 Map = _Natives(
     'Map', put='v(hhh)', remove='b(hh)', clear='v(h)', reserve='v(hi)', tryGet='b(hhp)', operator_in='b(hh)',
     containsValue='b(hh)', keys='H(h)', values='H(h)', items='H(h)', toString='H(h)')
@@ -150,6 +150,5 @@ list_get_double = direct('vorn_collections_ArrayList_getDouble', c_double, c_voi
 list_data = direct('vorn_collections_ArrayList_primitiveDataPtr', c_void_p, c_void_p)
 tuple_size = direct('vorn_collections_Tuple_size', c_int64, c_void_p)
 array_size = direct('vorn_collections_Array_size', c_int64, c_void_p)
-array_data = direct('vorn_collections_Array_rawDataPtr', c_void_p, c_void_p)
 map_size = direct('vorn_collections_Map_size', c_int64, c_void_p)
 set_size = direct('vorn_collections_HashSet_size', c_int64, c_void_p)

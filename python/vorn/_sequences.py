@@ -84,6 +84,13 @@ def gathered(values, declared=''):
     return target
 
 
+def gathered_root(root):
+    """A new ArrayList with the elements of a list that has no object."""
+    target = new_list()
+    ArrayList.addAll(target, root)
+    return target
+
+
 def values_in(handle):
     """The elements of a list that nobody else changes."""
     primitive = primitive_of(handle.handle)
@@ -116,19 +123,14 @@ class RecordSequence(Collection):
 
     def tolist(self):
         """The elements, at one moment, as a list of Python's."""
-        raw = self._raw(0, len(self))
-        return values_in(gathered(self)) if raw is None else raw
+        return self._chunk(0, _GREATEST)
 
-    def _raw(self, start, stop):
-        """A range of unboxed elements that no thread of another language changes; None where that cannot be said."""
-        primitive = None if self.synchronized else primitive_of(self.handle)
-        if primitive is None:
-            return None
-        count = min(stop, len(self)) - start
-        if count <= 0:
-            return []
-        address = _natives.list_data(self.handle) + start * primitive.width
-        return _values.from_unboxed(primitive, ctypes.string_at(address, count * primitive.width))
+    def _chunk(self, start, stop):
+        """A range of the elements, read in a copy of it: whatever other threads do, a native is one step."""
+        chunk = ArrayList.slice(self, start, stop, 1, self, self)
+        if storage_of(chunk.handle).storage == _natives.LINKED:
+            chunk = gathered_root(chunk)
+        return values_in(chunk)
 
     def __len__(self):
         return _natives.list_size(self.handle)
@@ -144,15 +146,6 @@ class RecordSequence(Collection):
     def _with_elements_of(self, source):
         """A new collection of this class with the elements of a list, which natives make of another declared type."""
         raise NotImplementedError
-
-    def _chunk(self, start, stop):
-        raw = self._raw(start, stop)
-        if raw is not None:
-            return raw
-        # Whatever the class is, the elements are then read in a list on an array.
-        chunk = new_list()
-        ArrayList.addAll(chunk, ArrayList.slice(self, start, stop, 1, self, self))
-        return values_in(chunk)
 
     def __iter__(self):
         position, size = 0, _FIRST_CHUNK

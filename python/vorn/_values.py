@@ -272,16 +272,9 @@ def from_unboxed(primitive, data):
 
 
 def fill_unboxed(target, primitive, elements):
-    """Gives an empty list declared with the type the raw elements."""
+    """Gives an empty list declared with the type, which nobody else knows, the raw elements."""
     if not elements:
         return  # an empty list need not keep them unboxed yet
     _natives.ArrayList.reserve(target, len(elements))
-    refill_unboxed(target, primitive, elements)
-
-
-def refill_unboxed(target, primitive, elements):
-    """Replaces the elements of a list that has room for them and keeps them unboxed."""
-    address = _natives.list_data(target.handle)
-    if elements:
-        ctypes.memmove(address, elements.buffer_info()[0], len(elements) * primitive.width)
+    ctypes.memmove(_natives.list_data(target.handle), elements.buffer_info()[0], len(elements) * primitive.width)
     _natives.ArrayList.commitPrimitiveDataSize(target, len(elements))

@@ -74,6 +74,11 @@ class ThreadsTest(VornTest):
                          sorted((number, str(round_)) for number in range(THREADS) for round_ in range(ROUNDS)))
         self.assertEqual((len(others), len(names)), (THREADS * ROUNDS, 2 * ROUNDS))
 
+    def test_no_append_is_lost_among_threads(self):
+        ours = vorn.List[int]()
+        self.on_threads(lambda number: [ours.append(number) for _ in range(20 * ROUNDS)])
+        self.assertEqual([ours.count(number) for number in range(THREADS)], [20 * ROUNDS] * THREADS)
+
     def test_threads_pop_what_others_push(self):
         ours, taken = vorn.LinkedList(synchronized=True), [[] for _ in range(THREADS)]
 
