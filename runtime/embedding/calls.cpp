@@ -1,5 +1,4 @@
 // Calls for programs that C++ exceptions cannot pass through.
-#include <cxxabi.h>
 #include <vorn/runtime.h>
 
 #include <algorithm>
@@ -23,8 +22,6 @@ constexpr const char* kNativeException = "NativeException";
 void raiseCaught() {
   try {
     throw;
-  } catch (const abi::__forced_unwind&) {
-    throw;  // the thread is being cancelled, which nobody may stop
   } catch (const std::bad_alloc&) {
     raiseError(kMemoryException, "there is not enough memory");
   } catch (const std::length_error&) {
@@ -47,6 +44,8 @@ int vorn_call(const char* shape, vorn_function function, const vorn_word* argume
   try {
     call(function, arguments, result);
   } catch (...) {
+    // A thread that exits or is cancelled unwinds its stack as well, by nothing that C++ threw, and nobody may stop it.
+    if (std::current_exception() == nullptr) throw;
     if (result != nullptr) result->integer = 0;
     raiseCaught();
   }
