@@ -225,7 +225,7 @@ typedef union vorn_word {
 } vorn_word;
 
 /* Any function; it is called as what it is. */
-typedef void (*vorn_function)(void);
+typedef void (*vorn_function)(void); /* NOLINT(modernize-redundant-void-arg): C needs it */
 
 /* Calls a native, or a function of this header, for a program that no C++ exception may pass through, or whose own
  * frames the collector cannot read: from C++ and C, call the function itself.
