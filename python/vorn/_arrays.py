@@ -151,10 +151,7 @@ class Array(_buffers.Exporting, Collection, Sequence, plain='Array', synchronize
         return _values.value_of(natives.toString(self))
 
     def __reduce__(self):
-        generic = type(self).__mro__[1] if type(self).__dict__.get('element_types') else type(self)
-        arguments = self.element_types if generic is not type(self) else ()
-        return (_restored_array, (generic, arguments, self.synchronized, len(self)), None, None,
-                enumerate(self.tolist()))
+        return (_restored_array, (*self._origin(), self.synchronized, len(self)), None, None, enumerate(self.tolist()))
 
     def memoryview(self):
         """A view of the unboxed elements, which may be written to, except those of Char. BufferError for an array of

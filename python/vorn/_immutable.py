@@ -57,8 +57,7 @@ class ImmutableList(_buffers.Exporting, RecordSequence, Sequence, plain='Immutab
         return _values.value_of(_natives.ImmutableList.toString(self))
 
     def __reduce__(self):
-        generic = type(self).__mro__[1] if type(self).__dict__.get('element_types') else type(self)
-        return (_immutable_list, (generic, self.element_types if generic is not type(self) else (), self.tolist()))
+        return (_restored, (*self._origin(), self.tolist()))
 
     def memoryview(self):
         """A read-only view of the unboxed elements; BufferError for a list that keeps boxes."""
@@ -66,7 +65,7 @@ class ImmutableList(_buffers.Exporting, RecordSequence, Sequence, plain='Immutab
         return _buffers.view(self, primitive, _natives.ArrayList.primitiveDataPtr, readonly=True)
 
 
-def _immutable_list(generic, arguments, values):
+def _restored(generic, arguments, values):
     return generic._typed(arguments)(values)
 
 
@@ -149,8 +148,7 @@ class Tuple(Collection, Sequence, plain='Tuple'):
         return _values.value_of(_natives.Tuple.toString(self))
 
     def __reduce__(self):
-        generic = type(self).__mro__[1] if type(self).__dict__.get('element_types') else type(self)
-        return (_immutable_list, (generic, self.element_types if generic is not type(self) else (), tuple(self)))
+        return (_restored, (*self._origin(), tuple(self)))
 
 
 class _Made:

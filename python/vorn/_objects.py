@@ -195,13 +195,19 @@ class Collection(Object):
     def __copy__(self):
         return self.copy()
 
+    def _origin(self):
+        """What its class is made of, for pickles, which know classes by their names: the class without declared types,
+        and these types."""
+        cls = type(self)
+        return (cls.__mro__[1], cls.element_types) if cls.__dict__.get('element_types') else (cls, ())
+
     def __reduce__(self):
         # Contents follow one by one, so that a collection may contain itself.
-        cls = type(self)
-        generic, arguments = cls, ()
-        if cls.__dict__.get('element_types'):
-            generic, arguments = cls.__mro__[1], cls.element_types
-        return (_restored, (generic, arguments, self.synchronized), None, *self._contents_to_restore())
+        return (_restored, (*self._origin(), self.synchronized), None, *self._contents_to_restore())
+
+    def _contents_to_restore(self):
+        """The iterators of elements and of pairs that a pickle stores."""
+        raise NotImplementedError
 
 
 def _restored(generic, arguments, synchronized):

@@ -221,13 +221,8 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
     def __str__(self):
         return _values.value_of(natives.toString(self))
 
-    def _contents_to_restore(self):
-        raise NotImplementedError
-
     def __reduce__(self):
-        generic = type(self).__mro__[1] if type(self).__dict__.get('element_types') else type(self)
-        arguments = self.element_types if generic is not type(self) else ()
-        return (_restored_set, (generic, arguments, self.synchronized, self.tolist()))
+        return (_restored_set, (*self._origin(), self.synchronized, self.tolist()))
 
 
 def _elements(values):
