@@ -277,6 +277,19 @@ class List(_buffers.Exporting, _MutableList, plain='ArrayList', synchronized='Ar
 
     __slots__ = ()
 
+    def append(self, value):
+        """Adds the value at the end."""
+        # Numbers of the declared type go in without a box.
+        primitive, kind = PRIMITIVES.get(self._declared), type(value)
+        if kind is int and primitive is not None and primitive.is_integer and primitive.holds(value):
+            self._changing()
+            ArrayList.addPrimitiveI64(self, value, primitive.encoded)
+        elif kind is float and primitive is not None and primitive.is_floating:
+            self._changing()
+            ArrayList.addPrimitiveDouble(self, value, primitive.encoded)
+        else:
+            super().append(value)
+
     def __getitem__(self, index):
         # Numbers of a declared type are read without a box, where no error can come of it.
         primitive = PRIMITIVES.get(self._declared)

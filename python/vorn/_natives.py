@@ -128,9 +128,9 @@ class _Natives:
 
 
 ArrayList = _Natives(
-    'ArrayList', add='v(hh)', addAt='v(hih)', addAll='v(hh)', addAllAt='v(hih)', operator_index='h(hi)',
-    operator_index_eq='v(hih)', removeAt='v(hi)', remove='b(hh)', clear='v(h)', count='i(hh)', indexOf='i(hhi)',
-    reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', repeat='H(hi)',
+    'ArrayList', add='v(hh)', addPrimitiveI64='v(his)', addPrimitiveDouble='v(hds)', addAt='v(hih)', addAll='v(hh)',
+    addAllAt='v(hih)', operator_index='h(hi)', operator_index_eq='v(hih)', removeAt='v(hi)', remove='b(hh)',
+    clear='v(h)', count='i(hh)', indexOf='i(hhi)', reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', repeat='H(hi)',
     reverse='v(h)', sort='v(h)', primitiveDataPtr='h(h)', toString='H(h)')
 ImmutableList = _Natives('ImmutableList', ctor='v(hh)', toString='H(h)')
 Tuple = _Natives('Tuple', operator_index='h(hi)', toString='H(h)')
