@@ -18,6 +18,7 @@ class Array(_buffers.Exporting, Collection, Sequence, plain='Array', synchronize
     """
 
     __slots__ = ('_exports',)
+    family = 'array'
     __hash__ = None
     _is_source = True
 
@@ -58,7 +59,7 @@ class Array(_buffers.Exporting, Collection, Sequence, plain='Array', synchronize
         return target
 
     def __len__(self):
-        return _natives.array_size(self.handle)
+        return _natives.Array.size(self)
 
     def __getitem__(self, index):
         if not isinstance(index, slice):

@@ -40,7 +40,7 @@ class _NoElements(array.array):
 
 
 def view(collection, primitive, locate, readonly=False):
-    """A memoryview of the elements, which are of the primitive type; `locate` is the native that gives their address."""
+    """A memoryview of the elements, which are of the primitive type; `locate` is the native that finds them."""
     export = _Export(collection, locate)
     count = export.count
     if count:

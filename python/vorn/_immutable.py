@@ -74,6 +74,7 @@ class Tuple(Collection, Sequence, plain='Tuple'):
     has their hash."""
 
     __slots__ = ()
+    family = 'tuple'
     _argument_count = None
     _is_source = True
 
@@ -87,7 +88,7 @@ class Tuple(Collection, Sequence, plain='Tuple'):
         return cls._registered(_values.tuple_of(values, cls.language_name.encode()))
 
     def __len__(self):
-        return _natives.tuple_size(self.handle)
+        return _natives.Tuple.size(self)
 
     def __getitem__(self, index):
         if isinstance(index, slice):

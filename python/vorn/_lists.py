@@ -90,7 +90,7 @@ class _MutableList(RecordSequence, MutableSequence):
     def _assign(self, part, values):
         given = bounds(part, self)
         source = self._accepted(values)
-        size = _natives.list_size(source.handle)
+        size = _natives.ArrayList.size(source)
         start, stop, step = part.indices(len(self))
         if step != 1:
             covered = len(range(start, stop, step))
@@ -143,7 +143,7 @@ class _MutableList(RecordSequence, MutableSequence):
         if primitive is None or added is None or self._declared:
             return primitive is not None
         # A list without a declared type goes on as it is with nothing, or with more of the same.
-        return not _natives.list_size(added.handle) or primitive_of(added.handle) is primitive
+        return not _natives.ArrayList.size(added) or primitive_of(added.handle) is primitive
 
     def _replace_from(self, start, source):
         """Puts the elements of another list in the place of those from an index on. There are fewer of them, so that
@@ -294,7 +294,7 @@ class List(_buffers.Exporting, _MutableList, plain='ArrayList', synchronized='Ar
         # Numbers of a declared type are read without a box, where no error can come of it.
         primitive = PRIMITIVES.get(self._declared)
         if type(index) is int and primitive is not None and not self.synchronized:
-            count = _natives.list_size(self.handle)
+            count = _natives.ArrayList.size(self)
             if -count <= index < count:
                 if primitive.is_floating:
                     return _natives.list_get_double(self.handle, index)

@@ -74,6 +74,7 @@ class _AnyMap(Collection, MutableMapping):
     """The common part of Map and SortedMap."""
 
     __slots__ = ()
+    family = 'map'
     _argument_count = 2
     __hash__ = None
 
@@ -173,13 +174,13 @@ class _AnyMap(Collection, MutableMapping):
     # ---- All of them ----
 
     def __len__(self):
-        return _natives.map_size(self.handle)
+        return _natives.Map.size(self)
 
     def _pairs(self):
         # As tuples of the language both halves are of one moment, which matters when threads share the map.
         if self.synchronized:
             listing = natives.items(self)
-            count = _natives.list_size(listing.handle)
+            count = _natives.ArrayList.size(listing)
             pairs = [_natives.ArrayList.operator_index(listing, index) for index in range(count)]
             return [tuple(_values.value_of(_natives.Tuple.operator_index(pair, half)) for half in (0, 1))
                     for pair in pairs]

@@ -28,8 +28,14 @@ def _structure(letters):
                 {'_fields_': [(f'word_{index}', _WORDS[letter]) for index, letter in enumerate(letters)]})
 
 
-def guarded(name, shape):
-    """The function as a callable that raises what the function raises or throws."""
+def checked(receiver, family):
+    """A native ends the process when its receiver has another sort of record: that must not come from Python."""
+    if getattr(receiver, 'family', family) != family:
+        raise TypeError(f'{type(receiver).__name__} is no {family}')
+
+
+def guarded(name, shape, family=None):
+    """The function as a callable that raises what the function raises or throws. A native has a family of receivers."""
     result_letter, letters = shape[0], shape[2:-1]
     words = _structure(letters)
     takes_handle = [letter == 'h' for letter in letters]
@@ -37,6 +43,8 @@ def guarded(name, shape):
     text = shape.translate(_LETTERS_OF_C).encode()
 
     def call_for(slot, arguments):
+        if family is not None:
+            checked(arguments[0], family)
         given = words(*[argument.handle if is_handle else argument
                         for argument, is_handle in zip(arguments, takes_handle)])
         raised = _call(text, address, ctypes.byref(given), slot)
@@ -66,6 +74,16 @@ def guarded(name, shape):
 
     call.__name__, call.shape = name, text.decode()
     return call
+
+
+def sized(name, family):
+    """A native that gives the size of a collection."""
+    native = direct(name, c_int64, c_void_p)
+
+    def size(collection):
+        checked(collection, family)
+        return native(collection.handle)
+    return size
 
 
 def direct(name, result, *parameters):
@@ -120,35 +138,32 @@ equals = guarded('vorn_equals', 'n(hh)')
 
 
 class _Natives:
-    """The natives of one class of the language."""
+    """The natives of one class of the language; `family` is that of the receivers."""
 
-    def __init__(self, prefix, **shapes):
+    def __init__(self, prefix, family, **shapes):
         for name, shape in shapes.items():
-            setattr(self, name, guarded(f'vorn_collections_{prefix}_{name}', shape))
+            setattr(self, name, guarded(f'vorn_collections_{prefix}_{name}', shape, family))
+        self.size = sized(f'vorn_collections_{prefix}_size', family)
 
 
 ArrayList = _Natives(
-    'ArrayList', add='v(hh)', addPrimitiveI64='v(his)', addPrimitiveDouble='v(hds)', addAt='v(hih)', addAll='v(hh)',
-    addAllAt='v(hih)', operator_index='h(hi)', operator_index_eq='v(hih)', removeAt='v(hi)', remove='b(hh)',
-    clear='v(h)', count='i(hh)', indexOf='i(hhi)', reserve='v(hi)', commitPrimitiveDataSize='v(hi)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', repeat='H(hi)',
-    reverse='v(h)', sort='v(h)', primitiveDataPtr='h(h)', toString='H(h)')
-ImmutableList = _Natives('ImmutableList', ctor='v(hh)', toString='H(h)')
-Tuple = _Natives('Tuple', operator_index='h(hi)', toString='H(h)')
+    'ArrayList', 'list', add='v(hh)', addPrimitiveI64='v(his)', addPrimitiveDouble='v(hds)', addAt='v(hih)',
+    addAll='v(hh)', addAllAt='v(hih)', operator_index='h(hi)', operator_index_eq='v(hih)', removeAt='v(hi)',
+    remove='b(hh)', clear='v(h)', count='i(hh)', indexOf='i(hhi)', reserve='v(hi)', commitPrimitiveDataSize='v(hi)',
+    slice='H(hiiihh)', sliceAssign='v(hiiihhh)', repeat='H(hi)', reverse='v(h)', sort='v(h)', primitiveDataPtr='h(h)',
+    toString='H(h)')
+ImmutableList = _Natives('ImmutableList', 'list', ctor='v(hh)', toString='H(h)')
+Tuple = _Natives('Tuple', 'tuple', operator_index='h(hi)', toString='H(h)')
 Array = _Natives(
-    'Array', ctor='v(hi)', operator_index='h(hi)', operator_index_eq='v(hih)', count='i(hh)', indexOf='i(hhi)',
+    'Array', 'array', ctor='v(hi)', operator_index='h(hi)', operator_index_eq='v(hih)', count='i(hh)', indexOf='i(hhi)',
     sort='v(h)', reverse='v(h)', slice='H(hiiihh)', sliceAssign='v(hiiihhh)', rawDataPtr='h(h)', toString='H(h)')
 Map = _Natives(
-    'Map', put='v(hhh)', remove='b(hh)', clear='v(h)', reserve='v(hi)', tryGet='b(hhp)', operator_in='b(hh)',
+    'Map', 'map', put='v(hhh)', remove='b(hh)', clear='v(h)', reserve='v(hi)', tryGet='b(hhp)', operator_in='b(hh)',
     containsValue='b(hh)', keys='H(h)', values='H(h)', items='H(h)', toString='H(h)')
 HashSet = _Natives(
-    'HashSet', add='v(hh)', remove='b(hh)', operator_in='b(hh)', operator_index='h(hi)', items='H(h)', clear='v(h)',
-    reserve='v(hi)', toString='H(h)')
+    'HashSet', 'set', add='v(hh)', remove='b(hh)', operator_in='b(hh)', operator_index='h(hi)', items='H(h)',
+    clear='v(h)', reserve='v(hi)', toString='H(h)')
 
-list_size = direct('vorn_collections_ArrayList_size', c_int64, c_void_p)
 list_get_int = direct('vorn_collections_ArrayList_getInt', c_int64, c_void_p, c_int64)
 list_get_double = direct('vorn_collections_ArrayList_getDouble', c_double, c_void_p, c_int64)
 list_data = direct('vorn_collections_ArrayList_primitiveDataPtr', c_void_p, c_void_p)
-tuple_size = direct('vorn_collections_Tuple_size', c_int64, c_void_p)
-array_size = direct('vorn_collections_Array_size', c_int64, c_void_p)
-map_size = direct('vorn_collections_Map_size', c_int64, c_void_p)
-set_size = direct('vorn_collections_HashSet_size', c_int64, c_void_p)

@@ -42,6 +42,7 @@ class Object:
 
     __slots__ = ('handle', '_root', '__weakref__')
     language_name = 'Object'
+    family = 'object'
 
     def __new__(cls, *_, **__):
         raise TypeError(f'{cls.__name__} objects come from the runtime')

@@ -94,7 +94,7 @@ def gathered_root(root):
 def values_in(handle):
     """The elements of a list that nobody else changes."""
     primitive = primitive_of(handle.handle)
-    count = _natives.list_size(handle.handle)
+    count = _natives.ArrayList.size(handle)
     if primitive is not None:
         return _values.from_unboxed(primitive,
                                     ctypes.string_at(_natives.list_data(handle.handle), count * primitive.width))
@@ -105,6 +105,7 @@ class RecordSequence(Collection):
     """A collection whose object has the record of a list."""
 
     __slots__ = ('_exports',)
+    family = 'list'
     _is_source = True
 
     @classmethod
@@ -133,7 +134,7 @@ class RecordSequence(Collection):
         return values_in(chunk)
 
     def __len__(self):
-        return _natives.list_size(self.handle)
+        return _natives.ArrayList.size(self)
 
     def __getitem__(self, index):
         if isinstance(index, slice):

@@ -17,6 +17,7 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
     """
 
     __slots__ = ()
+    family = 'set'
     __hash__ = None
     _is_source = True
 
@@ -74,7 +75,7 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
         return sought is not None and natives.operator_in(self, sought)
 
     def __len__(self):
-        return _natives.set_size(self.handle)
+        return _natives.HashSet.size(self)
 
     def tolist(self):
         """The elements, at one moment, as a list of Python's."""

@@ -113,6 +113,24 @@ class ValuesTest(VornTest):
         self.assertRaises(TypeError, vorn.Object)
         self.assertRaises(TypeError, vorn.Collection)
 
+    def test_a_method_that_is_given_an_object_of_another_class_is_a_type_error(self):
+        objects = (vorn.List[int]([1]), vorn.Array[int]([1]), vorn.Tuple((1,)), vorn.Map({1: 2}), vorn.Set([1]),
+                   vorn.Map[int, int]({1: 2}), _values.value_of(_natives.object_new(b'Object')))
+        methods = (vorn.List.__len__, vorn.List.__getitem__, vorn.List.append, vorn.List.tolist, vorn.List.__contains__,
+                   vorn.List.count, vorn.ImmutableList.__str__, vorn.Array.__len__, vorn.Array.__getitem__,
+                   vorn.Array.index, vorn.Array.__str__, vorn.Tuple.__len__, vorn.Tuple.__getitem__, vorn.Map.__len__,
+                   vorn.Map.__getitem__, vorn.Map.__contains__, vorn.Map.pop, vorn.Map.__str__, vorn.Set.__len__,
+                   vorn.Set.add, vorn.Set.__contains__, vorn.Set.remove, vorn.Set.__str__)
+        families = {'List': 'list', 'ImmutableList': 'list', 'RecordSequence': 'list', '_MutableList': 'list',
+                    'Array': 'array', 'Tuple': 'tuple', '_AnyMap': 'map', 'Set': 'set'}
+        for method in methods:
+            for each in objects:
+                if each.family != families[method.__qualname__.partition('.')[0]]:
+                    arguments = (each, 0)[:method.__code__.co_argcount]
+                    with self.subTest(method=method.__qualname__, object=type(each).__name__):
+                        self.assertRaises((TypeError, AttributeError), method, *arguments)
+        self.assertRaises(AttributeError, vorn.List.__len__, [])
+
     def test_errors_are_those_of_python_and_of_the_language(self):
         for error, base, name in ((vorn.IndexException, IndexError, 'IndexException'),
                                   (vorn.KeyException, KeyError, 'KeyException'),
