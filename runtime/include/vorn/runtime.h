@@ -229,9 +229,9 @@ VORN_RUNTIME_EXPORT void vorn_errors_clear(void);
 
 /* What a call takes and gives: a handle or another pointer, a 64-bit integer or a truth value, or a double. */
 typedef union vorn_word {
-  void* handle;
-  int64_t integer;
-  double floating;
+  void* handle;    /* h */
+  int64_t integer; /* i, n, b */
+  double floating; /* d */
 } vorn_word;
 
 /* Any function; it is called as what it is. */
