@@ -22,7 +22,7 @@ constexpr std::size_t kLargeHeap = std::size_t{32} << 20;
 constexpr unsigned kAddressBits = 48;
 using Word = std::atomic<std::uint64_t>;
 constexpr std::size_t kTableBytes = (std::size_t{1} << (kAddressBits - kHugePageBits - 6)) * sizeof(Word);
-constinit std::atomic<Word*> asked{nullptr};
+constinit std::atomic<Word*> askedPages{nullptr};
 
 // Linux 6.1; older headers and systems do not know it.
 constexpr int kCollapse = 25;
@@ -42,11 +42,11 @@ constexpr int kCollapse = 25;
 void wantHugePages() noexcept {
   void* const table =
       mmap(nullptr, kTableBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (table != MAP_FAILED) asked.store(static_cast<Word*>(table), std::memory_order_release);
+  if (table != MAP_FAILED) askedPages.store(static_cast<Word*>(table), std::memory_order_release);
 }
 
 void putOnHugePages(const void* block, std::size_t bytes) noexcept {
-  Word* const words = asked.load(std::memory_order_acquire);
+  Word* const words = askedPages.load(std::memory_order_acquire);
   const auto first = reinterpret_cast<std::uintptr_t>(block);
   const std::size_t last = (first + bytes - 1) >> kHugePageBits;
   if (words == nullptr || last >> (kAddressBits - kHugePageBits) != 0) return;

@@ -412,6 +412,14 @@ class ErrorsTest(VornTest):
         self.assertEqual(runtime.error_count(), 0)
         self.assertIsNone(runtime.error_class(0))
 
+    def test_what_a_native_throws_is_an_error_of_a_guarded_call(self):
+        a_list = new('ArrayList<Int>')
+        reserve = vorn.address_of('vorn_collections_ArrayList_reserve')
+        arguments = (c_int64 * 2)(a_list.handle, 2**62)
+        self.assertEqual(runtime.call(b'v(hi)', reserve, ctypes.addressof(arguments), None), 1)
+        self.assertRaised(('MemoryException', 'there is not enough memory'))
+        self.assertEqual(runtime.call(b'v(h', reserve, None, None), -1)
+
     def test_errors_belong_to_their_thread(self):
         runtime.raise_(b'Exception', b'mine')
         seen = []

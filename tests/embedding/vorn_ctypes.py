@@ -1,4 +1,5 @@
-"""The embedding API and the list natives through ctypes, for the tests beside this file.
+"""The embedding API and the list natives through ctypes, bare, for the tests beside this file. Programs use the package
+in python/, which knows less of the API and guards what it calls.
 
 The shared libraries are found through VORN_LIB_DIR; VORN_TEST_HEAP ("heap=stress", ...) chooses the heap. A handle that
 is used again after a call that may allocate sits in a Slot: the stress heap finds no other handles.
@@ -96,6 +97,7 @@ RUNTIME = {
     'vorn_error_class': (c_char_p, [c_size_t]),
     'vorn_error_message': (c_char_p, [c_size_t]),
     'vorn_errors_clear': (None, []),
+    'vorn_call': (c_int, [c_char_p, c_void_p, c_void_p, c_void_p]),
     'vorn_root_add': (None, [c_void_p]),
     'vorn_root_remove': (None, [c_void_p]),
     'vorn_heap_collect': (None, []),
@@ -197,6 +199,11 @@ class Slot:
     @handle.setter
     def handle(self, value):
         self._cell.value = value
+
+
+def address_of(name):
+    """An exported function as an address."""
+    return ctypes.cast(getattr(_libraries[0], name), c_void_p)
 
 
 def integer(type_name, value):

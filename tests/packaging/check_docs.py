@@ -15,13 +15,14 @@ Every block of code names its language, and by that is checked:
 - `sh`: bash can read it. Every `./dev NAME`, here and in the text, is a subcommand.
 - `console`: a conversation that the console has in the same way, with all others of its page before it.
 - `vorn`: a script of the console, with its expectations.
-- `python`: Python can read it.
+- `python`: Python can read it. Those of docs/python.md are run by tests/python/check_guide.py.
 
 Links to files and to headings lead somewhere, and the index of docs/ leads to every page there.
 """
 
 import ast
 import collections
+import doctest
 import os
 import pathlib
 import re
@@ -216,8 +217,9 @@ class Checker:
             self.build_and_run(block.line, ["sh", "-c", command])
 
     def check_python(self, block):
+        examples = doctest.DocTestParser().get_examples(block.code)
         try:
-            ast.parse(block.code)
+            ast.parse("".join(example.source for example in examples) if examples else block.code)
         except SyntaxError as error:
             self.fail(block.line, f"no Python: {error}")
 

@@ -233,6 +233,35 @@ VORN_RUNTIME_EXPORT const char* vorn_error_class(size_t index);
 VORN_RUNTIME_EXPORT const char* vorn_error_message(size_t index);
 VORN_RUNTIME_EXPORT void vorn_errors_clear(void);
 
+/* ---- Calls from other languages ---------------------------------------------------------------------------------- */
+
+/* What a call takes and gives: a handle or another pointer, a 64-bit integer or a truth value, or a double. */
+typedef union vorn_word {
+  void* handle;    /* h */
+  int64_t integer; /* i, n, b */
+  double floating; /* d */
+} vorn_word;
+
+/* Any function; it is called as what it is. */
+typedef void (*vorn_function)(void); /* NOLINT(modernize-redundant-void-arg): C needs it */
+
+/* Calls a native, or a function of this header, for a program that no C++ exception may pass through, or whose own
+ * frames the collector cannot read: from C++ and C, call the function itself.
+ *
+ * `shape` writes down its type, a letter for the result and for each parameter: h for a handle or any other pointer, i
+ * for a 64-bit integer, n for an int, d for a double, b for a bool, v for no result; "h(hi)" is the one of
+ * vorn_collections_ArrayList_operator_index. There are shapes for every native of at most seven parameters. The caller
+ * must give the function's own shape and a word for each parameter.
+ *
+ * The result goes to *result, which may be null: a bool as 0 or 1, the neutral one when the function threw. When
+ * *result is a rooted slot, a returned handle is at no moment out of the collector's sight.
+ *
+ * An exception becomes a pending error: "MemoryException" for exhausted memory and for sizes beyond all memory,
+ * "NativeException" with the exception's text for any other. Gives the number of errors that the call raised and left
+ * pending, and -1, without a call, for an unknown shape. */
+VORN_RUNTIME_EXPORT int vorn_call(const char* shape, vorn_function function, const vorn_word* arguments,
+                                  vorn_word* result);
+
 /* ---- Roots and heap ---------------------------------------------------------------------------------------------- */
 
 /* Makes *slot a root of the whole process until it is removed; any thread may remove it. A slot may be added once. */
