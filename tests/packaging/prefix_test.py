@@ -5,7 +5,7 @@ import shutil
 import sys
 import unittest
 
-from debian_root import DebianRoot, packages_in
+from debian_root import DebianRoot
 from workspace import ABI, PACKAGES, PRINTED, ROOT, VERSION, Workspace, guide_blocks
 
 BUILD = ROOT / 'build/release'
