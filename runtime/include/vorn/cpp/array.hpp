@@ -26,7 +26,9 @@ namespace vorn {
 // A handle to an array of T. `Class` is plain (Array) or synchronized.
 //
 // Elements of a primitive type lie unboxed; all others are handles, null at first, which only `value` can be read from.
-// A negative index counts from the end. A member that throws has changed nothing, unless it says otherwise.
+// A negative index counts from the end. A member that throws has changed nothing, unless it says otherwise. Where the C
+// API has constructed an array anew with primitive elements of another type than its class says, elements are read and
+// written converted.
 template <element T, class Class = plain>
 class array : public object {
   using kind = detail::array_class<Class>;
@@ -84,8 +86,8 @@ class array : public object {
       (!std::same_as<std::remove_cvref_t<R>, array>)explicit array(R&& range)
       : object(detail::raw_handle{new_from(range)}) {}
 
-  // The array that a handle refers to. Throws type_error when it is of another class, or when its elements are of another
-  // type. Allocates for arrays of primitive types.
+  // The array that a handle refers to. Throws type_error when it is of another class or has another type argument. Does
+  // not allocate.
   [[nodiscard]] static array from_handle(void* handle) {
     if (!holds(handle)) {
       detail::throw_type_error(detail::generic_name(kind::name, element_traits<T>::name()), vorn_type_name(handle));

@@ -3,6 +3,7 @@
 #define VORN_CPP_LIST_STORAGE_HPP
 
 #include <vorn/collections/array_list.h>
+#include <vorn/collections/immutable_list.h>
 #include <vorn/cpp/classes.hpp>
 #include <vorn/cpp/value.hpp>
 

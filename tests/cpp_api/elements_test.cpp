@@ -1,0 +1,264 @@
+// Every C++ type that stands for a type of the language, through every collection and back.
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <list>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/cpp_api/cpp_api_test.h"
+
+namespace vorn::tests {
+namespace {
+
+// The type's name in the language and three values of it in ascending order, its extremes among them.
+template <class T>
+struct Samples {
+  static std::vector<T> values() { return {std::numeric_limits<T>::lowest(), T{1}, std::numeric_limits<T>::max()}; }
+};
+template <>
+struct Samples<bool> {
+  static std::vector<bool> values() { return {false, true}; }
+};
+template <>
+struct Samples<char32_t> {
+  static std::vector<char32_t> values() { return {U'\0', U'ß', 0x10FFFF}; }
+};
+template <>
+struct Samples<char16_t> {
+  static std::vector<char16_t> values() { return {u'a', 0xD800, 0xFFFF}; }
+};
+template <>
+struct Samples<std::string> {
+  static std::vector<std::string> values() { return {"", "a text that is longer than any small buffer", "größer"}; }
+};
+
+template <class T>
+const char* languageName();
+template <>
+const char* languageName<std::int8_t>() {
+  return "SByte";
+}
+template <>
+const char* languageName<std::uint8_t>() {
+  return "Byte";
+}
+template <>
+const char* languageName<std::int16_t>() {
+  return "Short";
+}
+template <>
+const char* languageName<std::uint16_t>() {
+  return "UShort";
+}
+template <>
+const char* languageName<std::int32_t>() {
+  return "Int";
+}
+template <>
+const char* languageName<std::uint32_t>() {
+  return "UInt";
+}
+template <>
+const char* languageName<std::int64_t>() {
+  return "Long";
+}
+template <>
+const char* languageName<std::uint64_t>() {
+  return "ULong";
+}
+template <>
+const char* languageName<float>() {
+  return "Float";
+}
+template <>
+const char* languageName<double>() {
+  return "Double";
+}
+template <>
+const char* languageName<bool>() {
+  return "Boolean";
+}
+template <>
+const char* languageName<char32_t>() {
+  return "Char";
+}
+template <>
+const char* languageName<char16_t>() {
+  return "CodeUnit";
+}
+template <>
+const char* languageName<std::string>() {
+  return "String";
+}
+
+template <class T>
+class CppElements : public CppApi {};
+using ElementTypes =
+    ::testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t, std::int64_t,
+                     std::uint64_t, float, double, bool, char32_t, char16_t, std::string>;
+TYPED_TEST_SUITE(CppElements, ElementTypes);
+
+TYPED_TEST(CppElements, BearTheLanguagesName) {
+  const list<TypeParam> xs;
+  EXPECT_EQ(xs.type_name(), "vorn.collections.ArrayList<" + std::string(languageName<TypeParam>()) + ">");
+  const value boxed(static_cast<TypeParam>(Samples<TypeParam>::values().front()));
+  EXPECT_EQ(boxed.type_name(), "vorn." + std::string(languageName<TypeParam>()));
+}
+
+TYPED_TEST(CppElements, GoIntoListsInBulkAndOneByOneAndBack) {
+  const std::vector<TypeParam> samples = Samples<TypeParam>::values();
+  const list<TypeParam> bulk(samples);
+  list<TypeParam> single;
+  for (const auto& x : samples) single.push_back(x);
+  EXPECT_EQ(bulk.to_vector(), samples);
+  EXPECT_EQ(single.to_vector(), samples);
+  EXPECT_TRUE(bulk == single);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    EXPECT_EQ(bulk.at(static_cast<std::ptrdiff_t>(i)), samples[i]) << i;
+    EXPECT_EQ(single.index_of(samples[i]), static_cast<std::ptrdiff_t>(i));
+    EXPECT_TRUE(bulk.contains(samples[i]));
+  }
+  single[0] = samples.back();
+  single.insert(1, samples.front());
+  EXPECT_EQ(single.front(), samples.back());
+  EXPECT_EQ(single.at(1), samples.front());
+  EXPECT_EQ(single.count(samples.back()), 2U);
+}
+
+TYPED_TEST(CppElements, GoThroughEveryClassOfListsAndArrays) {
+  const std::vector<TypeParam> samples = Samples<TypeParam>::values();
+  EXPECT_EQ((list<TypeParam, synchronized>(samples).to_vector()), samples);
+  EXPECT_EQ(linked_list<TypeParam>(samples).to_vector(), samples);
+  EXPECT_EQ((linked_list<TypeParam, synchronized>(samples).to_vector()), samples);
+  EXPECT_EQ(immutable_list<TypeParam>(samples).to_vector(), samples);
+  EXPECT_EQ(array<TypeParam>(samples).to_vector(), samples);
+  EXPECT_EQ((array<TypeParam, synchronized>(samples).to_vector()), samples);
+  array<TypeParam> xs(samples);
+  xs[-1] = samples.front();
+  EXPECT_EQ(xs.back(), samples.front());
+  EXPECT_EQ(xs.last_index_of(samples.front()), static_cast<std::ptrdiff_t>(samples.size()) - 1);
+}
+
+TYPED_TEST(CppElements, AreKeysAndValues) {
+  const std::vector<TypeParam> samples = Samples<TypeParam>::values();
+  std::map<TypeParam, TypeParam> model;
+  for (std::size_t i = 0; i < samples.size(); ++i) model[samples[i]] = samples[samples.size() - 1 - i];
+  const map<TypeParam, TypeParam> hashed(model);
+  const sorted_map<TypeParam, TypeParam> inOrder(model);
+  EXPECT_EQ((hashed.template to<std::map<TypeParam, TypeParam>>()), model);
+  EXPECT_EQ((inOrder.template to<std::map<TypeParam, TypeParam>>()), model);
+  EXPECT_EQ(inOrder.keys().to_vector(), samples);
+  const map<TypeParam, TypeParam, synchronized> shared(model);
+  EXPECT_EQ((shared.template to<std::map<TypeParam, TypeParam>>()), model);
+  for (const auto& [key, mapped] : model) EXPECT_EQ(hashed.at(key), mapped);
+  EXPECT_EQ(set<TypeParam>(samples).template to<std::set<TypeParam>>(),
+            std::set<TypeParam>(samples.begin(), samples.end()));
+}
+
+TYPED_TEST(CppElements, GoThroughUntypedValuesAndLists) {
+  const std::vector<TypeParam> samples = Samples<TypeParam>::values();
+  for (const auto& x : samples) {
+    const value boxed(static_cast<TypeParam>(x));
+    EXPECT_TRUE(boxed.is<TypeParam>());
+    EXPECT_EQ(boxed.as<TypeParam>(), x);
+    EXPECT_FALSE(value().is<TypeParam>());
+    EXPECT_FALSE(value(list<int>()).is<TypeParam>());
+  }
+  // An undeclared list, whose elements are looked at one by one.
+  const value untyped = value::from_handle(vorn_object_new("ArrayList"));
+  list<TypeParam> xs = list<TypeParam>::from_handle(untyped.handle());
+  for (const auto& x : samples) xs.push_back(x);
+  EXPECT_EQ(xs.to_vector(), samples);
+  for (std::size_t i = 0; i < samples.size(); ++i) EXPECT_EQ(xs.at(static_cast<std::ptrdiff_t>(i)), samples[i]);
+  list<value>::from_handle(untyped.handle()).push_back(nullptr);
+  EXPECT_THROW((void)xs.back(), type_error);
+  EXPECT_THROW((void)xs.to_vector(), type_error);
+}
+
+class CppNumbers : public CppApi {};
+
+TEST_F(CppNumbers, OfAnotherType_AreReadWhereTheyFitExactly) {
+  EXPECT_EQ(value(std::int64_t{7}).as<std::int32_t>(), 7);
+  EXPECT_EQ(value(std::int8_t{-7}).as<std::int64_t>(), -7);
+  EXPECT_EQ(value(UINT64_MAX).as<std::uint64_t>(), UINT64_MAX);
+  EXPECT_EQ(value(3).as<double>(), 3.0);
+  EXPECT_EQ(value(1.5F).as<double>(), 1.5);
+  EXPECT_EQ(value(1.5).as<float>(), 1.5F);
+  EXPECT_TRUE(std::isnan(value(std::nan("")).as<float>()));
+  EXPECT_EQ(value(std::uint64_t{1} << 63).as<double>(), 0x1p63);
+  EXPECT_EQ(value(INT64_MIN).as<double>(), -0x1p63);
+}
+
+TEST_F(CppNumbers, OfAnotherType_AreRefusedWhereTheyDoNotFit) {
+  EXPECT_FALSE(value(std::int64_t{1} << 32).is<std::int32_t>());
+  EXPECT_FALSE(value(-1).is<std::uint64_t>());
+  EXPECT_FALSE(value(UINT64_MAX).is<std::int64_t>());
+  EXPECT_FALSE(value((std::int64_t{1} << 53) + 1).is<double>());
+  EXPECT_FALSE(value(INT64_MAX).is<double>());
+  EXPECT_FALSE(value(UINT64_MAX).is<double>());
+  EXPECT_FALSE(value(0.1).is<float>());
+  EXPECT_FALSE(value(1e300).is<float>());
+  EXPECT_FALSE(value(2.0).is<int>());
+  EXPECT_FALSE(value(true).is<int>());
+  EXPECT_FALSE(value(U'a').is<int>());
+  EXPECT_FALSE(value(u'a').is<char32_t>());
+  EXPECT_FALSE(value(1).is<bool>());
+  EXPECT_EQ(thrownBy([] { (void)value("x").as<int>(); }),
+            "type_error|TypeError: Int was expected, but the value is vorn.String");
+  EXPECT_EQ(thrownBy([] { (void)value().as<std::string>(); }),
+            "type_error|TypeError: String was expected, but the value is null");
+}
+
+TEST_F(CppNumbers, LongLongIsLong) {
+  const list<long long> xs{1LL << 40, -1};
+  EXPECT_EQ(xs.to_vector(), (std::vector<long long>{1LL << 40, -1}));
+  EXPECT_EQ(xs.type_name(), "vorn.collections.ArrayList<Long>");
+  EXPECT_TRUE(list<long>::holds(xs.handle()));
+  EXPECT_EQ((map<unsigned long long, long long>{{1, 2}}.at(1)), 2);
+}
+
+class CppTexts : public CppApi {};
+
+TEST_F(CppTexts, WhatTheLanguageDoesNotTake_IsRefusedBeforeItIsMade) {
+  const std::string nul("a\0b", 3);
+  const char* const nulRefused = "value_error|ValueException: U+0000 cannot be stored in a String";
+  const char* const charRefused =
+      "value_error|ValueException: Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)";
+  list<std::string> texts;
+  EXPECT_EQ(thrownBy([&] { texts.push_back(nul); }), nulRefused);
+  EXPECT_EQ(thrownBy([&] { (void)list<std::string>{nul}; }), nulRefused);
+  EXPECT_EQ(thrownBy([&] { (void)value(nul); }), nulRefused);
+  EXPECT_EQ(thrownBy([&] { (void)string(nul); }), nulRefused);
+  EXPECT_TRUE(texts.empty());
+  for (const char32_t none : {char32_t{0xD800}, char32_t{0xDFFF}, char32_t{0x110000}}) {
+    list<char32_t> characters{U'a'};
+    array<char32_t> fixed{U'a'};
+    EXPECT_EQ(thrownBy([&] { characters.push_back(none); }), charRefused);
+    EXPECT_EQ(thrownBy([&] { characters[0] = none; }), charRefused);
+    EXPECT_EQ(thrownBy([&] { characters.append_range(std::vector<char32_t>{U'b', none}); }), charRefused);
+    EXPECT_EQ(thrownBy([&] { fixed[0] = none; }), charRefused);
+    EXPECT_EQ(thrownBy([&] { (void)array<char32_t>{U'a', none}; }), charRefused);
+    EXPECT_EQ(thrownBy([&] { (void)value(none); }), charRefused);
+    EXPECT_EQ(characters.to_string(), "[a]");
+    EXPECT_EQ(fixed.to_string(), "f:[a]");
+  }
+}
+
+TEST_F(CppTexts, OneStringMayBeReferredToByMany) {
+  const string text("shared");
+  list<string> xs{text, text};
+  EXPECT_TRUE(xs.at(0).is_same(xs.at(1)));
+  EXPECT_EQ(xs.at(0), "shared");
+  EXPECT_TRUE(text < string("shares"));
+  EXPECT_EQ(value(text).as<std::string>(), "shared");
+  EXPECT_EQ(string::from_handle(text.handle()).view(), "shared");
+  EXPECT_EQ(thrownBy([] { (void)string::from_handle(value(1).handle()); }),
+            "type_error|TypeError: String was expected, but the value is vorn.Int");
+}
+
+}  // namespace
+}  // namespace vorn::tests
