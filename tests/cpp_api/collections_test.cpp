@@ -22,6 +22,10 @@ TEST_F(CppLists, AreHandles_CopiesShareAndClonesDoNot) {
   EXPECT_EQ(xs.size(), 2U);
   EXPECT_EQ(other.size(), 1U);
   EXPECT_EQ(other.type_name(), xs.type_name());
+  const immutable_list<int> fixed{1};
+  EXPECT_FALSE(fixed.clone().is_same(fixed));
+  EXPECT_EQ(fixed.clone().to_string(), "i:[1]");
+  EXPECT_EQ(linked_list<std::string>({"a", "b"}).clone().to_string(), R"(l:["a", "b"])");
   const list<int> moved = std::move(same);
   EXPECT_TRUE(same.is_same(moved));  // NOLINT(bugprone-use-after-move): a moved handle stays one
   same = other;

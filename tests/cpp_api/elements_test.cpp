@@ -132,8 +132,13 @@ TYPED_TEST(CppElements, GoIntoListsInBulkAndOneByOneAndBack) {
 TYPED_TEST(CppElements, GoThroughEveryClassOfListsAndArrays) {
   const std::vector<TypeParam> samples = Samples<TypeParam>::values();
   EXPECT_EQ((list<TypeParam, synchronized>(samples).to_vector()), samples);
-  EXPECT_EQ(linked_list<TypeParam>(samples).to_vector(), samples);
-  EXPECT_EQ((linked_list<TypeParam, synchronized>(samples).to_vector()), samples);
+  linked_list<TypeParam> single;
+  for (const auto& x : samples) single.push_back(x);
+  EXPECT_EQ(single.to_vector(), samples);
+  EXPECT_EQ(single.clone().to_vector(), samples);
+  if constexpr (!std::same_as<TypeParam, std::uint64_t>) {
+    EXPECT_EQ((linked_list<TypeParam, synchronized>(samples).to_vector()), samples);
+  }
   EXPECT_EQ(immutable_list<TypeParam>(samples).to_vector(), samples);
   EXPECT_EQ(array<TypeParam>(samples).to_vector(), samples);
   EXPECT_EQ((array<TypeParam, synchronized>(samples).to_vector()), samples);
@@ -211,6 +216,18 @@ TEST_F(CppNumbers, OfAnotherType_AreRefusedWhereTheyDoNotFit) {
             "type_error|TypeError: Int was expected, but the value is vorn.String");
   EXPECT_EQ(thrownBy([] { (void)value().as<std::string>(); }),
             "type_error|TypeError: String was expected, but the value is null");
+}
+
+TEST_F(CppNumbers, OfTheUpperHalfOfULong_AreCopiedAndOtherwiseLeftToTheLanguage) {
+  const std::vector<std::uint64_t> large{1, UINT64_MAX};
+  const char* const refused = "type_error|TypeError: ArrayList<ULong> cannot accept vorn.ULong";
+  list<std::uint64_t> xs(large);
+  EXPECT_EQ(xs.clone().to_vector(), large);
+  EXPECT_EQ((list<std::uint64_t, synchronized>(large).clone().to_vector()), large);
+  EXPECT_EQ(immutable_list<std::uint64_t>(large).clone().to_vector(), large);
+  EXPECT_EQ(thrownBy([&] { xs.append_range(large); }), refused);
+  EXPECT_EQ(thrownBy([&] { xs.insert(0, UINT64_MAX); }), refused);
+  EXPECT_EQ(thrownBy([&] { (void)linked_list<std::uint64_t>(large); }), refused);
 }
 
 TEST_F(CppNumbers, LongLongIsLong) {

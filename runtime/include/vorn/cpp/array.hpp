@@ -251,7 +251,7 @@ class array : public object {
                   !std::same_as<T, char32_t>) {
       const auto size = static_cast<std::size_t>(std::ranges::size(range));
       const detail::local_root made(new_of_size(size));
-      if (size != 0) detail::write_elements<T>(range, elements(made.get()).data(), size);
+      if (size != 0) detail::write_elements<T>(range, unchecked_elements(made.get()).data(), size);
       return made.get();
     } else {
       const detail::source<T> source(range);
@@ -259,16 +259,19 @@ class array : public object {
     }
   }
 
+  static std::span<detail::stored<T>> unchecked_elements(void* array) {
+    return {static_cast<detail::stored<T>*>(vorn_collections_Array_rawDataPtr(array)),
+            static_cast<std::size_t>(vorn_collections_Array_rawSize(array))};
+  }
   // The width of what lies there is that of the array's element type, which constructing it anew may have changed.
   static std::span<detail::stored<T>> elements(void* array) {
-    const auto size = static_cast<std::size_t>(vorn_collections_Array_rawSize(array));
-    if (size == 0) return {};
+    if (vorn_collections_Array_rawSize(array) == 0) return {};
     const detail::local_root first(detail::call(vorn_collections_Array_operator_index, array, 0LL));
     const char* const type = vorn_type_name(first.get());
     if (type == nullptr || type != "vorn." + element_traits<T>::name()) {
       detail::throw_type_error("an array of unboxed " + element_traits<T>::name(), type);
     }
-    return {static_cast<detail::stored<T>*>(vorn_collections_Array_rawDataPtr(array)), size};
+    return unchecked_elements(array);
   }
 
   [[nodiscard]] access_type access() const { return {handle()}; }

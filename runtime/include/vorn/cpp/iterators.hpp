@@ -57,24 +57,22 @@ class element_reference {
   { return *this = static_cast<value_type>(get() - x); }
 
   // Numbers compare as numbers, by their conversion. Everything else as elements do.
-  friend bool operator==(const element_reference& left, const value_type& right)
-    requires(!std::is_arithmetic_v<value_type>)
-  {
+  friend bool operator==(const element_reference& left,
+                         const value_type& right) requires(!std::is_arithmetic_v<value_type>) {
     return left.get() == right;
   }
-  friend bool operator==(const element_reference& left, const element_reference& right)
-    requires(!std::is_arithmetic_v<value_type>)
-  {
+  friend bool operator==(const element_reference& left,
+                         const element_reference& right) requires(!std::is_arithmetic_v<value_type>) {
     return left.get() == right.get();
   }
-  friend auto operator<=>(const element_reference& left, const value_type& right)
-    requires(!std::is_arithmetic_v<value_type> && std::three_way_comparable<value_type>)
-  {
+  friend auto operator<=>(const element_reference& left,
+                          const value_type& right) requires(!std::is_arithmetic_v<value_type> &&
+                                                            std::three_way_comparable<value_type>) {
     return left.get() <=> right;
   }
-  friend auto operator<=>(const element_reference& left, const element_reference& right)
-    requires(!std::is_arithmetic_v<value_type> && std::three_way_comparable<value_type>)
-  {
+  friend auto operator<=>(const element_reference& left,
+                          const element_reference& right) requires(!std::is_arithmetic_v<value_type> &&
+                                                                   std::three_way_comparable<value_type>) {
     return left.get() <=> right.get();
   }
   friend void swap(const element_reference& left, const element_reference& right) {

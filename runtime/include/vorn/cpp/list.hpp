@@ -24,9 +24,12 @@ namespace vorn {
 // A handle to a list of T. `Class` is plain (ArrayList), synchronized, linked, linked_synchronized or immutable; an
 // immutable list lacks the members that change a list.
 //
-// Elements of a primitive type lie unboxed in lists that are not linked. A negative index counts from the end
-// everywhere but in insert. All members but the observers of the handle itself may throw what errors.hpp says; "throws"
-// below names what they throw of themselves. A member that throws has changed nothing, unless it says otherwise.
+// Elements of a primitive type lie unboxed in lists that are not linked. A negative index counts from the end everywhere
+// but in insert. All members but the observers of the handle itself may throw what errors.hpp says; "throws" below names
+// what they throw of themselves. A member that throws has changed nothing, unless it says otherwise.
+//
+// A list declared ULong takes numbers of 2^63 and more by construction from a range and by push_back alone; from boxes
+// and other collections the language refuses them with TypeError, and so type_error is thrown.
 template <element T, class Class = plain>
 class list : public object {
   using kind = detail::list_class<Class>;
@@ -118,7 +121,18 @@ class list : public object {
   }
 
   // A new list of the same class with the same elements. Allocates.
-  [[nodiscard]] list clone() const { return list(detail::raw_handle{detail::new_list<T, Class>(*this)}); }
+  [[nodiscard]] list clone() const {
+    if constexpr (is_mutable) {
+      // Turned around twice, since the other natives that copy give a list without type arguments or convert elements.
+      list copy = reversed();
+      copy.reverse();
+      return copy;
+    } else {
+      const detail::local_root copy(new_empty());
+      detail::call(vorn_collections_ImmutableList_ctor, copy.get(), handle());
+      return list(detail::raw_handle{copy.get()});
+    }
+  }
 
   // ---- Reading ------------------------------------------------------------------------------------------------------
 
@@ -159,21 +173,12 @@ class list : public object {
 
   // The elements of one moment. Unboxed ones are copied by a constant number of calls.
   [[nodiscard]] std::vector<T> to_vector() const {
-    if constexpr (kind::is_shared || !kind::is_indexed) {
-      return list<T, plain>(*this).to_vector();
+    if constexpr (!kind::is_indexed) {
+      return listed().to_vector();
+    } else if constexpr (kind::is_shared) {
+      return slice().copied();
     } else {
-      if constexpr (is_unboxed) {
-        const detail::list_view_of<T> view(handle());
-        if (view.is_unboxed()) {
-          const auto all = detail::unboxed_elements<T>(handle(), view.info.size);
-          return std::vector<T>(all.begin(), all.end());
-        }
-      }
-      const std::size_t count = size();
-      std::vector<T> result;
-      result.reserve(count);
-      for (std::size_t i = 0; i < count; ++i) result.push_back(at(static_cast<std::ptrdiff_t>(i)));
-      return result;
+      return copied();
     }
   }
   // The same in a container C that is made from two iterators.
@@ -341,7 +346,7 @@ class list : public object {
     } else if constexpr (detail::primitive_element<T>) {
       return Iterator(to_vector());
     } else {
-      return Iterator(list<T, plain>(*this));
+      return Iterator(listed());
     }
   }
   template <class Iterator>
@@ -351,6 +356,29 @@ class list : public object {
     } else {
       return std::default_sentinel;
     }
+  }
+
+  // The elements of a linked list in one that has an index. It is not declared, so that it takes whatever there is.
+  [[nodiscard]] list<T, plain> listed() const {
+    const detail::local_root all(detail::new_object(detail::list_class<plain>::name));
+    detail::call(vorn_collections_ArrayList_addAll, all.get(), handle());
+    return list<T, plain>::from_handle(all.get());
+  }
+
+  // The elements of a list that nobody else changes meanwhile.
+  [[nodiscard]] std::vector<T> copied() const {
+    if constexpr (is_unboxed) {
+      const detail::list_view_of<T> view(handle());
+      if (view.is_unboxed()) {
+        const auto all = detail::unboxed_elements<T>(handle(), view.info.size);
+        return std::vector<T>(all.begin(), all.end());
+      }
+    }
+    const std::size_t count = size();
+    std::vector<T> result;
+    result.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) result.push_back(at(static_cast<std::ptrdiff_t>(i)));
+    return result;
   }
 
   [[nodiscard]] std::span<detail::stored<T>> elements() const {
