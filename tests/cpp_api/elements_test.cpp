@@ -1,11 +1,7 @@
 // Every C++ type that stands for a type of the language, through every collection and back.
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <list>
-#include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -95,6 +91,7 @@ const char* languageName<std::string>() {
   return "String";
 }
 
+// Values are compared without EXPECT_EQ, whose printers would be most of what there is to compile.
 template <class T>
 class CppElements : public CppApi {};
 using ElementTypes =
@@ -114,54 +111,57 @@ TYPED_TEST(CppElements, GoIntoListsInBulkAndOneByOneAndBack) {
   const list<TypeParam> bulk(samples);
   list<TypeParam> single;
   for (const auto& x : samples) single.push_back(x);
-  EXPECT_EQ(bulk.to_vector(), samples);
-  EXPECT_EQ(single.to_vector(), samples);
+  EXPECT_TRUE(bulk.to_vector() == samples);
+  EXPECT_TRUE(single.to_vector() == samples);
   EXPECT_TRUE(bulk == single);
   for (std::size_t i = 0; i < samples.size(); ++i) {
-    EXPECT_EQ(bulk.at(static_cast<std::ptrdiff_t>(i)), samples[i]) << i;
+    EXPECT_TRUE(bulk.at(static_cast<std::ptrdiff_t>(i)) == samples[i]) << i;
     EXPECT_EQ(single.index_of(samples[i]), static_cast<std::ptrdiff_t>(i));
     EXPECT_TRUE(bulk.contains(samples[i]));
   }
   single[0] = samples.back();
   single.insert(1, samples.front());
-  EXPECT_EQ(single.front(), samples.back());
-  EXPECT_EQ(single.at(1), samples.front());
+  EXPECT_TRUE(single.front() == samples.back());
+  EXPECT_TRUE(single.at(1) == samples.front());
   EXPECT_EQ(single.count(samples.back()), 2U);
 }
 
 TYPED_TEST(CppElements, GoThroughEveryClassOfListsAndArrays) {
   const std::vector<TypeParam> samples = Samples<TypeParam>::values();
-  EXPECT_EQ((list<TypeParam, synchronized>(samples).to_vector()), samples);
+  EXPECT_TRUE((list<TypeParam, synchronized>(samples).to_vector()) == samples);
   linked_list<TypeParam> single;
   for (const auto& x : samples) single.push_back(x);
-  EXPECT_EQ(single.to_vector(), samples);
-  EXPECT_EQ(single.clone().to_vector(), samples);
+  EXPECT_TRUE(single.to_vector() == samples);
+  EXPECT_TRUE(single.clone().to_vector() == samples);
   if constexpr (!std::same_as<TypeParam, std::uint64_t>) {
-    EXPECT_EQ((linked_list<TypeParam, synchronized>(samples).to_vector()), samples);
+    EXPECT_TRUE((linked_list<TypeParam, synchronized>(samples).to_vector()) == samples);
   }
-  EXPECT_EQ(immutable_list<TypeParam>(samples).to_vector(), samples);
-  EXPECT_EQ(array<TypeParam>(samples).to_vector(), samples);
-  EXPECT_EQ((array<TypeParam, synchronized>(samples).to_vector()), samples);
+  EXPECT_TRUE(immutable_list<TypeParam>(samples).to_vector() == samples);
+  EXPECT_TRUE(array<TypeParam>(samples).to_vector() == samples);
+  EXPECT_TRUE((array<TypeParam, synchronized>(samples).to_vector()) == samples);
   array<TypeParam> xs(samples);
   xs[-1] = samples.front();
-  EXPECT_EQ(xs.back(), samples.front());
+  EXPECT_TRUE(xs.back() == samples.front());
   EXPECT_EQ(xs.last_index_of(samples.front()), static_cast<std::ptrdiff_t>(samples.size()) - 1);
 }
 
 TYPED_TEST(CppElements, AreKeysAndValues) {
   const std::vector<TypeParam> samples = Samples<TypeParam>::values();
-  std::map<TypeParam, TypeParam> model;
-  for (std::size_t i = 0; i < samples.size(); ++i) model[samples[i]] = samples[samples.size() - 1 - i];
-  const map<TypeParam, TypeParam> hashed(model);
-  const sorted_map<TypeParam, TypeParam> inOrder(model);
-  EXPECT_EQ((hashed.template to<std::map<TypeParam, TypeParam>>()), model);
-  EXPECT_EQ((inOrder.template to<std::map<TypeParam, TypeParam>>()), model);
-  EXPECT_EQ(inOrder.keys().to_vector(), samples);
-  const map<TypeParam, TypeParam, synchronized> shared(model);
-  EXPECT_EQ((shared.template to<std::map<TypeParam, TypeParam>>()), model);
-  for (const auto& [key, mapped] : model) EXPECT_EQ(hashed.at(key), mapped);
-  EXPECT_EQ(set<TypeParam>(samples).template to<std::set<TypeParam>>(),
-            std::set<TypeParam>(samples.begin(), samples.end()));
+  sorted_map<TypeParam, TypeParam> entries;
+  set<TypeParam> elements;
+  for (std::size_t i = samples.size(); i > 0; --i) {
+    entries.put(samples[i - 1], samples[samples.size() - i]);
+    elements.insert(samples[i - 1]);
+  }
+  EXPECT_TRUE(entries.keys().to_vector() == samples);
+  std::size_t walked = 0;
+  for (const auto& [key, mapped] : entries) {
+    EXPECT_TRUE(key == samples[walked] && mapped == samples[samples.size() - 1 - walked]) << walked;
+    EXPECT_TRUE(entries.at(key) == mapped && elements.erase(key)) << walked;
+    ++walked;
+  }
+  EXPECT_EQ(walked, samples.size());
+  EXPECT_TRUE(elements.empty());
 }
 
 TYPED_TEST(CppElements, GoThroughUntypedValuesAndLists) {
@@ -169,7 +169,7 @@ TYPED_TEST(CppElements, GoThroughUntypedValuesAndLists) {
   for (const auto& x : samples) {
     const value boxed(static_cast<TypeParam>(x));
     EXPECT_TRUE(boxed.is<TypeParam>());
-    EXPECT_EQ(boxed.as<TypeParam>(), x);
+    EXPECT_TRUE(boxed.as<TypeParam>() == x);
     EXPECT_FALSE(value().is<TypeParam>());
     EXPECT_FALSE(value(list<int>()).is<TypeParam>());
   }
@@ -177,8 +177,8 @@ TYPED_TEST(CppElements, GoThroughUntypedValuesAndLists) {
   const value untyped = value::from_handle(vorn_object_new("ArrayList"));
   list<TypeParam> xs = list<TypeParam>::from_handle(untyped.handle());
   for (const auto& x : samples) xs.push_back(x);
-  EXPECT_EQ(xs.to_vector(), samples);
-  for (std::size_t i = 0; i < samples.size(); ++i) EXPECT_EQ(xs.at(static_cast<std::ptrdiff_t>(i)), samples[i]);
+  EXPECT_TRUE(xs.to_vector() == samples);
+  for (std::size_t i = 0; i < samples.size(); ++i) EXPECT_TRUE(xs.at(static_cast<std::ptrdiff_t>(i)) == samples[i]);
   list<value>::from_handle(untyped.handle()).push_back(nullptr);
   EXPECT_THROW((void)xs.back(), type_error);
   EXPECT_THROW((void)xs.to_vector(), type_error);
