@@ -41,6 +41,14 @@ bool isRoom(unsigned megabytes) { return megabytes <= kMostRoomMegabytes; }
 
 bool parseRoom(std::string_view text, unsigned& megabytes) { return parseNumber(text, megabytes) && isRoom(megabytes); }
 
+bool isNumberOfRecentBlocks(unsigned count) { return count <= RecentBlocks::kMost || count == VORN_RECENT_NONE; }
+
+bool parseRecent(std::string_view text, unsigned& count) {
+  if (!parseNumber(text, count) || count > RecentBlocks::kMost) return false;
+  if (count == 0) count = VORN_RECENT_NONE;
+  return true;
+}
+
 // One "name=value".
 bool parseOption(std::string_view option, vorn_runtime_options& options) {
   const std::size_t equals = option.find('=');
@@ -53,6 +61,7 @@ bool parseOption(std::string_view option, vorn_runtime_options& options) {
   if (name == "seed") return parseNumber(value, options.seed);
   if (name == "room") return parseRoom(value, options.collected_room_megabytes);
   if (name == "divisor") return parseNumber(value, options.collected_free_space_divisor);
+  if (name == "recent") return parseRecent(value, options.recent_blocks);
   return false;
 }
 
@@ -63,7 +72,7 @@ bool readOptions(const vorn_runtime_options* given, vorn_runtime_options& option
   if (given->struct_size < offsetof(vorn_runtime_options, stress_scans_stacks)) return false;
   std::memcpy(&options, given, given->struct_size < sizeof(options) ? given->struct_size : sizeof(options));
   options.struct_size = sizeof(options);
-  if (!isRoom(options.collected_room_megabytes)) return false;
+  if (!isRoom(options.collected_room_megabytes) || !isNumberOfRecentBlocks(options.recent_blocks)) return false;
   return options.heap == VORN_HEAP_COLLECTED || options.heap == VORN_HEAP_PLAIN || options.heap == VORN_HEAP_STRESS;
 }
 
@@ -101,6 +110,7 @@ void vorn_runtime_stop(void) {
     thread->errors.clear();
     thread->roots.clear();
     thread->smallBlocks.drop();
+    thread->recentBlocks.clear();
   }
 }
 

@@ -17,6 +17,7 @@ namespace vorn::runtime {
 namespace {
 
 GC_push_other_roots_proc previousPushOtherRoots;
+std::size_t recentBlocksKept;  // of each thread
 
 bool isFirstThreadOfProcess() { return syscall(SYS_gettid) == getpid(); }
 
@@ -27,6 +28,7 @@ void pushRoots() {
   forEachThread([](ThreadState& thread) {
     thread.roots.forEach([](void** first, void** end) { GC_push_all_eager(first, end); });
     thread.smallBlocks.forEach([](void* block) { GC_set_mark_bit(block); });
+    thread.recentBlocks.forLast(recentBlocksKept, [](void** first, void** end) { GC_push_all_eager(first, end); });
   });
   GlobalRoots::instance().forEach([](void** slot) { GC_push_all_eager(slot, slot + 1); });
 }
@@ -58,6 +60,7 @@ void initialiseCollector(const CollectorTuning& tuning) {
   GC_set_min_bytes_allocd(tuning.roomBytes);
   if (GC_get_heap_size() < tuning.roomBytes) GC_expand_hp(tuning.roomBytes - GC_get_heap_size());
   GC_allow_register_threads();
+  recentBlocksKept = tuning.recentBlocks;
   previousPushOtherRoots = GC_get_push_other_roots();
   GC_set_push_other_roots(pushRoots);
 }

@@ -31,7 +31,7 @@ __attribute__((noinline, cold)) void* allocateSlowly(std::size_t bytes, BlockKin
   ThreadState& thread = attachedThread();
   if (armedFailureFires(thread) || bytes > kLargestBlock) return nullptr;
   void* const block = startedHeap().allocate(bytes, kind);
-  if (block != nullptr) thread.countAllocation(bytes);
+  if (block != nullptr) thread.handOut(block, bytes);
   return block;
 }
 
@@ -48,7 +48,7 @@ inline void* allocate(std::size_t bytes) noexcept {
   void* const block = bytes <= SmallBlocks::kLargest ? thread->smallBlocks.take<kind>(bytes) : largerBlock<kind>(bytes);
   if (block == nullptr) [[unlikely]]
     return allocateSlowly(bytes, kind);
-  thread->countAllocation(bytes);
+  thread->handOut(block, bytes);
   return block;
 }
 
@@ -97,4 +97,8 @@ void Vorn_gcUnregisterRootRange(void* start, std::size_t bytes) {
 
 void Vorn_gcRegisterRootSlot(void** slot) { vorn::runtime::attachedThread().roots.push(slot, sizeof(void*)); }
 
-void Vorn_gcUnregisterRootSlot(void** slot) { vorn::runtime::attachedThread().roots.remove(slot, sizeof(void*)); }
+void Vorn_gcUnregisterRootSlot(void** slot) {
+  vorn::runtime::ThreadState& thread = vorn::runtime::attachedThread();
+  thread.recentBlocks.note(*slot);
+  thread.roots.remove(slot, sizeof(void*));
+}

@@ -19,6 +19,7 @@ struct StressSchedule {
   bool scansStacks;
   std::uint32_t collectOneIn;  // at least 1
   std::uint64_t seed;
+  std::size_t recentBlocks;  // of each thread that stay alive
 };
 
 class HeapBackend {

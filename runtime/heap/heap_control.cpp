@@ -25,11 +25,19 @@ bool running;
 constexpr unsigned kDefaultRoomMegabytes = 8;
 constexpr unsigned kDefaultFreeSpaceDivisor = 1;
 
+// More of them would keep more alive: results may be large, and a native that makes one roots few of its blocks after it.
+constexpr unsigned kDefaultRecentBlocks = 16;
+
+std::size_t recentBlocksOf(const vorn_runtime_options& options, unsigned byDefault) {
+  if (options.recent_blocks == VORN_RECENT_NONE) return 0;
+  return options.recent_blocks != 0 ? options.recent_blocks : byDefault;
+}
+
 CollectorTuning tuningOf(const vorn_runtime_options& options) {
   const unsigned room = options.collected_room_megabytes;
   const unsigned divisor = options.collected_free_space_divisor;
   return {std::size_t{room != 0 ? room : kDefaultRoomMegabytes} << 20,
-          divisor != 0 ? divisor : kDefaultFreeSpaceDivisor};
+          divisor != 0 ? divisor : kDefaultFreeSpaceDivisor, recentBlocksOf(options, kDefaultRecentBlocks)};
 }
 
 HeapBackend* makeHeap(const vorn_runtime_options& options) {
@@ -58,7 +66,7 @@ bool startLocked(const vorn_runtime_options& options) {
   seedRandomStreams(options.seed);
   if (startedKind == VORN_HEAP_STRESS) {
     const std::uint32_t oneIn = options.stress_collect_one_in == 0 ? 1 : options.stress_collect_one_in;
-    setStressSchedule({options.stress_scans_stacks != 0, oneIn, options.seed});
+    setStressSchedule({options.stress_scans_stacks != 0, oneIn, options.seed, recentBlocksOf(options, 0)});
   }
   heap->setCollecting(true);
   startedBackend.store(heap, std::memory_order_release);
@@ -78,6 +86,7 @@ vorn_runtime_options defaultOptions() {
   options.seed = 0;
   options.collected_room_megabytes = kDefaultRoomMegabytes;
   options.collected_free_space_divisor = kDefaultFreeSpaceDivisor;
+  options.recent_blocks = 0;
   return options;
 }
 

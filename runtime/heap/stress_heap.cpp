@@ -81,7 +81,7 @@ class StressHeap final : public HeapBackend {
 
   std::mutex mutex_;
   StressBlocks blocks_;
-  StressSchedule schedule_{false, 1, 0};
+  StressSchedule schedule_{false, 1, 0, 0};
   std::uint64_t scheduleState_ = 0;
   std::uint64_t collections_ = 0;
   std::size_t pending_ = 0;  // marked blocks on the mark stack, not yet searched
@@ -114,7 +114,8 @@ void StressHeap::markFromStackPointer(const ThreadState& self) {
 }
 
 void StressHeap::markRoots(const ThreadState& self, std::uintptr_t ownStackPointer) {
-  forEachThread([&](const ThreadState& state) {
+  forEachThread([&](ThreadState& state) {
+    state.recentBlocks.forLast(schedule_.recentBlocks, [this](void** first, void** end) { markBases(first, end); });
     state.roots.forEach([this](void** first, void** end) { markBases(first, end); });
     if (&state != &self) {
       markStack(state.stoppedAt.load(std::memory_order_acquire), state.stackBase);

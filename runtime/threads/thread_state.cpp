@@ -64,6 +64,7 @@ void detachCurrentThread() noexcept {
   pthread_setspecific(detachKey(), nullptr);
   state->roots.clear();
   state->smallBlocks.drop();
+  state->recentBlocks.clear();
   clearPendingErrorsOf(state->errors);
   state->errors.shrink_to_fit();
   state->errorsRaised = 0;

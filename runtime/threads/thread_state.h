@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "runtime/errors/pending_errors.h"
+#include "runtime/heap/recent_blocks.h"
 #include "runtime/heap/root_range_stack.h"
 #include "runtime/heap/small_blocks.h"
 
@@ -28,6 +29,7 @@ struct ThreadState {
 
   RootRangeStack roots;
   SmallBlocks smallBlocks;
+  RecentBlocks recentBlocks;
 
   // ---- Touched now and then; owner only.
 
@@ -49,7 +51,8 @@ struct ThreadState {
   std::uintptr_t stackBase = 0;
   std::atomic<std::uintptr_t> stoppedAt{0};
 
-  void countAllocation(std::size_t bytes) noexcept {
+  void handOut(void* block, std::size_t bytes) noexcept {
+    recentBlocks.note(block);
     allocations.store(allocations.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     bytesAllocated.store(bytesAllocated.load(std::memory_order_relaxed) + bytes, std::memory_order_relaxed);
   }

@@ -199,9 +199,12 @@ TEST_F(HeapTest, ParseOptions_ReadsEveryOption) {
   EXPECT_EQ(options.seed, 18446744073709551615u);
   ASSERT_EQ(vorn_runtime_parse_options("heap=plain", &options), 1);
   EXPECT_EQ(options.heap, VORN_HEAP_PLAIN);
-  ASSERT_EQ(vorn_runtime_parse_options("heap=collected,room=262144,divisor=4294967295", &options), 1);
+  ASSERT_EQ(vorn_runtime_parse_options("heap=collected,room=262144,divisor=4294967295,recent=64", &options), 1);
   EXPECT_EQ(options.collected_room_megabytes, 262'144u);
   EXPECT_EQ(options.collected_free_space_divisor, 4294967295u);
+  EXPECT_EQ(options.recent_blocks, 64u);
+  ASSERT_EQ(vorn_runtime_parse_options("recent=0", &options), 1);
+  EXPECT_EQ(options.recent_blocks, VORN_RECENT_NONE);
 }
 
 TEST_F(HeapTest, ParseOptions_StartsFromTheDefaults) {
@@ -215,6 +218,7 @@ TEST_F(HeapTest, ParseOptions_StartsFromTheDefaults) {
   EXPECT_EQ(options.seed, 0u);
   EXPECT_EQ(options.collected_room_megabytes, 8u);
   EXPECT_EQ(options.collected_free_space_divisor, 1u);
+  EXPECT_EQ(options.recent_blocks, 0u) << "the heap's own default";
 }
 
 TEST_F(HeapTest, ParseOptions_RefusesWhatItDoesNotKnowAndChangesNothing) {
@@ -241,6 +245,10 @@ TEST_F(HeapTest, ParseOptions_RefusesWhatItDoesNotKnowAndChangesNothing) {
                            "divisor=-1",
                            "divisor=0.5",
                            "divisor=4294967296",
+                           "recent=",
+                           "recent=-1",
+                           "recent=65",
+                           "recent=4294967295",
                            "heap=plain,",
                            ",heap=plain",
                            "heap=plain,,seed=1",
@@ -275,6 +283,9 @@ TEST_F(HeapTest, Start_RefusesOptionsThatMakeNoSense) {
   EXPECT_EQ(vorn_runtime_start(&options), 0);
   options = testOptions();
   options.collected_room_megabytes = 262'145;
+  EXPECT_EQ(vorn_runtime_start(&options), 0);
+  options = testOptions();
+  options.recent_blocks = 65;
   EXPECT_EQ(vorn_runtime_start(&options), 0);
 }
 

@@ -5,7 +5,9 @@
  * Handles are `void*`: an object, a bare NUL-terminated UTF-8 text, or null (the language's null). The collector may
  * run inside every function marked "allocates"; a handle that must survive that is kept in a rooted slot
  * (vorn_root_add) or inside a rooted object. With the `collected` heap, handles on a C stack are found by the collector
- * as well; with the `stress` heap in exact mode only rooted slots count.
+ * as well; with the `stress` heap in exact mode only rooted slots count. A result in a form that no collector knows (an
+ * integer of another language) is safe on the collected heap until its thread has been handed 16 more blocks; see
+ * recent_blocks below.
  *
  * Functions that return int as a status give 1 for success and 0 for failure. Type names are accepted short ("Int",
  * "ArrayList<Int>") and full ("vorn.Int", "vorn.collections.ArrayList<vorn.Int>"). Memory exhaustion in a function
@@ -50,15 +52,22 @@ typedef struct vorn_runtime_options {
   /* Collected heap only, at the process's first start: beside what is alive, the heap makes room for about this fraction
    * of it, 1 in this number. A larger number takes less memory and more time. 0 picks the default, 1. */
   unsigned collected_free_space_divisor;
+  /* How many of the blocks that each thread was handed last stay alive although nothing holds them, so that a handle in
+   * a form of its embedder's own (a Python integer, a Go uintptr) survives the collections of other threads until it is
+   * rooted. 0 picks the default: 16 on the collected heap, none on the stress heap; VORN_RECENT_NONE is none, and 64 the
+   * most. The collected heap reads it at the process's first start only. */
+  unsigned recent_blocks;
 } vorn_runtime_options;
+
+#define VORN_RECENT_NONE UINT32_MAX
 
 /* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
  * has. 0 when it is already running with another heap. The calling thread is attached. */
 VORN_RUNTIME_EXPORT int vorn_runtime_start(const vorn_runtime_options* options);
 
-/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" or "heap=collected,room=64,divisor=3"
- * (heap=collected|plain|stress) into *options, which is first filled with the defaults. 0, with nothing changed, for
- * anything it does not know. */
+/* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" or "heap=collected,room=64,divisor=3,recent=8"
+ * (heap=collected|plain|stress; recent=0 is VORN_RECENT_NONE) into *options, which is first filled with the defaults.
+ * 0, with nothing changed, for anything it does not know. */
 VORN_RUNTIME_EXPORT int vorn_runtime_parse_options(const char* text, vorn_runtime_options* options);
 
 /* Stops the runtime: clears the calling thread's errors and roots and ends further collection. Objects must not be
