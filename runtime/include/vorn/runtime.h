@@ -210,12 +210,14 @@ VORN_RUNTIME_EXPORT void vorn_raise(const char* exception_class, const char* mes
 VORN_RUNTIME_EXPORT size_t vorn_error_count(void);
 VORN_RUNTIME_EXPORT const char* vorn_error_class(size_t index);
 VORN_RUNTIME_EXPORT const char* vorn_error_message(size_t index);
-VORN_RUNTIME_EXPORT void vorn_errors_clear(void);
 
 /* Keeps the oldest `count` errors and takes back those behind them, as if they had never been raised. For code that
  * handles the errors of its own calls and leaves alone those that were pending before: `count` is what vorn_error_count
  * gave when that code began. */
 VORN_RUNTIME_EXPORT void vorn_errors_truncate(size_t count);
+
+/* Takes all of them back. */
+VORN_RUNTIME_EXPORT void vorn_errors_clear(void);
 
 /* ---- Roots and heap ---------------------------------------------------------------------------------------------- */
 
