@@ -230,6 +230,14 @@ TEST_F(CppNumbers, OfTheUpperHalfOfULong_AreCopiedAndOtherwiseLeftToTheLanguage)
   EXPECT_EQ(thrownBy([&] { (void)linked_list<std::uint64_t>(large); }), refused);
 }
 
+// The native that reads a number from a box of any type would give 2 here.
+TEST_F(CppNumbers, InUndeclaredLists_AreNotTruncated) {
+  list<value> anything{1, 2.5};
+  list<int> xs = list<int>::from_handle(anything.handle());
+  EXPECT_EQ(xs.at(0), 1);
+  EXPECT_EQ(thrownBy([&] { (void)xs.at(1); }), "type_error|TypeError: Int was expected, but the value is vorn.Double");
+}
+
 TEST_F(CppNumbers, LongLongIsLong) {
   const list<long long> xs{1LL << 40, -1};
   EXPECT_EQ(xs.to_vector(), (std::vector<long long>{1LL << 40, -1}));
