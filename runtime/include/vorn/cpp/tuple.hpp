@@ -48,7 +48,7 @@ class tuple : public object {
         detail::call(vorn_collections_Tuple_operator_index, handle(), static_cast<long long>(Index)));
   }
   [[nodiscard]] std::tuple<Ts...> to_tuple() const {
-    return [this]<std::size_t... Indexes>(std::index_sequence<Indexes...>) {
+    return [&]<std::size_t... Indexes>(std::index_sequence<Indexes...>) {
       return std::tuple<Ts...>(get<Indexes>()...);
     }
     (std::index_sequence_for<Ts...>());
