@@ -49,6 +49,13 @@ bool parseRecent(std::string_view text, unsigned& count) {
   return true;
 }
 
+bool parseHuge(std::string_view text, int& smallPages) {
+  int huge = 0;
+  if (!parseFlag(text, huge)) return false;
+  smallPages = huge == 0 ? 1 : 0;
+  return true;
+}
+
 // One "name=value".
 bool parseOption(std::string_view option, vorn_runtime_options& options) {
   const std::size_t equals = option.find('=');
@@ -61,6 +68,7 @@ bool parseOption(std::string_view option, vorn_runtime_options& options) {
   if (name == "seed") return parseNumber(value, options.seed);
   if (name == "room") return parseRoom(value, options.collected_room_megabytes);
   if (name == "divisor") return parseNumber(value, options.collected_free_space_divisor);
+  if (name == "huge") return parseHuge(value, options.collected_small_pages);
   if (name == "recent") return parseRecent(value, options.recent_blocks);
   return false;
 }

@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "runtime/heap/global_roots.h"
+#include "runtime/heap/huge_pages.h"
 
 namespace vorn::runtime {
 
@@ -61,6 +62,7 @@ void initialiseCollector(const CollectorTuning& tuning) {
   if (GC_get_heap_size() < tuning.roomBytes) GC_expand_hp(tuning.roomBytes - GC_get_heap_size());
   GC_allow_register_threads();
   recentBlocksKept = tuning.recentBlocks;
+  if (tuning.hugePages) wantHugePages();
   previousPushOtherRoots = GC_get_push_other_roots();
   GC_set_push_other_roots(pushRoots);
 }

@@ -9,6 +9,7 @@
 #include "collections/core/port/memory.h"
 #include "runtime/heap/global_roots.h"
 #include "runtime/heap/heap_control.h"
+#include "runtime/heap/huge_pages.h"
 
 namespace vorn::runtime {
 
@@ -37,7 +38,10 @@ __attribute__((noinline, cold)) void* allocateSlowly(std::size_t bytes, BlockKin
 
 template <BlockKind kind>
 inline void* largerBlock(std::size_t bytes) noexcept {
-  return kind == BlockKind::Scanned ? GC_malloc(bytes) : GC_malloc_atomic(bytes);
+  void* const block = kind == BlockKind::Scanned ? GC_malloc(bytes) : GC_malloc_atomic(bytes);
+  if (block != nullptr) [[likely]]
+    putOnHugePages(block, bytes);
+  return block;
 }
 
 template <BlockKind kind>

@@ -37,7 +37,8 @@ CollectorTuning tuningOf(const vorn_runtime_options& options) {
   const unsigned room = options.collected_room_megabytes;
   const unsigned divisor = options.collected_free_space_divisor;
   return {std::size_t{room != 0 ? room : kDefaultRoomMegabytes} << 20,
-          divisor != 0 ? divisor : kDefaultFreeSpaceDivisor, recentBlocksOf(options, kDefaultRecentBlocks)};
+          divisor != 0 ? divisor : kDefaultFreeSpaceDivisor, recentBlocksOf(options, kDefaultRecentBlocks),
+          options.collected_small_pages == 0};
 }
 
 HeapBackend* makeHeap(const vorn_runtime_options& options) {
@@ -87,6 +88,7 @@ vorn_runtime_options defaultOptions() {
   options.collected_room_megabytes = kDefaultRoomMegabytes;
   options.collected_free_space_divisor = kDefaultFreeSpaceDivisor;
   options.recent_blocks = 0;
+  options.collected_small_pages = 0;
   return options;
 }
 

@@ -5,12 +5,16 @@
 #include <gc/gc.h>
 #include <gc/gc_inline.h>
 
+#include "runtime/heap/huge_pages.h"
+
 namespace vorn::runtime {
 
 // The library stores the list before a collection can run, so that no moment shows blocks that are in no list.
 __attribute__((noinline)) bool SmallBlocks::refill(void*& list, BlockKind kind, std::size_t bytes) noexcept {
   GC_generic_malloc_many(bytes, kind == BlockKind::Scanned ? GC_I_NORMAL : GC_I_PTRFREE, &list);
-  return list != nullptr;
+  if (list == nullptr) return false;
+  putOnHugePages(list, 1);
+  return true;
 }
 
 void SmallBlocks::drop() noexcept {

@@ -20,9 +20,17 @@ using ClassMap = NameMap<const RuntimeClass*>;
 constinit ClassMap classesBySpelling;
 std::mutex additions;
 
+// A thread that makes one object of a class mostly makes more of them, and comparing a name is cheaper than hashing it.
+// Entries stay as they are for good.
+thread_local constinit const ClassMap::Entry* lastKnown __attribute__((tls_model("initial-exec"))) = nullptr;
+
 const RuntimeClass* knownClass(std::string_view name) {
-  const auto* entry = classesBySpelling.find(name);
-  return entry != nullptr ? entry->value : nullptr;
+  const ClassMap::Entry* entry = lastKnown;
+  if (entry != nullptr && entry->name == name) return entry->value;
+  entry = classesBySpelling.find(name);
+  if (entry == nullptr) return nullptr;
+  lastKnown = entry;
+  return entry->value;
 }
 
 // An argument as it stands in a full type name: as written, but value types without their module, since both spellings

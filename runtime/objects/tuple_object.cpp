@@ -39,12 +39,11 @@ TupleObject* newTuple(const RuntimeClass& type) {
   return tuple;
 }
 
-bool readItemName(std::string_view name, std::uint64_t& index) {
-  if (name.size() < 2 || name[0] != '_') return false;
-  const bool leadingZero = name[1] == '0' && name.size() > 2;
-  if (leadingZero || name[1] < '0' || name[1] > '9') return false;
-  const char* const end = name.data() + name.size();
-  const auto parsed = std::from_chars(name.data() + 1, end, index);
+// The name begins with "_" and a digit.
+bool readLongItemName(const char* name, std::uint64_t& index) {
+  if (name[1] == '0') return false;
+  const char* const end = name + std::strlen(name);
+  const auto parsed = std::from_chars(name + 1, end, index);
   return parsed.ec == std::errc() && parsed.ptr == end;
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "runtime/objects/runtime_class.h"
 
@@ -35,8 +34,14 @@ inline TupleObject* tupleOf(void* handle) {
   return object->kind() == ObjectKind::Tuple ? static_cast<TupleObject*>(object) : nullptr;
 }
 
+bool readLongItemName(const char* name, std::uint64_t& index);
+
 // Whether a field name is that of an item, "_" and a decimal number without leading zeros, and which.
-bool readItemName(std::string_view name, std::uint64_t& index);
+inline bool readItemName(const char* name, std::uint64_t& index) {
+  if (name[0] != '_' || name[1] < '0' || name[1] > '9') return false;
+  index = static_cast<std::uint64_t>(name[1] - '0');
+  return name[2] == '\0' || readLongItemName(name, index);
+}
 
 // The item, or null when there is no room for it.
 void* tupleItem(const TupleObject& tuple, std::uint64_t index);

@@ -4,6 +4,7 @@ import ctypes
 import functools
 import math
 import os
+import pathlib
 import subprocess
 import sys
 import threading
@@ -509,6 +510,31 @@ class OptionsTest(VornTest):
         self.assertEqual((options.collected_room_megabytes, options.collected_free_space_divisor), (64, 3))
 
     @staticmethod
+    def pages(program_options, megabytes):
+        """Kilobytes that a process of its own has in pages of 2 MB beside so many living strings of a megabyte."""
+        program = '''
+import re, sys
+import vorn_ctypes as vorn
+options = vorn.Options()
+assert vorn.runtime.runtime_parse_options(sys.argv[1].encode(), options) and vorn.runtime.runtime_start(options)
+megabyte = b'x' * 2**20
+living = [vorn.Slot(vorn.runtime.string_new(megabyte, len(megabyte))) for _ in range(int(sys.argv[2]))]
+with open('/proc/self/smaps_rollup') as rollup:
+    print(re.search(r'AnonHugePages: *(\\d+) kB', rollup.read())[1])
+'''
+        done = subprocess.run([sys.executable, '-c', program, program_options, str(megabytes)], capture_output=True,
+                              text=True, cwd=os.path.dirname(os.path.abspath(__file__)), timeout=60, check=True)
+        return int(done.stdout)
+
+    def test_a_large_heap_lies_on_huge_pages_unless_told_otherwise(self):
+        setting = pathlib.Path('/sys/kernel/mm/transparent_hugepage/enabled')
+        if not setting.exists() or '[madvise]' not in setting.read_text(encoding='ascii'):
+            self.skipTest('the system gives huge pages to nobody, or to all')
+        self.assertEqual(self.pages('heap=collected', 8), 0)
+        self.assertGreater(self.pages('heap=collected', 72), 8 * 1024)
+        self.assertEqual(self.pages('heap=collected,huge=0', 72), 0)
+
+    @staticmethod
     def collections_beside(live_megabytes, options):
         """How often a process of its own collects while it drops 100 blocks of a megabyte beside living ones."""
         program = '''
@@ -529,14 +555,14 @@ print(vorn.statistics().collections - before)
         return int(done.stdout)
 
     def test_room_is_what_is_allocated_between_collections(self):
-        self.assertEqual(self.collections_beside(0, 'heap=collected,room=256'), 0)
-        some, many = (self.collections_beside(0, f'heap=collected,room={room}') for room in (16, 2))
+        self.assertEqual(self.collections_beside(0, 'heap=collected,recent=0,room=256'), 0)
+        some, many = (self.collections_beside(0, f'heap=collected,recent=0,room={room}') for room in (16, 2))
         self.assertGreater(some, 0)
         self.assertLessEqual(some, 100 // 16)
         self.assertGreater(many, 2 * some)
 
     def test_divisor_is_the_room_beside_what_is_alive(self):
-        few, many = (self.collections_beside(64, f'heap=collected,room=1,divisor={divisor}') for divisor in (1, 16))
+        few, many = (self.collections_beside(64, f'heap=collected,recent=0,room=1,divisor={divisor}') for divisor in (1, 16))
         self.assertLessEqual(few, 4)
         self.assertGreater(many, 4 * few)
 

@@ -18,7 +18,7 @@ LIST_OBJECTS, LIST_LINKED, LIST_PRIMITIVE = 0, 1, 2
 class Options(Structure):
     _fields_ = [('struct_size', c_size_t), ('heap', c_int), ('stress_scans_stacks', c_int),
                 ('stress_collect_one_in', c_uint), ('seed', c_uint64), ('collected_room_megabytes', c_uint),
-                ('collected_free_space_divisor', c_uint), ('recent_blocks', c_uint)]
+                ('collected_free_space_divisor', c_uint), ('recent_blocks', c_uint), ('collected_small_pages', c_int)]
 
 
 class FieldDefinition(Structure):

@@ -199,12 +199,14 @@ TEST_F(HeapTest, ParseOptions_ReadsEveryOption) {
   EXPECT_EQ(options.seed, 18446744073709551615u);
   ASSERT_EQ(vorn_runtime_parse_options("heap=plain", &options), 1);
   EXPECT_EQ(options.heap, VORN_HEAP_PLAIN);
-  ASSERT_EQ(vorn_runtime_parse_options("heap=collected,room=262144,divisor=4294967295,recent=64", &options), 1);
+  ASSERT_EQ(vorn_runtime_parse_options("heap=collected,room=262144,divisor=4294967295,recent=64,huge=0", &options), 1);
   EXPECT_EQ(options.collected_room_megabytes, 262'144u);
   EXPECT_EQ(options.collected_free_space_divisor, 4294967295u);
   EXPECT_EQ(options.recent_blocks, 64u);
+  EXPECT_EQ(options.collected_small_pages, 1);
   ASSERT_EQ(vorn_runtime_parse_options("recent=0", &options), 1);
   EXPECT_EQ(options.recent_blocks, VORN_RECENT_NONE);
+  EXPECT_EQ(options.collected_small_pages, 0);
 }
 
 TEST_F(HeapTest, ParseOptions_StartsFromTheDefaults) {
@@ -219,6 +221,7 @@ TEST_F(HeapTest, ParseOptions_StartsFromTheDefaults) {
   EXPECT_EQ(options.collected_room_megabytes, 8u);
   EXPECT_EQ(options.collected_free_space_divisor, 1u);
   EXPECT_EQ(options.recent_blocks, 0u) << "the heap's own default";
+  EXPECT_EQ(options.collected_small_pages, 0);
 }
 
 TEST_F(HeapTest, ParseOptions_RefusesWhatItDoesNotKnowAndChangesNothing) {
@@ -249,6 +252,8 @@ TEST_F(HeapTest, ParseOptions_RefusesWhatItDoesNotKnowAndChangesNothing) {
                            "recent=-1",
                            "recent=65",
                            "recent=4294967295",
+                           "huge=",
+                           "huge=2",
                            "heap=plain,",
                            ",heap=plain",
                            "heap=plain,,seed=1",

@@ -57,6 +57,9 @@ typedef struct vorn_runtime_options {
    * rooted. 0 picks the default: 16 on the collected heap, none on the stress heap; VORN_RECENT_NONE is none, and 64 the
    * most. The collected heap reads it at the process's first start only. */
   unsigned recent_blocks;
+  /* Collected heap only, at the process's first start: whether a heap of 32 MB or more keeps to small pages too. 0 asks
+   * the system for pages of 2 MB there, which large maps and sets are searched faster on. */
+  int collected_small_pages;
 } vorn_runtime_options;
 
 #define VORN_RECENT_NONE UINT32_MAX
@@ -66,8 +69,8 @@ typedef struct vorn_runtime_options {
 VORN_RUNTIME_EXPORT int vorn_runtime_start(const vorn_runtime_options* options);
 
 /* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" or "heap=collected,room=64,divisor=3,recent=8"
- * (heap=collected|plain|stress; recent=0 is VORN_RECENT_NONE) into *options, which is first filled with the defaults.
- * 0, with nothing changed, for anything it does not know. */
+ * (heap=collected|plain|stress; recent=0 is VORN_RECENT_NONE, huge=0 sets collected_small_pages) into *options, which is
+ * first filled with the defaults. 0, with nothing changed, for anything it does not know. */
 VORN_RUNTIME_EXPORT int vorn_runtime_parse_options(const char* text, vorn_runtime_options* options);
 
 /* Stops the runtime: clears the calling thread's errors and roots and ends further collection. Objects must not be
