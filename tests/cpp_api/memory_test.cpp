@@ -9,9 +9,9 @@
 
 #include "tests/cpp_api/cpp_api_test.h"
 
-// Calls of this binary to these natives, counted on their way.
+// Calls of this binary to these natives, counted on their way, for each thread by itself.
 namespace {
-long long nativeCalls = 0;
+thread_local long long nativeCalls = 0;
 }
 
 #define COUNTED(result, name, parameters, arguments) \

@@ -33,6 +33,7 @@ template <element T, class Class = plain>
 class array : public object {
   using kind = detail::array_class<Class>;
   static constexpr bool is_unboxed = detail::primitive_element<T>;
+  static constexpr bool has_span = is_unboxed && !kind::is_shared;
 
   // Reads and writes elements by index: an array without its root.
   struct access_type {
@@ -81,9 +82,8 @@ class array : public object {
   // A copy of the elements of a range or of a list, array or tuple. Throws type_error when one is no T, value_error when a
   // Char is no Unicode scalar. Calls a constant number of natives for a range of a primitive type, or any collection,
   // else one for each element.
-  template <class R>
-  requires(detail::native_source<R> || detail::range_of<R, T, array>) &&
-      (!std::same_as<std::remove_cvref_t<R>, array>)explicit array(R&& range)
+  template <detail::elements_for<T, array> R>
+  explicit array(R&& range)  // NOLINT(bugprone-forwarding-reference-overload): takes no array
       : object(detail::raw_handle{new_from(range)}) {}
 
   // The array that a handle refers to. Throws type_error when it is of another class or has another type argument. Does
@@ -123,12 +123,8 @@ class array : public object {
   // The unboxed elements themselves, as long as some handle holds the array; only constructing it anew by the C API ends
   // that. Booleans are bytes, true unless 0. Throws type_error when the C API has given the array elements of another
   // type than its class says, for which one element is boxed. Allocates.
-  [[nodiscard]] std::span<const detail::stored<T>> span() const requires is_unboxed &&(!kind::is_shared) {
-    return elements(handle());
-  }
-  [[nodiscard]] std::span<detail::stored<T>> span() requires is_unboxed &&(!kind::is_shared) {
-    return elements(handle());
-  }
+  [[nodiscard]] std::span<const detail::stored<T>> span() const requires has_span { return elements(handle()); }
+  [[nodiscard]] std::span<detail::stored<T>> span() requires has_span { return elements(handle()); }
 
   // The elements of one moment. Unboxed ones are copied by a constant number of calls.
   [[nodiscard]] std::vector<T> to_vector() const {
@@ -204,8 +200,7 @@ class array : public object {
 
   // Assigns to start:stop:step, for which there must be as many elements, or this throws value_error. Assignment stops
   // at an element that is refused, those before it stay assigned. Allocates.
-  template <class R>
-  requires detail::native_source<R> || detail::range_of<R, T, void>
+  template <detail::elements_for<T, void> R>
   void assign_slice(std::optional<std::ptrdiff_t> start, std::optional<std::ptrdiff_t> stop, R&& range,
                     std::ptrdiff_t step = 1) {
     const detail::source<T> elements(range);

@@ -32,7 +32,7 @@ class element_reference {
   operator value_type() const { return get(); }  // NOLINT(google-explicit-constructor): reads as the element
 
   // Assigning goes through to the collection, so that a const reference may be assigned, as algorithms on ranges want.
-  // NOLINTBEGIN(misc-unconventional-assign-operator)
+  // NOLINTBEGIN(misc-unconventional-assign-operator,cppcoreguidelines-c-copy-assignment-signature)
   const element_reference& operator=(argument_of<value_type> x) const {
     access_.set(index_, x);
     return *this;
@@ -45,7 +45,7 @@ class element_reference {
     access_.set(index_, other.get());
     return *this;
   }
-  // NOLINTEND(misc-unconventional-assign-operator)
+  // NOLINTEND(misc-unconventional-assign-operator,cppcoreguidelines-c-copy-assignment-signature)
 
   const element_reference& operator+=(const value_type& x) const requires requires(value_type y) {
     static_cast<value_type>(y + x);
@@ -75,6 +75,7 @@ class element_reference {
                                                                    std::three_way_comparable<value_type>) {
     return left.get() <=> right.get();
   }
+  // NOLINTNEXTLINE(bugprone-exception-escape): it reads and assigns elements
   friend void swap(const element_reference& left, const element_reference& right) {
     const value_type kept = left.get();
     left = right;

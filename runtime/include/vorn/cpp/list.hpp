@@ -35,6 +35,9 @@ class list : public object {
   using kind = detail::list_class<Class>;
   static constexpr bool is_mutable = kind::is_mutable;
   static constexpr bool is_unboxed = detail::primitive_element<T> && kind::is_indexed;
+  static constexpr bool has_span = is_unboxed && !kind::is_shared;
+  // Not characters, since somebody has to look at each.
+  static constexpr bool is_filled_in_place = is_unboxed && is_mutable && !std::is_same_v<T, char32_t>;
 
   // Reads and writes elements by index: a list without its root.
   struct access_type {
@@ -82,9 +85,8 @@ class list : public object {
   // A copy of the elements of a range or of another collection. Throws type_error when a collection has one that is no
   // T, value_error when a Char is no Unicode scalar. Calls a constant number of natives for a range of a primitive type,
   // or any collection, else one for each element.
-  template <class R>
-  requires(detail::native_source<R> || detail::range_of<R, T, list>) &&
-      (!std::same_as<std::remove_cvref_t<R>, list>)explicit list(R&& range)
+  template <detail::elements_for<T, list> R>
+  explicit list(R&& range)  // NOLINT(bugprone-forwarding-reference-overload): takes no list
       : list(detail::raw_handle{detail::new_list<T, Class>(range)}) {}
 
   // The list that a handle refers to. Throws type_error when it is of another class, or declared with another type of
@@ -105,8 +107,7 @@ class list : public object {
   // `size` elements that `fill(std::span<T>)` writes straight into the new list's storage, where their contents are
   // undefined before. A Boolean is a byte, 0 or 1. Throws std::logic_error when `fill` has used the list by other ways.
   template <class Fill>
-  requires is_unboxed && is_mutable &&(!std::same_as<T, char32_t>) [[nodiscard]] static list
-      filled(std::size_t size, Fill fill) {
+  requires is_filled_in_place [[nodiscard]] static list filled(std::size_t size, Fill fill) {
     list made;
     if (size == 0) return made;
     const auto count = static_cast<long long>(size);
@@ -156,15 +157,10 @@ class list : public object {
   // The unboxed elements themselves. Valid until an element is added or removed, the list is cleared, reserved, filled
   // or given one that is no T, by whichever handle; is_current() tells. Booleans are bytes, true unless 0. Throws
   // type_error when the list keeps its elements in boxes. Does not allocate.
-  [[nodiscard]] std::span<const detail::stored<T>> span() const requires is_unboxed &&(!kind::is_shared) {
-    return elements();
-  }
-  [[nodiscard]] std::span<detail::stored<T>> span() requires is_unboxed &&(!kind::is_shared) && is_mutable {
-    return elements();
-  }
+  [[nodiscard]] std::span<const detail::stored<T>> span() const requires has_span { return elements(); }
+  [[nodiscard]] std::span<detail::stored<T>> span() requires has_span && is_mutable { return elements(); }
   // Whether a span of this list still is where its elements are, all of them. Does not allocate.
-  [[nodiscard]] bool is_current(std::span<const detail::stored<T>> elements) const requires is_unboxed &&
-      (!kind::is_shared) {
+  [[nodiscard]] bool is_current(std::span<const detail::stored<T>> elements) const requires has_span {
     const detail::list_view_of<T> view(handle());
     return elements.size() == view.info.size &&
            (elements.empty() ||
@@ -273,25 +269,22 @@ class list : public object {
   }
   // Appends, or inserts before an index, the elements of a range or of another collection, which may be this list. All
   // of them, or none when this throws. Calls as for construction. Allocate.
-  template <class R>
-  requires is_mutable &&(detail::native_source<R> || detail::range_of<R, T, void>)void append_range(R&& range) {
+  template <detail::elements_for<T, void> R>
+  requires is_mutable void append_range(R&& range) {
     const detail::source<T> elements(range);
     detail::call(vorn_collections_ArrayList_addAll, handle(), elements.get());
   }
-  template <class R>
-  requires is_mutable &&
-      (detail::native_source<R> || detail::range_of<R, T, void>)void insert_range(std::ptrdiff_t index, R&& range) {
+  template <detail::elements_for<T, void> R>
+  requires is_mutable void insert_range(std::ptrdiff_t index, R&& range) {
     const detail::source<T> elements(range);
     detail::call(vorn_collections_ArrayList_addAllAt, handle(), index, elements.get());
   }
   // Assigns to start:stop:step. With step 1 another number of elements replaces that range, and the list's elements are
   // boxed from then on; with any other step there must be as many, or this throws value_error. Assignment stops at an
   // element that is refused, those before it stay assigned. Allocates.
-  template <class R>
-  requires is_mutable &&
-      (detail::native_source<R> || detail::range_of<R, T, void>)void assign_slice(std::optional<std::ptrdiff_t> start,
-                                                                                  std::optional<std::ptrdiff_t> stop,
-                                                                                  R&& range, std::ptrdiff_t step = 1) {
+  template <detail::elements_for<T, void> R>
+  requires is_mutable void assign_slice(std::optional<std::ptrdiff_t> start, std::optional<std::ptrdiff_t> stop,
+                                        R&& range, std::ptrdiff_t step = 1) {
     const detail::source<T> elements(range);
     detail::call(vorn_collections_ArrayList_sliceAssign, handle(), start.value_or(0), stop.value_or(0), step,
                  start ? handle() : nullptr, stop ? handle() : nullptr, elements.get());

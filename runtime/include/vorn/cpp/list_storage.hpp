@@ -34,6 +34,10 @@ concept range_of = !std::same_as<std::remove_cvref_t<R>, Self> && std::ranges::i
 template <class R>
 concept native_source = wrapper<std::remove_cvref_t<R>> && std::remove_cvref_t<R>::is_source;
 
+// Whatever a collection of T may be filled from.
+template <class R, class T, class Self>
+concept elements_for = !std::same_as<std::remove_cvref_t<R>, Self> && (native_source<R> || range_of<R, T, Self>);
+
 // How a list keeps its elements, as far as reading them goes.
 template <class T>
 struct list_view_of {
@@ -154,8 +158,8 @@ void* new_list(R&& range) {
 template <class T>
 class source {
  public:
-  template <class R>
-  explicit source(R&& range) : root_(handle_of(range)) {}
+  template <elements_for<T, source> R>
+  explicit source(R&& range) : root_(handle_of(range)) {}  // NOLINT(bugprone-forwarding-reference-overload): no source
   [[nodiscard]] void* get() const noexcept { return root_.get(); }
 
  private:

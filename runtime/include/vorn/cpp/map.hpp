@@ -55,7 +55,7 @@ class map : public object {
   map() : object(detail::raw_handle{new_empty()}) {}
   map(std::initializer_list<std::pair<K, V>> entries) : map() { put_range(entries); }
   template <detail::pair_range<K, V, map> R>
-  explicit map(R&& range) : map() {
+  explicit map(R&& range) : map() {  // NOLINT(bugprone-forwarding-reference-overload): takes no map
     put_range(range);
   }
 

@@ -83,7 +83,7 @@ class mapped_reference {
   [[nodiscard]] value_type get() const { return map_.at(key_); }
   operator value_type() const { return get(); }  // NOLINT(google-explicit-constructor): reads as the value
 
-  // NOLINTBEGIN(misc-unconventional-assign-operator)
+  // NOLINTBEGIN(misc-unconventional-assign-operator,cppcoreguidelines-c-copy-assignment-signature)
   const mapped_reference& operator=(typename Map::argument x) const {
     map_.put(key_, x);
     return *this;
@@ -92,7 +92,7 @@ class mapped_reference {
     map_.put(key_, other.get());
     return *this;
   }
-  // NOLINTEND(misc-unconventional-assign-operator)
+  // NOLINTEND(misc-unconventional-assign-operator,cppcoreguidelines-c-copy-assignment-signature)
 
   const mapped_reference& operator+=(const value_type& x) const requires requires(value_type y) {
     static_cast<value_type>(y + x);

@@ -44,7 +44,7 @@ class set : public object {
   set() : object(detail::raw_handle{new_empty()}) {}
   set(std::initializer_list<T> elements) : set() { insert_range(elements); }
   template <detail::range_of<T, set> R>
-  explicit set(R&& range) : set() {
+  explicit set(R&& range) : set() {  // NOLINT(bugprone-forwarding-reference-overload): takes no set
     insert_range(range);
   }
 

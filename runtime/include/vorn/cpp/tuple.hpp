@@ -22,6 +22,7 @@ class tuple : public object {
   static constexpr bool is_source = true;
 
   // A new tuple. Allocate.
+  // NOLINTNEXTLINE(google-explicit-constructor): explicit where it takes one item
   explicit(sizeof...(Ts) < 2) tuple(detail::argument_of<Ts>... items) requires(sizeof...(Ts) > 0)
       : object(detail::raw_handle{make(items...)}) {}
   explicit tuple(const std::tuple<Ts...>& items)
@@ -48,9 +49,7 @@ class tuple : public object {
         detail::call(vorn_collections_Tuple_operator_index, handle(), static_cast<long long>(Index)));
   }
   [[nodiscard]] std::tuple<Ts...> to_tuple() const {
-    return [&]<std::size_t... Indexes>(std::index_sequence<Indexes...>) {
-      return std::tuple<Ts...>(get<Indexes>()...);
-    }
+    return [&]<std::size_t... Indexes>(std::index_sequence<Indexes...>) { return std::tuple<Ts...>(get<Indexes>()...); }
     (std::index_sequence_for<Ts...>());
   }
 

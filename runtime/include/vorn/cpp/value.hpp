@@ -129,8 +129,8 @@ class value : public object {
  public:
   // Null.
   value() noexcept : value(nullptr) {}
-  value(std::nullptr_t) noexcept
-      : object(detail::raw_handle{nullptr}) {}  // NOLINT(google-explicit-constructor): null is a value
+  value(std::nullptr_t) noexcept  // NOLINT(google-explicit-constructor): null is a value
+      : object(detail::raw_handle{nullptr}) {}
 
   // A new box, a new String, or the same collection. Allocate.
   template <element T>
