@@ -1,6 +1,7 @@
 // What the members of each collection do; most of it over the natives whose own tests hold them, so each is tried once.
 #include <cstdint>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -110,14 +111,17 @@ TEST_F(CppLists, Spans_AreTheElementsThemselves) {
   EXPECT_EQ(immutable_list<double>({1.5}).span()[0], 1.5);
 }
 
-TEST_F(CppLists, Filled_WritesInPlaceAndNoticesOtherUse) {
+TEST_F(CppLists, Filled_WritesInPlace) {
   const auto squares = list<std::int64_t>::filled(4, [](std::span<std::int64_t> out) {
-    for (std::size_t i = 0; i < out.size(); ++i) out[i] = static_cast<std::int64_t>(i * i);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+      // Whatever is collected meanwhile, the list is not.
+      (void)value("garbage");
+      out[i] = static_cast<std::int64_t>(i * i);
+    }
   });
   EXPECT_EQ(squares.to_string(), "[0, 1, 4, 9]");
   EXPECT_TRUE(list<int>::filled(0, [](std::span<int>) { FAIL(); }).empty());
-  EXPECT_EQ(thrownBy([] { (void)list<int>::filled(1, [](std::span<int>) { vorn_raise("Exception", "own"); }); }), "");
-  EXPECT_EQ(takeErrors(), std::vector<std::string>{"Exception: own"});
+  EXPECT_THROW((void)list<int>::filled(1, [](std::span<int>) { throw std::logic_error("own"); }), std::logic_error);
 }
 
 TEST_F(CppLists, OfCollections_AreRead) {

@@ -90,7 +90,7 @@ class array : public object {
   // not allocate.
   [[nodiscard]] static array from_handle(void* handle) {
     if (!holds(handle)) {
-      detail::throw_type_error(detail::generic_name(kind::name, element_traits<T>::name()), vorn_type_name(handle));
+      detail::throw_type_error(class_name(), vorn_type_name(handle));
     }
     return array(detail::raw_handle{handle});
   }
@@ -224,17 +224,18 @@ class array : public object {
  private:
   explicit array(detail::raw_handle raw) : object(raw) {}
 
-  static void* new_of_class() {
-    return detail::new_object(detail::generic_name(kind::name, element_traits<T>::name()));
+  static const std::string& class_name() {
+    static const std::string name = detail::generic_name<T>(kind::name);
+    return name;
   }
   static void* new_of_size(std::size_t size) {
     if (size > static_cast<std::size_t>(PTRDIFF_MAX)) throw std::length_error("vorn::array");
-    const detail::local_root made(new_of_class());
+    const detail::local_root made(detail::new_object(class_name()));
     detail::call(vorn_collections_Array_ctor, made.get(), static_cast<long long>(size));
     return made.get();
   }
   static void* copy_of(void* source) {
-    const detail::local_root made(new_of_class());
+    const detail::local_root made(detail::new_object(class_name()));
     detail::call(vorn_collections_Array_copyCtor, made.get(), source);
     return made.get();
   }
@@ -263,8 +264,8 @@ class array : public object {
     if (vorn_collections_Array_rawSize(array) == 0) return {};
     const detail::local_root first(detail::call(vorn_collections_Array_operator_index, array, 0LL));
     const char* const type = vorn_type_name(first.get());
-    if (type == nullptr || type != "vorn." + element_traits<T>::name()) {
-      detail::throw_type_error("an array of unboxed " + element_traits<T>::name(), type);
+    if (type == nullptr || std::string("vorn.").append(element_traits<T>::name()) != type) {
+      detail::throw_type_error(std::string("an array of unboxed ").append(element_traits<T>::name()), type);
     }
     return unchecked_elements(array);
   }

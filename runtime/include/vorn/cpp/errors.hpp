@@ -114,8 +114,10 @@ namespace detail {
 }
 
 [[noreturn]] inline void throw_type_error(std::string_view expected, const char* found) {
-  throw type_error("TypeError",
-                   std::string(expected) + " was expected, but the value is " + (found != nullptr ? found : "null"));
+  std::string message(expected);
+  message += " was expected, but the value is ";
+  message += found != nullptr ? found : "null";
+  throw type_error("TypeError", std::move(message));
 }
 
 // The function's result; throws what it has raised.

@@ -93,7 +93,7 @@ class list : public object {
   // elements; an undeclared list may be read as a list of anything, and is checked element by element.
   [[nodiscard]] static list from_handle(void* handle) {
     if (!holds(handle)) {
-      detail::throw_type_error(detail::generic_name(kind::name, element_traits<T>::name()), vorn_type_name(handle));
+      detail::throw_type_error(detail::list_class_name<T, Class>(), vorn_type_name(handle));
     }
     return list(detail::raw_handle{handle});
   }
@@ -105,18 +105,14 @@ class list : public object {
   [[nodiscard]] static std::string element_name() { return kind::name; }
 
   // `size` elements that `fill(std::span<T>)` writes straight into the new list's storage, where their contents are
-  // undefined before. A Boolean is a byte, 0 or 1. Throws std::logic_error when `fill` has used the list by other ways.
+  // undefined before. A Boolean is a byte, 0 or 1. What `fill` throws passes through, and the list with it.
   template <class Fill>
   requires is_filled_in_place [[nodiscard]] static list filled(std::size_t size, Fill fill) {
     list made;
     if (size == 0) return made;
     const auto count = static_cast<long long>(size);
     detail::call(vorn_collections_ArrayList_reserve, made.handle(), count);
-    const auto elements = detail::unboxed_elements<T>(made.handle(), size);
-    fill(elements);
-    if (!made.empty() || detail::unboxed_elements<T>(made.handle(), 0).data() != elements.data()) {
-      throw std::logic_error("vorn::list::filled: the list was changed while it was filled");
-    }
+    fill(detail::unboxed_elements<T>(made.handle(), size));
     detail::call(vorn_collections_ArrayList_commitPrimitiveDataSize, made.handle(), count);
     return made;
   }
@@ -328,7 +324,7 @@ class list : public object {
   explicit list(detail::raw_handle raw)
       : object(raw), declared_(detail::list_view_of<T>(raw.handle).declares_elements()) {}
 
-  static void* new_empty() { return detail::new_object(detail::generic_name(kind::name, element_traits<T>::name())); }
+  static void* new_empty() { return detail::new_object(detail::list_class_name<T, Class>()); }
 
   [[nodiscard]] access_type access() const { return {handle(), declared_}; }
 
@@ -377,7 +373,8 @@ class list : public object {
   [[nodiscard]] std::span<detail::stored<T>> elements() const {
     const detail::list_view_of<T> view(handle());
     if (view.is_unboxed()) return detail::unboxed_elements<T>(handle(), view.info.size);
-    if (view.info.size != 0) detail::throw_type_error("a list of unboxed " + element_traits<T>::name(), "boxed");
+    if (view.info.size != 0)
+      detail::throw_type_error(std::string("a list of unboxed ").append(element_traits<T>::name()), "boxed");
     return {};
   }
 

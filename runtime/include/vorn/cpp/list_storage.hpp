@@ -38,6 +38,13 @@ concept native_source = wrapper<std::remove_cvref_t<R>> && std::remove_cvref_t<R
 template <class R, class T, class Self>
 concept elements_for = !std::same_as<std::remove_cvref_t<R>, Self> && (native_source<R> || range_of<R, T, Self>);
 
+// "LinkedList<Int>".
+template <class T, class Tag>
+const std::string& list_class_name() {
+  static const std::string name = generic_name<T>(list_class<Tag>::name);
+  return name;
+}
+
 // How a list keeps its elements, as far as reading them goes.
 template <class T>
 struct list_view_of {
@@ -126,7 +133,7 @@ void fill_new_list(void* list, R&& range) {
 // A new ArrayList with the elements of a range or collection, as a handle that is not rooted.
 template <class T, class R>
 void* new_array_list(R&& range) {
-  const local_root list(new_object(generic_name(list_class<plain>::name, element_traits<T>::name())));
+  const local_root list(new_object(list_class_name<T, plain>()));
   if constexpr (native_source<R>) {
     call(vorn_collections_ArrayList_addAll, list.get(), range.handle());
   } else {
@@ -138,7 +145,7 @@ void* new_array_list(R&& range) {
 // A new list of a class, in the same way.
 template <class T, class Tag, class R>
 void* new_list(R&& range) {
-  const local_root list(new_object(generic_name(list_class<Tag>::name, element_traits<T>::name())));
+  const local_root list(new_object(list_class_name<T, Tag>()));
   if constexpr (std::same_as<Tag, immutable>) {
     const local_root elements(new_array_list<T>(range));
     call(vorn_collections_ImmutableList_ctor, list.get(), elements.get());

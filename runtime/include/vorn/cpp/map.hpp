@@ -198,9 +198,9 @@ class map : public object {
  private:
   explicit map(detail::raw_handle raw) : object(raw) {}
 
-  // "Map<String,Int>".
-  static std::string class_name() {
-    return std::string(kind::name) + "<" + element_traits<K>::name() + "," + element_traits<V>::name() + ">";
+  static const std::string& class_name() {
+    static const std::string name = detail::generic_name<K, V>(kind::name);
+    return name;
   }
   static void* new_empty() { return detail::new_object(class_name()); }
 };

@@ -52,7 +52,7 @@ class set : public object {
   // elements of a set without one are checked when they are read.
   [[nodiscard]] static set from_handle(void* handle) {
     if (!holds(handle)) {
-      detail::throw_type_error(detail::generic_name(kind::name, element_traits<T>::name()), vorn_type_name(handle));
+      detail::throw_type_error(class_name(), vorn_type_name(handle));
     }
     return set(detail::raw_handle{handle});
   }
@@ -138,7 +138,11 @@ class set : public object {
  private:
   explicit set(detail::raw_handle raw) : object(raw) {}
 
-  static void* new_empty() { return detail::new_object(detail::generic_name(kind::name, element_traits<T>::name())); }
+  static const std::string& class_name() {
+    static const std::string name = detail::generic_name<T>(kind::name);
+    return name;
+  }
+  static void* new_empty() { return detail::new_object(class_name()); }
 };
 
 template <class T>

@@ -31,7 +31,7 @@ class tuple : public object {
   // The tuple that a handle refers to. Throws type_error when it is none, or has another number of items or other type
   // arguments; the items are checked when they are read.
   [[nodiscard]] static tuple from_handle(void* handle) {
-    if (!holds(handle)) detail::throw_type_error(type_name_of(), vorn_type_name(handle));
+    if (!holds(handle)) detail::throw_type_error(class_name(), vorn_type_name(handle));
     return tuple(detail::raw_handle{handle});
   }
   [[nodiscard]] static bool holds(void* handle) {
@@ -59,18 +59,16 @@ class tuple : public object {
  private:
   explicit tuple(detail::raw_handle raw) : object(raw) {}
 
-  // "Tuple<String,Int>".
-  static std::string type_name_of() {
-    std::string arguments;
-    ((arguments += (arguments.empty() ? "" : ",") + element_traits<Ts>::name()), ...);
-    return arguments.empty() ? "Tuple" : "Tuple<" + arguments + ">";
+  static const std::string& class_name() {
+    static const std::string name = detail::generic_name<Ts...>("Tuple");
+    return name;
   }
 
   static void* make(detail::argument_of<Ts>... items) {
     detail::local_roots<sizeof...(Ts)> handles;
     std::size_t count = 0;
     ((handles[count++] = element_traits<Ts>::to_handle(items)), ...);
-    return detail::made(vorn_tuple_new(type_name_of().c_str(), handles.data(), count));
+    return detail::made(vorn_tuple_new(class_name().c_str(), handles.data(), count));
   }
 };
 

@@ -14,6 +14,9 @@
 #include <string_view>
 
 namespace vorn {
+
+class value;
+
 namespace detail {
 
 // A handle on its way into an object of this API; its own type, since a pointer to a text would pass for a `void*`.
@@ -69,9 +72,20 @@ std::string text_from(Native native, Arguments... arguments) {
 // A new object of the class. The name is one that exists, so that null means no memory.
 inline void* new_object(const std::string& class_name) { return made(vorn_object_new(class_name.c_str())); }
 
-// "ArrayList<Int>", but "ArrayList" for elements of any type.
-inline std::string generic_name(const char* class_name, const std::string& argument) {
-  return argument == "Object" ? class_name : std::string(class_name) + "<" + argument + ">";
+// "Map<String,Int>"; the class alone where all arguments are Object, as that declares nothing.
+template <class... Ts>
+std::string generic_name(const char* class_name) {
+  std::string result = class_name;
+  if ((std::same_as<Ts, value> && ...)) return result;
+  char separator = '<';
+  const auto add = [&](const std::string& argument) {
+    result += separator;
+    result += argument;
+    separator = ',';
+  };
+  (add(element_traits<Ts>::name()), ...);
+  result += '>';
+  return result;
 }
 
 // Whether a collection of the class may have elements of type T where its name has `argument`, such as "Int". Of classes
