@@ -79,6 +79,9 @@ constexpr std::uint64_t primitiveWidth(PrimitiveKind kind) { return infoOf(kind)
 
 constexpr bool isIntegerKind(PrimitiveKind kind) { return infoOf(kind).family == KindFamily::Integer; }
 constexpr bool isFloatingKind(PrimitiveKind kind) { return infoOf(kind).family == KindFamily::Floating; }
+// Whether the type's kind is one.
+constexpr bool isIntegerType(PrimitiveType type) { return infoOf(type).family == KindFamily::Integer; }
+constexpr bool isFloatingType(PrimitiveType type) { return infoOf(type).family == KindFamily::Floating; }
 constexpr bool isCharacterType(PrimitiveType type) { return infoOf(type).isCharacter; }
 
 // A name of at most eight bytes as one word. Leading NULs do not show in it.

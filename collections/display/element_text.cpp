@@ -39,13 +39,13 @@ ElementText elementTextOf(PrimitiveKind kind, RuntimeTypeName typeName) {
   const PrimitiveType type = typeName.primitiveType();
   if (isFloatingKind(kind)) {
     // Values that are declared as a narrower type lose precision in their boxes.
-    const bool narrower = isFloatingKind(kindOf(type)) && primitiveWidth(kindOf(type)) < primitiveWidth(kind);
+    const bool narrower = isFloatingType(type) && primitiveWidth(kindOf(type)) < primitiveWidth(kind);
     return narrower ? ElementText::Boxed : ElementText::Floating;
   }
   if (kind == PrimitiveKind::Boolean) return ElementText::Boolean;
   if (type == PrimitiveType::ULong) return ElementText::Unsigned;
   // An element without a name is boxed as "Int". Values of the narrower unsigned types are never negative.
-  const bool number = isIntegerKind(kindOf(type)) && !isCharacterType(type);
+  const bool number = isIntegerType(type) && !isCharacterType(type);
   return number || typeName.empty() ? ElementText::Signed : ElementText::Boxed;
 }
 

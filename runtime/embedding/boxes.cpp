@@ -27,8 +27,8 @@ const RegisteredObject* boxOf(const void* handle) {
 
 // Whether C has the values of a type in that form.
 template <PrimitiveType type, class Value>
-constexpr bool isFormOf = sizeof(Value) == infoOf(type).width&& std::is_floating_point_v<Value> ==
-                          vorn::collections::isFloatingKind(vorn::collections::kindOf(type));
+constexpr bool isFormOf =
+    sizeof(Value) == infoOf(type).width&& std::is_floating_point_v<Value> == vorn::collections::isFloatingType(type);
 
 template <PrimitiveType type, class Value>
 void* boxed(Value value) {
@@ -62,13 +62,13 @@ extern "C" {
 void* vorn_box_integer(const char* type_name, int64_t value) {
   const PrimitiveType type = boxedTypeNamed(type_name);
   if (type == PrimitiveType::Boolean) return Vorn_boxBool(value != 0);
-  if (!vorn::collections::isIntegerKind(vorn::collections::kindOf(type))) return nullptr;
+  if (!vorn::collections::isIntegerType(type)) return nullptr;
   return madeOrNull([&] { return vorn::runtime::newBox(vorn::runtime::boxClass(type), value); });
 }
 
 void* vorn_box_floating(const char* type_name, double value) {
   const PrimitiveType type = boxedTypeNamed(type_name);
-  if (!vorn::collections::isFloatingKind(vorn::collections::kindOf(type))) return nullptr;
+  if (!vorn::collections::isFloatingType(type)) return nullptr;
   return madeOrNull([&] { return vorn::runtime::newFloatingBox(type, value); });
 }
 

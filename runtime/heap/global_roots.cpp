@@ -4,8 +4,19 @@
 
 namespace vorn::runtime {
 
+namespace {
+
+alignas(GlobalRoots) unsigned char storage[sizeof(GlobalRoots)];
+
+}  // namespace
+
+// Where debuggers find the table, zeros before its first use, of a library without a symbol table (tools/gdb).
+extern "C" {
+[[gnu::visibility("default")]] extern const unsigned char* const vorn_debugger_roots;
+const unsigned char* const vorn_debugger_roots = storage;
+}
+
 GlobalRoots& GlobalRoots::instance() {
-  alignas(GlobalRoots) static unsigned char storage[sizeof(GlobalRoots)];
   static auto* const roots = new (storage) GlobalRoots;
   return *roots;
 }

@@ -78,6 +78,12 @@ bool startLocked(const vorn_runtime_options& options) {
 
 }  // namespace
 
+// Where debuggers find the heap of a library without a symbol table (tools/gdb).
+extern "C" {
+[[gnu::visibility("default")]] extern const std::atomic<HeapBackend*>* const vorn_debugger_heap;
+const std::atomic<HeapBackend*>* const vorn_debugger_heap = &startedBackend;
+}
+
 vorn_runtime_options defaultOptions() {
   vorn_runtime_options options{};
   options.struct_size = sizeof(options);

@@ -44,6 +44,12 @@ pthread_key_t detachKey() {
 
 }  // namespace
 
+// Where debuggers find the states of a library without a symbol table (tools/gdb).
+extern "C" {
+[[gnu::visibility("default")]] extern const std::atomic<ThreadState*>* const vorn_debugger_threads;
+const std::atomic<ThreadState*>* const vorn_debugger_threads = &firstState;
+}
+
 ThreadState* firstThreadState() noexcept { return firstState.load(std::memory_order_acquire); }
 
 ThreadState& attachCurrentThread() {

@@ -8,9 +8,8 @@
 
 namespace {
 
-using vorn::collections::isFloatingKind;
-using vorn::collections::isIntegerKind;
-using vorn::collections::kindOf;
+using vorn::collections::isFloatingType;
+using vorn::collections::isIntegerType;
 using vorn::collections::PrimitiveType;
 
 // The two Boolean boxes stand outside the collected heap, where no collector can take them. Their headers depend on
@@ -34,7 +33,7 @@ struct BooleanBoxes {
 // The type behind a name that is no short name of a primitive type: the full name of one, else what fits.
 [[gnu::noinline, gnu::cold]] PrimitiveType unusualIntegerType(std::string_view typeName, long long value) {
   const PrimitiveType type = vorn::collections::languageTypeNamed(typeName);
-  if (type != PrimitiveType::None && !isFloatingKind(kindOf(type))) return type;
+  if (type != PrimitiveType::None && !isFloatingType(type)) return type;
   const bool fitsInt =
       value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
   return fitsInt ? PrimitiveType::Int : PrimitiveType::Long;
@@ -49,7 +48,7 @@ extern "C" void* Vorn_boxBool(bool value) {
 
 void* boxIntegerLikeLocal(RuntimeTypeName typeName, long long value) {
   PrimitiveType type = typeName.primitiveType();
-  if (!isIntegerKind(kindOf(type))) [[unlikely]] {
+  if (!isIntegerType(type)) [[unlikely]] {
     if (type != PrimitiveType::Boolean) type = unusualIntegerType(typeName.get(), value);
     if (type == PrimitiveType::Boolean) return Vorn_boxBool(value != 0);
   }
@@ -60,5 +59,5 @@ void* boxFloatingLikeLocal(RuntimeTypeName typeName, double value) {
   PrimitiveType type = typeName.primitiveType();
   if (type == PrimitiveType::None) [[unlikely]]
     type = vorn::collections::languageTypeNamed(typeName.get());
-  return vorn::runtime::newFloatingBox(isFloatingKind(kindOf(type)) ? type : PrimitiveType::Double, value);
+  return vorn::runtime::newFloatingBox(isFloatingType(type) ? type : PrimitiveType::Double, value);
 }

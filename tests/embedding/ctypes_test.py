@@ -568,9 +568,9 @@ print(vorn.statistics().collections - before)
 
     def test_zeros_in_the_options_are_the_defaults(self):
         # The count moves by one or two from run to run; with one megabyte, what zero would be at least, it is far higher.
-        by_default = self.collections_beside(0, 'heap=collected')
-        self.assertLessEqual(abs(self.collections_beside(0, 'heap=collected,room=0,divisor=0') - by_default), 2)
-        self.assertGreater(self.collections_beside(0, 'heap=collected,room=1,divisor=16'), by_default + 4)
+        by_default = self.collections_beside(0, 'heap=collected,recent=0')
+        self.assertLessEqual(abs(self.collections_beside(0, 'heap=collected,recent=0,room=0,divisor=0') - by_default), 2)
+        self.assertGreater(self.collections_beside(0, 'heap=collected,recent=0,room=1,divisor=16'), by_default + 4)
 
     def test_a_second_start_needs_the_same_heap(self):
         self.assertTrue(vorn.start())

@@ -19,6 +19,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* What this header declares is exported by the runtime's library. */
 #define VORN_RUNTIME_EXPORT __attribute__((visibility("default")))
 
 #ifdef __cplusplus
@@ -29,15 +30,17 @@ extern "C" {
 
 /* ---- Starting and stopping --------------------------------------------------------------------------------------- */
 
+/* The heaps; docs/heap.md compares them. */
 typedef enum vorn_heap_kind {
   VORN_HEAP_COLLECTED = 0, /* libgc: conservative stacks, precise pointer-free blocks */
   VORN_HEAP_PLAIN = 1,     /* calloc, never frees */
   VORN_HEAP_STRESS = 2     /* collects all the time, poisons what it frees; for tests */
 } vorn_heap_kind;
 
+/* How the runtime starts. Filled with the defaults by vorn_runtime_parse_options. */
 typedef struct vorn_runtime_options {
-  size_t struct_size; /* sizeof(vorn_runtime_options), so that the struct can grow */
-  vorn_heap_kind heap;
+  size_t struct_size;  /* sizeof(vorn_runtime_options), so that the struct can grow */
+  vorn_heap_kind heap; /* stays for the rest of the process */
   /* Stress heap only: also scan thread stacks and registers (0: registered roots only). */
   int stress_scans_stacks;
   /* Stress heap only: collect at each allocation with a probability of 1 in this number; 0 and 1 mean always. */
@@ -62,6 +65,7 @@ typedef struct vorn_runtime_options {
   int collected_small_pages;
 } vorn_runtime_options;
 
+/* For vorn_runtime_options.recent_blocks: no block stays alive by having been handed out. */
 #define VORN_RECENT_NONE UINT32_MAX
 
 /* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
@@ -173,22 +177,28 @@ VORN_RUNTIME_EXPORT int vorn_equals(void* left, void* right);
 
 /* ---- User classes ------------------------------------------------------------------------------------------------ */
 
-typedef enum vorn_field_type { VORN_FIELD_INTEGER = 0, VORN_FIELD_FLOATING = 1, VORN_FIELD_HANDLE = 2 } vorn_field_type;
+/* What a field of a user class holds. */
+typedef enum vorn_field_type {
+  VORN_FIELD_INTEGER = 0,  /* 64 bits, signed */
+  VORN_FIELD_FLOATING = 1, /* a double */
+  VORN_FIELD_HANDLE = 2    /* what it refers to stays alive with the object */
+} vorn_field_type;
 
+/* A field of a user class. */
 typedef struct vorn_field_definition {
-  const char* name;
-  vorn_field_type type;
+  const char* name;     /* an identifier that no field of the class or its bases has */
+  vorn_field_type type; /* never converted: it is read and written as what it is */
 } vorn_field_definition;
 
 /* A user class. Hooks are optional (null) and inherited from the base; they may call natives, allocate, and raise
  * (vorn_raise). Their result is ignored by callers that see a pending error. `context` is passed through. */
 typedef struct vorn_class_definition {
-  size_t struct_size;    /* sizeof(vorn_class_definition) */
-  const char* name;      /* full or short, e.g. "app.Point"; must be new */
-  const char* base_name; /* a user class, or null */
-  const vorn_field_definition* fields;
-  size_t field_count;
-  void* context;
+  size_t struct_size;                  /* sizeof(vorn_class_definition) */
+  const char* name;                    /* full or short, e.g. "app.Point"; must be new */
+  const char* base_name;               /* a user class, or null */
+  const vorn_field_definition* fields; /* the class's own, behind those of its base; may be null without any */
+  size_t field_count;                  /* of them */
+  void* context;                       /* the last argument of each hook */
   /* Equality with any other non-null object. */
   bool (*equals)(void* self, void* other, void* context);
   /* Ordering: negative, zero or positive; *comparable = false when the two cannot be ordered. */
@@ -237,12 +247,15 @@ VORN_RUNTIME_EXPORT void vorn_local_root_remove(void** slot);
 /* Runs a full collection now; nothing on the plain heap. */
 VORN_RUNTIME_EXPORT void vorn_heap_collect(void);
 
+/* What a heap has done since it was made. */
 typedef struct vorn_heap_statistics {
-  uint64_t bytes_live;  /* in use, or the heap's best estimate */
-  uint64_t allocations; /* blocks handed out since start, all threads */
-  uint64_t bytes_allocated;
-  uint64_t collections;
+  uint64_t bytes_live;      /* in use, or the heap's best estimate */
+  uint64_t allocations;     /* blocks handed out since start, all threads */
+  uint64_t bytes_allocated; /* by these */
+  uint64_t collections;     /* full ones; 0 on the plain heap */
 } vorn_heap_statistics;
+
+/* Fills in the statistics of the heap, which it starts with the defaults when nobody has. Does not allocate. */
 VORN_RUNTIME_EXPORT void vorn_heap_get_statistics(vorn_heap_statistics* statistics);
 
 /* Makes the next `after` allocations succeed and the one behind them fail (0: the very next one), once, on any heap,
@@ -254,17 +267,19 @@ VORN_RUNTIME_EXPORT int vorn_heap_failure_happened(void);
 
 /* ---- Looking into lists ------------------------------------------------------------------------------------------ */
 
+/* Where a list keeps its elements. */
 typedef enum vorn_list_storage {
   VORN_LIST_OBJECTS = 0,  /* boxed elements, array-backed */
   VORN_LIST_LINKED = 1,   /* boxed elements, linked nodes */
   VORN_LIST_PRIMITIVE = 2 /* unboxed elements */
 } vorn_list_storage;
 
+/* What vorn_list_get_storage tells of a list. The texts live as long as the process. */
 typedef struct vorn_list_storage_info {
-  vorn_list_storage storage;
+  vorn_list_storage storage;  /* the one that is in use */
   const char* element_type;   /* the declared element type; "" when untyped */
   const char* primitive_type; /* the type name of unboxed elements; "" otherwise */
-  uint64_t size;
+  uint64_t size;              /* how many elements there are */
   uint64_t capacity;          /* in elements; the size for linked lists */
   uint64_t bytes_per_element; /* of the list's own storage, boxes not counted */
 } vorn_list_storage_info;

@@ -27,6 +27,7 @@ class RuntimeScope {
   RuntimeScope(const RuntimeScope&) = delete;
   RuntimeScope& operator=(const RuntimeScope&) = delete;
 
+  // Whether this scope started the runtime, or found it running on that heap.
   [[nodiscard]] bool running() const { return running_; }
 
  private:
@@ -51,15 +52,19 @@ class RuntimeScope {
 // stopped. Constructing does not throw: where no memory is left to register the slot, the process ends.
 class Handle {
  public:
+  // Holds a handle, or null. Takes a lock.
   Handle(void* handle = nullptr) noexcept : handle_(handle) { vorn_root_add(&handle_); }  // NOLINT: converts on purpose
   Handle(const Handle& other) noexcept : Handle(other.handle_) {}
   ~Handle() { vorn_root_remove(&handle_); }
+
+  // Holds another handle instead. Takes no lock.
   Handle& operator=(const Handle& other) noexcept = default;
   Handle& operator=(void* handle) noexcept {
     handle_ = handle;
     return *this;
   }
 
+  // The handle, alive as long as this object holds it.
   [[nodiscard]] void* get() const noexcept { return handle_; }
   operator void*() const noexcept { return handle_; }  // NOLINT(google-explicit-constructor): passes for the raw handle
 

@@ -30,8 +30,9 @@ typedef struct ListData ListData;
 
 /* ---- Appending ------------------------------------------------------------------------------------------------- */
 
-/* Appends an accepted value; unboxed where the list's storage allows, otherwise the list turns into boxed storage for
- * good. A null list raises NullException "Cannot call ArrayList.add() on null". May allocate. */
+/* Appends an accepted value; unboxed where the list's storage allows, otherwise the list turns into boxed storage,
+ * which it keeps until it is emptied. A null list raises NullException "Cannot call ArrayList.add() on null". May
+ * allocate. */
 VORN_NATIVE void vorn_collections_ArrayList_add(void* list, void* value);
 
 /* The raw appends take unboxed values whose type the compiler already knows. They check no declared type: a value that

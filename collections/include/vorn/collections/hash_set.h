@@ -4,8 +4,8 @@
  * nothing for a null set and locks a synchronised one for its whole body but the making of the key.
  *
  * Elements are compared by value as the keys of maps are (map.h), with the same rules for user code and errors; null is
- * an element like any other. "Iteration order" is neither the order of insertion nor sorted, but the same for every
- * native while the set is unchanged.
+ * an element like any other. "Iteration order" is the same for every native while the set is unchanged; programs may
+ * rely on nothing else about it.
  */
 #ifndef VORN_COLLECTIONS_HASH_SET_H
 #define VORN_COLLECTIONS_HASH_SET_H
