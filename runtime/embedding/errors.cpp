@@ -21,3 +21,5 @@ const char* vorn_error_message(size_t index) {
 }
 
 void vorn_errors_clear(void) { vorn::runtime::clearPendingErrors(); }
+
+void vorn_errors_truncate(size_t count) { vorn::runtime::truncatePendingErrors(count); }

@@ -12,6 +12,12 @@ void vorn_root_add(void** slot) {
 
 void vorn_root_remove(void** slot) { removeGlobalRoot(slot); }
 
+void vorn_local_root_add(void** slot) {
+  [&]() noexcept { attachedThread().roots.push(slot, sizeof(void*)); }();
+}
+
+void vorn_local_root_remove(void** slot) { attachedThread().roots.remove(slot, sizeof(void*)); }
+
 void vorn_heap_collect(void) {
   attachedThread();
   startedHeap().collect();

@@ -32,6 +32,15 @@ void clearPendingErrors() noexcept {
   if (hasPendingErrors()) clearPendingErrorsOf(currentThread->errors);
 }
 
+void truncatePendingErrors(std::size_t count) noexcept {
+  if (count == 0) return clearPendingErrors();
+  PendingErrors* const errors = count < pendingErrorCount() ? &currentThread->errors : nullptr;
+  if (errors == nullptr) return;
+  // What is still pending would make a watch believe that something has been raised.
+  currentThread->errorsRaised -= errors->size() - count;
+  errors->erase(errors->begin() + static_cast<std::ptrdiff_t>(count), errors->end());
+}
+
 void clearPendingErrorsOf(PendingErrors& errors) noexcept {
   if (errors.empty()) return;
   errors.clear();

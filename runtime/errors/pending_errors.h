@@ -28,6 +28,9 @@ void raiseError(const char* className, const char* message);
 
 void clearPendingErrors() noexcept;
 
+// Keeps the oldest `count` errors and takes the others back: they were not raised for those either who watch for it.
+void truncatePendingErrors(std::size_t count) noexcept;
+
 // The same for a thread that ends: its errors stop counting.
 void clearPendingErrorsOf(PendingErrors& errors) noexcept;
 

@@ -36,6 +36,49 @@ TEST_F(ErrorsTest, Raise_ListsErrorsOldestFirst) {
   EXPECT_EQ(Vorn_hasPendingError(), 0);
 }
 
+TEST_F(ErrorsTest, Truncating_TakesTheNewestBackAndKeepsTheOthers) {
+  vorn_raise("A", "first");
+  const char* const kept = vorn_error_message(0);
+  vorn_raise("B", "second");
+  vorn_raise("C", "third");
+  vorn_errors_truncate(3);
+  EXPECT_EQ(vorn_error_count(), 3U);
+  vorn_errors_truncate(1);
+  EXPECT_EQ(vorn_error_message(0), kept);
+  EXPECT_EQ(takeErrors(), std::vector<std::string>{"A: first"});
+  vorn_raise("D", "fourth");
+  vorn_errors_truncate(0);
+  EXPECT_EQ(vorn_error_count(), 0U);
+  EXPECT_EQ(Vorn_hasPendingError(), 0);
+  vorn_errors_truncate(0);
+}
+
+// A hook that handles what its own calls raise has raised nothing for the search that called it.
+TEST_F(ErrorsTest, Truncating_IsNotSeenByAWatch) {
+  for (const bool older : {false, true}) {
+    if (older) vorn_raise("A", "older");
+    const collections::PendingErrorWatch watch;
+    vorn_raise("B", "handled");
+    EXPECT_TRUE(watch.raised());
+    vorn_errors_truncate(older ? 1 : 0);
+    EXPECT_FALSE(watch.raised());
+    vorn_raise("C", "left");
+    EXPECT_TRUE(watch.raised());
+    vorn_errors_clear();
+  }
+}
+
+// Who takes back all errors, older ones too, and then raises has raised something.
+TEST_F(ErrorsTest, TruncatingToNothing_DoesNotHideALaterError) {
+  vorn_raise("A", "older");
+  const collections::PendingErrorWatch watch;
+  vorn_errors_truncate(0);
+  EXPECT_FALSE(watch.raised());
+  vorn_raise("B", "new");
+  EXPECT_TRUE(watch.raised());
+  vorn_errors_clear();
+}
+
 TEST_F(ErrorsTest, RaisedErrors_AreCountedForGood) {
   const unsigned long long before = Vorn_raisedErrorCount();
   Vorn_raise("A", "first");

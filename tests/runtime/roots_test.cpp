@@ -164,6 +164,20 @@ TEST_F(RootsTest, HandleVector_SurvivesItsOwnGrowth) {
   for (int i = 0; i < count; ++i) ASSERT_EQ(nodeAt((*handles)[i])->value, i);
 }
 
+// In malloc'ed memory, where no collector looks by itself.
+TEST_F(RootsTest, LocalRoot_LastsUntilItHasBeenRemovedAsOftenAsAdded) {
+  const std::uint64_t before = liveBytes();
+  const auto slot = std::make_unique<void*>(nullptr);
+  vorn_local_root_add(slot.get());
+  vorn_local_root_add(slot.get());
+  *slot = newNode(nullptr, 78);
+  vorn_local_root_remove(slot.get());
+  makeGarbage();
+  EXPECT_EQ(nodeAt(*slot)->value, 78);
+  vorn_local_root_remove(slot.get());
+  EXPECT_TRUE(liveBytesAre(before));
+}
+
 void* staticSlot;
 
 TEST_F(RootsTest, GlobalRoot_LastsUntilItIsRemoved) {

@@ -231,6 +231,13 @@ VORN_RUNTIME_EXPORT void vorn_raise(const char* exception_class, const char* mes
 VORN_RUNTIME_EXPORT size_t vorn_error_count(void);
 VORN_RUNTIME_EXPORT const char* vorn_error_class(size_t index);
 VORN_RUNTIME_EXPORT const char* vorn_error_message(size_t index);
+
+/* Keeps the oldest `count` errors and takes back those behind them, as if they had never been raised. For code that
+ * handles the errors of its own calls and leaves alone those that were pending before: `count` is what vorn_error_count
+ * gave when that code began. */
+VORN_RUNTIME_EXPORT void vorn_errors_truncate(size_t count);
+
+/* Takes all of them back. */
 VORN_RUNTIME_EXPORT void vorn_errors_clear(void);
 
 /* ---- Calls from other languages ---------------------------------------------------------------------------------- */
@@ -267,6 +274,12 @@ VORN_RUNTIME_EXPORT int vorn_call(const char* shape, vorn_function function, con
 /* Makes *slot a root of the whole process until it is removed; any thread may remove it. A slot may be added once. */
 VORN_RUNTIME_EXPORT void vorn_root_add(void** slot);
 VORN_RUNTIME_EXPORT void vorn_root_remove(void** slot);
+
+/* The same for a slot in a frame of the calling thread, at a tenth of the cost: a root until this thread, and no other,
+ * removes it or detaches. A slot may be added more than once and is then removed as often. The last one added is the
+ * fastest to remove. */
+VORN_RUNTIME_EXPORT void vorn_local_root_add(void** slot);
+VORN_RUNTIME_EXPORT void vorn_local_root_remove(void** slot);
 
 /* Runs a full collection now; nothing on the plain heap. */
 VORN_RUNTIME_EXPORT void vorn_heap_collect(void);
