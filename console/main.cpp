@@ -1,6 +1,8 @@
 // The console's program: options, then scripts or a conversation.
 #include <sys/resource.h>
 #include <unistd.h>
+#include <vorn/collections/version.h>
+#include <vorn/runtime.h>
 
 #include <langinfo.h>
 #include <algorithm>
@@ -42,6 +44,7 @@ their expectations, and the exit status is 1 when something differs.
   --memory=MEGABYTES     the most memory to take (default: 4096; 0 for all there is)
   --natives              list all natives and leave
   --natives-called=FILE  write the names of the natives that were called
+  --version              the version
   --help                 this text
 
 NO_COLOR switches colours off; VORN_CONSOLE_HISTORY names the file of the history (~/.vorn_console_history).
@@ -55,6 +58,7 @@ struct Options {
   bool tour = false;
   bool echo = false;
   bool natives = false;
+  bool version = false;
   bool help = false;
 };
 
@@ -80,6 +84,8 @@ std::string parseArguments(int argc, char** argv, Options& options) {
       options.echo = true;
     } else if (argument == "--natives") {
       options.natives = true;
+    } else if (argument == "--version") {
+      options.version = true;
     } else if (argument == "--help" || argument == "-h") {
       options.help = true;
     } else if (const auto heap = valueOf(argument, "--heap=")) {
@@ -254,7 +260,16 @@ int main(int argc, char** argv) {
     std::fputs(kUsage.data(), stdout);
     return 0;
   }
+  if (options.version) {
+    std::printf("vorn-console %s\n", VORN_COLLECTIONS_VERSION);
+    return std::fflush(stdout) == 0 ? 0 : 1;
+  }
   if (options.natives) return listNativesAndLeave();
+  // The console looks into the records of the libraries that it is compiled with.
+  if (std::string_view(vorn_runtime_version()) != VORN_COLLECTIONS_VERSION) {
+    return complain(std::string("this is version " VORN_COLLECTIONS_VERSION ", but libvorn_runtime is version ") +
+                    vorn_runtime_version());
+  }
   useUtf8();
   limitMemory(options.megabytes);
   catchInterrupts();

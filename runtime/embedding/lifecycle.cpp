@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "runtime/heap/heap_control.h"
+#include "runtime/library_versions.h"
 #include "runtime/threads/thread_state.h"
 
 namespace vorn::runtime {
@@ -96,6 +97,8 @@ int vorn_runtime_start(const vorn_runtime_options* options) {
   attachCurrentThread();
   return 1;
 }
+
+const char* vorn_runtime_version(void) { return runtimeVersion(); }
 
 int vorn_runtime_parse_options(const char* text, vorn_runtime_options* options) {
   if (text == nullptr || options == nullptr) return 0;

@@ -9,6 +9,7 @@
 #include "runtime/heap/plain_heap.h"
 #include "runtime/heap/stress_heap.h"
 #include "runtime/keys/hash_seed.h"
+#include "runtime/library_versions.h"
 #include "runtime/threads/fast_random.h"
 
 namespace vorn::runtime {
@@ -100,7 +101,7 @@ vorn_runtime_options defaultOptions() {
 
 bool startHeap(const vorn_runtime_options& options) {
   const std::lock_guard lock(startMutex);
-  return startLocked(options);
+  return collectionsAreOfThisVersion() && startLocked(options);
 }
 
 void stopHeap() {
@@ -113,9 +114,12 @@ HeapBackend& startedHeap() {
   if (HeapBackend* heap = startedBackend.load(std::memory_order_acquire)) [[likely]]
     return *heap;
   const std::lock_guard lock(startMutex);
-  if (startedBackend.load(std::memory_order_relaxed) == nullptr && !startLocked(defaultOptions())) {
-    std::fputs("vorn: the runtime's heap cannot be made\n", stderr);
-    std::abort();
+  if (startedBackend.load(std::memory_order_relaxed) == nullptr) {
+    if (!collectionsAreOfThisVersion()) std::abort();
+    if (!startLocked(defaultOptions())) {
+      std::fputs("vorn: the runtime's heap cannot be made\n", stderr);
+      std::abort();
+    }
   }
   return *startedBackend.load(std::memory_order_relaxed);
 }

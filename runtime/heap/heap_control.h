@@ -16,7 +16,8 @@ inline constexpr unsigned kMostRoomMegabytes = 262'144;
 [[nodiscard]] vorn_runtime_options defaultOptions();
 
 // Starts the heap that the options name, and restarts a stopped one with the new options. False for options that make
-// no sense, for a heap of another kind than the one that was started before, or when the heap cannot be made.
+// no sense, for a heap of another kind than the one that was started before, when the heap cannot be made, or beside a
+// collections library of another version, which is told on stderr.
 bool startHeap(const vorn_runtime_options& options);
 
 // Ends collecting until the heap is started again.

@@ -9,6 +9,8 @@
   hidden dependency.
 - The runtime library exports every function of the embedding API's header, which has a function for boxing and one for
   unboxing each row of the table of primitive types, in the row's own type of C.
+- Both export what programs that were linked to an earlier release need: abi.txt, which is that of the number in their
+  SONAMEs.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
   and the collector's GC_ functions.
 """
@@ -21,6 +23,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PUBLIC_HEADERS = ROOT / "collections/include"
 RUNTIME_HEADER = ROOT / "runtime/include/vorn/runtime.h"
+ABI = ROOT / "tests/packaging/abi.txt"
 KINDS = ROOT / "collections/core/kinds.def"
 PORT_HEADERS = sorted((ROOT / "collections/core/port").glob("*.h"))
 
@@ -63,6 +66,8 @@ class Library:
     def __init__(self, path):
         self.exported = set()
         self.needed = set()
+        dynamic = subprocess.run(["readelf", "-d", path], check=True, capture_output=True, text=True).stdout
+        self.soname = re.search(r"SONAME.*\[(.*)\]", dynamic)[1]
         listing = subprocess.run(
             ["nm", "-D", "--with-symbol-versions", path], check=True, capture_output=True, text=True)
         for line in listing.stdout.splitlines():
@@ -73,6 +78,22 @@ class Library:
                     self.needed.add(symbol)
             elif not (kind in "WVu" and STANDARD_LIBRARY.match(demangled(symbol))):
                 self.exported.add(symbol.split("@")[0])
+
+
+def broken_promises(*libraries):
+    """What a program linked to an earlier release would miss."""
+    promised = ABI.read_text(encoding="utf-8")
+    number = re.search(r"number (\d+)", promised)[1]
+    for library in libraries:
+        name, _, soname_number = library.soname.partition(".so.")
+        if soname_number != number:
+            yield f"{library.soname}: abi.txt is that of number {number}"
+        symbols = re.findall(rf"^{name} (\S+)$", promised, re.MULTILINE)
+        if not symbols:
+            yield f"{name}: abi.txt promises nothing of it"
+        for symbol in symbols:
+            if symbol not in library.exported:
+                yield f"{demangled(symbol)}: {name} exported it in an earlier release"
 
 
 def boxing_functions():
@@ -94,11 +115,11 @@ def boxing_functions():
 def main():
     collections, runtime = Library(sys.argv[1]), Library(sys.argv[2])
 
-    problems = []
+    problems = list(broken_promises(collections, runtime))
     natives = set()
     helpers = set()
     for source in sorted((ROOT / "collections").rglob("*")):
-        if source.suffix not in (".h", ".hpp", ".cpp", ".inc"):
+        if source.suffix not in (".h", ".hpp", ".cpp", ".inc", ".in"):
             continue
         code = code_of(source)
         if source.is_relative_to(PUBLIC_HEADERS):

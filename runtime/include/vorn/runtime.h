@@ -69,8 +69,16 @@ typedef struct vorn_runtime_options {
 #define VORN_RECENT_NONE UINT32_MAX
 
 /* Starts the runtime; null options mean the collected heap. Everything else starts it with those defaults when nobody
- * has. 0 when it is already running with another heap. The calling thread is attached. */
+ * has. 0 when it is already running with another heap. The calling thread is attached.
+ *
+ * The two libraries must be of one version, since the runtime looks into the library's records. When the collections
+ * library that is loaded is of another, this prints one line that names both versions on stderr and gives 0; where the
+ * runtime would start by itself, it prints that line and aborts. */
 VORN_RUNTIME_EXPORT int vorn_runtime_start(const vorn_runtime_options* options);
+
+/* The version of the runtime library that is running, such as "0.1.0"; the text never ends. May be called at any time.
+ * <vorn/collections/version.h> tells the version of the headers. */
+VORN_RUNTIME_EXPORT const char* vorn_runtime_version(void);
 
 /* Reads options from text such as "heap=stress,stacks=0,one-in=3,seed=7" or "heap=collected,room=64,divisor=3,recent=8"
  * (heap=collected|plain|stress; recent=0 is VORN_RECENT_NONE, huge=0 sets collected_small_pages) into *options, which is

@@ -1,0 +1,3 @@
+#include <vorn/collections/version.h>
+
+const char* vorn_collections_version(void) { return VORN_COLLECTIONS_VERSION; }
