@@ -46,9 +46,10 @@ inline NativeCollectionKey keyOf(void* handle, Make make) {
 // hasPendingError() next, which also tells of an error that was pending before. A sorted map never looks at hashes, so
 // that its keys need none and run no user code. Whether a map is hashed never changes and may be read without its lock.
 inline NativeCollectionKey mapKeyOf(const MapData& map, void* handle) {
-  return keyOf(handle, [&](void* other) {
-    return map.hashed ? makeNativeCollectionKey(other) : makeNativeOrderedCollectionKey(other);
-  });
+  if (map.hashed) return keyOf(handle, makeNativeCollectionKey);
+  return withIntegerKey(
+      handle, [](IntegerWords words) { return words.orderedKey(); },
+      [&] { return makeNativeOrderedCollectionKey(handle); });
 }
 
 // The key of an element of a set, which may be null.

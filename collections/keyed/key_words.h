@@ -56,11 +56,17 @@ struct IntegerWords {
     return key.words[0] == static_cast<std::uint64_t>(value) && key.tag == NativeCollectionKey::Tag::Integer;
   }
 
-  [[nodiscard]] NativeCollectionKey key() const {
-    return KeyWords(hash(), NativeCollectionKey::Tag::Integer, 0, static_cast<std::uint64_t>(value), 0).key();
-  }
+  [[nodiscard]] NativeCollectionKey key() const { return keyWithHash(hash()); }
+
+  // The key as ordered tables want it, whose hash has no meaning.
+  [[nodiscard]] NativeCollectionKey orderedKey() const { return keyWithHash(0); }
 
   std::int64_t value;
+
+ private:
+  [[nodiscard]] NativeCollectionKey keyWithHash(std::uint32_t hash) const {
+    return KeyWords(hash, NativeCollectionKey::Tag::Integer, 0, static_cast<std::uint64_t>(value), 0).key();
+  }
 };
 
 }  // namespace vorn::collections
