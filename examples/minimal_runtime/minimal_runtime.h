@@ -1,0 +1,70 @@
+// A runtime that does as little as the port of the collections library allows: see README.md.
+#pragma once
+
+#include <cstdint>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "collections/core/port/gc_allocator.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/type_name.h"
+
+// Made once and kept for good: the library takes classes for the same when they have the same address.
+struct RuntimeClass : RuntimeClassHead {
+  std::string name;             // in full: "vorn.collections.ArrayList<Int>"
+  ObjectKind kind;              // of its objects
+  const RuntimeClass* base;     // of a generic form, the class without arguments; null for Object
+  RuntimeTypeName elementType;  // what a list's type argument declares
+};
+
+namespace minimal {
+
+using Handles = std::vector<void*, VornGcAllocator<void*>>;
+
+struct TupleObject : SizedObject {
+  Handles items;
+};
+
+// arena.cpp: zeroed memory, 16-byte aligned; null when there is none. Any thread may call it.
+void* take(std::size_t bytes);
+
+// classes.cpp: the class of a short, full or generic name; null when there is none. The class of an object; String for
+// bare texts, null for null. And a new class without fields and hooks.
+const RuntimeClass* findClass(std::string_view name);
+const RuntimeClass* classOf(const void* handle);
+void defineClass(const std::string& name);
+
+// objects.cpp: the handle as an object of that kind; null when it is none.
+template <class Object>
+Object* as(void* handle, ObjectKind kind) {
+  ObjectRecord* object = getObject(handle);
+  return object != nullptr && object->kind() == kind ? static_cast<Object*>(object) : nullptr;
+}
+
+// A new object in the arena, which is never destroyed.
+template <class Object>
+Object* make(const RuntimeClass* type) {
+  void* memory = take(sizeof(Object));
+  if (memory == nullptr) throw std::bad_alloc();
+  auto* object = new (memory) Object();
+  object->header = objectHeaderFor(object, type->kind);
+  object->runtimeClass = type;
+  return object;
+}
+
+// comparison.cpp: negative, zero or positive. Mutable collections are different keys, but may have the same contents;
+// those that have no order are ordered by their address.
+template <class T>
+int threeWay(T left, T right) {
+  return (left > right) - (left < right);
+}
+enum class Seen { AsKeys, AsOrdered, AsEqual };
+int compare(void* left, void* right, Seen seen);
+Handles elementsOf(void* collection);
+
+// errors.cpp: this thread's errors as "Class: message", oldest first, which are no longer pending then.
+std::vector<std::string> takeErrors();
+
+}  // namespace minimal
