@@ -48,16 +48,16 @@ Checks arrayLaws() {
        [] {
          for (const char* name : {"Array<Int>", "ArraySync<Int>", "Array<Object>"}) {
            void* const array = arrayOf(name, {integer(3), integer(1), integer(2)});
-           expect("sorted", textOf(vorn_collections_Array_toString(vorn_collections_Array_sortNew(array))),
+           expect("sorted", textOf(vorn_collections_Array_toString(held(vorn_collections_Array_sortNew(array)))),
                   std::string_view(name).find("Sync") != std::string_view::npos ? "fs:[1, 2, 3]" : "f:[1, 2, 3]");
            vorn_collections_Array_reverse(array);
            expectTrue("reversed",
                       vorn_collections_Array_operator_eq(array, arrayOf(name, {integer(2), integer(1), integer(3)})));
-           void* const both = vorn_collections_Array_concat(array, listOf("ArrayList", {integer(9)}));
+           void* const both = held(vorn_collections_Array_concat(array, listOf("ArrayList", {integer(9)})));
            expectTrue("concatenated", vorn_collections_Array_operator_eq(
                                           both, arrayOf(name, {integer(2), integer(1), integer(3), integer(9)})));
            void* const given = Vorn_boxBool(true);
-           void* const part = vorn_collections_Array_slice(both, 1, 3, 1, given, given);
+           void* const part = held(vorn_collections_Array_slice(both, 1, 3, 1, given, given));
            expectTrue("a slice", vorn_collections_Array_operator_eq(part, arrayOf(name, {integer(1), integer(3)})));
            expect("the sum", vorn_collections_Array_sumI64Fast(both), 15LL);
          }

@@ -20,19 +20,21 @@ std::string shown(double value) {
   return {digits, std::to_chars(digits, digits + sizeof(digits), value).ptr};
 }
 
-std::string shown(std::string_view value) {
-  std::string text = "'";
-  for (const char c : value) {
-    constexpr std::string_view kHex = "0123456789abcdef";
+std::string printable(std::string_view text) {
+  constexpr std::string_view kHex = "0123456789abcdef";
+  std::string printed;
+  for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7F) {
-      text += c;
+    if (byte >= 0x20 && byte < 0x7F) {
+      printed += c;
     } else {
-      text += {'\\', 'x', kHex[byte >> 4], kHex[byte & 15]};
+      printed += {'\\', 'x', kHex[byte >> 4], kHex[byte & 15]};
     }
   }
-  return text + "'";
+  return printed;
 }
+
+std::string shown(std::string_view value) { return "'" + printable(value) + "'"; }
 
 std::string shown(const void* value) {
   if (value == nullptr) return "null";

@@ -50,6 +50,9 @@ struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The text with all bytes but those of printable ASCII escaped: a broken runtime's texts may hold anything.
+std::string printable(std::string_view text);
+
 // Values as failures show them.
 std::string shown(bool value);
 std::string shown(long long value);

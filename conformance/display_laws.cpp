@@ -39,13 +39,14 @@ Checks displayLaws() {
          expect("Array", displayed(vorn_collections_Array_toString, arrayOf("Array<Int>", {integer(1)})), "f:[1]");
          expect("ArraySync", displayed(vorn_collections_Array_toString, arrayOf("ArraySync<Object>", {integer(1)})),
                 "fs:[1]");
-         expect("Tuple", displayed(vorn_collections_Tuple_toString, tupleOf({integer(1), string("b")})),
-                "(1, \"b\")");
+         expect("Tuple", displayed(vorn_collections_Tuple_toString, tupleOf({integer(1), string("b")})), "(1, \"b\")");
          expect("HashSet", displayed(vorn_collections_HashSet_toString, setOf({integer(1)})), "{1}");
        }},
       {"displays", "of maps show their entries",
        [] {
-         const auto shownMap = [](const char* name) { return displayed(vorn_collections_Map_toString, mapOfOneEntry(name)); };
+         const auto shownMap = [](const char* name) {
+           return displayed(vorn_collections_Map_toString, mapOfOneEntry(name));
+         };
          for (const char* name : kMapClasses) {
            const std::string text = shownMap(name);
            expectTrue(text + " has the key in quotes and the value", text.find("\"a\": 1}") != std::string::npos);

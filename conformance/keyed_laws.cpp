@@ -53,9 +53,9 @@ Checks keyedLaws() {
          for (const char* name : kMapClasses) {
            void* const map = object(name);
            for (const int i : {5, 1, 4, 2, 3}) vorn_collections_Map_put(map, integer(i), integer(i * 10));
-           void* const keys = vorn_collections_Map_keys(map);
-           void* const values = vorn_collections_Map_values(map);
-           void* const items = vorn_collections_Map_items(map);
+           void* const keys = held(vorn_collections_Map_keys(map));
+           void* const values = held(vorn_collections_Map_values(map));
+           void* const items = held(vorn_collections_Map_items(map));
            for (long long i = 0; i < 5; ++i) {
              const long long key = integerOf(vorn_collections_ImmutableList_operator_index(keys, i));
              if (isSorted(name)) expect(std::string("a key of ") + name, key, i + 1);
@@ -112,7 +112,8 @@ Checks keyedLaws() {
            for (int i = 0; i < 200; ++i)
              expect("whether it has a value", vorn_collections_HashSet_operator_in(set, keyNumber(i)), i % 2 == 1);
            expectTrue("it has null", vorn_collections_HashSet_operator_in(set, nullptr));
-           expect("the size of its list", vorn_collections_ArrayList_size(vorn_collections_HashSet_items(set)), 101LL);
+           expect("the size of its list", vorn_collections_ArrayList_size(held(vorn_collections_HashSet_items(set))),
+                  101LL);
          }
        }},
   };

@@ -28,6 +28,7 @@ void forEachList(const std::function<void(const std::string& name)>& law) {
 }
 
 void expectContents(const std::string& name, void* list, const Values& expected) {
+  held(list);
   expect("the size of " + name, vorn_collections_ArrayList_size(list), static_cast<long long>(expected.size()));
   expect("the unlocked size of " + name, vorn_collections_ArrayList_sizeFast(list),
          static_cast<long long>(expected.size()));

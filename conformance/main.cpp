@@ -69,7 +69,7 @@ std::string outcomeOf(const Check& check) {
     const std::vector<std::string> left = adapter().takeErrors();
     return left.empty() ? "" : "an error is left pending: " + shown(left);
   } catch (const std::exception& error) {
-    return error.what();
+    return printable(error.what());
   }
 }
 

@@ -76,7 +76,7 @@ Checks sortLaws() {
        [] {
          void* const list = immutableListOf({integer(2), integer(1)});
          expect("the new list",
-                textOf(vorn_collections_ImmutableList_toString(vorn_collections_ImmutableList_sortNew(list))),
+                textOf(vorn_collections_ImmutableList_toString(held(vorn_collections_ImmutableList_sortNew(list)))),
                 "i:[1, 2]");
          expect("the old list", textOf(vorn_collections_ImmutableList_toString(list)), "i:[2, 1]");
        }},

@@ -13,33 +13,27 @@
 
 namespace vorn::conformance {
 
-namespace {
-
-// The handles that a check holds. They stay for as long as its process, so that no collector takes what a check still
-// looks at: most checks are about other promises than roots. For the thread that checks only.
-void* kept(void* handle) {
+void* held(void* handle) {
   static auto* const handles = new collections::HandleVector();
   const collections::RootedHandle rooted(handle);
   (*handles)->push_back(handle);
   return handle;
 }
 
-}  // namespace
-
 void* box(std::string_view type, long long value) {
-  return kept(boxIntegerLikeLocal(internRuntimeTypeName(type), value));
+  return held(boxIntegerLikeLocal(internRuntimeTypeName(type), value));
 }
 
 void* box(std::string_view type, double value) {
-  return kept(boxFloatingLikeLocal(internRuntimeTypeName(type), value));
+  return held(boxFloatingLikeLocal(internRuntimeTypeName(type), value));
 }
 
-void* string(std::string_view text) { return kept(Vorn_allocString(text)); }
+void* string(std::string_view text) { return held(Vorn_allocString(text)); }
 
 void* bare(const char* text) { return const_cast<char*>(text); }
 
 void* object(const char* className) {
-  void* const made = kept(Vorn_allocObject(className));
+  void* const made = held(Vorn_allocObject(className));
   if (made == nullptr) throw Failure("Vorn_allocObject(" + shown(className) + ") gives null");
   return made;
 }
@@ -78,7 +72,7 @@ void* immutableListOf(std::initializer_list<void*> elements) {
   return list;
 }
 
-std::string textOf(void* handle) { return std::string(stringTextFromPtr(kept(handle))); }
+std::string textOf(void* handle) { return std::string(stringTextFromPtr(held(handle))); }
 
 void expectRaised(std::string_view what, const std::string& error) {
   expect(std::string(what) + " raises", adapter().takeErrors(), std::vector<std::string>{error});

@@ -8,6 +8,10 @@
 
 namespace vorn::conformance {
 
+// A handle that stays alive for as long as the check: whatever a native gives, unless it is looked at before anything
+// can allocate. The makers below give such handles. For the thread that checks only.
+void* held(void* handle);
+
 // A box of the named type.
 void* box(std::string_view type, long long value);
 void* box(std::string_view type, double value);
