@@ -40,8 +40,9 @@ namespace vorn::collections {
 // what they were though a runtime has to change.
 inline constexpr unsigned long long kPortVersion = 1;
 
-// The version comes first, since it explains all other differences.
-inline constexpr PortFact kPortFacts[] = {
+// The version comes first, since it explains all other differences. Not inline: of a variable that both sides define under
+// one name the linker would keep one, and compare it with itself.
+static constexpr PortFact kPortFacts[] = {
     {"version of the port", kPortVersion},
     {"number of primitive types", kPrimitiveTypes},
     {"alignment of objects", kObjectAlignment},
