@@ -1,8 +1,4 @@
 // The heap: an arena, which takes memory from large blocks, front to back, and never gives any back.
-#include <cstdlib>
-#include <mutex>
-#include <utility>
-
 #include "collections/core/port/memory.h"
 #include "minimal_runtime.h"
 
@@ -23,10 +19,8 @@ void* minimal::take(std::size_t bytes) {
   left -= bytes;
   return std::exchange(next, next + bytes);
 }
-
 void* Vorn_gcAlloc(std::size_t bytes) { return minimal::take(bytes); }
 void* Vorn_gcAllocAtomic(std::size_t bytes) { return minimal::take(bytes); }
-
 // What is never collected needs no roots.
 void Vorn_gcRegisterRootRange(void*, std::size_t) {}
 void Vorn_gcUnregisterRootRange(void*, std::size_t) {}

@@ -1,25 +1,14 @@
 // Classes: the built-in ones, their generic forms, and those of users.
-#include <map>
-#include <mutex>
-
-#include "collections/core/port/type_names.h"
 #include "minimal_runtime.h"
 
-namespace vc = vorn::collections;
+using namespace minimal;
 
 namespace {
-
 std::recursive_mutex mutex;
 std::map<std::string, RuntimeClass> classes;  // by full name; they stay where they are
 
 RuntimeClass* add(const std::string& name, ObjectKind kind, const RuntimeClass* base) {
   return &classes.emplace(name, RuntimeClass{{vc::PrimitiveType::None}, name, kind, base, {}}).first->second;
-}
-
-ObjectKind boxKind(vc::PrimitiveType type) {
-  if (type == vc::PrimitiveType::Boolean) return ObjectKind::BooleanBox;
-  if (vc::isCharacterType(type)) return ObjectKind::CharacterBox;
-  return vc::isFloatingType(type) ? ObjectKind::FloatingBox : ObjectKind::IntegerBox;
 }
 
 void addBuiltinClasses() {
@@ -28,7 +17,10 @@ void addBuiltinClasses() {
   add("vorn.String", ObjectKind::String, object);
   for (std::size_t i = 1; i < vc::kPrimitiveTypes; ++i) {
     const auto type = static_cast<vc::PrimitiveType>(i);
-    add("vorn." + std::string(vc::infoOf(type).name), boxKind(type), object)->boxedType = type;
+    ObjectKind kind = vc::isFloatingType(type) ? ObjectKind::FloatingBox : ObjectKind::IntegerBox;
+    if (type == vc::PrimitiveType::Boolean) kind = ObjectKind::BooleanBox;
+    if (vc::isCharacterType(type)) kind = ObjectKind::CharacterBox;
+    add("vorn." + std::string(vc::infoOf(type).name), kind, object)->boxedType = type;
   }
   const auto addAll = [](ObjectKind kind, const RuntimeClass* base, std::initializer_list<const char*> names) {
     for (const char* name : names) add(std::string("vorn.collections.") + name, kind, base);
@@ -60,7 +52,6 @@ RuntimeClass* findGeneric(std::string_view name) {
   type->elementType = internRuntimeTypeName(shortTypeNameLocal(arguments[0]));
   return type;
 }
-
 }  // namespace
 
 const RuntimeClass* minimal::findClass(std::string_view name) {
@@ -69,12 +60,10 @@ const RuntimeClass* minimal::findClass(std::string_view name) {
   const RuntimeClass* known = findKnown(name);
   return known != nullptr ? known : findGeneric(name);
 }
-
 const RuntimeClass* minimal::classOf(const void* handle) {
   static const RuntimeClass* const strings = findClass("String");
   return handle == nullptr || hasObjectMagic(handle) ? classOfObject(handle) : strings;
 }
-
 void minimal::defineClass(const std::string& name) {
   const std::lock_guard lock(mutex);
   if (findClass(name) == nullptr) add(name, ObjectKind::Instance, findClass("Object"));

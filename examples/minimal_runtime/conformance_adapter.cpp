@@ -1,7 +1,6 @@
 // What the conformance program asks of this runtime beyond the port.
 #include "conformance/adapter.h"
 
-#include <memory>
 #include <thread>
 
 #include "minimal_runtime.h"

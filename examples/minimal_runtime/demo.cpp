@@ -4,8 +4,6 @@
 
 #include <cstdio>
 
-#include "collections/core/port/objects.h"
-#include "collections/core/port/values.h"
 #include "minimal_runtime.h"
 
 int main() {
@@ -14,8 +12,7 @@ int main() {
     const long long before = Vorn_getField_i64(vorn_collections_Map__get(counts, Vorn_allocString(word)), "_value");
     vorn_collections_Map_put(counts, Vorn_allocString(word), boxIntegerLikeLocal({}, before + 1));
   }
-  std::puts(stringValueFromPtr(vorn_collections_Map_toString(counts)).c_str());
-  vorn_collections_ArrayList_addInt(nullptr, 1);
+  std::puts(Vorn_objectToString(counts));
   vorn_collections_ArrayList_getInt(Vorn_allocObject("ArrayList<Int>"), 7);
   for (const std::string& error : minimal::takeErrors()) std::puts(error.c_str());
 }

@@ -1,6 +1,4 @@
 // Pending errors: a list for each thread.
-#include <utility>
-
 #include "collections/core/port/pending_errors.h"
 #include "minimal_runtime.h"
 

@@ -1,15 +1,27 @@
 // A runtime that does as little as the port of the collections library allows: see README.md.
 #pragma once
 
-#include <cstdint>
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <new>
+#include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "collections/core/port/comparison.h"
 #include "collections/core/port/gc_allocator.h"
-#include "collections/core/port/object_layout.h"
-#include "collections/core/port/type_name.h"
+#include "collections/core/port/objects.h"
+#include "collections/core/port/text.h"
+#include "collections/core/port/type_names.h"
+#include "collections/core/port/values.h"
 
 // Made once and kept for good: the library takes classes for the same when they have the same address.
 struct RuntimeClass : RuntimeClassHead {
@@ -20,7 +32,7 @@ struct RuntimeClass : RuntimeClassHead {
 };
 
 namespace minimal {
-
+namespace vc = vorn::collections;
 using Handles = std::vector<void*, VornGcAllocator<void*>>;
 
 struct TupleObject : SizedObject {
@@ -36,13 +48,6 @@ const RuntimeClass* findClass(std::string_view name);
 const RuntimeClass* classOf(const void* handle);
 void defineClass(const std::string& name);
 
-// objects.cpp: the handle as an object of that kind; null when it is none.
-template <class Object>
-Object* as(void* handle, ObjectKind kind) {
-  ObjectRecord* object = getObject(handle);
-  return object != nullptr && object->kind() == kind ? static_cast<Object*>(object) : nullptr;
-}
-
 // A new object in the arena, which is never destroyed.
 template <class Object>
 Object* make(const RuntimeClass* type) {
@@ -54,14 +59,18 @@ Object* make(const RuntimeClass* type) {
   return object;
 }
 
+// The handle as an object of that kind; null when it is none.
+template <class Object>
+Object* as(void* handle, ObjectKind kind) {
+  ObjectRecord* object = getObject(handle);
+  return object != nullptr && object->kind() == kind ? static_cast<Object*>(object) : nullptr;
+}
+
 // comparison.cpp: negative, zero or positive. Mutable collections are different keys, but may have the same contents;
 // those that have no order are ordered by their address.
-template <class T>
-int threeWay(T left, T right) {
-  return (left > right) - (left < right);
-}
 enum class Seen { AsKeys, AsOrdered, AsEqual };
 int compare(void* left, void* right, Seen seen);
+long double exactly(const NativeNumericValue& number);
 Handles elementsOf(void* collection);
 
 // errors.cpp: this thread's errors as "Class: message", oldest first, which are no longer pending then.

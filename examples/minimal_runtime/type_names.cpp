@@ -1,17 +1,9 @@
 // Type names as text: short names, arguments, families, interning.
-#include "collections/core/port/type_names.h"
-
 #include <vorn/collections/runtime_helpers.hpp>
 
-#include <algorithm>
-#include <map>
-#include <mutex>
-#include <utility>
-
-using vorn::collections::InternedTypeName;
+#include "minimal_runtime.h"
 
 namespace {
-
 // Whether a type name is one of these classes of the collections' module. A class of that name elsewhere is none.
 bool isOneOf(std::string_view typeName, std::initializer_list<std::string_view> family) {
   constexpr std::string_view kModule = "vorn.collections.";
@@ -19,21 +11,20 @@ bool isOneOf(std::string_view typeName, std::initializer_list<std::string_view> 
   const std::string_view base = typeName.substr(0, typeName.find('<'));
   return std::find(family.begin(), family.end(), base) != family.end();
 }
-
 }  // namespace
 
 std::string_view shortTypeName(std::string_view typeName) {
   const std::size_t dot = typeName.substr(0, typeName.find('<')).rfind('.');
   return dot == std::string_view::npos ? typeName : typeName.substr(dot + 1);
 }
-
 std::string_view shortTypeNameLocal(std::string_view typeName) { return shortTypeName(typeName); }
-
 RuntimeTypeName internRuntimeTypeName(std::string_view name) {
   static std::recursive_mutex mutex;
-  static std::map<std::string, InternedTypeName, std::less<>> names;  // whose entries stay where they are
+  static std::map<std::string, vorn::collections::InternedTypeName, std::less<>>
+      names;  // whose entries stay where they are
   if (name.empty()) return {};
-  if (const InternedTypeName* standard = vorn::collections::standardTypeName(name)) return {standard};
+  if (const vorn::collections::InternedTypeName* standard = vorn::collections::standardTypeName(name))
+    return {standard};
   const std::lock_guard lock(mutex);
   const auto [entry, isNew] = names.try_emplace(std::string(name));
   if (isNew) {
@@ -45,12 +36,10 @@ RuntimeTypeName internRuntimeTypeName(std::string_view name) {
   }
   return {&entry->second};
 }
-
 std::string_view runtimeCollectionBaseName(std::string_view typeName) {
   const std::string_view name = shortTypeName(typeName);
   return name.substr(0, name.find('<'));
 }
-
 bool isArrayListLike(std::string_view name) {
   return isOneOf(name, {"ArrayList", "ArrayListSync", "LinkedList", "LinkedListSync"});
 }
@@ -65,7 +54,6 @@ bool isMapLike(std::string_view name) { return isOneOf(name, {"Map", "HashMapSyn
 bool isHashSetLike(std::string_view name) { return isOneOf(name, {"HashSet", "HashSetSync"}); }
 bool isSyncHashSetLike(std::string_view name) { return isOneOf(name, {"HashSetSync"}); }
 bool isFloatingNumberShortType(std::string_view name) { return name == "Float" || name == "Double"; }
-
 bool vorn::compiler::ClassLoader::resolveConcreteGenericArgs(std::string_view typeName,
                                                              std::vector<std::string>& arguments) {
   arguments.clear();
