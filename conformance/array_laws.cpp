@@ -80,7 +80,7 @@ Checks arrayLaws() {
        [] {
          void* const array = object("Array<Object>");
          vorn_collections_Array_copyCtor(array, tupleOf({integer(1), string("b")}));
-         expect("a copy of a tuple", textOf(vorn_collections_Array_toString(array)), "f:[1, \"b\"]");
+         expect("a copy of a tuple", textOf(vorn_collections_Array_toString(array)), R"(f:[1, "b"])");
          vorn_collections_Array_copyCtor(object("Array<Int>"), integer(1));
          expectRaised("a copy of a number", "TypeError: Array copy constructor expects an ordered collection");
        }},

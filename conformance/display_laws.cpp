@@ -30,16 +30,16 @@ Checks displayLaws() {
          const auto listed = [](const char* name) {
            return displayed(vorn_collections_ArrayList_toString, listOf(name, {integer(1), nullptr, bare("b")}));
          };
-         expect("ArrayList", listed("ArrayList"), "[1, null, \"b\"]");
-         expect("ArrayListSync", listed("ArrayListSync"), "s:[1, null, \"b\"]");
-         expect("LinkedList", listed("LinkedList"), "l:[1, null, \"b\"]");
-         expect("LinkedListSync", listed("LinkedListSync"), "ls:[1, null, \"b\"]");
+         expect("ArrayList", listed("ArrayList"), R"([1, null, "b"])");
+         expect("ArrayListSync", listed("ArrayListSync"), R"(s:[1, null, "b"])");
+         expect("LinkedList", listed("LinkedList"), R"(l:[1, null, "b"])");
+         expect("LinkedListSync", listed("LinkedListSync"), R"(ls:[1, null, "b"])");
          expect("ImmutableList", displayed(vorn_collections_ImmutableList_toString, immutableListOf({integer(1)})),
                 "i:[1]");
          expect("Array", displayed(vorn_collections_Array_toString, arrayOf("Array<Int>", {integer(1)})), "f:[1]");
          expect("ArraySync", displayed(vorn_collections_Array_toString, arrayOf("ArraySync<Object>", {integer(1)})),
                 "fs:[1]");
-         expect("Tuple", displayed(vorn_collections_Tuple_toString, tupleOf({integer(1), string("b")})), "(1, \"b\")");
+         expect("Tuple", displayed(vorn_collections_Tuple_toString, tupleOf({integer(1), string("b")})), R"((1, "b"))");
          expect("HashSet", displayed(vorn_collections_HashSet_toString, setOf({integer(1)})), "{1}");
        }},
       {"displays", "of maps show their entries",
@@ -49,7 +49,7 @@ Checks displayLaws() {
          };
          for (const char* name : kMapClasses) {
            const std::string text = shownMap(name);
-           expectTrue(text + " has the key in quotes and the value", text.find("\"a\": 1}") != std::string::npos);
+           expectTrue(text + " has the key in quotes and the value", text.find(R"("a": 1})") != std::string::npos);
          }
        }},
       {"displays", "show values as the language writes them",
@@ -58,7 +58,7 @@ Checks displayLaws() {
                 displayed(vorn_collections_ArrayList_toString,
                           listOf("ArrayList", {box("Double", 2.0), box("ULong", -1), Vorn_boxBool(false),
                                                box("Char", 65), string("say \"a\"\n")})),
-                "[2.0, 18446744073709551615, false, A, \"say \\\"a\\\"\\n\"]");
+                R"([2.0, 18446744073709551615, false, A, "say \"a\"\n"])");
          expect("unboxed numbers",
                 displayed(vorn_collections_ArrayList_toString,
                           listOf("ArrayList<Double>", {box("Double", 0.1), integer(3)})),

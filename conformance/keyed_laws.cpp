@@ -18,7 +18,7 @@ long long integerOf(void* handle) { return handle != nullptr ? Vorn_getField_i64
 
 // Texts and numbers by turns, some of them long.
 void* keyNumber(int i) {
-  if (i % 2 == 0) return integer(i * 31);
+  if (i % 2 == 0) return integer(i * 31LL);
   return string((i % 4 == 1 ? "key " : "a key that is longer than sixteen bytes ") + std::to_string(i));
 }
 
@@ -52,7 +52,7 @@ Checks keyedLaws() {
        [] {
          for (const char* name : kMapClasses) {
            void* const map = object(name);
-           for (const int i : {5, 1, 4, 2, 3}) vorn_collections_Map_put(map, integer(i), integer(i * 10));
+           for (const int i : {5, 1, 4, 2, 3}) vorn_collections_Map_put(map, integer(i), integer(i * 10LL));
            void* const keys = held(vorn_collections_Map_keys(map));
            void* const values = held(vorn_collections_Map_values(map));
            void* const items = held(vorn_collections_Map_items(map));

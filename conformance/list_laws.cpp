@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <numeric>
 
 #include "collections/core/port/objects.h"
 #include "collections/core/port/values.h"
@@ -50,8 +51,8 @@ void* filled(const std::string& name, const Values& values) {
 }
 
 Values numbersTo(long long end) {
-  Values values;
-  for (long long i = 0; i < end; ++i) values.push_back(i);
+  Values values(static_cast<std::size_t>(end));
+  std::iota(values.begin(), values.end(), 0LL);
   return values;
 }
 
@@ -157,8 +158,8 @@ Checks listLaws() {
          for (const char* name : kListClasses) {
            void* const list = filled(name, numbersTo(64));
            vorn_collections_ArrayList_shuffle(list);
-           Values values;
-           for (long long i = 0; i < 64; ++i) values.push_back(vorn_collections_ArrayList_getInt(list, i));
+           Values values = numbersTo(64);
+           for (long long& value : values) value = vorn_collections_ArrayList_getInt(list, value);
            expectTrue(std::string(name) + " is in another order", values != numbersTo(64));
            std::sort(values.begin(), values.end());
            expectTrue(std::string(name) + " has the same elements", values == numbersTo(64));

@@ -4,6 +4,7 @@
 //   vorn-conformance --list     prints the names of all checks
 //   vorn-conformance --only=X   runs the checks whose name begins with X, such as an operation; may be repeated
 //   vorn-conformance --verbose  prints every check
+//   vorn-conformance --seconds=N  ends a check that takes longer (60); 0 lets it take its time, as in a debugger
 //
 // Each check runs in a process of its own, so that one that crashes or hangs is only one that failed. The status is the
 // number of failed checks, at most 100; 101 is a mistake in the call.
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <string>
@@ -24,13 +26,13 @@
 namespace vorn::conformance {
 namespace {
 
-constexpr unsigned kSeconds = 60;  // until a check counts as hanging
 constexpr int kMostFailures = 100;
 constexpr int kUsageError = 101;
 
 struct Options {
   bool list = false;
   bool verbose = false;
+  unsigned seconds = 60;  // until a check counts as hanging
   std::vector<std::string_view> only;
 };
 
@@ -73,8 +75,8 @@ std::string outcomeOf(const Check& check) {
   }
 }
 
-[[noreturn]] void runInChild(const Check& check, int pipeEnd) {
-  alarm(kSeconds);
+[[noreturn]] void runInChild(const Check& check, unsigned seconds, int pipeEnd) {
+  alarm(seconds);
   const std::string outcome = outcomeOf(check);
   const bool sent = write(pipeEnd, outcome.data(), outcome.size()) == static_cast<ssize_t>(outcome.size());
   std::fflush(nullptr);
@@ -90,7 +92,7 @@ std::string readAll(int pipeEnd) {
 }
 
 // The line of failure; empty when the check passed.
-std::string run(const Check& check) {
+std::string run(const Check& check, unsigned seconds) {
   int ends[2];
   if (pipe(ends) != 0) return "no pipe to be had";
   std::fflush(nullptr);
@@ -98,16 +100,16 @@ std::string run(const Check& check) {
   if (child < 0) return "no process to be had";
   if (child == 0) {
     close(ends[0]);
-    runInChild(check, ends[1]);
+    runInChild(check, seconds, ends[1]);
   }
   close(ends[1]);
-  const std::string outcome = readAll(ends[0]);
+  std::string outcome = readAll(ends[0]);
   close(ends[0]);
   int status = 0;
   if (waitpid(child, &status, 0) != child) return "its process was lost";
   if (WIFSIGNALED(status)) {
     const int signal = WTERMSIG(status);
-    if (signal == SIGALRM) return "it did not end within " + std::to_string(kSeconds) + " seconds";
+    if (signal == SIGALRM) return "it did not end within " + std::to_string(seconds) + " seconds";
     return "it ended by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
   }
   if (status != 0 && outcome.empty()) return "its process ended with status " + std::to_string(WEXITSTATUS(status));
@@ -125,7 +127,7 @@ int runAll(const Options& options) {
       std::printf("skipped  %s -- %s\n", nameOf(check).c_str(), reason);
       continue;
     }
-    const std::string failure = run(check);
+    const std::string failure = run(check, options.seconds);
     ++(failure.empty() ? passed : failed);
     if (!failure.empty()) std::printf("FAILED   %s -- %s\n", nameOf(check).c_str(), failure.c_str());
     if (failure.empty() && options.verbose) std::printf("passed   %s\n", nameOf(check).c_str());
@@ -137,16 +139,21 @@ int runAll(const Options& options) {
 
 bool readOptions(int count, char** arguments, Options& options) {
   constexpr std::string_view kOnly = "--only=";
+  constexpr std::string_view kSeconds = "--seconds=";
   for (int i = 1; i < count; ++i) {
     const std::string_view argument = arguments[i];
     if (argument == "--list") {
       options.list = true;
     } else if (argument == "--verbose") {
       options.verbose = true;
+    } else if (argument.starts_with(kSeconds) && argument.size() > kSeconds.size() && argument.size() < 15 &&
+               argument.find_first_not_of("0123456789", kSeconds.size()) == std::string_view::npos) {
+      options.seconds = static_cast<unsigned>(std::atoi(arguments[i] + kSeconds.size()));
     } else if (argument.starts_with(kOnly)) {
       options.only.push_back(argument.substr(kOnly.size()));
     } else {
-      std::fprintf(stderr, "vorn-conformance: no option '%s'; there are --list, --only=NAME and --verbose\n",
+      std::fprintf(stderr,
+                   "vorn-conformance: no option '%s'; there are --list, --only=NAME, --seconds=N and --verbose\n",
                    arguments[i]);
       return false;
     }

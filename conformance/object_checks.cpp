@@ -159,8 +159,8 @@ Checks objectChecks() {
       {"Vorn_objectTypeName", "gives one text for all objects of a class",
        [] {
          expectTrue("two boxes", Vorn_objectTypeName(integer(1)) == Vorn_objectTypeName(integer(2)));
-         expectTrue("two lists",
-                    Vorn_objectTypeName(object("ArrayList<Int>")) == Vorn_objectTypeName(object("ArrayList<Int>")));
+         void* const lists[] = {object("ArrayList<Int>"), object("ArrayList<Int>")};
+         expectTrue("two lists", Vorn_objectTypeName(lists[0]) == Vorn_objectTypeName(lists[1]));
        }},
       {"Vorn_isInstanceOf", "knows an object's class by short and full name, and what its class is derived from",
        [] {

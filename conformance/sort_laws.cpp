@@ -63,7 +63,7 @@ Checks sortLaws() {
       {"sorts", "put bare texts before objects, and null before them",
        [] {
          expect("texts", sortedText(listOf("ArrayList", {string("a"), bare("c"), nullptr, bare("b")})),
-                "[null, \"b\", \"c\", \"a\"]");
+                R"([null, "b", "c", "a"])");
        }},
       {"sorts", "put lists and tuples in the order of their elements",
        [] {

@@ -22,7 +22,7 @@ Checks textChecks() {
   return {
       {"Vorn_objectToString", "gives texts themselves, numbers in decimal, Booleans, characters, and null for null",
        [] {
-         expect("a String", Vorn_objectToString(string("a \"text\"")), "a \"text\"");
+         expect("a String", Vorn_objectToString(string(R"(a "text")")), R"(a "text")");
          expect("a bare text", Vorn_objectToString(bare("text")), "text");
          expect("an Int", Vorn_objectToString(integer(-5)), "-5");
          expect("a ULong", Vorn_objectToString(box("ULong", -1)), "18446744073709551615");
@@ -33,7 +33,7 @@ Checks textChecks() {
        }},
       {"Vorn_objectToString", "gives a collection its display",
        [] {
-         expect("a list", Vorn_objectToString(listOf("ArrayList", {integer(1), string("a")})), "[1, \"a\"]");
+         expect("a list", Vorn_objectToString(listOf("ArrayList", {integer(1), string("a")})), R"([1, "a"])");
          expect("a tuple", Vorn_objectToString(tupleOf({integer(1)})), "(1,)");
        }},
       {"Vorn_objectToString", "asks the toString of a user class, and gives null when that gives none",
@@ -69,9 +69,9 @@ Checks textChecks() {
        }},
       {"escapeDisplayString", "escapes quotes, backslashes and control characters as JSON does, and nothing else",
        [] {
-         expect("quotes", escapeDisplayString("say \"a\\b\""), "say \\\"a\\\\b\\\"");
-         expect("controls", escapeDisplayString("\b\f\n\r\t"), "\\b\\f\\n\\r\\t");
-         expect("other controls", escapeDisplayString(std::string_view("\0\x1F", 2)), "\\u0000\\u001f");
+         expect("quotes", escapeDisplayString(R"(say "a\b")"), R"(say \"a\\b\")");
+         expect("controls", escapeDisplayString("\b\f\n\r\t"), R"(\b\f\n\r\t)");
+         expect("other controls", escapeDisplayString(std::string_view("\0\x1F", 2)), R"(\u0000\u001f)");
          expect("the rest", escapeDisplayString("a/\x7F\xC3\xA9"), "a/\x7F\xC3\xA9");
        }},
       {"formatObjectDefault", "gives a character itself, and begins any other object's text with the class name",

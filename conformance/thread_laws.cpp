@@ -38,7 +38,7 @@ Checks threadLaws() {
            void* const list = object(name);
            inThreads([&](int thread) {
              for (int i = 0; i < kSteps; ++i) {
-               const collections::RootedHandle value(newInt(thread * kSteps + i));
+               const collections::RootedHandle value(newInt(static_cast<long long>(thread) * kSteps + i));
                vorn_collections_ArrayList_add(list, value.get());
              }
            });
@@ -56,7 +56,7 @@ Checks threadLaws() {
            void* const map = object(name);
            inThreads([&](int thread) {
              for (int i = 0; i < kSteps; ++i) {
-               const collections::RootedHandle key(newInt(thread * kSteps + i));
+               const collections::RootedHandle key(newInt(static_cast<long long>(thread) * kSteps + i));
                vorn_collections_Map_put(map, key.get(), key.get());
              }
            });
@@ -70,7 +70,7 @@ Checks threadLaws() {
          void* const set = object("HashSetSync");
          inThreads([&](int thread) {
            for (int i = 0; i < kSteps; ++i) {
-             const collections::RootedHandle value(newInt((thread % 2) * kSteps + i));
+             const collections::RootedHandle value(newInt(static_cast<long long>(thread % 2) * kSteps + i));
              vorn_collections_HashSet_add(set, value.get());
            }
          });

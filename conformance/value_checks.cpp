@@ -25,8 +25,10 @@ Checks valueChecks() {
   return {
       {"Vorn_boxBool", "gives one of two shared boxes",
        [] {
-         expectTrue("true is one box", Vorn_boxBool(true) == Vorn_boxBool(true));
-         expectTrue("false is one box", Vorn_boxBool(false) == Vorn_boxBool(false));
+         for (const bool value : {false, true}) {
+           void* const first = Vorn_boxBool(value);
+           expectTrue("there is one box of " + shown(value), Vorn_boxBool(value) == first);
+         }
          expect("the value of true", Vorn_getField_i1(Vorn_boxBool(true), "_value"), true);
          expect("the value of false", Vorn_getField_i1(Vorn_boxBool(false), "_value"), false);
        }},

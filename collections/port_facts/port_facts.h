@@ -1,8 +1,5 @@
 // What a runtime and this library must have been compiled alike: the version of the port and the layout of all records
-// that both of them look into. A runtime defines Vorn_portFacts; the library compares it with its own when it is loaded.
-//
-// Linkers see operations that are missing, but not a record that the two sides lay out differently: it would corrupt
-// memory much later. So the process ends at once, with one line that names both numbers.
+// that both of them look into (core/port/runtime_check.h tells why).
 #pragma once
 
 #include <cstddef>
@@ -12,27 +9,11 @@
 #include "collections/core/port/collection_key.h"
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/object_layout.h"
+#include "collections/core/port/runtime_check.h"
 #include "collections/core/port/type_name.h"
 #include "collections/core/storage/list_data.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
-
-// A number on which the two sides have to agree. The end of a list of them has no name.
-struct PortFact {
-  const char* name;
-  unsigned long long number;
-};
-
-#pragma GCC visibility push(default)
-
-// Defined by the runtime, in a unit that is compiled as all of it is, as
-//   constinit const PortFact* const Vorn_portFacts = vorn::collections::kPortFacts;
-// It is read before main, hence constinit.
-extern "C" {
-extern const PortFact* const Vorn_portFacts;
-}
-
-#pragma GCC visibility pop
 
 namespace vorn::collections {
 

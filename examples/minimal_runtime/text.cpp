@@ -29,14 +29,14 @@ std::string formatVornFloat(double value) {
 }
 std::string escapeDisplayString(std::string_view text) {
   constexpr std::string_view kPlain = "\"\\\b\f\n\r\t";
-  constexpr std::string_view kEscaped = "\"\\bfnrt";
+  constexpr std::string_view kEscaped = R"("\bfnrt)";
   std::string escaped;
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (const std::size_t at = kPlain.find(c); at != std::string_view::npos) {
       (escaped += '\\') += kEscaped[at];
     } else if (byte < 0x20) {
-      (escaped += byte < 0x10 ? "\\u000" : "\\u001") += "0123456789abcdef"[byte % 16];
+      (escaped += byte < 0x10 ? R"(\u000)" : R"(\u001)") += "0123456789abcdef"[byte % 16];
     } else {
       escaped += c;
     }
