@@ -2,7 +2,13 @@
 
 #include <vorn/collections/runtime_helpers.hpp>
 
+#include "collections/core/port/runtime_check.h"
+
 namespace vorn::collections {
+
+// An archive gives a program only those objects that another one asks for. Every program needs this one, and with it the
+// check.
+[[gnu::used]] static const bool* const theCheck = &runtimeFits;
 
 // Constant-initialised, so that names can be interned before any static initialiser has run.
 constinit const InternedTypeName standardTypeNames[kPrimitiveTypes] = {
