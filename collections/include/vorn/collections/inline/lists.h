@@ -40,7 +40,7 @@ VORN_INLINE_PART bool vorn_inline_list_has_kind(const void* record, vorn_element
 VORN_INLINE_PART bool vorn_inline_list_takes(const void* record, vorn_element_type type) {
   const void* const kept = vorn_inline_pointer(record, VORN_INLINE_LIST_KEPT);
   const void* const declared = vorn_inline_pointer(record, VORN_INLINE_LIST_DECLARED);
-  if (declared != NULL && declared != kept) return false;
+  if (declared != kept && declared != NULL) return false;
   return !vorn_inline_shares_kind(type) || vorn_inline_names(kept, type);
 }
 

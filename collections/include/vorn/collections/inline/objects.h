@@ -273,9 +273,16 @@ VORN_INLINE_PART bool vorn_inline_is(const void* handle, int kind) {
   return vorn_inline_word(handle, VORN_INLINE_HEADER) == vorn_inline_header(handle, kind);
 }
 
+/* The record of a collection, which every one has: compilers need not test it. */
+VORN_INLINE_PART void* vorn_inline_attached_record(const void* collection) {
+  void* const record = vorn_inline_pointer(collection, VORN_INLINE_RECORD);
+  if (record == NULL) __builtin_unreachable();
+  return record;
+}
+
 /* The record of an object of the kind; null for every other handle. */
 VORN_INLINE_PART void* vorn_inline_record(void* handle, int kind) {
-  return vorn_inline_is(handle, kind) ? vorn_inline_pointer(handle, VORN_INLINE_RECORD) : NULL;
+  return vorn_inline_is(handle, kind) ? vorn_inline_attached_record(handle) : NULL;
 }
 
 /* Checks a proven receiver in debug builds; null may always be one. */
@@ -291,7 +298,7 @@ VORN_INLINE_PART void vorn_inline_check_receiver(void* handle, int kind) {
 /* The record of a handle that is null or an object of the kind. */
 VORN_INLINE_PART void* vorn_inline_proven_record(void* handle, int kind) {
   vorn_inline_check_receiver(handle, kind);
-  return handle != NULL ? vorn_inline_pointer(handle, VORN_INLINE_RECORD) : NULL;
+  return handle != NULL ? vorn_inline_attached_record(handle) : NULL;
 }
 
 #ifdef __cplusplus
