@@ -25,6 +25,10 @@ static_assert(offsetof(ListData, linked) == VORN_INLINE_LIST_STATE + 1 &&
                   offsetof(ListData, primitiveKind) == VORN_INLINE_LIST_STATE + 2 &&
                   offsetof(ListData, zero) == VORN_INLINE_LIST_STATE + 3,
               "a list's state is read as one word of 32 bits");
+static_assert(VORN_INLINE_LIST_STATE + 4 <= sizeof(vorn_inline_no_record) &&
+                  VORN_INLINE_ARRAY_SLOT_KIND < sizeof(vorn_inline_no_record) &&
+                  VORN_INLINE_RECORD == 2 * sizeof(vorn_inline_no_object[0]),
+              "what stands for null is told from lists and arrays");
 static_assert(VORN_SBYTE == static_cast<int>(vorn::collections::PrimitiveType::SByte) &&
                   VORN_INT == static_cast<int>(vorn::collections::PrimitiveType::Int) &&
                   VORN_BOOLEAN == static_cast<int>(vorn::collections::PrimitiveType::Boolean) &&

@@ -153,25 +153,25 @@ VORN_INLINE void* vorn_inline_Tuple_operator_index(void* tuple, long long index)
 /* The same for an array, or a tuple, that the compiler knows to be null or an object of such a class. Anything else ends
  * a debug build with a message, and is undefined in others. */
 VORN_INLINE long long vorn_proven_Array_size(void* array) {
-  return vorn_inline_array_size(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY));
+  return vorn_inline_array_size(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY));
 }
 VORN_INLINE long long vorn_proven_Array_getInt(void* array, long long index, vorn_element_type type) {
-  return vorn_inline_array_integer(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY), index, type);
+  return vorn_inline_array_integer(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, type);
 }
 VORN_INLINE double vorn_proven_Array_getDouble(void* array, long long index, vorn_element_type type) {
-  return vorn_inline_array_floating(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY), index, type);
+  return vorn_inline_array_floating(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, type);
 }
 VORN_INLINE void* vorn_proven_Array_operator_index(void* array, long long index) {
-  return vorn_inline_array_handle(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY), index);
+  return vorn_inline_array_handle(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index);
 }
 VORN_INLINE void vorn_proven_Array_setInt(void* array, long long index, long long value, vorn_element_type type) {
-  vorn_inline_array_set_integer(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY), index, value, type);
+  vorn_inline_array_set_integer(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, value, type);
 }
 VORN_INLINE void vorn_proven_Array_setDouble(void* array, long long index, double value, vorn_element_type type) {
-  vorn_inline_array_set_floating(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY), index, value, type);
+  vorn_inline_array_set_floating(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, value, type);
 }
 VORN_INLINE void vorn_proven_Array_setBool(void* array, long long index, bool value) {
-  vorn_inline_array_set_boolean(array, vorn_inline_proven_record(array, VORN_INLINE_ARRAY), index, value);
+  vorn_inline_array_set_boolean(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, value);
 }
 VORN_INLINE void* vorn_proven_Tuple_operator_index(void* tuple, long long index) {
   vorn_inline_check_receiver(tuple, VORN_INLINE_TUPLE);

@@ -243,53 +243,53 @@ VORN_INLINE void vorn_inline_ArrayList_addPrimitiveBool(void* list, bool value) 
 /* The same for a list that the compiler knows to be null or an object of a list class. Anything else ends a debug build
  * with a message, and is undefined in others. */
 VORN_INLINE long long vorn_proven_ArrayList_size(void* list) {
-  return vorn_inline_list_size(list, vorn_inline_proven_record(list, VORN_INLINE_LIST));
+  return vorn_inline_list_size(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST));
 }
 VORN_INLINE long long vorn_proven_ArrayList_getInt(void* list, long long index, vorn_element_type type) {
-  return vorn_inline_list_integer(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index, type);
+  return vorn_inline_list_integer(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, type);
 }
 VORN_INLINE double vorn_proven_ArrayList_getDouble(void* list, long long index, vorn_element_type type) {
-  return vorn_inline_list_floating(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index, type);
+  return vorn_inline_list_floating(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, type);
 }
 VORN_INLINE void* vorn_proven_ArrayList_operator_index(void* list, long long index) {
-  return vorn_inline_list_handle(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index);
+  return vorn_inline_list_handle(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index);
 }
 VORN_INLINE void vorn_proven_ArrayList_operator_index_eq(void* list, long long index, void* value) {
-  vorn_inline_list_set_handle(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index, value);
+  vorn_inline_list_set_handle(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value);
 }
 VORN_INLINE void vorn_proven_ArrayList_setInt(void* list, long long index, long long value, vorn_element_type type) {
-  vorn_inline_list_set_integer(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index, value, type);
+  vorn_inline_list_set_integer(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value, type);
 }
 VORN_INLINE void vorn_proven_ArrayList_setDouble(void* list, long long index, double value, vorn_element_type type) {
-  vorn_inline_list_set_floating(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index, value, type);
+  vorn_inline_list_set_floating(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value, type);
 }
 VORN_INLINE void vorn_proven_ArrayList_setBool(void* list, long long index, bool value) {
-  vorn_inline_list_set_boolean(list, vorn_inline_proven_record(list, VORN_INLINE_LIST), index, value);
+  vorn_inline_list_set_boolean(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value);
 }
 VORN_INLINE void vorn_proven_ArrayList_add(void* list, void* value) {
-  if (vorn_inline_list_push_handle(vorn_inline_proven_record(list, VORN_INLINE_LIST), value)) return;
+  if (vorn_inline_list_push_handle(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value)) return;
   vorn_collections_ArrayList_add(list, value);
 }
 VORN_INLINE void vorn_proven_ArrayList_addInt(void* list, long long value) {
-  if (vorn_inline_list_push_integer(vorn_inline_proven_record(list, VORN_INLINE_LIST), value, VORN_INT)) return;
+  if (vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, VORN_INT)) return;
   vorn_collections_ArrayList_addInt(list, value);
 }
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveI64(void* list, long long value, vorn_element_type type) {
   if (vorn_inline_is_integral(type) &&
-      vorn_inline_list_push_integer(vorn_inline_proven_record(list, VORN_INLINE_LIST), value, type)) {
+      vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type)) {
     return;
   }
   vorn_collections_ArrayList_addPrimitiveI64(list, value, vorn_inline_type_name(type));
 }
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveDouble(void* list, double value, vorn_element_type type) {
   if (vorn_inline_is_floating(type) &&
-      vorn_inline_list_push_floating(vorn_inline_proven_record(list, VORN_INLINE_LIST), value, type)) {
+      vorn_inline_list_push_floating(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type)) {
     return;
   }
   vorn_collections_ArrayList_addPrimitiveDouble(list, value, vorn_inline_type_name(type));
 }
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveBool(void* list, bool value) {
-  if (vorn_inline_list_push_integer(vorn_inline_proven_record(list, VORN_INLINE_LIST), value, VORN_BOOLEAN)) return;
+  if (vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, VORN_BOOLEAN)) return;
   vorn_collections_ArrayList_addPrimitiveBool(list, value);
 }
 
