@@ -27,8 +27,10 @@ std::string stateOfArray(void* array) {
   } else {
     for (std::uint64_t i = 0; i < data.objects.size; ++i) state += ' ' + describe(data.objects.data[i]);
   }
-  return state + collections::validateArrayData(data) + (isRecordLocked(data) ? " locked" : "");
+  return state + collections::validateArrayData(data);
 }
+
+bool isArrayUnlocked(void* array) { return !isRecordLocked(*getArrayData(array)); }
 
 std::vector<Receiver> arrayReceivers() {
   std::vector<Receiver> all{{"null", [] { return Handle(nullptr); }}};
@@ -89,6 +91,7 @@ TEST_F(ArrayForms, Reads_AnyReceiverTypeAndIndex_AreThoseOfTheNatives) {
         });
       }
     }
+    arrays.expectUnlocked(isArrayUnlocked);
   }
 }
 
@@ -131,6 +134,7 @@ TEST_F(ArrayForms, Writes_AnyReceiverTypeValueAndIndex_AreThoseOfTheNatives) {
         });
       }
     }
+    arrays.expectUnlocked(isArrayUnlocked);
   }
 }
 

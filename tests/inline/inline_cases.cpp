@@ -61,13 +61,19 @@ void Triplets::expect(const std::string& what, const Operation& operation, bool 
   EXPECT_EQ(outcomes[2], outcomes[0]) << "proven, " << name_ << ", " << what;
 }
 
+void Triplets::expectUnlocked(const std::function<bool(void*)>& isUnlocked) {
+  for (const Handle& receiver : receivers_) {
+    EXPECT_TRUE(receiver.get() == nullptr || isUnlocked(receiver)) << name_;
+  }
+}
+
 std::string stateOfList(void* list) {
   const ListData& data = *getListData(list);
   const Snapshot snapshot(data);
   std::string state = storageOf(list) + " declared " + snapshot.elementType + ":";
   for (void* handle : snapshot.handles) state += ' ' + describe(handle);
   for (const unsigned char byte : snapshot.bytes) state += ' ' + std::to_string(byte);
-  return state + collections::validateListData(data) + (isUnlocked(list) ? "" : " locked");
+  return state + collections::validateListData(data);
 }
 
 }  // namespace vorn::tests

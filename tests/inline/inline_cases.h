@@ -57,6 +57,8 @@ class Triplets {
   void expectSame(const std::string& what, const Operation& operation);
   // The same for what changes nothing, whose states are looked at when all of it is done.
   void expectSameResult(const std::string& what, const Operation& operation);
+  // The three have no lock that is held; null has none.
+  void expectUnlocked(const std::function<bool(void*)>& isUnlocked);
 
  private:
   void expect(const std::string& what, const Operation& operation, bool withStates);

@@ -117,6 +117,7 @@ TEST_F(ListForms, Reads_AnyReceiverTypeAndIndex_AreThoseOfTheNatives) {
       }
     }
     lists.expectSame("all reads", [](Form, void*) { return ""; });
+    lists.expectUnlocked(isUnlocked);
   }
 }
 
@@ -180,6 +181,7 @@ TEST_F(ListForms, RawReplacements_AnyReceiverTypeValueAndIndex_AreThoseOfTheNati
           replace(index, 1LL);
         }
       }
+      lists.expectUnlocked(isUnlocked);
     }
   }
 }
@@ -224,6 +226,7 @@ TEST_F(ListForms, RawAppends_AnyReceiverTypeAndValue_AreThoseOfTheNatives) {
           return "append";
         });
       }
+      lists.expectUnlocked(isUnlocked);
     }
   }
 }

@@ -155,24 +155,31 @@ VORN_INLINE void* vorn_inline_Tuple_operator_index(void* tuple, long long index)
 VORN_INLINE long long vorn_proven_Array_size(void* array) {
   return vorn_inline_array_size(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY));
 }
+/* vorn_inline_Array_getInt, for a proven receiver. */
 VORN_INLINE long long vorn_proven_Array_getInt(void* array, long long index, vorn_element_type type) {
   return vorn_inline_array_integer(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, type);
 }
+/* vorn_inline_Array_getDouble, for a proven receiver. */
 VORN_INLINE double vorn_proven_Array_getDouble(void* array, long long index, vorn_element_type type) {
   return vorn_inline_array_floating(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, type);
 }
+/* vorn_inline_Array_operator_index, for a proven receiver. */
 VORN_INLINE void* vorn_proven_Array_operator_index(void* array, long long index) {
   return vorn_inline_array_handle(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index);
 }
+/* vorn_inline_Array_setInt, for a proven receiver. */
 VORN_INLINE void vorn_proven_Array_setInt(void* array, long long index, long long value, vorn_element_type type) {
   vorn_inline_array_set_integer(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, value, type);
 }
+/* vorn_inline_Array_setDouble, for a proven receiver. */
 VORN_INLINE void vorn_proven_Array_setDouble(void* array, long long index, double value, vorn_element_type type) {
   vorn_inline_array_set_floating(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, value, type);
 }
+/* vorn_inline_Array_setBool, for a proven receiver. */
 VORN_INLINE void vorn_proven_Array_setBool(void* array, long long index, bool value) {
   vorn_inline_array_set_boolean(array, vorn_inline_lasting_record(array, VORN_INLINE_ARRAY), index, value);
 }
+/* vorn_inline_Tuple_operator_index, for a proven receiver. */
 VORN_INLINE void* vorn_proven_Tuple_operator_index(void* tuple, long long index) {
   vorn_inline_check_receiver(tuple, VORN_INLINE_TUPLE);
   return vorn_inline_tuple_item(tuple, tuple != NULL, index);

@@ -63,13 +63,15 @@ VORN_INLINE void* vorn_borrow_floating(vorn_borrowed_box* storage, vorn_element_
   return vorn_inline_borrow(storage, type, VORN_INLINE_FLOATING_BOX, bits);
 }
 
-/* The commonest ones: boxes of Int, Long and Double. */
+/* The commonest of them: a borrowed box of an Int. */
 VORN_INLINE void* vorn_borrow_int(vorn_borrowed_box* storage, int32_t value) {
   return vorn_borrow_integer(storage, VORN_INT, value);
 }
+/* A borrowed box of a Long. */
 VORN_INLINE void* vorn_borrow_long(vorn_borrowed_box* storage, int64_t value) {
   return vorn_borrow_integer(storage, VORN_LONG, value);
 }
+/* A borrowed box of a Double. */
 VORN_INLINE void* vorn_borrow_double(vorn_borrowed_box* storage, double value) {
   return vorn_borrow_floating(storage, VORN_DOUBLE, value);
 }

@@ -20,7 +20,7 @@ extern "C" {
 /* What a search came to. */
 typedef struct vorn_found {
   void* value; /* null when the key is absent */
-  bool found;
+  bool found;  /* whether it is there */
 } vorn_found;
 
 /* The entry of a map's record, or whether a set's record has an element. A text is `length` bytes of UTF-8, of which
@@ -67,6 +67,7 @@ VORN_INLINE_PART bool vorn_inline_found_into(vorn_found found, void** result) {
 VORN_INLINE void* vorn_inline_Map__get_integer(void* map, long long key) {
   return vorn_inline_look_up_integer(map, vorn_inline_record(map, VORN_INLINE_MAP), key).value;
 }
+/* The same by a text. */
 VORN_INLINE void* vorn_inline_Map__get_text(void* map, const char* key, size_t length) {
   return vorn_inline_look_up_text(map, vorn_inline_record(map, VORN_INLINE_MAP), key, length).value;
 }
@@ -76,6 +77,7 @@ VORN_INLINE void* vorn_inline_Map_operator_index_integer(void* map, long long ke
   return vorn_inline_found_or_raise(map,
                                     vorn_inline_look_up_integer(map, vorn_inline_record(map, VORN_INLINE_MAP), key));
 }
+/* The same by a text. */
 VORN_INLINE void* vorn_inline_Map_operator_index_text(void* map, const char* key, size_t length) {
   return vorn_inline_found_or_raise(
       map, vorn_inline_look_up_text(map, vorn_inline_record(map, VORN_INLINE_MAP), key, length));
@@ -86,6 +88,7 @@ VORN_INLINE bool vorn_inline_Map_tryGet_integer(void* map, long long key, void**
   return vorn_inline_found_into(vorn_inline_look_up_integer(map, vorn_inline_record(map, VORN_INLINE_MAP), key),
                                 result);
 }
+/* The same by a text. */
 VORN_INLINE bool vorn_inline_Map_tryGet_text(void* map, const char* key, size_t length, void** result) {
   return vorn_inline_found_into(vorn_inline_look_up_text(map, vorn_inline_record(map, VORN_INLINE_MAP), key, length),
                                 result);
@@ -95,6 +98,7 @@ VORN_INLINE bool vorn_inline_Map_tryGet_text(void* map, const char* key, size_t 
 VORN_INLINE bool vorn_inline_Map_operator_in_integer(void* map, long long key) {
   return vorn_inline_look_up_integer(map, vorn_inline_record(map, VORN_INLINE_MAP), key).found;
 }
+/* The same by a text. */
 VORN_INLINE bool vorn_inline_Map_operator_in_text(void* map, const char* key, size_t length) {
   return vorn_inline_look_up_text(map, vorn_inline_record(map, VORN_INLINE_MAP), key, length).found;
 }
@@ -104,6 +108,7 @@ VORN_INLINE bool vorn_inline_HashSet_operator_in_integer(void* set, long long ke
   const void* const record = vorn_inline_record(set, VORN_INLINE_SET);
   return record != NULL ? vorn_inline_has_integer(record, key) : vorn_collections_HashSet_operator_in(set, set);
 }
+/* The same by a text. */
 VORN_INLINE bool vorn_inline_HashSet_operator_in_text(void* set, const char* key, size_t length) {
   const void* const record = vorn_inline_record(set, VORN_INLINE_SET);
   return record != NULL ? vorn_inline_has_text(record, key, length) : vorn_collections_HashSet_operator_in(set, set);
@@ -116,35 +121,44 @@ VORN_INLINE bool vorn_inline_HashSet_operator_in_text(void* set, const char* key
 VORN_INLINE void* vorn_proven_Map__get_integer(void* map, long long key) {
   return vorn_inline_look_up_integer(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key).value;
 }
+/* vorn_inline_Map__get_text, for a proven receiver. */
 VORN_INLINE void* vorn_proven_Map__get_text(void* map, const char* key, size_t length) {
   return vorn_inline_look_up_text(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key, length).value;
 }
+/* vorn_inline_Map_operator_index_integer, for a proven receiver. */
 VORN_INLINE void* vorn_proven_Map_operator_index_integer(void* map, long long key) {
   return vorn_inline_found_or_raise(
       map, vorn_inline_look_up_integer(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key));
 }
+/* vorn_inline_Map_operator_index_text, for a proven receiver. */
 VORN_INLINE void* vorn_proven_Map_operator_index_text(void* map, const char* key, size_t length) {
   return vorn_inline_found_or_raise(
       map, vorn_inline_look_up_text(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key, length));
 }
+/* vorn_inline_Map_tryGet_integer, for a proven receiver. */
 VORN_INLINE bool vorn_proven_Map_tryGet_integer(void* map, long long key, void** result) {
   return vorn_inline_found_into(vorn_inline_look_up_integer(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key),
                                 result);
 }
+/* vorn_inline_Map_tryGet_text, for a proven receiver. */
 VORN_INLINE bool vorn_proven_Map_tryGet_text(void* map, const char* key, size_t length, void** result) {
   return vorn_inline_found_into(
       vorn_inline_look_up_text(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key, length), result);
 }
+/* vorn_inline_Map_operator_in_integer, for a proven receiver. */
 VORN_INLINE bool vorn_proven_Map_operator_in_integer(void* map, long long key) {
   return vorn_inline_look_up_integer(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key).found;
 }
+/* vorn_inline_Map_operator_in_text, for a proven receiver. */
 VORN_INLINE bool vorn_proven_Map_operator_in_text(void* map, const char* key, size_t length) {
   return vorn_inline_look_up_text(map, vorn_inline_proven_record(map, VORN_INLINE_MAP), key, length).found;
 }
+/* vorn_inline_HashSet_operator_in_integer, for a proven receiver. */
 VORN_INLINE bool vorn_proven_HashSet_operator_in_integer(void* set, long long key) {
   const void* const record = vorn_inline_proven_record(set, VORN_INLINE_SET);
   return record != NULL && vorn_inline_has_integer(record, key);
 }
+/* vorn_inline_HashSet_operator_in_text, for a proven receiver. */
 VORN_INLINE bool vorn_proven_HashSet_operator_in_text(void* set, const char* key, size_t length) {
   const void* const record = vorn_inline_proven_record(set, VORN_INLINE_SET);
   return record != NULL && vorn_inline_has_text(record, key, length);

@@ -194,10 +194,11 @@ VORN_INLINE void vorn_inline_ArrayList_setInt(void* list, long long index, long 
   vorn_inline_list_set_integer(list, vorn_inline_record(list, VORN_INLINE_LIST), index, value, type);
 }
 
-/* The same for VORN_FLOAT and VORN_DOUBLE, and with a box of a Boolean. */
+/* The same for VORN_FLOAT and VORN_DOUBLE. */
 VORN_INLINE void vorn_inline_ArrayList_setDouble(void* list, long long index, double value, vorn_element_type type) {
   vorn_inline_list_set_floating(list, vorn_inline_record(list, VORN_INLINE_LIST), index, value, type);
 }
+/* The same with a box of a Boolean. */
 VORN_INLINE void vorn_inline_ArrayList_setBool(void* list, long long index, bool value) {
   vorn_inline_list_set_boolean(list, vorn_inline_record(list, VORN_INLINE_LIST), index, value);
 }
@@ -245,35 +246,45 @@ VORN_INLINE void vorn_inline_ArrayList_addPrimitiveBool(void* list, bool value) 
 VORN_INLINE long long vorn_proven_ArrayList_size(void* list) {
   return vorn_inline_list_size(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST));
 }
+/* vorn_inline_ArrayList_getInt, for a proven receiver. */
 VORN_INLINE long long vorn_proven_ArrayList_getInt(void* list, long long index, vorn_element_type type) {
   return vorn_inline_list_integer(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, type);
 }
+/* vorn_inline_ArrayList_getDouble, for a proven receiver. */
 VORN_INLINE double vorn_proven_ArrayList_getDouble(void* list, long long index, vorn_element_type type) {
   return vorn_inline_list_floating(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, type);
 }
+/* vorn_inline_ArrayList_operator_index, for a proven receiver. */
 VORN_INLINE void* vorn_proven_ArrayList_operator_index(void* list, long long index) {
   return vorn_inline_list_handle(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index);
 }
+/* vorn_inline_ArrayList_operator_index_eq, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_operator_index_eq(void* list, long long index, void* value) {
   vorn_inline_list_set_handle(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value);
 }
+/* vorn_inline_ArrayList_setInt, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_setInt(void* list, long long index, long long value, vorn_element_type type) {
   vorn_inline_list_set_integer(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value, type);
 }
+/* vorn_inline_ArrayList_setDouble, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_setDouble(void* list, long long index, double value, vorn_element_type type) {
   vorn_inline_list_set_floating(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value, type);
 }
+/* vorn_inline_ArrayList_setBool, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_setBool(void* list, long long index, bool value) {
   vorn_inline_list_set_boolean(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index, value);
 }
+/* vorn_inline_ArrayList_add, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_add(void* list, void* value) {
   if (vorn_inline_list_push_handle(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value)) return;
   vorn_collections_ArrayList_add(list, value);
 }
+/* vorn_inline_ArrayList_addInt, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addInt(void* list, long long value) {
   if (vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, VORN_INT)) return;
   vorn_collections_ArrayList_addInt(list, value);
 }
+/* vorn_inline_ArrayList_addPrimitiveI64, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveI64(void* list, long long value, vorn_element_type type) {
   if (vorn_inline_is_integral(type) &&
       vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type)) {
@@ -281,6 +292,7 @@ VORN_INLINE void vorn_proven_ArrayList_addPrimitiveI64(void* list, long long val
   }
   vorn_collections_ArrayList_addPrimitiveI64(list, value, vorn_inline_type_name(type));
 }
+/* vorn_inline_ArrayList_addPrimitiveDouble, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveDouble(void* list, double value, vorn_element_type type) {
   if (vorn_inline_is_floating(type) &&
       vorn_inline_list_push_floating(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type)) {
@@ -288,6 +300,7 @@ VORN_INLINE void vorn_proven_ArrayList_addPrimitiveDouble(void* list, double val
   }
   vorn_collections_ArrayList_addPrimitiveDouble(list, value, vorn_inline_type_name(type));
 }
+/* vorn_inline_ArrayList_addPrimitiveBool, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveBool(void* list, bool value) {
   if (vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, VORN_BOOLEAN)) return;
   vorn_collections_ArrayList_addPrimitiveBool(list, value);

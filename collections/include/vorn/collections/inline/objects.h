@@ -20,16 +20,13 @@
 /* What only the forms call. */
 #define VORN_INLINE_PART static inline __attribute__((always_inline, unused))
 
+#if !defined(VORN_INLINE_CHECKS) && !defined(NDEBUG)
 /* Whether forms for proven receivers check what they are told. Debug builds do. */
-#ifndef VORN_INLINE_CHECKS
-#ifdef NDEBUG
-#define VORN_INLINE_CHECKS 0
-#else
 #define VORN_INLINE_CHECKS 1
-#endif
+#elif !defined(VORN_INLINE_CHECKS)
+#define VORN_INLINE_CHECKS 0
 #endif
 
-/* Whether a checker of threads looks on. */
 #if defined(__SANITIZE_THREAD__)
 #define VORN_INLINE_CHECKS_THREADS 1
 #elif defined(__has_feature)
@@ -38,6 +35,7 @@
 #endif
 #endif
 #ifndef VORN_INLINE_CHECKS_THREADS
+/* Whether a checker of threads looks on. */
 #define VORN_INLINE_CHECKS_THREADS 0
 #endif
 
