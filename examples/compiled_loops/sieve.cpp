@@ -57,7 +57,7 @@ std::uint64_t sieveStandard(long long size) {
       composite.at(static_cast<std::size_t>(multiple)) = 1;
   }
   std::uint64_t result = 0;
-  for (std::size_t i = 0; i < primes.size(); ++i) result = folded(result, static_cast<std::uint64_t>(primes.at(i)));
+  for (const std::int32_t prime : primes) result = folded(result, static_cast<std::uint64_t>(prime));
   return result;
 }
 

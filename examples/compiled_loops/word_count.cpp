@@ -113,7 +113,7 @@ std::uint64_t wordCountStandard(long long size) {
     counts.push_back(1);
   });
   std::uint64_t result = 0;
-  for (std::size_t i = 0; i < counts.size(); ++i) result = folded(result, static_cast<std::uint64_t>(counts.at(i)));
+  for (const std::int32_t count : counts) result = folded(result, static_cast<std::uint64_t>(count));
   return result;
 }
 

@@ -4,6 +4,7 @@
 #ifndef VORN_COLLECTIONS_INLINE_ARRAYS_H
 #define VORN_COLLECTIONS_INLINE_ARRAYS_H
 
+/* NOLINTBEGIN(modernize-*): C needs it so */
 #include <vorn/collections/array.h>
 #include <vorn/collections/inline/lists.h>
 #include <vorn/collections/tuple.h>
@@ -207,5 +208,7 @@ VORN_INLINE bool vorn_inline_Array_span(void* array, vorn_element_type type, vor
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-*) */
 
 #endif

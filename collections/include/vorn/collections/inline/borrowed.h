@@ -18,6 +18,7 @@
 #ifndef VORN_COLLECTIONS_INLINE_BORROWED_H
 #define VORN_COLLECTIONS_INLINE_BORROWED_H
 
+/* NOLINTBEGIN(modernize-*): C needs it so */
 #include <vorn/collections/inline/objects.h>
 
 #ifdef __cplusplus
@@ -79,5 +80,7 @@ VORN_INLINE void* vorn_borrow_double(vorn_borrowed_box* storage, double value) {
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-*) */
 
 #endif

@@ -7,6 +7,7 @@
 #ifndef VORN_COLLECTIONS_INLINE_KEYED_H
 #define VORN_COLLECTIONS_INLINE_KEYED_H
 
+/* NOLINTBEGIN(modernize-*): C needs it so */
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/inline/objects.h>
 #include <vorn/collections/map.h>
@@ -167,5 +168,7 @@ VORN_INLINE bool vorn_proven_HashSet_operator_in_text(void* set, const char* key
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-*) */
 
 #endif

@@ -4,6 +4,7 @@
 #ifndef VORN_COLLECTIONS_INLINE_LISTS_H
 #define VORN_COLLECTIONS_INLINE_LISTS_H
 
+/* NOLINTBEGIN(modernize-*): C needs it so */
 #include <vorn/collections/array_list.h>
 #include <vorn/collections/inline/objects.h>
 
@@ -339,5 +340,7 @@ VORN_INLINE bool vorn_inline_ArrayList_span(void* list, vorn_element_type type, 
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-*) */
 
 #endif

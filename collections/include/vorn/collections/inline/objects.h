@@ -3,6 +3,7 @@
 #ifndef VORN_COLLECTIONS_INLINE_OBJECTS_H
 #define VORN_COLLECTIONS_INLINE_OBJECTS_H
 
+/* NOLINTBEGIN(modernize-*): C needs it so */
 #include <vorn/collections/export.h>
 #include <vorn/collections/inline_layout.h>
 
@@ -327,5 +328,7 @@ VORN_INLINE_PART void* vorn_inline_lasting_record(void* handle, int kind) {
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-*) */
 
 #endif
