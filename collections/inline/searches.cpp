@@ -79,7 +79,7 @@ vorn_found vorn_inline_find_integer(const void* map, long long key) {
   if (!isPlain(data)) [[unlikely]]
     return findOtherwise(data, [key] { return integerCollectionKey(key); });
   if (data.hashed) [[likely]]
-    return asFound(data.hash.findWords(vc::KeyWords::ofInteger(key)));
+    return asFound(data.hash.findWords(vc::IntegerWords{key}));
   return asFound(data.ordered.findInteger(key));
 }
 
@@ -94,7 +94,7 @@ bool vorn_inline_has_integer(const void* set, long long key) {
   const auto& data = *static_cast<const SetData*>(set);
   if (!isPlain(data)) [[unlikely]]
     return hasOtherwise(data, [key] { return integerCollectionKey(key); });
-  return data.table.findWords(vc::KeyWords::ofInteger(key)) != nullptr;
+  return data.table.findWords(vc::IntegerWords{key}) != nullptr;
 }
 
 bool vorn_inline_has_text(const void* set, const char* key, size_t length) {
