@@ -123,6 +123,36 @@ constexpr LimitedRow kKernelLimits[] = {
     {"reverse int32", kSmall, {1.0, peer("C++")}},    {"reverse int32", kLarge, {1.1, peer("C++")}},
 };
 
+// What a compiler inlines, beside checked accesses of C++; and nothing slower than the native that it stands for.
+constexpr LimitedRow kInlineLimits[] = {
+    {"get Int, any receiver", kSmall, {1.0, ownRow("get Int, native")}},
+    {"get Int, any receiver", kLarge, {1.0, ownRow("get Int, native")}},
+    {"get Int, proven", kSmall, {1.5, peer("C++")}},
+    {"get Int, proven", kLarge, {1.5, peer("C++")}},
+    {"get Int, hoisted", kSmall, {1.1, peer("C++")}},
+    {"get Int, hoisted", kLarge, {1.1, peer("C++")}},
+    {"set Int, proven", kSmall, {0.5, ownRow("set Int, native with a box")}},
+    {"set Int, proven", kLarge, {0.5, ownRow("set Int, native with a box")}},
+    {"get handle, proven", kSmall, {0.5, ownRow("get handle, native")}},
+    {"get handle, proven", kLarge, {1.0, ownRow("get handle, native")}},
+    {"append Int, proven", kSmall, {2.0, peer("C++")}},
+    {"append Int, proven", kLarge, {2.0, peer("C++")}},
+    {"array get Int, proven", kSmall, {1.5, peer("C++")}},
+    {"array get Int, proven", kLarge, {1.5, peer("C++")}},
+    {"array set Int, proven", kSmall, {1.5, peer("C++")}},
+    {"array set Int, proven", kLarge, {1.5, peer("C++")}},
+    {"map get Int, borrowed key", kSmall, {2.0, peer("C++")}},
+    {"map get Int, borrowed key", kLarge, {1.0, ownRow("map get Int, native with a box")}},
+    {"map get Int, proven", kSmall, {1.5, peer("C++")}},
+    {"map get Int, proven", kLarge, {1.0, ownRow("map get Int, native with a box")}},
+    {"map get text, proven", kSmall, {1.0, peer("C++")}},
+    {"map get text, proven", kLarge, {1.0, ownRow("map get text, native with a String")}},
+    {"sieve", 100'000, {0.4, ownRow("sieve, natives")}},
+    {"word count", 20'000, {0.5, ownRow("word count, natives")}},
+    {"matrix product", 100, {0.1, ownRow("matrix product, natives")}},
+    {"sort of records", 20'000, {0.4, ownRow("sort of records, natives")}},
+};
+
 }  // namespace
 
 std::span<const LimitedRow> limitsOf(std::string_view topic) {
@@ -132,6 +162,7 @@ std::span<const LimitedRow> limitsOf(std::string_view topic) {
   if (topic == "display") return kDisplayLimits;
   if (topic == "heap") return kHeapLimits;
   if (topic == "sort") return kSortLimits;
+  if (topic == "inline") return kInlineLimits;
   if (topic == "kernels") return kKernelLimits;
   return {};
 }

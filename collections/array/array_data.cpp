@@ -9,6 +9,11 @@ namespace vc = vorn::collections;
 
 namespace {
 
+void setSlotKind(ArrayData& array, ArraySlotKind kind) {
+  array.slotKind = kind;
+  array.plainSlotKind = array.synchronized ? ArrayData::kNotPlain : static_cast<std::uint8_t>(kind);
+}
+
 bool holdsHandles(ArraySlotKind kind) { return kind == ArraySlotKind::Object; }
 
 // Room for n slots of a kind before anything else changes; the buffer of unboxed slots is empty afterwards.
@@ -25,7 +30,7 @@ void recreateArrayStorage(ArrayData& array, RuntimeTypeName elementType, ArraySl
   makeRoom(array, kind, slotWidth(kind), n);
   clearArrayStorage(array);
   array.elementType = elementType;
-  array.slotKind = kind;
+  setSlotKind(array, kind);
   if (holdsHandles(kind)) {
     array.objects.size = n;  // slots past the size are null at all times
   } else {
@@ -60,7 +65,7 @@ void copyArrayStorage(const ArrayData& source, ArrayData& target) {
   makeRoom(target, source.slotKind, width, n);
   clearArrayStorage(target);
   target.elementType = source.elementType;
-  target.slotKind = source.slotKind;
+  setSlotKind(target, source.slotKind);
   if (holdsHandles(source.slotKind)) {
     std::memcpy(target.objects.data, source.objects.data, n * sizeof(void*));
     target.objects.size = n;

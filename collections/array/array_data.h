@@ -3,6 +3,7 @@
 // An array has one element type from its construction on, and with it one kind of slot:
 //   slotKind != Object  `primitive` holds the unboxed slots, elementSize being the kind's width;
 //   slotKind == Object  `objects` holds handles.
+// plainSlotKind repeats slotKind in arrays without a lock, so that compiled code tests both by one comparison.
 // The store that is not live is empty. The record belongs to its object and lives inside the object's block; heap
 // blocks come from the collector (unboxed slots from pointer-free memory) and are never freed. Only natives lock;
 // nothing in this file does, and nothing checks an index unless it says so.
@@ -20,10 +21,12 @@
 
 struct ArrayData {
   using SlotKind = ArraySlotKind;
+  static constexpr std::uint8_t kNotPlain = 0xFF;  // there is a lock, or no constructor has run
 
   bool synchronized = false;
   RuntimeTypeName elementType;  // as written in the array's type, such as "Int", "vorn.Double" or "Map<String, Int>"
   SlotKind slotKind = SlotKind::Object;
+  std::uint8_t plainSlotKind = kNotPlain;
   SmallPrimitiveBuffer primitive;
   std::uint64_t elementCounters[2] = {};  // the runtime's; this library only resets them
   SmallObjectVector objects;

@@ -8,6 +8,10 @@ std::string validateArrayData(const ArrayData& array) {
   const SmallPrimitiveBuffer& slots = array.primitive;
   const SmallObjectVector& objects = array.objects;
   if (array.slotKind > ArraySlotKind::Object) return "the slot kind is unknown";
+  const bool plain = array.plainSlotKind != ArrayData::kNotPlain;
+  if (plain && (array.synchronized || array.plainSlotKind != static_cast<std::uint8_t>(array.slotKind))) {
+    return "the plain slot kind is not the slot kind, or there is a lock";
+  }
   if (array.synchronized && array.mutex == nullptr) return "a synchronised array has no mutex";
   if (slots.size > slots.capacity) return "more unboxed slots than capacity";
   if (objects.size > objects.capacity) return "more handles than capacity";

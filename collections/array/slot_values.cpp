@@ -7,6 +7,7 @@
 #include "collections/core/elements/element_types.h"
 #include "collections/core/equality/element_order.h"
 #include "collections/core/number_rules.h"
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
@@ -101,6 +102,7 @@ void* arraySlotToObject(const ArrayData& array, std::uint64_t index) {
 bool assignArraySlotValue(ArrayData& array, std::uint64_t index, void* value) {
   if (!array.isUnboxed()) {
     if (!acceptsHandle(array, value)) return false;
+    vc::assertMayBeKept(value);
     array.objects.data[index] = value;
     return true;
   }

@@ -9,6 +9,7 @@
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/errors.h"
 #include "collections/core/kinds.h"
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/scratch.h"
@@ -46,7 +47,10 @@ bool assignUnboxed(ListData& list, void** values, unsigned long count) {
 
 void assignHandles(ListData& list, void** values, unsigned long count) {
   if (!list.linked) list.objects.reserve(count);
-  for (unsigned long i = 0; i < count; ++i) list.objectPushBack(values[i]);
+  for (unsigned long i = 0; i < count; ++i) {
+    vc::assertMayBeKept(values[i]);
+    list.objectPushBack(values[i]);
+  }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/index_rules.h"
 #include "collections/core/kinds.h"
+#include "collections/core/port/borrowed_box.h"
 
 namespace vc = vorn::collections;
 
@@ -21,6 +22,7 @@ bool keepsUnboxed(const ListData& list, const BulkPrimitiveListValue& value) {
 }
 
 void insertBoxed(ListData& list, std::uint64_t index, void* value) {
+  assertMayBeKept(value);
   materializePrimitiveList(list, 1);
   if (list.linked) {
     list.linkedObjects.insertAt(index, value);
@@ -48,6 +50,7 @@ void appendValueOrRaise(ListData& list, void* value) {
     case StoreForm::Kept:
       return primitiveListAppend(list, raw.integer, raw.floating);
     case StoreForm::Boxed:
+      assertMayBeKept(value);
       materializePrimitiveList(list, 1);
       return list.objectPushBack(value);
   }
@@ -75,6 +78,7 @@ void replaceValueOrRaise(ListData& list, std::uint64_t index, void* value) {
     return primitiveListWrite(list, index, raw.integer, raw.floating);
   }
   if (!ensureListValueMatchesDeclaredElementType(list, value)) return;
+  assertMayBeKept(value);
   materializePrimitiveList(list);
   ObjectCursor(list).replace(index, value);
 }

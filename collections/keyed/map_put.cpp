@@ -3,6 +3,7 @@
 #include <vorn/collections/map.h>
 
 #include "collections/core/errors.h"
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/keys.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/pending_errors.h"
@@ -36,6 +37,8 @@ bool recordsClasses(const MapData& map, const RuntimeClass* keyClass, const Runt
 // Inserts or replaces, unless user code raised during the search. All that can fail comes before the first change.
 template <vc::KeyedTable<NativeMapEntry> Table>
 void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const NativeMapEntry& entry) {
+  vc::assertMayBeKept(entry.key);
+  vc::assertMayBeKept(entry.value);
   auto place = table.find(key);
   if (place.failed) return;
   if (place.node == nullptr) table.makeRoom(place, key);

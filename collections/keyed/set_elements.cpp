@@ -2,6 +2,7 @@
 
 #include <vorn/collections/hash_set.h>
 
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/pending_errors.h"
 #include "collections/keyed/key_of.h"
 #include "collections/keyed/set_data.h"
@@ -13,6 +14,7 @@ namespace {
 
 // Adds or replaces, unless user code raised during the search. All that can fail comes before the first change.
 void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
+  vc::assertMayBeKept(value);
   auto place = set.table.find(key);
   if (place.failed) return;
   if (place.node != nullptr) {

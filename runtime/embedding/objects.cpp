@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <new>
 
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/objects.h"
 #include "runtime/objects/fields.h"
@@ -111,6 +112,7 @@ int vorn_field_set_handle(void* handle, const char* field, void* value) {
   if (TupleObject* tuple = tupleOf(handle); isItem(tuple, field, index)) return setItem(*tuple, index, value);
   const ObjectField* found = writableField(handle, field, ObjectField::Kind::Handle);
   if (found == nullptr) return 0;
+  vorn::collections::assertMayBeKept(value);
   vorn::runtime::storeField(handle, *found, std::bit_cast<std::uint64_t>(value));
   return 1;
 }

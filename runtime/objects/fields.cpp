@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "collections/core/number_rules.h"
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/objects.h"
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/tuple_object.h"
@@ -144,6 +145,7 @@ extern "C" void Vorn_setField_ptr(void* handle, const char* field, void* value) 
   }
   const ObjectField* found = vorn::runtime::fieldOf(handle, field);
   if (found == nullptr || found->kind != ObjectField::Kind::Handle) return;
+  vorn::collections::assertMayBeKept(value);
   vorn::runtime::storeField(handle, *found, std::bit_cast<std::uint64_t>(value));
 }
 

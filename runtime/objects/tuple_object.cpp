@@ -1,17 +1,29 @@
 #include "runtime/objects/tuple_object.h"
 
+#include <vorn/collections/inline_layout.h>
+
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <new>
 #include <system_error>
 
+#include "collections/core/port/borrowed_box.h"
 #include "runtime/heap/heap.h"
 #include "runtime/objects/builtin_classes.h"
 
 namespace vorn::runtime {
 namespace {
+
+// Compiled code reads items by itself.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+static_assert(VORN_INLINE_TUPLE_SIZE == offsetof(TupleObject, size));
+static_assert(VORN_INLINE_TUPLE_CAPACITY == offsetof(TupleObject, capacity));
+static_assert(VORN_INLINE_TUPLE_ITEMS == offsetof(TupleObject, items));
+#pragma GCC diagnostic pop
 
 // Room in tuples whose class does not say how many items they have.
 constexpr std::uint64_t kUntypedItems = 4;
@@ -53,6 +65,7 @@ void* tupleItem(const TupleObject& tuple, std::uint64_t index) {
 
 void setTupleItem(TupleObject& tuple, std::uint64_t index, void* item) {
   if (index >= kMostItems) throw std::bad_alloc();
+  collections::assertMayBeKept(item);
   if (index >= tuple.capacity) growTo(tuple, index + 1);
   tuple.items[index] = item;
 }

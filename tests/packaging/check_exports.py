@@ -32,6 +32,7 @@ PREPROCESSOR = re.compile(r"^[ \t]*#(?:[^\n\\]|\\\n|\\.)*", re.MULTILINE)
 # The name that a mark declares: the last word before the parameters, an initialiser or the end.
 NATIVE = re.compile(r"\bVORN_NATIVE\b[^;(){}=]*?\b(\w+)\s*\(")
 HELPER = re.compile(r"\bVORN_EXPORT\b[^;(){}=]*?\b(\w+)\s*\(")
+EXPORTED_VARIABLE = re.compile(r"\bVORN_EXPORT\s+extern\b[^;(){}=]*?\b(\w+)\s*(?:\[[^\]]*\])?\s*;")
 EMBEDDING = re.compile(r"\bVORN_RUNTIME_EXPORT\b([^;(){}=]*?)\b(\w+)\s*\(([^()]*)\)")
 KIND_ROW = re.compile(r"^VORN_PRIMITIVE_KIND\(\d+, (\w+), ([\w:]+),", re.MULTILINE)
 CHARACTER_ROW = re.compile(r"^VORN_CHARACTER_TYPE\((\w+), (\w+)\)", re.MULTILINE)
@@ -125,6 +126,7 @@ def main():
         if source.is_relative_to(PUBLIC_HEADERS):
             natives.update(NATIVE.findall(code))
             helpers.update(HELPER.findall(code))
+            helpers.update(EXPORTED_VARIABLE.findall(code))
         elif source not in PORT_HEADERS and MARK.search(code):
             problems.append(f"{source.relative_to(ROOT)}: exports something itself; that is for the public headers")
     operations = set()

@@ -8,6 +8,7 @@
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/kernels/element_access.h"
+#include "collections/core/port/borrowed_box.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/list_data.h"
 
@@ -91,6 +92,7 @@ inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, st
 // Appends a value that one of the two cases takes and that there is room for; false, with nothing changed, otherwise.
 inline bool appendInPlace(ListData& list, void* value) {
   if (takesEveryHandle(list)) {
+    assertMayBeKept(value);
     if (list.linked) return list.linkedObjects.pushBackInPlace(value);
     SmallObjectVector& objects = list.objects;
     if (objects.size == objects.capacity) return false;

@@ -35,6 +35,7 @@ struct ListData {
   bool synchronized = false;
   bool linked = false;
   PrimitiveKind primitiveKind = PrimitiveKind::None;
+  std::uint8_t zero = 0;          // compiled code looks at it and the three bytes before it at once
   RuntimeTypeName elementType;    // declared, normalised; null when the list is untyped
   RuntimeTypeName primitiveType;  // the exact name the unboxed elements are kept under
   SmallPrimitiveBuffer primitive;

@@ -92,6 +92,7 @@ bool mirrorIsSound(const Mirror& mirror) {
 }  // namespace
 
 std::string validateListData(const ListData& list) {
+  if (list.zero != 0) return "the byte that is always zero is not";
   if (list.synchronized && list.mutex == nullptr) return "a synchronised list has no mutex";
   if (std::string fault = validatePrimitive(list); !fault.empty()) return fault;
   if (std::string fault = validateObjects(list); !fault.empty()) return fault;
