@@ -65,6 +65,7 @@ struct Lanes {
   VORN_TARGET_AVX2 static Vector equalDouble(Vector a, Vector b) {
     return _mm256_castpd_si256(_mm256_cmp_pd(_mm256_castsi256_pd(a), _mm256_castsi256_pd(b), _CMP_EQ_OQ));
   }
+  static constexpr std::uint64_t kMaskBits = 1;
   VORN_TARGET_AVX2 static std::uint32_t byteMask(Vector a) {
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(a));
   }
@@ -86,5 +87,7 @@ struct Lanes {
     }
   }
 };
+
+using Vector = Lanes::Vector;
 
 }  // namespace vorn::collections::kernels::avx2

@@ -1,5 +1,5 @@
 // One 16-byte vector and the operations that the kernel loops are written in, for every x86-64 processor. lanes_avx2.h
-// has the same operations on 32 bytes; each loop is compiled against both.
+// has the same operations on 32 bytes, and lanes_neon.h those that aarch64 needs; each loop is compiled against all.
 #pragma once
 
 #include <emmintrin.h>
@@ -64,7 +64,8 @@ struct Lanes {
   static Vector equalDouble(Vector a, Vector b) {
     return _mm_castpd_si128(_mm_cmpeq_pd(_mm_castsi128_pd(a), _mm_castsi128_pd(b)));
   }
-  // One bit per byte.
+  // kMaskBits for each byte, the first byte's lowest; the comparisons' results are all or nothing in every byte.
+  static constexpr std::uint64_t kMaskBits = 1;
   static std::uint32_t byteMask(Vector a) { return static_cast<std::uint32_t>(_mm_movemask_epi8(a)); }
 
   // The elements of kWidth bytes in reverse order.
@@ -83,5 +84,7 @@ struct Lanes {
     }
   }
 };
+
+using Vector = Lanes::Vector;
 
 }  // namespace vorn::collections::kernels::sse2

@@ -4,17 +4,21 @@
 
 #include <algorithm>
 #include <bit>
+#include <limits>
 #include <type_traits>
 
 #include "collections/core/kernels/lanes_sse2.h"
 #include "collections/core/kernels/search_kernels.h"
 #include "collections/core/kernels/vector_edges.h"
+#include "collections/core/kinds.h"
 
 #define VORN_KERNEL
 
 namespace vorn::collections::kernels {
 
 namespace sse2 {
+
+#include "collections/core/kernels/x86_adders.inc"
 
 #include "collections/core/kernels/vector_kernels.inc"
 
