@@ -22,6 +22,8 @@ namespace avx2 {
 
 #include "collections/core/kernels/vector_kernels.inc"
 
+#include "collections/core/kernels/aligned_reverse_loop.inc"
+
 }  // namespace avx2
 
 constexpr KernelTable kAvx2Kernels = {

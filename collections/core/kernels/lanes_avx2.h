@@ -14,6 +14,7 @@ namespace vorn::collections::kernels::avx2 {
 struct Lanes {
   using Vector = __m256i;
   static constexpr std::uint64_t kBytes = 32;
+  static constexpr int kSearchedAtOnce = 8;
 
   VORN_TARGET_AVX2 static Vector load(const unsigned char* at) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));

@@ -1,5 +1,5 @@
-// The operations of lanes_sse2.h that aarch64 needs, and what its sums add with: every such processor has these
-// instructions.
+// The operations of lanes_sse2.h that aarch64 needs, what its sums add with, and the wider vectors of its reversals:
+// every such processor has these instructions. docs/architectures.md has what they come to.
 #pragma once
 
 #include <arm_neon.h>
@@ -14,6 +14,7 @@ namespace vorn::collections::kernels::neon {
 struct Lanes {
   using Vector = uint8x16_t;
   static constexpr std::uint64_t kBytes = 16;
+  static constexpr int kSearchedAtOnce = 16;
 
   static Vector load(const unsigned char* at) { return vld1q_u8(at); }
   static void store(unsigned char* at, Vector value) { vst1q_u8(at, value); }
@@ -79,6 +80,26 @@ struct Lanes {
 
 using Vector = Lanes::Vector;
 
+// Two vectors as one, for reversals: they are loaded and stored by one instruction.
+struct PairedLanes {
+  struct Vector {
+    Lanes::Vector lower;
+    Lanes::Vector upper;
+  };
+  static constexpr std::uint64_t kBytes = 2 * Lanes::kBytes;
+
+  static Vector load(const unsigned char* at) { return {Lanes::load(at), Lanes::load(at + Lanes::kBytes)}; }
+  static void store(unsigned char* at, Vector value) {
+    Lanes::store(at, value.lower);
+    Lanes::store(at + Lanes::kBytes, value.upper);
+  }
+
+  template <std::uint64_t kWidth>
+  static Vector reversed(Vector a) {
+    return {Lanes::reversed<kWidth>(a.upper), Lanes::reversed<kWidth>(a.lower)};
+  }
+};
+
 // ---- Sums ------------------------------------------------------------------------------------------------------------
 
 // One instruction widens neighbours, adds the two and adds that to a lane of their double width, for either signedness.
@@ -123,11 +144,12 @@ struct PairAdder {
 
 struct Adder8 {
   static constexpr std::uint64_t kMostAdditions = ~std::uint64_t{0};
-  Vector sum = Lanes::zero();
+  // As 64-bit lanes, since g++ 12 copies registers when every addition changes their type.
+  uint64x2_t sum = {};
 
-  void add(Vector elements) { sum = Lanes::add64(sum, elements); }
+  void add(Vector elements) { sum = vaddq_u64(sum, std::bit_cast<uint64x2_t>(elements)); }
   void flush() {}
-  Vector lanes() const { return sum; }
+  Vector lanes() const { return std::bit_cast<Vector>(sum); }
 };
 
 // A pair of bytes is at most 510 or at least -256, so that 16 bits hold 128 of them; 32 bits hold 32768 pairs of two-byte

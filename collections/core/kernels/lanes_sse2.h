@@ -11,6 +11,8 @@ namespace vorn::collections::kernels::sse2 {
 struct Lanes {
   using Vector = __m128i;
   static constexpr std::uint64_t kBytes = 16;
+  // Vectors that a search tests before it branches, which spreads the cost of the loop's own instructions.
+  static constexpr int kSearchedAtOnce = 8;
 
   static Vector load(const unsigned char* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
   static void store(unsigned char* at, Vector value) { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), value); }

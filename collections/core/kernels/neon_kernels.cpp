@@ -20,6 +20,22 @@ namespace neon {
 
 #include "collections/core/kernels/vector_kernels.inc"
 
+namespace paired {
+
+using Lanes = PairedLanes;
+using Vector = Lanes::Vector;
+
+#include "collections/core/kernels/reverse_loops.inc"
+
+}  // namespace paired
+
+// Stores are not aligned: that takes a third more instructions.
+template <std::uint64_t kWidth>
+void reverse(unsigned char* data, std::uint64_t count) {
+  if (count * kWidth < PairedLanes::kBytes) return reverseOverlapping<kWidth>(data, count);
+  paired::reverseOverlapping<kWidth>(data, count);
+}
+
 }  // namespace neon
 
 const KernelTable kNeonKernels = {

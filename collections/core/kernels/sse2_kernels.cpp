@@ -22,6 +22,8 @@ namespace sse2 {
 
 #include "collections/core/kernels/vector_kernels.inc"
 
+#include "collections/core/kernels/aligned_reverse_loop.inc"
+
 }  // namespace sse2
 
 const KernelTable kSse2Kernels = {
