@@ -1,6 +1,8 @@
 #include "runtime/heap/guarded_pages.h"
 
 #include <sys/mman.h>
+#include <sys/random.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +19,17 @@ constexpr int kInstallGuards = 102;
 constexpr int kRemoveGuards = 103;
 
 void* pointerTo(std::uintptr_t pages) { return reinterpret_cast<void*>(pages); }
+
+// An emulator may pass over advice that it does not know and call that a success. So a page is guarded for a trial, and a
+// system call that writes to it has to find out.
+bool kernelHasMarkers(std::size_t pageBytes) {
+  void* const page = mapReserved(pageBytes, PROT_READ | PROT_WRITE);
+  if (page == nullptr) return false;
+  const bool guarded =
+      madvise(page, pageBytes, kInstallGuards) == 0 && syscall(SYS_getrandom, page, 1, GRND_NONBLOCK) < 0;
+  munmap(page, pageBytes);
+  return guarded;
+}
 
 }  // namespace
 
@@ -36,7 +49,7 @@ bool GuardedPages::reserve(std::size_t most, std::size_t least, PageGuards guard
   }
   if (addresses == nullptr) return false;
   base_ = prepared_ = opened_ = reinterpret_cast<std::uintptr_t>(addresses);
-  hasMarkers_ = guards == PageGuards::Best && madvise(addresses, pageBytes, kInstallGuards) == 0;
+  hasMarkers_ = guards == PageGuards::Best && kernelHasMarkers(pageBytes);
   if (!hasMarkers_) return true;
   openIn_ = static_cast<std::uint32_t*>(
       mapReserved((reserved_ / kStretch + 1) * sizeof(std::uint32_t), PROT_READ | PROT_WRITE));
