@@ -24,6 +24,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "collections/keyed/place_tags.h"
 
@@ -51,24 +52,33 @@ struct alignas(16) BucketLine {
     ++used;
   }
 
-  // A bit for each slot that has the tag, for slotOf(); go on with `slots & (slots - 1)`.
+  // Calls visit(place) for the place in each slot that has the tag, until it returns true; whether it did. Each slot is
+  // a pair of bits of what the comparison gives, of which the lower one alone is left after the first.
+  template <class Visit>
+  bool visitPlacesWith(std::uint16_t tag, Visit visit) const {
+    for (std::uint32_t slots = slotsWith(tag); slots != 0; slots = slots & (slots - 1) & 0x5555) {
+      const auto at = static_cast<std::uint32_t>(std::countr_zero(slots));
+      std::uint32_t place;
+      std::memcpy(&place, reinterpret_cast<const char*>(places) + std::size_t{at} * 2, sizeof(place));
+      if (visit(place)) return true;
+    }
+    return false;
+  }
+
+ private:
+  // A pair of bits for each slot that has the tag.
   [[nodiscard]] std::uint32_t slotsWith(std::uint16_t tag) const {
 #if defined(__SSE2__)
     const __m128i own = _mm_load_si128(reinterpret_cast<const __m128i*>(tags));
     const __m128i equal = _mm_cmpeq_epi16(own, _mm_set1_epi16(static_cast<short>(tag)));
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(equal)) & 0x5555;
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(equal));
 #else
     std::uint32_t slots = 0;
     for (std::uint32_t slot = 0; slot < kSlots; ++slot) {
-      slots |= static_cast<std::uint32_t>(tags[slot] == tag) << (2 * slot);
+      slots |= static_cast<std::uint32_t>(tags[slot] == tag) * 3 << (2 * slot);
     }
     return slots;
 #endif
-  }
-
-  // The first of those slots; there must be one.
-  [[nodiscard]] static std::uint32_t slotOf(std::uint32_t slots) {
-    return static_cast<std::uint32_t>(std::countr_zero(slots)) / 2;
   }
 };
 static_assert(sizeof(BucketLine) == 64, "a bucket is one cache line");

@@ -108,7 +108,8 @@ class HashTable {
   [[nodiscard]] Node* findPlain(const NativeCollectionKey& key) const { return locatePlain(key).node; }
 
   // The same for a key whose equality its words decide.
-  [[nodiscard]] Node* findWords(const KeyWords& words) const {
+  template <class Words>
+  [[nodiscard]] Node* findWords(const Words words) const {
     Node* result = nullptr;
     Place place;
     visitCandidates(words.hash(), place, [&](std::uint32_t candidate) {
@@ -235,9 +236,7 @@ class HashTable {
     result.bucket = lines_.firstLine(hash);
     const BucketLine* line = result.bucket;
     do {
-      for (std::uint32_t slots = line->slotsWith(tag); slots != 0; slots &= slots - 1) {
-        if (visit(line->places[BucketLine::slotOf(slots)])) return;
-      }
+      if (line->visitPlacesWith(tag, visit)) return;
       line = lines_.nextLine(line);
     } while (line != nullptr);
   }

@@ -13,7 +13,7 @@
 namespace vorn::collections {
 
 // Keys that are made without a call, and whose equality three words decide: those of integers and of short texts. What
-// withWords(KeyWords) returns for such a handle, what otherwise() returns for any other one.
+// withWords(IntegerWords) or withWords(KeyWords) returns for such a handle, what otherwise() returns for any other one.
 
 // A ULong's bits are an unsigned number, so its upper half is not meant here.
 template <class WithWords, class Otherwise>
@@ -21,7 +21,7 @@ template <class WithWords, class Otherwise>
   if (objectHeaderAt(handle) != objectHeaderFor(handle, ObjectKind::IntegerBox)) return otherwise();
   const auto* const box = static_cast<const RegisteredObject*>(handle);
   if (box->integer < 0 && boxedTypeOf(*box) == PrimitiveType::ULong) return otherwise();
-  return withWords(KeyWords::ofInteger(box->integer));
+  return withWords(IntegerWords{box->integer});
 }
 
 template <class WithWords, class Otherwise>
@@ -37,7 +37,7 @@ template <class WithWords, class Otherwise>
 // The key of a handle, by make(handle) where that takes a call.
 template <class Make>
 inline NativeCollectionKey keyOf(void* handle, Make make) {
-  const auto keyFrom = [](const KeyWords& words) { return words.key(); };
+  const auto keyFrom = [](const auto& words) { return words.key(); };
   return withIntegerKey(handle, keyFrom,
                         [&] { return withShortTextKey(handle, keyFrom, [&] { return make(handle); }); });
 }
@@ -46,9 +46,10 @@ inline NativeCollectionKey keyOf(void* handle, Make make) {
 // hasPendingError() next, which also tells of an error that was pending before. A sorted map never looks at hashes, so
 // that its keys need none and run no user code. Whether a map is hashed never changes and may be read without its lock.
 inline NativeCollectionKey mapKeyOf(const MapData& map, void* handle) {
-  return keyOf(handle, [&](void* other) {
-    return map.hashed ? makeNativeCollectionKey(other) : makeNativeOrderedCollectionKey(other);
-  });
+  if (map.hashed) return keyOf(handle, makeNativeCollectionKey);
+  return withIntegerKey(
+      handle, [](IntegerWords words) { return words.orderedKey(); },
+      [&] { return makeNativeOrderedCollectionKey(handle); });
 }
 
 // The key of an element of a set, which may be null.

@@ -19,20 +19,12 @@ struct KeyWords {
   explicit KeyWords(const NativeCollectionKey& key)
       : KeyWords(key.hash, key.tag, key.shortLength, key.words[0], key.words[1]) {}
 
-  // Those of a number that a signed 64-bit integer holds, and of a text in two words padded with zeros. They never were in
-  // memory.
-  static KeyWords ofInteger(std::int64_t value) {
-    const auto bits = static_cast<std::uint64_t>(value);
-    return {mixedKeyHash(bits), NativeCollectionKey::Tag::Integer, 0, bits, 0};
-  }
+  // Those of a text in two words padded with zeros. They never were in memory.
   static KeyWords ofShortText(std::uint64_t first, std::uint64_t second, std::uint64_t length) {
     return {shortTextKeyHash(first, second), NativeCollectionKey::Tag::ShortText, length, first, second};
   }
 
   [[nodiscard]] std::uint32_t hash() const { return static_cast<std::uint32_t>(head); }
-
-  // The number of an integer's key.
-  [[nodiscard]] std::int64_t integer() const { return static_cast<std::int64_t>(first); }
 
   // Whether all words of the other key are these.
   [[nodiscard]] bool match(const NativeCollectionKey& key) const {
@@ -54,5 +46,27 @@ struct KeyWords {
   std::uint64_t second;
 };
 static_assert(sizeof(KeyWords) == sizeof(NativeCollectionKey));
+
+// The key of a number that a signed 64-bit integer holds, in one register. It never was in memory.
+struct IntegerWords {
+  [[nodiscard]] std::uint32_t hash() const { return mixedKeyHash(static_cast<std::uint64_t>(value)); }
+
+  // The tag and the number decide; the hash and the second word follow from them.
+  [[nodiscard]] bool match(const NativeCollectionKey& key) const {
+    return key.words[0] == static_cast<std::uint64_t>(value) && key.tag == NativeCollectionKey::Tag::Integer;
+  }
+
+  [[nodiscard]] NativeCollectionKey key() const { return keyWithHash(hash()); }
+
+  // The key as ordered tables want it, whose hash has no meaning.
+  [[nodiscard]] NativeCollectionKey orderedKey() const { return keyWithHash(0); }
+
+  std::int64_t value;
+
+ private:
+  [[nodiscard]] NativeCollectionKey keyWithHash(std::uint32_t hash) const {
+    return KeyWords(hash, NativeCollectionKey::Tag::Integer, 0, static_cast<std::uint64_t>(value), 0).key();
+  }
+};
 
 }  // namespace vorn::collections

@@ -41,6 +41,12 @@ struct MapData {
   MapData(const MapData&) = delete;
   MapData& operator=(const MapData&) = delete;
 
+  // Whether it is hashed and not synchronised, as most are: one comparison of both flags.
+  [[nodiscard]] bool isPlainHash() const {
+    constexpr bool kPlainHash[2] = {true, false};
+    return std::memcmp(&hashed, kPlainHash, sizeof(kPlainHash)) == 0;
+  }
+
   // Calls visit(table) with the storage that is used: the one place where a map chooses.
   template <class Visit>
   decltype(auto) withTable(Visit visit) const {

@@ -67,8 +67,11 @@ std::string_view itemValueTypeName(void* value) {
 std::string_view commonValueTypeName(const vc::MapEntryVector::Storage& entries, RuntimeTypeName recorded) {
   const std::string_view start = !recorded.empty() ? recorded.get() : vc::kObjectTypeName;
   if (entries.empty()) return start;
+  // Objects of one class have one name, which is therefore looked at once in most maps.
   const std::string_view candidate = itemValueTypeName(entries.front().value);
+  const RuntimeClass* const candidateClass = classOfObject(entries.front().value);
   for (const MapEntrySnapshot& entry : entries) {
+    if (candidateClass != nullptr && classOfObject(entry.value) == candidateClass) continue;
     if (itemValueTypeName(entry.value) != candidate) return start;
   }
   return candidate;

@@ -40,19 +40,20 @@ template <auto resultOf>
   return resultOf(hasPendingError() ? Found{} : lookUpKey(map, nativeKey));
 }
 
-bool mayBePlain(const MapData& map) { return !map.synchronized && !mayHavePendingError(); }
+// In a plain hash map while no error is pending, where the key is no integer.
+template <auto resultOf>
+[[gnu::noinline]] auto lookUpOtherKey(const MapData& map, void* key) {
+  return vc::withShortTextKey(
+      key, [&](const vc::KeyWords& words) { return resultOf(foundIn(map.hash.findWords(words))); },
+      [&] { return lookUpAny<resultOf>(map, key); });
+}
 
 template <auto resultOf>
-[[gnu::noinline]] auto lookUpOther(const MapData& map, void* key) {
+[[gnu::noinline]] auto lookUpInOtherMap(const MapData& map, void* key) {
   const auto otherwise = [&] { return lookUpAny<resultOf>(map, key); };
-  if (!mayBePlain(map)) return otherwise();
-  if (!map.hashed) {
-    return vc::withIntegerKey(
-        key, [&](const vc::KeyWords& words) { return resultOf(foundIn(map.ordered.findInteger(words.integer()))); },
-        otherwise);
-  }
-  return vc::withShortTextKey(
-      key, [&](const vc::KeyWords& words) { return resultOf(foundIn(map.hash.findWords(words))); }, otherwise);
+  if (map.hashed || map.synchronized || mayHavePendingError()) return otherwise();
+  return vc::withIntegerKey(
+      key, [&](vc::IntegerWords words) { return resultOf(foundIn(map.ordered.findInteger(words.value))); }, otherwise);
 }
 
 // The common cases, an integer or a short text in a plain map, need no key in memory. That of an integer in a hash map is
@@ -60,10 +61,10 @@ template <auto resultOf>
 template <auto resultOf>
 [[gnu::always_inline]] inline auto lookUp(void* map, void* key) {
   const MapData& data = *getMapData(map);
-  const auto otherwise = [&] { return lookUpOther<resultOf>(data, key); };
-  if (!data.hashed || !mayBePlain(data)) return otherwise();
+  if (!data.isPlainHash() || mayHavePendingError()) return lookUpInOtherMap<resultOf>(data, key);
   return vc::withIntegerKey(
-      key, [&](const vc::KeyWords& words) { return resultOf(foundIn(data.hash.findWords(words))); }, otherwise);
+      key, [&](vc::IntegerWords words) { return resultOf(foundIn(data.hash.findWords(words))); },
+      [&] { return lookUpOtherKey<resultOf>(data, key); });
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ bool vorn_collections_HashSet_operator_in(void* set, void* value) {
   const auto otherwise = [&] { return containsText(data, value); };
   if (data.synchronized || mayHavePendingError()) return otherwise();
   return vc::withIntegerKey(
-      value, [&](const vc::KeyWords& words) { return data.table.findWords(words) != nullptr; }, otherwise);
+      value, [&](vc::IntegerWords words) { return data.table.findWords(words) != nullptr; }, otherwise);
 }
 
 long long vorn_collections_HashSet_count(void* set, void* value) {

@@ -13,10 +13,20 @@
 namespace vorn::runtime {
 namespace {
 
-// Every unboxing asks for "_value", so that it is recognised without a length and without a call.
+// Every unboxing asks for "_value" and every reading of a tuple for "size", so that these are recognised without a length
+// and without a call.
 bool isValueFieldName(const char* name) {
   return name[0] == '_' && name[1] == 'v' && name[2] == 'a' && name[3] == 'l' && name[4] == 'u' && name[5] == 'e' &&
          name[6] == '\0';
+}
+bool isSizeFieldName(const char* name) {
+  return name[0] == 's' && name[1] == 'i' && name[2] == 'z' && name[3] == 'e' && name[4] == '\0';
+}
+
+// The tuple behind a request for a tuple's size; null for every other request.
+TupleObject* tupleAskedForSize(void* handle, const char* name) {
+  TupleObject* const tuple = tupleOf(handle);
+  return tuple != nullptr && name != nullptr && isSizeFieldName(name) ? tuple : nullptr;
 }
 
 // The box behind a request for a box's value; null for every other request.
@@ -80,6 +90,7 @@ extern "C" long long Vorn_getField_i64(void* handle, const char* field) {
     if (box->kind() != ObjectKind::FloatingBox) return box->integer;
     return vorn::collections::truncateToI64(std::bit_cast<double>(box->integer));
   }
+  if (const TupleObject* tuple = vorn::runtime::tupleAskedForSize(handle, field)) return tuple->size;
   return vorn::runtime::readNumber<long long>(handle, field);
 }
 
@@ -112,6 +123,10 @@ extern "C" void* Vorn_getField_ptr(void* handle, const char* field) {
 }
 
 extern "C" void Vorn_setField_i64(void* handle, const char* field, long long value) {
+  if (TupleObject* tuple = vorn::runtime::tupleAskedForSize(handle, field)) {
+    tuple->size = value;
+    return;
+  }
   const ObjectField* found = vorn::runtime::fieldOf(handle, field);
   if (found == nullptr || !vorn::runtime::isWritable(handle)) return;
   if (found->kind == ObjectField::Kind::Integer) {

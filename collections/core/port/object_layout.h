@@ -116,13 +116,12 @@ inline std::uint64_t objectHeaderFor(const void* address, ObjectKind kind) {
 #define VORN_READS_ANY_WORD
 #endif
 
-// The header word at a handle, or 0 when the handle cannot be an object. Safe for every readable pointer: an aligned
-// word never crosses a page, and the first byte turns text away before the word is read, so that a one-byte string is
-// not read past its end. Null gives 0.
+// The word where the header of an object would be, or 0 when the handle cannot be an object. Safe for every readable
+// pointer, though a short text may end before the word does: an aligned word never crosses a page, and no text starts as
+// a header does, whatever follows it. Null gives 0.
 VORN_READS_ANY_WORD inline std::uint64_t objectHeaderAt(const void* handle) {
   using Word = std::uint64_t __attribute__((may_alias));
   if (handle == nullptr || (reinterpret_cast<std::uintptr_t>(handle) & (kObjectAlignment - 1)) != 0) return 0;
-  if (*static_cast<const unsigned char*>(handle) != 0xFF) return 0;
   return *static_cast<const Word*>(handle);
 }
 
