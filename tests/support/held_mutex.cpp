@@ -1,7 +1,7 @@
 #include "tests/support/held_mutex.h"
 
+#include <condition_variable>
 #include <mutex>
-#include <semaphore>
 #include <thread>
 
 namespace vorn::tests {
@@ -18,10 +18,11 @@ class Prober {
   }
 
   bool isLocked(pthread_mutex_t* mutex) {
-    const std::lock_guard lock(oneCaller_);
-    mutex_ = mutex;
-    asked_.release();
-    answered_.acquire();
+    const std::lock_guard caller(oneCaller_);
+    std::unique_lock lock(mutex_);
+    asked_ = mutex;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return asked_ == nullptr; });
     return locked_;
   }
 
@@ -31,18 +32,20 @@ class Prober {
   }
 
   void answer() {
+    std::unique_lock lock(mutex_);
     while (true) {
-      asked_.acquire();
-      locked_ = pthread_mutex_trylock(mutex_) != 0;
-      if (!locked_) pthread_mutex_unlock(mutex_);
-      answered_.release();
+      changed_.wait(lock, [this] { return asked_ != nullptr; });
+      locked_ = pthread_mutex_trylock(asked_) != 0;
+      if (!locked_) pthread_mutex_unlock(asked_);
+      asked_ = nullptr;
+      changed_.notify_all();
     }
   }
 
   std::mutex oneCaller_;
-  std::binary_semaphore asked_{0};
-  std::binary_semaphore answered_{0};
-  pthread_mutex_t* mutex_ = nullptr;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  pthread_mutex_t* asked_ = nullptr;  // null once it is answered
   bool locked_ = false;
 };
 
