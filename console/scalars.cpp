@@ -5,29 +5,30 @@
 #include <cmath>
 #include <limits>
 
+#include "collections/core/kinds.h"
 #include "console/problems.h"
 
 namespace vorn::console {
 
 namespace {
 
+// A primitive kind, of which elements are kept as T.
 template <class T>
-constexpr ScalarType integerType(std::string_view name) {
-  return {name, ScalarFamily::Integer, std::numeric_limits<T>::min(), std::numeric_limits<T>::max(), sizeof(T)};
+constexpr ScalarType kindOf(std::string_view name, ScalarFamily family) {
+  ScalarType kind{name, family, 0, family == ScalarFamily::Boolean ? 1 : 0, sizeof(T)};
+  if constexpr (std::numeric_limits<T>::is_integer) {
+    if (family == ScalarFamily::Integer) {
+      kind.lowest = std::numeric_limits<T>::min();
+      kind.highest = std::numeric_limits<T>::max();
+    }
+  }
+  return kind;
 }
 
 constexpr ScalarType kTypes[] = {
-    integerType<std::int8_t>("SByte"),
-    integerType<std::uint8_t>("Byte"),
-    integerType<std::int16_t>("Short"),
-    integerType<std::uint16_t>("UShort"),
-    integerType<std::int32_t>("Int"),
-    integerType<std::uint32_t>("UInt"),
-    integerType<std::int64_t>("Long"),
-    integerType<std::uint64_t>("ULong"),
-    {"Float", ScalarFamily::Floating, 0, 0, sizeof(float)},
-    {"Double", ScalarFamily::Floating, 0, 0, sizeof(double)},
-    {"Boolean", ScalarFamily::Boolean, 0, 1, 1},
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot) \
+  kindOf<type>(#enumerator, ScalarFamily::family),
+#include "collections/core/kinds.def"
     {"Char", ScalarFamily::Character, 0, 0x10FFFF, sizeof(std::uint32_t)},
     {"CodeUnit", ScalarFamily::Character, 0, 0xFFFF, sizeof(std::uint16_t)},
 };

@@ -1,5 +1,6 @@
 """What a release is: its version, its files and its date. For the programs beside this file."""
 
+import functools
 import os
 import pathlib
 import re
@@ -30,6 +31,7 @@ def files():
     return sorted(paths, key=str)
 
 
+@functools.cache
 def date():
     """Seconds since the epoch that everything in a release is dated with: SOURCE_DATE_EPOCH, else the last commit's
     date, which an unpacked release bears on all its files."""

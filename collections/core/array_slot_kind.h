@@ -6,20 +6,31 @@
 
 #include "collections/core/kinds.h"
 
-// The numbering is shared with compiled code: a slot kind is the primitive kind's number less one, so that Int8 is 0,
-// and handles come last.
+namespace vorn::collections {
+
+// The number of the slots that hold handles. The numbering is shared with compiled code: the slot kind of a primitive kind
+// is its number less one, so that Int8 is 0, up to the handles; kinds behind that keep their number.
+inline constexpr std::uint8_t kHandleSlots = 11;
+
+constexpr std::uint8_t slotNumberOf(std::uint8_t primitiveKind) {
+  return static_cast<std::uint8_t>(primitiveKind <= kHandleSlots ? primitiveKind - 1 : primitiveKind);
+}
+
+}  // namespace vorn::collections
+
 enum class ArraySlotKind : std::uint8_t {
-#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot) slot = (value)-1,
+#define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot) slot = vorn::collections::slotNumberOf(value),
 #include "collections/core/kinds.def"
-  Object = 11,  // a handle
+  Object = vorn::collections::kHandleSlots,  // a handle
 };
 
 namespace vorn::collections {
 
 // None for handles.
 constexpr PrimitiveKind primitiveKindOf(ArraySlotKind kind) {
-  return kind == ArraySlotKind::Object ? PrimitiveKind::None
-                                       : static_cast<PrimitiveKind>(static_cast<std::uint8_t>(kind) + 1);
+  const auto number = static_cast<std::uint8_t>(kind);
+  if (number == kHandleSlots) return PrimitiveKind::None;
+  return static_cast<PrimitiveKind>(number < kHandleSlots ? number + 1 : number);
 }
 
 // The element width of an array's buffer of unboxed slots; 1 for an array of handles, where that buffer stays empty.
@@ -28,7 +39,7 @@ constexpr std::uint64_t slotWidth(ArraySlotKind kind) { return primitiveWidth(pr
 // Object for None.
 constexpr ArraySlotKind slotKindOf(PrimitiveKind kind) {
   return kind == PrimitiveKind::None ? ArraySlotKind::Object
-                                     : static_cast<ArraySlotKind>(static_cast<std::uint8_t>(kind) - 1);
+                                     : static_cast<ArraySlotKind>(slotNumberOf(static_cast<std::uint8_t>(kind)));
 }
 
 }  // namespace vorn::collections

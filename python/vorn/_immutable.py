@@ -5,7 +5,7 @@ from collections.abc import Sequence
 
 from . import _buffers, _natives, _values
 from ._errors import ReadOnlyException, ValueException
-from ._objects import Collection, nesting, representation
+from ._objects import Collection, Ordered, nesting, representation
 from ._sequences import RecordSequence, clamped, gathered, index_of
 
 
@@ -69,7 +69,7 @@ def _restored(generic, arguments, values):
     return generic._typed(arguments)(values)
 
 
-class Tuple(Collection, Sequence, plain='Tuple'):
+class Tuple(Ordered, Collection, Sequence, plain='Tuple'):
     """A tuple of the language: what a tuple of Python's becomes in a collection. Equals tuples with the same items, and
     has their hash."""
 
@@ -121,18 +121,6 @@ class Tuple(Collection, Sequence, plain='Tuple'):
 
     def __eq__(self, other):
         return self._equals(other) if isinstance(other, Tuple) else self._compared(other, operator.eq)
-
-    def __lt__(self, other):
-        return self._compared(other, operator.lt)
-
-    def __le__(self, other):
-        return self._compared(other, operator.le)
-
-    def __gt__(self, other):
-        return self._compared(other, operator.gt)
-
-    def __ge__(self, other):
-        return self._compared(other, operator.ge)
 
     def __hash__(self):
         return hash(tuple(self))

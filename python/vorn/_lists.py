@@ -6,13 +6,13 @@ from collections.abc import MutableSequence
 from . import _buffers, _natives, _values
 from ._errors import IndexException, MemoryException, ValueException
 from ._natives import ArrayList
-from ._objects import nesting
+from ._objects import Ordered, nesting
 from ._roots import NULL
 from ._sequences import RecordSequence, bounds, clamped, gathered, index_of, primitive_of, values_in
 from ._types import PRIMITIVES
 
 
-class _MutableList(RecordSequence, MutableSequence):
+class _MutableList(Ordered, RecordSequence, MutableSequence):
     """The common part of List and LinkedList."""
 
     __slots__ = ()
@@ -252,18 +252,6 @@ class _MutableList(RecordSequence, MutableSequence):
         if isinstance(other, list) and len(other) != len(self):
             return False
         return self._compared(other, operator.eq)
-
-    def __lt__(self, other):
-        return self._compared(other, operator.lt)
-
-    def __le__(self, other):
-        return self._compared(other, operator.le)
-
-    def __gt__(self, other):
-        return self._compared(other, operator.gt)
-
-    def __ge__(self, other):
-        return self._compared(other, operator.ge)
 
     def _contents_to_restore(self):
         return (iter(self.tolist()),)

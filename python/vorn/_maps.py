@@ -7,7 +7,7 @@ from . import _natives, _values
 from ._errors import KeyException, NullException
 from ._immutable import Tuple
 from ._natives import Map as natives
-from ._objects import Collection, representation
+from ._objects import Table, representation
 from ._roots import Root
 from ._sequences import values_in
 
@@ -70,13 +70,12 @@ class _Items(ItemsView):
         return set(values)
 
 
-class _AnyMap(Collection, MutableMapping):
+class _AnyMap(Table, MutableMapping):
     """The common part of Map and SortedMap."""
 
     __slots__ = ()
     family = 'map'
     _argument_count = 2
-    __hash__ = None
 
     def __init__(self, other=(), /, *, synchronized=False, **items):
         self.update(other, **items)
@@ -157,12 +156,6 @@ class _AnyMap(Collection, MutableMapping):
         """Removes all pairs."""
         natives.clear(self)
 
-    def copy(self):
-        """A new map of the same class with the same pairs."""
-        made = type(self)._empty(self.synchronized)
-        made.update(self)
-        return made
-
     @classmethod
     def fromkeys(cls, iterable, value=None):
         """A new map with these keys, all of the same value."""
@@ -185,13 +178,6 @@ class _AnyMap(Collection, MutableMapping):
             return [tuple(_values.value_of(_natives.Tuple.operator_index(pair, half)) for half in (0, 1))
                     for pair in pairs]
         return list(zip(values_in(natives.keys(self)), values_in(natives.values(self))))
-
-    def _walk(self, listed):
-        size = len(self)
-        for each in listed():
-            yield each
-            if len(self) != size:
-                raise RuntimeError(f'{type(self).__name__} changed size during iteration')
 
     def __iter__(self):
         return self._walk(lambda: values_in(natives.keys(self)))

@@ -2,6 +2,7 @@
 
 import ctypes
 import functools
+import operator
 import threading
 import weakref
 from reprlib import recursive_repr
@@ -209,6 +210,45 @@ class Collection(Object):
     def _contents_to_restore(self):
         """The iterators of elements and of pairs that a pickle stores."""
         raise NotImplementedError
+
+
+class Ordered:
+    """The order of a sequence among others, for which the class has `_compared(other, compare)`."""
+
+    __slots__ = ()
+
+    def __lt__(self, other):
+        return self._compared(other, operator.lt)
+
+    def __le__(self, other):
+        return self._compared(other, operator.le)
+
+    def __gt__(self, other):
+        return self._compared(other, operator.gt)
+
+    def __ge__(self, other):
+        return self._compared(other, operator.ge)
+
+
+class Table(Collection):
+    """The common part of maps and sets."""
+
+    __slots__ = ()
+    __hash__ = None
+
+    def copy(self):
+        """A new collection of the same class with the same contents."""
+        made = type(self)._empty(self.synchronized)
+        made.update(self)
+        return made
+
+    def _walk(self, listed):
+        """What `listed` gives for one moment, as long as the size stays what it was."""
+        size = len(self)
+        for each in listed():
+            yield each
+            if len(self) != size:
+                raise RuntimeError(f'{type(self).__name__} changed size during iteration')
 
 
 def _restored(generic, arguments, synchronized):

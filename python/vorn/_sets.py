@@ -6,11 +6,11 @@ from itertools import chain
 from . import _natives, _values
 from ._errors import KeyException
 from ._natives import HashSet as natives
-from ._objects import Collection, representation
+from ._objects import Table, representation
 from ._sequences import values_in
 
 
-class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync'):
+class Set(Table, abc.MutableSet, plain='HashSet', synchronized='HashSetSync'):
     """A hash set. Behaves as a set of Python's does.
 
     Elements are compared as the keys of a Map: equal numbers are one element, but True is not 1.
@@ -18,7 +18,6 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
 
     __slots__ = ()
     family = 'set'
-    __hash__ = None
     _is_source = True
 
     def __init__(self, iterable=(), *, synchronized=False):
@@ -64,12 +63,6 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
         """Removes all elements."""
         natives.clear(self)
 
-    def copy(self):
-        """A new set of the same class with the same elements."""
-        made = type(self)._empty(self.synchronized)
-        made.update(self)
-        return made
-
     def __contains__(self, value):
         sought = self._sought(value)
         return sought is not None and natives.operator_in(self, sought)
@@ -82,11 +75,7 @@ class Set(Collection, abc.MutableSet, plain='HashSet', synchronized='HashSetSync
         return values_in(natives.items(self))
 
     def __iter__(self):
-        size = len(self)
-        for value in self.tolist():
-            yield value
-            if len(self) != size:
-                raise RuntimeError(f'{type(self).__name__} changed size during iteration')
+        return self._walk(self.tolist)
 
     # ---- Algebra: the operators want sets, the methods take any iterables ----
 

@@ -518,21 +518,27 @@ class OptionsTest(VornTest):
         self.assertEqual((options.collected_room_megabytes, options.collected_free_space_divisor), (64, 3))
 
     @staticmethod
-    def pages(program_options, megabytes):
-        """Kilobytes that a process of its own has in pages of 2 MB beside so many living strings of a megabyte."""
-        program = '''
+    def number_told_by(program, program_options, megabytes):
+        """What a program prints that a process of its own runs beside so many living strings of a megabyte."""
+        beginning = '''
 import re, sys
 import vorn_ctypes as vorn
 options = vorn.Options()
 assert vorn.runtime.runtime_parse_options(sys.argv[1].encode(), options) and vorn.runtime.runtime_start(options)
 megabyte = b'x' * 2**20
 living = [vorn.Slot(vorn.runtime.string_new(megabyte, len(megabyte))) for _ in range(int(sys.argv[2]))]
+'''
+        done = subprocess.run([sys.executable, '-c', beginning + program, program_options, str(megabytes)],
+                              capture_output=True, text=True, cwd=os.path.dirname(os.path.abspath(__file__)), timeout=60,
+                              check=True)
+        return int(done.stdout)
+
+    def pages(self, program_options, megabytes):
+        """Kilobytes that the process has in pages of 2 MB."""
+        return self.number_told_by('''
 with open('/proc/self/smaps_rollup') as rollup:
     print(re.search(r'AnonHugePages: *(\\d+) kB', rollup.read())[1])
-'''
-        done = subprocess.run([sys.executable, '-c', program, program_options, str(megabytes)], capture_output=True,
-                              text=True, cwd=os.path.dirname(os.path.abspath(__file__)), timeout=60, check=True)
-        return int(done.stdout)
+''', program_options, megabytes)
 
     def test_a_large_heap_lies_on_huge_pages_unless_told_otherwise(self):
         setting = pathlib.Path('/sys/kernel/mm/transparent_hugepage/enabled')
@@ -542,25 +548,15 @@ with open('/proc/self/smaps_rollup') as rollup:
         self.assertGreater(self.pages('heap=collected', 72), 8 * 1024)
         self.assertEqual(self.pages('heap=collected,huge=0', 72), 0)
 
-    @staticmethod
-    def collections_beside(live_megabytes, options):
-        """How often a process of its own collects while it drops 100 blocks of a megabyte beside living ones."""
-        program = '''
-import sys
-import vorn_ctypes as vorn
-options = vorn.Options()
-assert vorn.runtime.runtime_parse_options(sys.argv[1].encode(), options) and vorn.runtime.runtime_start(options)
-megabyte = b'x' * 2**20
-living = [vorn.Slot(vorn.runtime.string_new(megabyte, len(megabyte))) for _ in range(int(sys.argv[2]))]
+    def collections_beside(self, live_megabytes, program_options):
+        """How often the process collects while it drops 100 blocks of a megabyte."""
+        return self.number_told_by('''
 vorn.runtime.heap_collect()
 before = vorn.statistics().collections
 for _ in range(100):
     vorn.runtime.string_new(megabyte, len(megabyte))
 print(vorn.statistics().collections - before)
-'''
-        done = subprocess.run([sys.executable, '-c', program, options, str(live_megabytes)], capture_output=True, text=True,
-                              cwd=os.path.dirname(os.path.abspath(__file__)), timeout=60, check=True)
-        return int(done.stdout)
+''', program_options, live_megabytes)
 
     def test_room_is_what_is_allocated_between_collections(self):
         self.assertEqual(self.collections_beside(0, 'heap=collected,recent=0,room=256'), 0)

@@ -116,6 +116,7 @@ class Checker:
                 self.check_python(block)
             elif block.language not in UNCHECKED:
                 self.fail(block.line, f"a block of code in '{block.language}', which nothing checks")
+        self.compile_fragments(block for block in blocks if block.language in COMPILERS and block.mark == "fragment")
         if conversation:
             self.run_script(self.script_of(conversation), conversation[0].line)
 
@@ -150,27 +151,32 @@ class Checker:
     def check_code(self, block, following):
         if block.mark == "sketch":
             self.counts["sketches"] += 1
-        elif block.mark == "fragment":
-            self.compile_fragment(block)
-        elif block.mark:
+        elif block.mark not in ("", "fragment"):
             self.fail(block.line, f"'{block.mark}' is neither fragment nor sketch")
-        elif not re.search(r"\bmain\(", block.code):
+        elif not block.mark and not re.search(r"\bmain\(", block.code):
             self.fail(block.line, "neither a program nor marked as a fragment or a sketch")
-        else:
+        elif not block.mark:
             self.run_program(block, following)
 
-    def compile_fragment(self, block):
-        header = AFTER.search(block.before)
-        if header is None:
-            self.fail(block.line, "a fragment without a comment that names the header to compile it after")
-            return
-        compiler, standard = COMPILERS[block.language]
-        source = f'#include "{header[1]}"\nvoid fragment(void);\nvoid fragment(void) {{\n{block.code}}}\n'
-        # What a fragment computes it need not use.
-        done = self.call([compiler, standard, *WARNINGS, "-Wno-unused", *INCLUDES, "-I.", "-fsyntax-only", "-x",
-                          "c++" if block.language == "cpp" else "c", "-"], input=source)
-        if done.returncode != 0:
-            self.fail(block.line, f"does not compile:\n{done.stderr}")
+    def compile_fragments(self, fragments):
+        """Those of a page, at once for each header, which takes longer than they do. The compiler names their lines."""
+        sources = {}
+        for block in fragments:
+            header = AFTER.search(block.before)
+            if header is None:
+                self.fail(block.line, "a fragment without a comment that names the header to compile it after")
+                continue
+            source = sources.setdefault((block.language, header[1]), [f'#include "{header[1]}"\n'])
+            name = f"fragment_{block.line}"
+            source.append(f'void {name}(void);\nvoid {name}(void) {{\n'
+                          f'#line {block.line + 1} "{self.page.relative_to(ROOT)}"\n{block.code}}}\n')
+        for (language, header), source in sources.items():
+            compiler, standard = COMPILERS[language]
+            # What a fragment computes it need not use.
+            done = self.call([compiler, standard, *WARNINGS, "-Wno-unused", *INCLUDES, "-I.", "-fsyntax-only", "-x",
+                              "c++" if language == "cpp" else "c", "-"], input="".join(source))
+            if done.returncode != 0:
+                self.fail(1, f"fragments do not compile after {header}:\n{done.stderr}")
 
     def run_program(self, block, following):
         expected = next((other for other in following if other.language in ("text", "c", "cpp")), None)

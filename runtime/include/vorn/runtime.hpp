@@ -24,6 +24,7 @@ class RuntimeScope {
   ~RuntimeScope() {
     if (running_) vorn_runtime_stop();
   }
+
   RuntimeScope(const RuntimeScope&) = delete;
   RuntimeScope& operator=(const RuntimeScope&) = delete;
 

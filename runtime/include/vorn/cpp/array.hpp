@@ -64,6 +64,7 @@ class array : public object {
   };
 
  public:
+  // The types that containers of the C++ library name; functions take an element as `argument`.
   using value_type = T;
   using size_type = std::size_t;
   using difference_type = std::ptrdiff_t;
@@ -72,12 +73,14 @@ class array : public object {
   using iterator = detail::index_iterator<access_type, false>;
   using const_iterator = detail::index_iterator<access_type, true>;
 
+  // Whether its elements come to another collection by a native that takes it.
   static constexpr bool is_source = true;
 
   // ---- Making and adopting. Those that make a new array allocate. ---------------------------------------------------
 
   // `size` elements, all zero, false or null.
   explicit array(std::size_t size) : object(detail::raw_handle{new_of_size(size)}) {}
+  // A new array of these elements.
   array(std::initializer_list<T> elements) : object(detail::raw_handle{new_from(std::span<const T>(elements))}) {}
   // A copy of the elements of a range or of a list, array or tuple. Throws type_error when one is no T, value_error when a
   // Char is no Unicode scalar. Calls a constant number of natives for a range of a primitive type, or any collection,
@@ -94,10 +97,12 @@ class array : public object {
     }
     return array(detail::raw_handle{handle});
   }
+  // Whether from_handle() takes it. Does not allocate.
   [[nodiscard]] static bool holds(void* handle) {
     if (!detail::is_instance_for<T>(handle, kind::name)) return false;
     return !is_unboxed || !detail::type_arguments(vorn_type_name(handle)).empty();
   }
+  // The name of the class, with which collections of such handles are declared.
   [[nodiscard]] static std::string element_name() { return kind::name; }
 
   // A new array of the same class with the same elements. Allocates.
@@ -105,6 +110,7 @@ class array : public object {
 
   // ---- Reading ------------------------------------------------------------------------------------------------------
 
+  // The number of elements, and whether there are none.
   [[nodiscard]] std::size_t size() const {
     return static_cast<std::size_t>(detail::call(vorn_collections_Array_size, handle()));
   }
@@ -117,6 +123,7 @@ class array : public object {
   [[nodiscard]] T front() const { return at(0); }
   [[nodiscard]] T back() const { return at(-1); }
 
+  // Random access by index. The end is that of the moment when end() is called.
   [[nodiscard]] const_iterator begin() const { return {access(), 0}; }
   [[nodiscard]] const_iterator end() const { return {access(), static_cast<std::ptrdiff_t>(size())}; }
 
@@ -149,6 +156,7 @@ class array : public object {
 
   // ---- Searching. Elements compare by the language's equality, whose errors are thrown. May run user code, allocate. -
 
+  // Whether an element is equal, and how many are.
   [[nodiscard]] bool contains(argument x) const { return search(vorn_collections_Array_operator_in, x); }
   [[nodiscard]] std::size_t count(argument x) const {
     return static_cast<std::size_t>(search(vorn_collections_Array_count, x));
@@ -179,9 +187,11 @@ class array : public object {
                                                stop.value_or(0), step, start ? handle() : nullptr,
                                                stop ? handle() : nullptr));
   }
+  // The elements in the opposite order.
   [[nodiscard]] array reversed() const {
     return detail::adopted<array>(detail::call(vorn_collections_Array_reverseNew, handle()));
   }
+  // The elements in the order of sorted lists.
   [[nodiscard]] array sorted() const {
     return detail::adopted<array>(detail::call(vorn_collections_Array_sortNew, handle()));
   }
@@ -195,6 +205,7 @@ class array : public object {
 
   // An element to be read and assigned; throws index_error then. A Char must be a Unicode scalar: value_error.
   [[nodiscard]] reference operator[](std::ptrdiff_t index) { return reference(access(), index); }
+  // As above, with references that can be assigned.
   [[nodiscard]] iterator begin() { return {access(), 0}; }
   [[nodiscard]] iterator end() { return {access(), static_cast<std::ptrdiff_t>(size())}; }
 
@@ -208,7 +219,7 @@ class array : public object {
                  start ? handle() : nullptr, stop ? handle() : nullptr, elements.get());
   }
 
-  // In place; the order is that of lists, and an error of user code does not stop the sort.
+  // Reverses or sorts the elements in place; the order is that of lists, and an error of user code does not stop the sort.
   void reverse() { detail::call(vorn_collections_Array_reverse, handle()); }
   void sort() { detail::call(vorn_collections_Array_sort, handle()); }
 
@@ -282,6 +293,7 @@ class array : public object {
   }
 };
 
+// `vorn::array items{1, 2}` is an array<int>.
 template <class T>
 array(std::initializer_list<T>) -> array<T>;
 

@@ -207,6 +207,7 @@ bool read_primitive(void* handle, T& value) {
 // A primitive type. to_handle throws value_error for a Char that is no Unicode scalar.
 template <detail::primitive_element T>
 struct element_traits<T> {
+  // As element_traits says.
   using argument = T;
   static std::string name() { return detail::row_of<T>::name; }
   static void* to_handle(T value) {
@@ -227,6 +228,7 @@ struct element_traits<T> {
 // A String, copied. A text with U+0000 in it is refused with value_error, since a native would see it up to there only.
 template <>
 struct element_traits<std::string> {
+  // As element_traits says.
   using argument = std::string_view;
   static std::string name() { return "String"; }
   static void* to_handle(std::string_view text) {

@@ -29,15 +29,16 @@
 
 namespace vorn {
 
-// One language error: its class, such as "IndexException", and its message.
+// One language error.
 struct error_record {
-  std::string class_name;
-  std::string message;
+  std::string class_name;  // such as "IndexException"
+  std::string message;     // without the class
 };
 
 // What a call has raised. Copies share their texts and do not throw.
 class error : public std::exception {
  public:
+  // One error.
   error(std::string class_name, std::string message) : error({{std::move(class_name), std::move(message)}}) {}
   // All errors of one call, the oldest first, of which there is one at least. The oldest is the cause, and the one that
   // this exception shows: a hook raises before the native that called it does.
@@ -48,6 +49,7 @@ class error : public std::exception {
 
   // "Class: message".
   [[nodiscard]] const char* what() const noexcept override { return told_->what.c_str(); }
+  // The class and the message of the oldest error, and all of them, the oldest first.
   [[nodiscard]] const std::string& class_name() const noexcept { return told_->records.front().class_name; }
   [[nodiscard]] const std::string& message() const noexcept { return told_->records.front().message; }
   [[nodiscard]] const std::vector<error_record>& records() const noexcept { return told_->records; }
@@ -65,29 +67,40 @@ class error : public std::exception {
   std::shared_ptr<const told> told_;
 };
 
-// The language's own classes of errors; an error of any other class is a plain `error`.
+// The language's IndexException. An error of a class that has none here is a plain `error`.
 class index_error : public error {
  public:
+  // Made as `error` is.
   using error::error;
 };
+// The language's KeyException.
 class key_error : public error {
  public:
+  // Made as `error` is.
   using error::error;
 };
+// The language's TypeError.
 class type_error : public error {
  public:
+  // Made as `error` is.
   using error::error;
 };
+// The language's ValueException.
 class value_error : public error {
  public:
+  // Made as `error` is.
   using error::error;
 };
+// The language's NullException.
 class null_error : public error {
  public:
+  // Made as `error` is.
   using error::error;
 };
+// The language's ReadOnlyException.
 class read_only_error : public error {
  public:
+  // Made as `error` is.
   using error::error;
 };
 

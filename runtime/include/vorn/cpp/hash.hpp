@@ -15,6 +15,7 @@
 // Agrees with == of strings and of texts: that of the view.
 template <>
 struct std::hash<vorn::string> {
+  // The hash.
   std::size_t operator()(const vorn::string& x) const noexcept { return std::hash<std::string_view>()(x.view()); }
 };
 
@@ -23,6 +24,7 @@ struct std::hash<vorn::string> {
 // allocate.
 template <>
 struct std::hash<vorn::value> {
+  // The hash.
   std::size_t operator()(const vorn::value& x) const noexcept {
     void* const handle = x.handle();
     if (const char* const text = vorn_string_text(handle)) return std::hash<std::string_view>()(text);
@@ -41,6 +43,7 @@ struct std::hash<vorn::value> {
 // From the hashes of the items. Reads each of them.
 template <class... Ts>
 struct std::hash<vorn::tuple<Ts...>> {
+  // The hash.
   std::size_t operator()(const vorn::tuple<Ts...>& x) const {
     std::size_t result = sizeof...(Ts);
     std::apply(

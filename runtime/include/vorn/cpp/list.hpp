@@ -63,6 +63,7 @@ class list : public object {
   using listing_type = std::conditional_t<detail::primitive_element<T>, std::vector<T>, list<T, plain>>;
 
  public:
+  // The types that containers of the C++ library name; functions take an element as `argument`.
   using value_type = T;
   using size_type = std::size_t;
   using difference_type = std::ptrdiff_t;
@@ -75,10 +76,12 @@ class list : public object {
   // What slices and repetitions are: of the same family, but never immutable.
   using slice_type = std::conditional_t<is_mutable, list, list<T, plain>>;
 
+  // Whether its elements come to another collection by a native that takes it.
   static constexpr bool is_source = true;
 
   // ---- Making and adopting. Those that make a new list allocate. ----------------------------------------------------
 
+  // A new list, empty or of these elements.
   list() : list(detail::raw_handle{new_empty()}) {}
   list(std::initializer_list<T> elements)
       : list(detail::raw_handle{detail::new_list<T, Class>(std::span<const T>(elements))}) {}
@@ -97,11 +100,13 @@ class list : public object {
     }
     return list(detail::raw_handle{handle});
   }
+  // Whether from_handle() takes it. Does not allocate.
   [[nodiscard]] static bool holds(void* handle) {
     if (vorn_is_instance(handle, kind::name) == 0) return false;
     const detail::list_view_of<T> view(handle);
     return view.is_list && view.may_hold_elements();
   }
+  // The name of the class, with which collections of such handles are declared.
   [[nodiscard]] static std::string element_name() { return kind::name; }
 
   // `size` elements that `fill(std::span<T>)` writes straight into the new list's storage, where their contents are
@@ -133,6 +138,7 @@ class list : public object {
 
   // ---- Reading ------------------------------------------------------------------------------------------------------
 
+  // The number of elements, and whether there are none.
   [[nodiscard]] std::size_t size() const {
     return static_cast<std::size_t>(detail::call(vorn_collections_ArrayList_size, handle()));
   }
@@ -181,6 +187,7 @@ class list : public object {
 
   // ---- Searching. Elements compare by the language's equality, whose errors are thrown. May run user code, allocate. -
 
+  // Whether an element is equal, and how many are.
   [[nodiscard]] bool contains(argument x) const { return search(vorn_collections_ArrayList_operator_in, x); }
   [[nodiscard]] std::size_t count(argument x) const {
     return static_cast<std::size_t>(search(vorn_collections_ArrayList_count, x));
@@ -213,9 +220,11 @@ class list : public object {
                                                     stop.value_or(0), step, start ? handle() : nullptr,
                                                     stop ? handle() : nullptr));
   }
+  // The elements, all of them `times` times over.
   [[nodiscard]] slice_type repeat(std::ptrdiff_t times) const {
     return detail::adopted<slice_type>(detail::call(vorn_collections_ArrayList_repeat, handle(), times));
   }
+  // The elements in the opposite order.
   [[nodiscard]] list reversed() const {
     return detail::adopted<list>(detail::call(vorn_collections_ArrayList_reverseNew, handle()));
   }
@@ -239,6 +248,7 @@ class list : public object {
   // An element to be read and assigned. Assigning past the end throws index_error, but right at the end it appends, as
   // in the language.
   [[nodiscard]] reference operator[](std::ptrdiff_t index) requires is_mutable { return reference(access(), index); }
+  // As above, with references that can be assigned where the list can be read by index.
   [[nodiscard]] iterator begin() { return first<iterator>(); }
   [[nodiscard]] auto end() { return last<iterator>(); }
 
@@ -286,13 +296,14 @@ class list : public object {
                  start ? handle() : nullptr, stop ? handle() : nullptr, elements.get());
   }
 
-  // Removes the element at an index; throw index_error when there is none. Do not allocate.
+  // Removes the element at an index, or the last; throw index_error when there is none. Do not allocate.
   void erase(std::ptrdiff_t index) requires is_mutable {
     detail::call(vorn_collections_ArrayList_removeAt, handle(), index);
   }
   void pop_back() requires is_mutable { erase(-1); }
   // Removes the first equal element; whether there was one. As searching.
   bool remove(argument x) requires is_mutable { return search(vorn_collections_ArrayList_remove, x); }
+  // Removes all elements.
   void clear() requires is_mutable { detail::call(vorn_collections_ArrayList_clear, handle()); }
   // Makes room; nothing for a linked list. Throws std::length_error or std::bad_alloc. Allocates.
   void reserve(std::size_t size) requires is_mutable {
@@ -300,7 +311,7 @@ class list : public object {
     detail::call(vorn_collections_ArrayList_reserve, handle(), static_cast<long long>(size));
   }
 
-  // In place; sort() orders as sorted() does.
+  // Reverses, sorts as sorted() does, or shuffles the elements in place.
   void reverse() requires is_mutable { detail::call(vorn_collections_ArrayList_reverse, handle()); }
   void sort() requires is_mutable { detail::call(vorn_collections_ArrayList_sort, handle()); }
   void shuffle() requires is_mutable { detail::call(vorn_collections_ArrayList_shuffle, handle()); }

@@ -38,6 +38,7 @@ class map : public object {
       std::conditional_t<is_copied_by_columns, std::vector<std::pair<K, V>>, detail::map_entries<K, V>>;
 
  public:
+  // The types that containers of the C++ library name; functions take a key as `key_argument`, a value as `argument`.
   using key_type = K;
   using mapped_type = V;
   using value_type = std::pair<K, V>;
@@ -49,6 +50,7 @@ class map : public object {
   using const_iterator = detail::listing_iterator<listing_type>;
   using iterator = const_iterator;
 
+  // Whether its elements come to another collection by a native that takes it.
   static constexpr bool is_source = false;
 
   // A new map, empty or of the pairs of a range, each put by a call. Allocate.
@@ -65,7 +67,9 @@ class map : public object {
     if (!holds(handle)) detail::throw_type_error(class_name(), vorn_type_name(handle));
     return map(detail::raw_handle{handle});
   }
+  // Whether from_handle() takes it. Does not allocate.
   [[nodiscard]] static bool holds(void* handle) { return detail::is_instance_for<K, V>(handle, kind::name); }
+  // The name of the class, with which collections of such handles are declared.
   [[nodiscard]] static std::string element_name() { return kind::name; }
 
   // A new map of the same class with the same entries. Allocates.
@@ -80,6 +84,7 @@ class map : public object {
 
   // ---- Reading ------------------------------------------------------------------------------------------------------
 
+  // The number of entries, and whether there are none.
   [[nodiscard]] std::size_t size() const {
     return static_cast<std::size_t>(detail::call(vorn_collections_Map_size, handle()));
   }
@@ -104,6 +109,7 @@ class map : public object {
     std::optional<V> found = try_get(key);
     return found ? *std::move(found) : std::move(otherwise);
   }
+  // Whether there is an entry with an equal key.
   [[nodiscard]] bool contains(key_argument key) const {
     const detail::local_root handle_of_key(element_traits<K>::to_handle(key));
     return detail::call_with_key(vorn_collections_Map_operator_in, handle(), handle_of_key.get());
@@ -184,6 +190,7 @@ class map : public object {
     const detail::local_root handle_of_key(element_traits<K>::to_handle(key));
     return detail::call_with_key(vorn_collections_Map_remove, handle(), handle_of_key.get());
   }
+  // Removes all entries.
   void clear() { detail::call(vorn_collections_Map_clear, handle()); }
   // Makes room in a hashed map for so many entries, or gives back what is more than those there are. Throws
   // std::length_error or std::bad_alloc. Allocates.
@@ -205,6 +212,7 @@ class map : public object {
   static void* new_empty() { return detail::new_object(class_name()); }
 };
 
+// `vorn::map ages{std::pair(1, 2.5)}` is a map<int, double>.
 template <class K, class V>
 map(std::initializer_list<std::pair<K, V>>) -> map<K, V>;
 

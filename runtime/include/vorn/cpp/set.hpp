@@ -31,6 +31,7 @@ class set : public object {
   using listing_type = std::conditional_t<detail::primitive_element<T>, std::vector<T>, list<T>>;
 
  public:
+  // The types that containers of the C++ library name; functions take an element as `argument`.
   using value_type = T;
   using size_type = std::size_t;
   using difference_type = std::ptrdiff_t;
@@ -38,6 +39,7 @@ class set : public object {
   using const_iterator = detail::listing_iterator<listing_type>;
   using iterator = const_iterator;
 
+  // Whether its elements come to another collection by a native that takes it.
   static constexpr bool is_source = true;
 
   // A new set, empty or of the elements of a range, each added by a call. Allocate.
@@ -56,7 +58,9 @@ class set : public object {
     }
     return set(detail::raw_handle{handle});
   }
+  // Whether from_handle() takes it. Does not allocate.
   [[nodiscard]] static bool holds(void* handle) { return detail::is_instance_for<T>(handle, kind::name); }
+  // The name of the class, with which collections of such handles are declared.
   [[nodiscard]] static std::string element_name() { return kind::name; }
 
   // A new set of the same class with the same elements. Allocates.
@@ -72,11 +76,13 @@ class set : public object {
     return copy;
   }
 
+  // The number of elements, and whether there are none.
   [[nodiscard]] std::size_t size() const {
     return static_cast<std::size_t>(detail::call(vorn_collections_HashSet_size, handle()));
   }
   [[nodiscard]] bool empty() const { return size() == 0; }
 
+  // Whether an element is equal.
   [[nodiscard]] bool contains(argument x) const {
     const detail::local_root element(element_traits<T>::to_handle(x));
     return detail::call_with_key(vorn_collections_HashSet_operator_in, handle(), element.get());
@@ -124,6 +130,7 @@ class set : public object {
     const detail::local_root element(element_traits<T>::to_handle(x));
     return detail::call_with_key(vorn_collections_HashSet_remove, handle(), element.get());
   }
+  // Removes all elements.
   void clear() { detail::call(vorn_collections_HashSet_clear, handle()); }
   // Makes room for so many elements, or gives back what is more than those there are. Throws std::length_error or
   // std::bad_alloc. Allocates.
@@ -145,6 +152,7 @@ class set : public object {
   static void* new_empty() { return detail::new_object(class_name()); }
 };
 
+// `vorn::set items{1, 2}` is a set<int>.
 template <class T>
 set(std::initializer_list<T>) -> set<T>;
 

@@ -19,6 +19,7 @@ namespace vorn {
 template <element... Ts>
 class tuple : public object {
  public:
+  // Whether its elements come to another collection by a native that takes it.
   static constexpr bool is_source = true;
 
   // A new tuple. Allocate.
@@ -34,11 +35,14 @@ class tuple : public object {
     if (!holds(handle)) detail::throw_type_error(class_name(), vorn_type_name(handle));
     return tuple(detail::raw_handle{handle});
   }
+  // Whether from_handle() takes it. Does not allocate.
   [[nodiscard]] static bool holds(void* handle) {
     return detail::is_instance_for<Ts...>(handle, "Tuple") && vorn_collections_Tuple_size(handle) == sizeof...(Ts);
   }
+  // The name of the class, with which collections of such handles are declared.
   [[nodiscard]] static std::string element_name() { return "Tuple"; }
 
+  // The number of items.
   [[nodiscard]] static constexpr std::size_t size() noexcept { return sizeof...(Ts); }
 
   // An item; throws type_error when it is of another type, as tuples without type arguments may have it.
@@ -48,6 +52,7 @@ class tuple : public object {
     return element_traits<std::tuple_element_t<Index, std::tuple<Ts...>>>::from_handle(
         detail::call(vorn_collections_Tuple_operator_index, handle(), static_cast<long long>(Index)));
   }
+  // All items, each as get() reads it.
   [[nodiscard]] std::tuple<Ts...> to_tuple() const {
     return [&]<std::size_t... Indexes>(std::index_sequence<Indexes...>) { return std::tuple<Ts...>(get<Indexes>()...); }
     (std::index_sequence_for<Ts...>());
@@ -76,6 +81,7 @@ class tuple : public object {
 template <element... Ts>
 tuple(const Ts&...) -> tuple<Ts...>;
 
+// As the member: what structured bindings call.
 template <std::size_t Index, element... Ts>
 auto get(const tuple<Ts...>& items) {
   return items.template get<Index>();

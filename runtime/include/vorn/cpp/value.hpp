@@ -46,6 +46,7 @@ class object {
   [[nodiscard]] bool is_same(const object& other) const noexcept { return handle_.get() == other.handle_.get(); }
 
  protected:
+  // Refers to what the handle refers to.
   explicit object(detail::raw_handle raw) noexcept : handle_(raw.handle) {}
 
  private:
@@ -158,6 +159,7 @@ class value : public object {
   // What a handle of the C API refers to; any handle will do. Does not allocate.
   [[nodiscard]] static value from_handle(void* handle) noexcept { return value(detail::raw_handle{handle}); }
 
+  // Whether it is null, which is a value of no class. Does not allocate.
   [[nodiscard]] bool is_null() const noexcept { return handle() == nullptr; }
 
   // Whether it is a T; see <vorn/cpp/elements.hpp> for numbers. Do not allocate.
@@ -198,7 +200,9 @@ class string : public object {
     if (!holds(handle)) detail::throw_type_error("String", vorn_type_name(handle));
     return string(detail::raw_handle{handle});
   }
+  // Whether from_handle() takes it. Does not allocate.
   [[nodiscard]] static bool holds(void* handle) { return vorn_string_text(handle) != nullptr; }
+  // The name of the class, with which collections of such handles are declared.
   [[nodiscard]] static std::string element_name() { return "String"; }
 
   // The text, up to its first U+0000 where a program has put one into it; valid as long as the String is alive.
@@ -211,8 +215,10 @@ class string : public object {
   explicit string(detail::raw_handle raw) noexcept : object(raw) {}
 };
 
+// Any value, null included.
 template <>
 struct element_traits<value> {
+  // As element_traits says.
   using argument = const value&;
   static std::string name() { return "Object"; }
   static void* to_handle(const value& x) { return x.handle(); }
@@ -224,6 +230,7 @@ struct element_traits<value> {
 // "ArrayList<Int>"), because slices and listings come without them. What is read is checked for them.
 template <detail::wrapper T>
 struct element_traits<T> {
+  // As element_traits says.
   using argument = const T&;
   static std::string name() { return T::element_name(); }
   static void* to_handle(const T& x) { return x.handle(); }
