@@ -1,8 +1,12 @@
 #include "runtime/heap/guarded_pages.h"
 
 #include <sys/mman.h>
+#include <sys/random.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 
 namespace vorn::runtime {
 
@@ -16,6 +20,17 @@ constexpr int kRemoveGuards = 103;
 
 void* pointerTo(std::uintptr_t pages) { return reinterpret_cast<void*>(pages); }
 
+// An emulator may pass over advice that it does not know and call that a success. So a page is guarded for a trial, and a
+// system call that writes to it has to find out.
+bool kernelHasMarkers(std::size_t pageBytes) {
+  void* const page = mapReserved(pageBytes, PROT_READ | PROT_WRITE);
+  if (page == nullptr) return false;
+  const bool guarded =
+      madvise(page, pageBytes, kInstallGuards) == 0 && syscall(SYS_getrandom, page, 1, GRND_NONBLOCK) < 0;
+  munmap(page, pageBytes);
+  return guarded;
+}
+
 }  // namespace
 
 void* mapReserved(std::size_t bytes, int protection) {
@@ -23,7 +38,10 @@ void* mapReserved(std::size_t bytes, int protection) {
   return memory == MAP_FAILED ? nullptr : memory;
 }
 
-bool GuardedPages::reserve(std::size_t most, std::size_t least, PageGuards guards) {
+std::size_t systemPageBytes() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+
+bool GuardedPages::reserve(std::size_t most, std::size_t least, PageGuards guards, std::size_t pageBytes) {
+  pageBits_ = static_cast<unsigned>(std::countr_zero(pageBytes));
   void* addresses = nullptr;
   for (reserved_ = most; reserved_ >= least; reserved_ /= 2) {
     addresses = mapReserved(reserved_, PROT_NONE);
@@ -31,7 +49,7 @@ bool GuardedPages::reserve(std::size_t most, std::size_t least, PageGuards guard
   }
   if (addresses == nullptr) return false;
   base_ = prepared_ = opened_ = reinterpret_cast<std::uintptr_t>(addresses);
-  hasMarkers_ = guards == PageGuards::Best && madvise(addresses, kPageBytes, kInstallGuards) == 0;
+  hasMarkers_ = guards == PageGuards::Best && kernelHasMarkers(pageBytes);
   if (!hasMarkers_) return true;
   openIn_ = static_cast<std::uint32_t*>(
       mapReserved((reserved_ / kStretch + 1) * sizeof(std::uint32_t), PROT_READ | PROT_WRITE));
@@ -58,7 +76,7 @@ void GuardedPages::forEachStretch(std::uintptr_t pages, std::size_t bytes, Visit
   for (std::uintptr_t at = pages; at < end;) {
     const std::size_t stretch = (at - base_) / kStretch;
     const std::uintptr_t next = std::min(end, base_ + (stretch + 1) * kStretch);
-    visit(stretch, static_cast<std::uint32_t>((next - at) / kPageBytes));
+    visit(stretch, static_cast<std::uint32_t>(pageAt(next - at)));
     at = next;
   }
 }

@@ -11,7 +11,8 @@
 
 namespace vorn::runtime {
 
-inline constexpr std::size_t kPageBytes = 4096;
+// Of the kernel's pages: 4 KB on x86-64, 4, 16 or 64 KB on aarch64.
+std::size_t systemPageBytes();
 
 // Fresh memory, zeroed when it is first read; null when the system has none.
 void* mapReserved(std::size_t bytes, int protection);
@@ -20,11 +21,15 @@ enum class PageGuards { Best, Mappings };
 
 class GuardedPages {
  public:
-  // Reserves up to `most` bytes, at least `least`. False when the system has fewer.
-  bool reserve(std::size_t most, std::size_t least, PageGuards guards);
+  // Reserves up to `most` bytes, at least `least`. False when the system has fewer. A page here is the kernel's, or a
+  // power of two of them.
+  bool reserve(std::size_t most, std::size_t least, PageGuards guards, std::size_t pageBytes = systemPageBytes());
 
   [[nodiscard]] std::uintptr_t base() const { return base_; }
   [[nodiscard]] std::size_t bytes() const { return reserved_; }
+  [[nodiscard]] std::size_t pageBytes() const { return std::size_t{1} << pageBits_; }
+  // The number of the page that begins or lies that far behind the base.
+  [[nodiscard]] std::size_t pageAt(std::size_t offset) const { return offset >> pageBits_; }
 
   // Whether the number of ranges that can be open at a time is bounded.
   [[nodiscard]] bool bounded() const { return !hasMarkers_; }
@@ -43,6 +48,7 @@ class GuardedPages {
 
   std::uintptr_t base_ = 0;
   std::size_t reserved_ = 0;
+  unsigned pageBits_ = 0;
   bool hasMarkers_ = false;
   // With markers:
   std::uintptr_t prepared_ = 0;      // the end of the stretches that have been made accessible

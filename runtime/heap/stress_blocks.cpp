@@ -30,16 +30,16 @@ constexpr std::size_t roundUp(std::size_t bytes, std::size_t unit) { return (byt
 
 }  // namespace
 
-bool StressBlocks::reserve(PageGuards guards) {
-  return pages_.reserve(kMostReserved, kLeastReserved, guards) && mapTable(pageOwner_, pages_.bytes() / kPageBytes) &&
-         mapTable(blocks_, kMostBlocks) && mapTable(liveSlots_, kMostBlocks) && mapTable(freeSlots_, kMostBlocks) &&
-         mapTable(markStack_, kMostBlocks);
+bool StressBlocks::reserve(PageGuards guards, std::size_t pageBytes) {
+  return pages_.reserve(kMostReserved, kLeastReserved, guards, pageBytes) &&
+         mapTable(pageOwner_, pages_.pageAt(pages_.bytes())) && mapTable(blocks_, kMostBlocks) &&
+         mapTable(liveSlots_, kMostBlocks) && mapTable(freeSlots_, kMostBlocks) && mapTable(markStack_, kMostBlocks);
 }
 
 void* StressBlocks::allocate(std::size_t bytes, BlockKind kind) {
   if (bytes > kLargestStressBlock || (freeCount_ == 0 && lastSlot_ + 1 == kMostBlocks)) return nullptr;
   const std::size_t blockBytes = std::max<std::size_t>(roundUp(bytes, 16), 16);
-  const std::size_t pageBytes = roundUp(blockBytes, kPageBytes);
+  const std::size_t pageBytes = roundUp(blockBytes, pages_.pageBytes());
   bool guarded = false;
   const std::uintptr_t pages = takePages(pageBytes, &guarded);
   if (pages == 0) return nullptr;
@@ -48,7 +48,7 @@ void* StressBlocks::allocate(std::size_t bytes, BlockKind kind) {
   const std::uintptr_t start = pages + pageBytes - blockBytes;
   blocks_[slot] = {start, std::max<std::size_t>(bytes, 1), kind, false, guarded};
   liveSlots_[liveCount_++] = slot;
-  std::fill_n(pageOwner_ + (pages - pages_.base()) / kPageBytes, pageBytes / kPageBytes, slot);
+  std::fill_n(pageOwner_ + pages_.pageAt(pages - pages_.base()), pages_.pageAt(pageBytes), slot);
   bytesLive_ += blocks_[slot].bytes;
   guardedCount_ += guarded ? 1 : 0;
 
@@ -72,10 +72,10 @@ std::uintptr_t StressBlocks::takePages(std::size_t bytes, bool* guarded) {
 }
 
 std::uintptr_t StressBlocks::takeGuardedPages(std::size_t bytes) {
-  if (pages_.bytes() - used_ < bytes + kPageBytes) return 0;
+  if (pages_.bytes() - used_ < bytes + pages_.pageBytes()) return 0;
   const std::uintptr_t pages = pages_.base() + used_;
   if (!pages_.open(pages, bytes)) return 0;
-  used_ += bytes + kPageBytes;
+  used_ += bytes + pages_.pageBytes();
   return pages;
 }
 
@@ -109,8 +109,8 @@ void StressBlocks::freeUnmarked() {
 
 void StressBlocks::releasePages(const Block& block) {
   const std::uintptr_t pages = pagesOf(block);
-  const std::size_t bytes = roundUp(block.start + block.bytes - pages, kPageBytes);
-  std::fill_n(pageOwner_ + (pages - pages_.base()) / kPageBytes, bytes / kPageBytes, Slot{0});
+  const std::size_t bytes = roundUp(block.start + block.bytes - pages, pages_.pageBytes());
+  std::fill_n(pageOwner_ + pages_.pageAt(pages - pages_.base()), pages_.pageAt(bytes), Slot{0});
   bytesLive_ -= block.bytes;
   auto* const memory = reinterpret_cast<void*>(pages);
   if (block.guarded) --guardedCount_;

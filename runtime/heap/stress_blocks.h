@@ -39,7 +39,7 @@ class StressBlocks {
   };
 
   // Reserves addresses and tables. False when the system has none.
-  bool reserve(PageGuards guards = PageGuards::Best);
+  bool reserve(PageGuards guards = PageGuards::Best, std::size_t pageBytes = systemPageBytes());
 
   // Null when the addresses or the memory are exhausted.
   void* allocate(std::size_t bytes, BlockKind kind);
@@ -52,7 +52,7 @@ class StressBlocks {
   [[nodiscard]] Slot blockContaining(std::uintptr_t address) const {
     const std::uintptr_t offset = address - pages_.base();
     if (offset >= used_) return 0;
-    const Slot slot = pageOwner_[offset / kPageBytes];
+    const Slot slot = pageOwner_[pages_.pageAt(offset)];
     return slot != 0 && address - blocks_[slot].start < blocks_[slot].bytes ? slot : 0;
   }
 
@@ -73,7 +73,7 @@ class StressBlocks {
   std::uintptr_t takeGuardedPages(std::size_t bytes);
   std::uintptr_t takeSharedPages(std::size_t bytes);
   void releasePages(const Block& block);
-  [[nodiscard]] static std::uintptr_t pagesOf(const Block& block) { return block.start & ~(kPageBytes - 1); }
+  [[nodiscard]] std::uintptr_t pagesOf(const Block& block) const { return block.start & ~(pages_.pageBytes() - 1); }
 
   GuardedPages pages_;
   std::size_t used_ = 0;  // bytes of the reservation handed out so far

@@ -24,6 +24,8 @@ TEST(VectorPaths, TheWidestAvailableIsChosen) {
   EXPECT_TRUE(isVectorPathAvailable(chosen));
 #if defined(__x86_64__)
   EXPECT_TRUE(isVectorPathAvailable(VectorPath::Sse2));
+#elif defined(__AARCH64EL__)
+  EXPECT_EQ(chosen, VectorPath::Neon);
 #endif
 }
 
@@ -32,6 +34,7 @@ TEST(VectorPaths, HaveNames) {
   EXPECT_STREQ(vectorPathName(VectorPath::Sse2), "SSE2");
   EXPECT_STREQ(vectorPathName(VectorPath::Avx2), "AVX2");
   EXPECT_STREQ(vectorPathName(VectorPath::Avx512), "AVX512");
+  EXPECT_STREQ(vectorPathName(VectorPath::Neon), "NEON");
 }
 
 TEST(VectorPaths, AScopePutsTheFormerOneBack) {
@@ -59,7 +62,8 @@ TEST_P(KernelTables, RangesGoToTheWidestVectorsThatFit) {
   EXPECT_EQ(kernelsFor(0).path, VectorPath::Plain);
   EXPECT_EQ(kernelsFor(15).path, VectorPath::Plain);
   EXPECT_EQ(kernelsFor(1000).path, GetParam());
-  const VectorPath narrow = GetParam() == VectorPath::Plain ? VectorPath::Plain : VectorPath::Sse2;
+  const bool usesWideVectors = GetParam() == VectorPath::Avx2 || GetParam() == VectorPath::Avx512;
+  const VectorPath narrow = usesWideVectors ? VectorPath::Sse2 : GetParam();
   EXPECT_EQ(kernelsFor(16).path, narrow);
   EXPECT_EQ(kernelsFor(31).path, narrow);
   EXPECT_EQ(kernelsFor(32).path, GetParam());

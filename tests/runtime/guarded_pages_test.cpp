@@ -1,5 +1,6 @@
 // Pages that are inaccessible but where they are opened, and the stress heap's blocks on them: with the kernel's guard
-// markers, where it has them, and with a mapping for each range, as on every kernel.
+// markers, where it has them, and with a mapping for each range, as on every kernel; in pages of the size that this
+// kernel has, and of the largest that there is.
 #include "runtime/heap/guarded_pages.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "runtime/heap/stress_blocks.h"
@@ -18,17 +20,23 @@ namespace vorn::tests {
 namespace {
 
 using runtime::GuardedPages;
-using runtime::kPageBytes;
 using runtime::PageGuards;
+
+constexpr std::size_t kLargestPage = std::size_t{64} << 10;
+
+struct Pages {
+  PageGuards guards;
+  std::size_t bytes;
+};
 
 volatile unsigned char* byteAt(std::uintptr_t address) { return reinterpret_cast<volatile unsigned char*>(address); }
 
-class GuardedPagesTest : public testing::TestWithParam<PageGuards> {
+class GuardedPagesTest : public testing::TestWithParam<Pages> {
  protected:
   // Larger than what markers are laid over at a time, so that ranges reach past it.
   static constexpr std::size_t kReserved = std::size_t{8} << 20;
 
-  void SetUp() override { ASSERT_TRUE(pages_.reserve(kReserved, kReserved, GetParam())); }
+  void SetUp() override { ASSERT_TRUE(pages_.reserve(kReserved, kReserved, GetParam().guards, kPageBytes)); }
 
   [[nodiscard]] std::uintptr_t page(std::size_t index) const { return pages_.base() + index * kPageBytes; }
 
@@ -42,6 +50,7 @@ class GuardedPagesTest : public testing::TestWithParam<PageGuards> {
         "");
   }
 
+  const std::size_t kPageBytes = GetParam().bytes;
   GuardedPages pages_;
 };
 
@@ -52,8 +61,8 @@ TEST_P(GuardedPagesTest, OnlyOpenedPages_AreAccessible) {
   EXPECT_EQ(*byteAt(page(1)) + *byteAt(page(2) - 1), 3);
   expectInaccessible(page(0));
   expectInaccessible(page(2));
-  expectInaccessible(page(500));
-  expectInaccessible(page(2000));
+  expectInaccessible(page(50));
+  expectInaccessible(pages_.base() + kReserved - 1);
 }
 
 TEST_P(GuardedPagesTest, OpenedPages_AreZeroed) {
@@ -101,7 +110,7 @@ TEST_P(GuardedPagesTest, WhatIsClosed_DoesNotCountAgainstALimitOfMemory) {
       ASSERT_TRUE(pages_.close(page(i - 30), 2 * kPageBytes));
     }
   }
-  EXPECT_LE(writableBytes(page(0), page(pages)), std::size_t{2} << 20);
+  EXPECT_LE(writableBytes(page(0), page(pages)), (std::size_t{2} << 20) + 30 * kPageBytes);
   expectInaccessible(page(0));
 }
 
@@ -119,16 +128,46 @@ TEST_P(GuardedPagesTest, ManySingleRanges_CanBeOpenAtOnceUnlessBounded) {
   if (pages_.bounded()) GTEST_SKIP() << "only as many as the kernel grants mappings";
   GuardedPages many;
   constexpr std::size_t kRanges = 70'000;
-  ASSERT_TRUE(many.reserve(2 * kRanges * kPageBytes, 2 * kRanges * kPageBytes, GetParam()));
+  ASSERT_TRUE(many.reserve(2 * kRanges * kPageBytes, 2 * kRanges * kPageBytes, GetParam().guards, kPageBytes));
   for (std::size_t i = 0; i < kRanges; ++i) {
     ASSERT_TRUE(many.open(many.base() + 2 * i * kPageBytes, kPageBytes)) << "after " << i;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Guards, GuardedPagesTest, testing::Values(PageGuards::Best, PageGuards::Mappings),
-                         [](const auto& guards) {
-                           return guards.param == PageGuards::Best ? std::string("Best") : std::string("Mappings");
+INSTANTIATE_TEST_SUITE_P(Guards, GuardedPagesTest,
+                         testing::Values(Pages{PageGuards::Best, runtime::systemPageBytes()},
+                                         Pages{PageGuards::Best, kLargestPage},
+                                         Pages{PageGuards::Mappings, runtime::systemPageBytes()},
+                                         Pages{PageGuards::Mappings, kLargestPage}),
+                         [](const auto& pages) {
+                           return std::string(pages.param.guards == PageGuards::Best ? "Best" : "Mappings") +
+                                  std::to_string(pages.param.bytes);
                          });
+
+// Beyond the end of a block lies a page of this kernel, however large, and no other block's.
+TEST(StressBlocksOnLargestPages, Blocks_AreFoundByAnyAddressInThemAndByNoOther) {
+  runtime::StressBlocks blocks;
+  ASSERT_TRUE(blocks.reserve(PageGuards::Best, kLargestPage));
+  std::uintptr_t ends[100];
+  for (std::size_t i = 0; i < std::size(ends); ++i) {
+    const std::size_t bytes = 16 + 1024 * i;
+    auto* const block = static_cast<unsigned char*>(blocks.allocate(bytes, runtime::BlockKind::Scanned));
+    ASSERT_NE(block, nullptr);
+    const auto start = reinterpret_cast<std::uintptr_t>(block);
+    ends[i] = start + bytes;
+    const auto slot = blocks.blockAt(start);
+    ASSERT_NE(slot, 0U);
+    EXPECT_EQ(blocks.blockContaining(ends[i] - 1), slot);
+    EXPECT_EQ(blocks.blockContaining(ends[i]), 0U);
+    EXPECT_EQ(blocks.blockContaining(start - 1), 0U);
+    block[0] = block[bytes - 1] = 1;
+    blocks[slot].marked = i % 2 == 0;
+  }
+  blocks.freeUnmarked();
+  for (std::size_t i = 0; i < std::size(ends); ++i) {
+    EXPECT_EQ(blocks.blockContaining(ends[i] - 1) != 0, i % 2 == 0) << i;
+  }
+}
 
 // Past the number of ranges that can be open, freed blocks stay readable but are filled.
 TEST(StressBlocksOnMappings, BlocksBeyondTheGuardedOnes_AreFilledWhenFreed) {

@@ -7,7 +7,8 @@
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
-  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+  // This style starts the program anew, which an emulated one cannot do: there the environment asks for the other.
+  if (std::getenv("GTEST_DEATH_TEST_STYLE") == nullptr) ::testing::FLAGS_gtest_death_test_style = "threadsafe";
   const char* heap = std::getenv("VORN_TEST_HEAP");
   const vorn::RuntimeScope runtime(heap);
   if (!runtime.running()) {

@@ -25,7 +25,8 @@ RuntimeTypeName typeOfCopies(const ListData& source) {
 
 // Ends primitive storage once the object storage has taken its place. A size read without the lock asks for the kind,
 // then the size that it selects, then the kind again: as long as the kind leaves before the old size does, it never
-// takes the one for the other.
+// takes the one for the other. Processors that let stores pass each other are told the order here, where the storage
+// begins, and where object storage is filled while the kind still stands.
 void endPrimitiveStorage(ListData& list) {
   std::atomic_ref(list.primitiveKind).store(ListData::PrimitiveKind::None, std::memory_order_release);
   std::atomic_ref(list.primitive.size).store(0, std::memory_order_release);
@@ -39,6 +40,11 @@ void endPrimitiveStorage(ListData& list) {
 void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind) {
   const std::uint64_t width = vc::primitiveWidth(kind);
   if (list.primitive.elementSize != width) list.primitive.resetToInline(width);
+}
+
+void beginPrimitiveStorage(ListData& list, ListData::PrimitiveKind kind, RuntimeTypeName typeName) {
+  std::atomic_ref(list.primitiveKind).store(kind, std::memory_order_release);
+  list.primitiveType = typeName;
 }
 
 void materializePrimitiveList(ListData& list, std::uint64_t room) {
@@ -56,6 +62,8 @@ void materializePrimitiveList(ListData& list, std::uint64_t room) {
   } unwind{list};
 
   emptyObjectStorage(list);
+  // Whoever still takes the list for an empty one with objects must not see these sizes before the kind.
+  std::atomic_thread_fence(std::memory_order_release);
   if (!list.linked) list.objects.reserve(n + room);
   vc::RootedHandle box;
   for (std::uint64_t i = 0; i < n; ++i) {
@@ -78,8 +86,7 @@ void copyPrimitiveListStorage(const ListData& source, ListData& target) {
                                   ? source.primitive.elementSize
                                   : vc::primitiveWidth(source.primitiveKind);
   target.primitive.resetFor(width, count);
-  target.primitiveKind = source.primitiveKind;
-  target.primitiveType = source.primitiveType;
+  beginPrimitiveStorage(target, source.primitiveKind, source.primitiveType);
   target.elementType = typeOfCopies(source);
   vc::appendPrimitiveElements(source, 0, 1, count, target);
 }
@@ -94,8 +101,7 @@ namespace vorn::collections {
 void resetToPrimitiveStorage(ListData& list, PrimitiveKind kind, RuntimeTypeName typeName, std::uint64_t n) {
   list.primitive.resetFor(primitiveWidth(kind), n);
   clearListStorage(list);
-  list.primitiveKind = kind;
-  list.primitiveType = typeName;
+  beginPrimitiveStorage(list, kind, typeName);
 }
 
 void adoptPrimitiveStorageOf(const ListData& source, ListData& target, std::uint64_t n) {

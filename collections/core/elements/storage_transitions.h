@@ -11,6 +11,9 @@
 // otherwise the stored bytes stay. Does not set primitiveKind.
 void configurePrimitiveStorage(ListData& list, ListData::PrimitiveKind kind);
 
+// Makes the primitive storage, which is empty, the live one.
+void beginPrimitiveStorage(ListData& list, ListData::PrimitiveKind kind, RuntimeTypeName typeName);
+
 // Turns primitive storage into object storage, boxing every element in order; the only way out of primitive storage
 // besides clearing. elementType stays. `room` reserves that many object slots more, so that a store that follows cannot
 // fail. Allocates; on an exception the list is as it was.

@@ -120,8 +120,7 @@ StoreForm chooseStoreFormOrRaise(const ListData& list, void* handle, BulkPrimiti
 bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& value) {
   if (!checkCharacterRangeOrRaise(value.typeName, value.integer)) return false;
   configurePrimitiveStorage(list, value.kind);
-  list.primitiveKind = value.kind;
-  list.primitiveType = value.typeName;
+  beginPrimitiveStorage(list, value.kind, value.typeName);
   return true;
 }
 

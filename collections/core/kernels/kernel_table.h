@@ -67,6 +67,8 @@ extern const KernelTable kPlainKernels;
 extern const KernelTable kSse2Kernels;
 extern const KernelTable kAvx2Kernels;
 extern const KernelTable kAvx512Kernels;
+#elif defined(__AARCH64EL__)
+extern const KernelTable kNeonKernels;
 #endif
 
 // Never null, so that taking it costs no branch.

@@ -14,6 +14,7 @@ namespace vorn::collections::kernels::avx2 {
 struct Lanes {
   using Vector = __m256i;
   static constexpr std::uint64_t kBytes = 32;
+  static constexpr int kSearchedAtOnce = 8;
 
   VORN_TARGET_AVX2 static Vector load(const unsigned char* at) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
@@ -65,6 +66,7 @@ struct Lanes {
   VORN_TARGET_AVX2 static Vector equalDouble(Vector a, Vector b) {
     return _mm256_castpd_si256(_mm256_cmp_pd(_mm256_castsi256_pd(a), _mm256_castsi256_pd(b), _CMP_EQ_OQ));
   }
+  static constexpr std::uint64_t kMaskBits = 1;
   VORN_TARGET_AVX2 static std::uint32_t byteMask(Vector a) {
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(a));
   }
@@ -86,5 +88,7 @@ struct Lanes {
     }
   }
 };
+
+using Vector = Lanes::Vector;
 
 }  // namespace vorn::collections::kernels::avx2

@@ -1,5 +1,5 @@
 // One 16-byte vector and the operations that the kernel loops are written in, for every x86-64 processor. lanes_avx2.h
-// has the same operations on 32 bytes; each loop is compiled against both.
+// has the same operations on 32 bytes, and lanes_neon.h those that aarch64 needs; each loop is compiled against all.
 #pragma once
 
 #include <emmintrin.h>
@@ -11,6 +11,8 @@ namespace vorn::collections::kernels::sse2 {
 struct Lanes {
   using Vector = __m128i;
   static constexpr std::uint64_t kBytes = 16;
+  // Vectors that a search tests before it branches, which spreads the cost of the loop's own instructions.
+  static constexpr int kSearchedAtOnce = 8;
 
   static Vector load(const unsigned char* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
   static void store(unsigned char* at, Vector value) { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), value); }
@@ -64,7 +66,8 @@ struct Lanes {
   static Vector equalDouble(Vector a, Vector b) {
     return _mm_castpd_si128(_mm_cmpeq_pd(_mm_castsi128_pd(a), _mm_castsi128_pd(b)));
   }
-  // One bit per byte.
+  // kMaskBits for each byte, the first byte's lowest; the comparisons' results are all or nothing in every byte.
+  static constexpr std::uint64_t kMaskBits = 1;
   static std::uint32_t byteMask(Vector a) { return static_cast<std::uint32_t>(_mm_movemask_epi8(a)); }
 
   // The elements of kWidth bytes in reverse order.
@@ -83,5 +86,7 @@ struct Lanes {
     }
   }
 };
+
+using Vector = Lanes::Vector;
 
 }  // namespace vorn::collections::kernels::sse2

@@ -1,4 +1,4 @@
-// The kernels without intrinsics: all there is off x86-64, and everywhere the ones for ranges shorter than a vector.
+// The kernels without intrinsics: all there is off x86-64 and aarch64, and everywhere the ones for ranges shorter than a vector.
 #include <bit>
 #include <cstring>
 #include <type_traits>

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <bit>
+#include <limits>
 #include <type_traits>
 
 #include "collections/core/kernels/lanes_sse2.h"
 #include "collections/core/kernels/search_kernels.h"
 #include "collections/core/kernels/vector_edges.h"
+#include "collections/core/kinds.h"
 
 #define VORN_KERNEL
 
@@ -16,7 +18,11 @@ namespace vorn::collections::kernels {
 
 namespace sse2 {
 
+#include "collections/core/kernels/x86_adders.inc"
+
 #include "collections/core/kernels/vector_kernels.inc"
+
+#include "collections/core/kernels/aligned_reverse_loop.inc"
 
 }  // namespace sse2
 

@@ -12,14 +12,15 @@ namespace vorn::collections {
 
 // A path has kernels of its own or those of the path before it.
 enum class VectorPath : std::uint8_t {
-  Plain,   // C++ without intrinsics, the only path off x86-64
+  Plain,   // C++ without intrinsics, the only path off x86-64 and aarch64
   Sse2,    // part of every x86-64 processor; sorts as Plain does
   Avx2,    // with the bit instructions that came with it: BMI, BMI2, POPCNT
   Avx512,  // F, BW, DQ and VL, for sorting; sums, searches and reverses as Avx2 does
+  Neon,    // part of every aarch64 processor; sorts as Plain does
 };
 
-inline constexpr VectorPath kVectorPaths[] = {VectorPath::Plain, VectorPath::Sse2, VectorPath::Avx2,
-                                              VectorPath::Avx512};
+inline constexpr VectorPath kVectorPaths[] = {VectorPath::Plain, VectorPath::Sse2, VectorPath::Avx2, VectorPath::Avx512,
+                                              VectorPath::Neon};
 
 const char* vectorPathName(VectorPath path);
 

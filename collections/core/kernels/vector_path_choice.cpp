@@ -11,6 +11,8 @@ namespace kernels {
 // before it, in the constructor of some other global.
 #if defined(__x86_64__)
 constinit std::atomic<const KernelTable*> activeKernels{&kSse2Kernels};
+#elif defined(__AARCH64EL__)
+constinit std::atomic<const KernelTable*> activeKernels{&kNeonKernels};
 #else
 constinit std::atomic<const KernelTable*> activeKernels{&kPlainKernels};
 #endif
@@ -45,14 +47,13 @@ const KernelTable* tableOf(VectorPath path) {
       return processorHasAvx2() ? &kAvx2Kernels : nullptr;
     case VectorPath::Avx512:
       return processorHasAvx512() ? &kAvx512Kernels : nullptr;
-#else
-    case VectorPath::Sse2:
-    case VectorPath::Avx2:
-    case VectorPath::Avx512:
-      break;
+#elif defined(__AARCH64EL__)
+    case VectorPath::Neon:
+      return &kNeonKernels;
 #endif
+    default:
+      return nullptr;
   }
-  return nullptr;
 }
 
 const KernelTable* widestTable() {
@@ -82,6 +83,8 @@ const char* vectorPathName(VectorPath path) {
       return "AVX2";
     case VectorPath::Avx512:
       return "AVX512";
+    case VectorPath::Neon:
+      return "NEON";
   }
   return "unknown";
 }
