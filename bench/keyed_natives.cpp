@@ -1,5 +1,6 @@
 // The natives of maps and sets, called through the shared libraries as compiled programs call them.
 #include <vorn/collections/hash_set.h>
+#include <vorn/collections/inline/borrowed.h>
 #include <vorn/collections/map.h>
 #include <vorn/runtime.h>
 
@@ -87,6 +88,11 @@ struct Library {
     return number;
   }
   static void drop(void* /*box*/) {}
+  template <class Find>
+  static void withBorrowed(Int number, Find find) {
+    vorn_borrowed_box room;
+    find(vorn_borrow_int(&room, static_cast<std::int32_t>(number)));
+  }
 
   template <class Key>
   class Boxes {

@@ -160,9 +160,9 @@ void addBoxed(benchmark::State& state, std::int64_t elements) {
   });
 }
 
-// Looks numbers up and hands `use` what is found.
-template <class Library, class Map, bool absent, class Use>
-void findBoxed(benchmark::State& state, std::int64_t elements, Use use) {
+// Looks numbers up and hands `use` what is found. withKey(number, find) makes the key and calls find(key).
+template <class Library, class Map, bool absent, class WithKey, class Use>
+void findMade(benchmark::State& state, std::int64_t elements, WithKey withKey, Use use) {
   typename Library::template Boxes<Int> inserted;
   Map map;
   makeKeys<Library, Int>(inserted, elements, kPutOrder);
@@ -170,13 +170,32 @@ void findBoxed(benchmark::State& state, std::int64_t elements, Use use) {
   const std::vector<std::uint32_t>& order = shuffledOrder(elements, kGetOrder);
   for (auto _ : state) {
     for (const std::uint32_t number : order) {
-      const auto key = Library::box(intKey(number, absent));
-      use(map.find(key));
-      Library::drop(key);
+      withKey(intKey(number, absent), [&](const auto& key) { use(map.find(key)); });
     }
   }
   countElements(state, elements);
 }
+
+template <class Library, class Map, bool absent, class Use>
+void findBoxed(benchmark::State& state, std::int64_t elements, Use use) {
+  const auto boxed = [](Int number, auto find) {
+    const auto key = Library::box(number);
+    find(key);
+    Library::drop(key);
+  };
+  findMade<Library, Map, absent>(state, elements, boxed, use);
+}
+
+// For the library that has borrowed keys.
+template <class Library, class Map, class Use>
+void findBorrowed(benchmark::State& state, std::int64_t elements, Use use) {
+  findMade<Library, Map, false>(
+      state, elements, [](Int number, auto find) { Library::withBorrowed(number, find); }, use);
+}
+template <class Library>
+constexpr bool borrowsKeys = requires {
+  Library::withBorrowed(Int{}, [](const auto&) {});
+};
 
 template <class Library>
 void getBoxed(benchmark::State& state, std::int64_t elements) {
@@ -287,6 +306,11 @@ void addTo(Benchmarks& benchmarks) {
   }
   row("get boxed Int", getBoxed<Library>);
   row("get boxed absent Int", containsBoxed<Library, IntMap, true>);
+  if constexpr (borrowsKeys<Library>) {
+    row("get borrowed Int", [](benchmark::State& state, std::int64_t elements) {
+      findBorrowed<Library, IntMap>(state, elements, [](const auto& found) { keep(Library::number(found)); });
+    });
+  }
   row("drain Int", drain<Library>);
   row("churn Int", churn<Library>);
   add(benchmarks, "make and drop a map", Library::kName, put<Library, IntMap, Int>, 8);
@@ -310,6 +334,11 @@ void addTo(Benchmarks& benchmarks) {
   row("set contains Int", find<Library, Set, Int, false>);
   row("set add boxed Int", addBoxed<Library>);
   row("set contains boxed Int", containsBoxed<Library, Set, false>);
+  if constexpr (borrowsKeys<Library>) {
+    row("set contains borrowed Int", [](benchmark::State& state, std::int64_t elements) {
+      findBorrowed<Library, Set>(state, elements, [](bool found) { keep(found); });
+    });
+  }
   row("set items", [](benchmark::State& state, std::int64_t elements) {
     onMap<Library, Set>(state, elements, [](const Set& set) { set.listValues(); });
   });

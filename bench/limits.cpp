@@ -69,6 +69,11 @@ constexpr LimitedRow kKeyedLimits[] = {
     {"get absent String", kLarge, {1.5, peer("Abseil")}},
     {"get boxed Int", kSmall, {1.5, peer("Go")}},
     {"get boxed Int", kLarge, {1.3, peer("Go")}},
+    // As compiled code looks numbers up.
+    {"get borrowed Int", kSmall, {1.5, peerRow("Go", "get boxed Int")}},
+    {"get borrowed Int", kLarge, {1.3, peerRow("Go", "get boxed Int")}},
+    {"set contains borrowed Int", kSmall, {1.5, peerRow("Go", "set contains boxed Int")}},
+    {"set contains borrowed Int", kLarge, {1.3, peerRow("Go", "set contains boxed Int")}},
     {"set add boxed Int", kSmall, {1.2, peer("Go")}},
     {"set add boxed Int", kLarge, {1.3, peer("Go")}},
     {"set contains boxed Int", kSmall, {1.5, peer("Go")}},

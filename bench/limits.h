@@ -19,6 +19,7 @@ struct Mark {
   const char* library;
 };
 constexpr Mark peer(const char* library) { return {nullptr, library}; }
+constexpr Mark peerRow(const char* library, const char* operation) { return {operation, library}; }
 constexpr Mark floor(const char* name) { return {name, kFloor}; }
 constexpr Mark ownRow(const char* operation) { return {operation, kOwn}; }
 
