@@ -29,6 +29,11 @@ double rounded(const NativeNumericValue& number) {
 
 }  // namespace
 
+// The linker knows the operations with C++ names, which return C++ types, by names that only C linkage can spell.
+#ifdef __clang__
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
+
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 
