@@ -51,6 +51,7 @@ std::vector<Key> ascendingKeys() {
                                       immutableListOf({}),
                                       immutableListOf({integer(1)})};
   std::vector<Key> keys;
+  keys.reserve(handles.size());
   for (void* handle : handles) {
     keys.push_back(handle == nullptr ? makeNativeSetCollectionKey(handle) : makeNativeOrderedCollectionKey(handle));
   }

@@ -19,6 +19,7 @@ constexpr int kSteps = 500;
 
 void inThreads(const std::function<void(int thread)>& work) {
   std::vector<std::function<void()>> ends;
+  ends.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     ends.push_back(adapter().startThread([&work, thread] { work(thread); }));
   }
@@ -45,8 +46,8 @@ Checks threadLaws() {
            expect(std::string("the size of ") + name, vorn_collections_ArrayList_size(list),
                   static_cast<long long>(kThreads) * kSteps);
            vorn_collections_ArrayList_sort(list);
-           for (long long i = 0; i < kThreads * kSteps; ++i)
-             expect("an element", vorn_collections_ArrayList_getInt(list, i), i);
+           for (int i = 0; i < kThreads * kSteps; ++i)
+             expect("an element", vorn_collections_ArrayList_getInt(list, i), static_cast<long long>(i));
          }
        },
        Needs::Threads},
