@@ -62,9 +62,9 @@ def cpp_elements(name):
 
 
 def python_types():
-    specification = importlib.util.spec_from_file_location("types_of_elements", ROOT / PYTHON_TYPES)
-    module = importlib.util.module_from_spec(specification)
-    specification.loader.exec_module(module)
+    found = importlib.util.spec_from_file_location("types_of_elements", ROOT / PYTHON_TYPES)
+    module = importlib.util.module_from_spec(found)
+    found.loader.exec_module(module)
     return module.PRIMITIVES
 
 
