@@ -32,7 +32,7 @@ TEST_P(LocksAfterRaise, AreFree) {
       if (HasFailure()) return;
     }
   }
-  EXPECT_GT(raised, 0);
+  expectSeen(raised > 0, true, "raises");
 }
 
 TEST_P(LocksAfterRaiseExcuses, ThereIsNoLockOrNothingIsRaised) {
@@ -101,7 +101,7 @@ TEST_P(LocksAfterException, OfTheOtherCollection_AreFree) {
       }
     }
   }
-  EXPECT_EQ(threw > 0, native().locksOther) << "whether it takes the lock of its other collection";
+  expectSeen(threw > 0, native().locksOther, "takes the lock of its other collection");
 }
 
 // The excuses: no receiver has a lock, or the native is one of the few that take none. That is seen by its getting along

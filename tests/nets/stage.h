@@ -87,6 +87,13 @@ std::vector<const Native*> nativesWhere(bool (*applies)(const Native&), bool res
 class NativeTest : public RuntimeTest, public ::testing::WithParamInterface<const Native*> {
  protected:
   static const Native& native() { return *GetParam(); }
+
+  // What the catalogue says a native does is seen to happen for some arguments; what it says does not happen, for none.
+  static void expectSeen(bool seen, bool promised, const char* what) {
+    if (seen || inFull()) {
+      EXPECT_EQ(seen, promised) << "whether it " << what << " for any arguments";
+    }
+  }
 };
 
 // A net is two suites: one over the natives that it applies to, and one that checks the reason why it leaves out others.
