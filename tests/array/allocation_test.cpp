@@ -1,4 +1,4 @@
-// Memory exhaustion at every allocation of every native, and what an array keeps alive.
+// How many allocations natives make, each of which may fail, and what an array keeps alive.
 #include "tests/array/array_cases.h"
 #include "tests/support/heap_statistics.h"
 #include "tests/support/sequences.h"
@@ -8,53 +8,6 @@ namespace vorn::tests {
 namespace {
 
 class ArrayAllocation : public RuntimeTest {};
-class ArrayNativeAllocation : public RuntimeTest, public ::testing::WithParamInterface<ArrayNative> {
- protected:
-  static bool makesAnObject() {
-    const std::string name = GetParam().name;
-    return name == "slice" || name.ends_with("New") || name.starts_with("concat");
-  }
-};
-
-TEST_P(ArrayNativeAllocation, EveryFailure_LeavesTheArrayAsItWas) {
-  for (const bool synchronised : {false, true}) {
-    for (const SlotCase& slots : kSlotCases) {
-      SCOPED_TRACE(arrayType(slots.element, synchronised));
-      const Handle array = sampleArray(slots.element, synchronised, 3);
-      const Handle value = sample(slots.element, 1);
-      for (const Handle& other : {intArray("Array<Int>", Integers(40, 1)), newArray("Array", 40)}) {
-        const ArrayState before(array);
-        const ArrayState otherBefore(other);
-        bool nullResults = false;
-        for (int failing = 0; failing < 500; ++failing) {
-          vorn_heap_fail_allocation(failing);
-          bool thrown = false;
-          try {
-            GetParam().call(array, value, other);
-          } catch (const std::bad_alloc&) {
-            thrown = true;
-          }
-          const bool happened = vorn_heap_failure_happened() != 0;
-          vorn_heap_fail_allocation(-1);
-          takeErrors();  // an element type may refuse a value
-          ASSERT_EQ(faultOfArray(array), "");
-          ASSERT_EQ(faultOfArray(other), "");
-          if (!happened) break;
-          if (!thrown) nullResults = true;
-          ASSERT_TRUE(ArrayState(array) == before);
-          ASSERT_TRUE(ArrayState(other) == otherBefore);
-        }
-        // A new object that cannot be had is a null result, every other failure is std::bad_alloc.
-        EXPECT_TRUE(!nullResults || makesAnObject()) << GetParam().name;
-        vorn_collections_Array_ctor(array, 3);
-      }
-    }
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Natives, ArrayNativeAllocation, ::testing::ValuesIn(arrayNatives()),
-                         [](const auto& param) { return std::string(param.param.name); });
-
 // How many allocations the natives make: each fails as std::bad_alloc or as a null result.
 TEST_F(ArrayAllocation, Failures_AreCounted) {
   const auto sweep = [](const Handle& array, auto operation) {

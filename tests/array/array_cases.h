@@ -190,57 +190,6 @@ inline void arraySliceAssign(void* array, Bound start, Bound stop, long long ste
   vorn_collections_Array_sliceAssign(array, boundOf(start), boundOf(stop), step, markOf(start), markOf(stop), source);
 }
 
-// ---- Natives --------------------------------------------------------------------------------------------------------
-
-struct ArrayNative {
-  const char* name;
-  bool locks;
-  // Called with an array of at least one element, a value that its elements can equal, and another collection.
-  void (*call)(void* array, void* value, void* other);
-};
-inline std::ostream& operator<<(std::ostream& out, const ArrayNative& native) { return out << native.name; }
-
-inline const std::vector<ArrayNative>& arrayNatives() {
-  static const std::vector<ArrayNative> natives = {
-      {"ctor", true, [](void* array, void*, void*) { vorn_collections_Array_ctor(array, 2); }},
-      {"copyCtor_Array", true, [](void* array, void*, void* other) { vorn_collections_Array_copyCtor(array, other); }},
-      {"copyCtor_AsSource", true,
-       [](void* array, void*, void* other) { vorn_collections_Array_copyCtor(other, array); }},
-      {"size", true, [](void* array, void*, void*) { vorn_collections_Array_size(array); }},
-      {"rawSize", false, [](void* array, void*, void*) { vorn_collections_Array_rawSize(array); }},
-      {"rawDataPtr", false, [](void* array, void*, void*) { vorn_collections_Array_rawDataPtr(array); }},
-      {"i64DataPtr", false, [](void* array, void*, void*) { vorn_collections_Array_i64DataPtr(array); }},
-      {"f64DataPtr", false, [](void* array, void*, void*) { vorn_collections_Array_f64DataPtr(array); }},
-      {"getInt", true, [](void* array, void*, void*) { vorn_collections_Array_getInt(array, 0); }},
-      {"getDouble", true, [](void* array, void*, void*) { vorn_collections_Array_getDouble(array, 0); }},
-      {"setInt", true, [](void* array, void*, void*) { vorn_collections_Array_setInt(array, 0, 1); }},
-      {"setDouble", true, [](void* array, void*, void*) { vorn_collections_Array_setDouble(array, 0, 1.5); }},
-      {"setBool", true, [](void* array, void*, void*) { vorn_collections_Array_setBool(array, 0, true); }},
-      {"operator_index", true, [](void* array, void*, void*) { vorn_collections_Array_operator_index(array, 0); }},
-      {"operator_index_eq", true,
-       [](void* array, void* value, void*) { vorn_collections_Array_operator_index_eq(array, 0, value); }},
-      {"count", true, [](void* array, void* value, void*) { vorn_collections_Array_count(array, value); }},
-      {"indexOf", true, [](void* array, void* value, void*) { vorn_collections_Array_indexOf(array, value, 0); }},
-      {"lastIndexOf", true,
-       [](void* array, void* value, void*) { vorn_collections_Array_lastIndexOf(array, value, -1); }},
-      {"operator_in", true, [](void* array, void* value, void*) { vorn_collections_Array_operator_in(array, value); }},
-      {"sumI64Fast", true, [](void* array, void*, void*) { vorn_collections_Array_sumI64Fast(array); }},
-      {"sumF64Fast", true, [](void* array, void*, void*) { vorn_collections_Array_sumF64Fast(array); }},
-      {"sort", true, [](void* array, void*, void*) { vorn_collections_Array_sort(array); }},
-      {"sortNew", true, [](void* array, void*, void*) { vorn_collections_Array_sortNew(array); }},
-      {"reverse", true, [](void* array, void*, void*) { vorn_collections_Array_reverse(array); }},
-      {"reverseNew", true, [](void* array, void*, void*) { vorn_collections_Array_reverseNew(array); }},
-      {"slice", true, [](void* array, void*, void*) { arraySlice(array, 0, 1); }},
-      {"sliceAssign", true, [](void* array, void*, void* other) { arraySliceAssign(array, 0, 1, 1, other); }},
-      {"sliceAssign_AsSource", true, [](void* array, void*, void* other) { arraySliceAssign(other, 0, 1, 1, array); }},
-      {"concat", true, [](void* array, void*, void* other) { vorn_collections_Array_concat(array, other); }},
-      {"concat_AsOther", true, [](void* array, void*, void* other) { vorn_collections_Array_concat(other, array); }},
-      {"stringFromCharArray", true, [](void* array, void*, void*) { Vorn_stringFromCharArray(array); }},
-      {"stringFromCodeUnitArray", true, [](void* array, void*, void*) { Vorn_stringFromCodeUnitArray(array); }},
-  };
-  return natives;
-}
-
 using ArrayTest = RuntimeTest;
 
 }  // namespace vorn::tests

@@ -1,108 +1,16 @@
-// Which natives lock, what a failing or missing mutex does, and that every lock is released.
+// What a missing mutex does, what needs none, and what is locked together. That every native takes and releases its lock is
+// in tests/nets.
 #include <vorn/collections/runtime_helpers.hpp>
 
-#include <cerrno>
 #include <csignal>
 #include <system_error>
 
-#include "collections/array/array_validation.h"
 #include "tests/array/array_cases.h"
 
 namespace vorn::tests {
 namespace {
 
 class ArrayLocks : public RuntimeTest {};
-class ArrayNativeLocks : public RuntimeTest, public ::testing::WithParamInterface<ArrayNative> {};
-
-Handle otherCollection() { return list("ArrayList", {integer("Int", 1)}); }
-Handle otherArray() { return intArray("Array<Int>", {1}); }
-
-// The collection that a native takes besides the array: an array for copies, since a list would not be locked together
-// with its target.
-Handle partnerFor(const ArrayNative& native) {
-  const std::string name = native.name;
-  return name == "copyCtor_AsSource" || name.ends_with("AsSource") || name.ends_with("AsOther") ? otherArray()
-                                                                                                : otherCollection();
-}
-
-TEST_P(ArrayNativeLocks, FailingMutex_IsASystemErrorAndLeavesTheArrayUnchanged) {
-  if (!GetParam().locks) return;  // see LockFreeAccessors_NeverLock
-  for (const SlotCase& slots : kSlotCases) {
-    SCOPED_TRACE(slots.element);
-    const Handle array = sampleArray(slots.element, true, 3);
-    const Handle value = sample(slots.element, 1);
-    const Handle other = partnerFor(GetParam());
-    const ArrayState before(array);
-    {
-      const HeldArrayMutex held(recordOf(array));
-      try {
-        GetParam().call(array, value, other);
-        ADD_FAILURE() << "did not lock";
-      } catch (const std::system_error& error) {
-        EXPECT_EQ(error.code().value(), EDEADLK);
-      }
-      EXPECT_TRUE(ArrayState(array) == before);
-    }
-    EXPECT_NOTHING_RAISED();
-    EXPECT_ARRAY_UNTOUCHED(array, before);
-    GetParam().call(array, value, other);  // and it works again
-    takeErrors();
-    EXPECT_ARRAY_AT_REST(array);
-  }
-}
-
-TEST_P(ArrayNativeLocks, SynchronisedArrayWithoutAMutex_EndsTheProcess) {
-  if (!GetParam().locks) return;
-  const Handle array = sampleArray("Int", true, 3);
-  const Handle value = sample("Int", 1);
-  const Handle other = partnerFor(GetParam());
-  EXPECT_EXIT(
-      {
-        recordOf(array).mutex = nullptr;
-        GetParam().call(array, value, other);
-      },
-      ::testing::KilledBySignal(SIGABRT), "");
-}
-
-TEST_P(ArrayNativeLocks, UnsynchronisedArray_NeverTouchesItsMutex) {
-  for (const SlotCase& slots : kSlotCases) {
-    const Handle array = sampleArray(slots.element, false, 3);
-    const Handle other = partnerFor(GetParam());
-    const HeldArrayMutex held(recordOf(array));
-    EXPECT_NO_THROW(GetParam().call(array, sample(slots.element, 1), other));
-    takeErrors();  // an element type may refuse a value
-    EXPECT_EQ(collections::validateArrayData(recordOf(array)), "");
-  }
-}
-
-TEST_P(ArrayNativeLocks, SynchronisedArrays_AreUnlockedAfterwards) {
-  for (const SlotCase& slots : kSlotCases) {
-    SCOPED_TRACE(slots.element);
-    const Handle array = sampleArray(slots.element, true, 3);
-    const Handle value = sample(slots.element, 1);
-    const Handle other = intArray("ArraySync<Int>", {1});
-    GetParam().call(array, value, other);
-    EXPECT_ARRAY_AT_REST(array);
-    EXPECT_ARRAY_AT_REST(other);
-    GetParam().call(array, value, array);  // with itself
-    EXPECT_ARRAY_AT_REST(array);
-    vorn_collections_Array_ctor(array, 0);
-    GetParam().call(array, value, other);
-    takeErrors();  // there is no element
-    EXPECT_ARRAY_AT_REST(array);
-    EXPECT_ARRAY_AT_REST(other);
-  }
-}
-
-TEST_P(ArrayNativeLocks, NullArray_NeedsNoLock) {
-  const std::string name = GetParam().name;
-  if (name == "copyCtor_AsSource" || name == "sliceAssign_AsSource") return;  // there a null source raises
-  GetParam().call(nullptr, nullptr, Handle(otherArray()));
-  EXPECT_NOTHING_RAISED();
-}
-
-INSTANTIATE_TEST_SUITE_P(Natives, ArrayNativeLocks, ::testing::ValuesIn(arrayNatives()),
-                         [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(ArrayLocks, LockFreeAccessors_NeverLock) {
   const Handle longs = newArray("ArraySync<Long>", 2);

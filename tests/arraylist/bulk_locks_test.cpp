@@ -1,6 +1,5 @@
-// Locks of the whole-list operations: which ones lock, that every lock is released, and that two lists never wait for
-// each other.
-#include <cerrno>
+// Locks of the whole-list operations: that they are released after errors of all sorts, and that two lists never wait for
+// each other. That every native takes and releases them is in tests/nets.
 #include <system_error>
 
 #include "collections/arraylist/snapshots.h"
@@ -13,95 +12,17 @@
 namespace vorn::tests {
 namespace {
 
-// Each is called with the list and another list.
-const std::vector<NativeCase>& bulkNatives() {
-  static const std::vector<NativeCase> cases = {
-      {"addAll", true, [](void* list, void* other) { vorn_collections_ArrayList_addAll(list, other); }},
-      {"addAllAt", true, [](void* list, void* other) { vorn_collections_ArrayList_addAllAt(list, 1, other); }},
-      {"slice", true, [](void* list, void*) { slice(list, 0, 1); }},
-      {"sliceAssign_SameCount", true, [](void* list, void* other) { sliceAssign(list, 0, 1, 1, other); }},
-      {"sliceAssign_OtherCount", true, [](void* list, void* other) { sliceAssign(list, 0, 2, 1, other); }},
-      {"concat", true, [](void* list, void* other) { vorn_collections_ArrayList_concat(list, other); }},
-      {"concat_AsOther", true, [](void* list, void* other) { vorn_collections_ArrayList_concat(other, list); }},
-      {"addAll_AsSource", true, [](void* list, void* other) { vorn_collections_ArrayList_addAll(other, list); }},
-      {"sliceAssign_AsSource", true, [](void* list, void* other) { sliceAssign(other, 0, 1, 1, list); }},
-      {"repeat", true, [](void* list, void*) { vorn_collections_ArrayList_repeat(list, 2); }},
-      {"reverse", true, [](void* list, void*) { vorn_collections_ArrayList_reverse(list); }},
-      {"reverseNew", true, [](void* list, void*) { vorn_collections_ArrayList_reverseNew(list); }},
-      {"shuffle", true, [](void* list, void*) { vorn_collections_ArrayList_shuffle(list); }},
-      {"sort", true, [](void* list, void*) { vorn_collections_ArrayList_sort(list); }},
-      {"sortNew", true, [](void* list, void*) { vorn_collections_ArrayList_sortNew(list); }},
-      {"sortI64Fast", true, [](void* list, void*) { vorn_collections_ArrayList_sortI64Fast(list); }},
-      {"sortF64Fast", true, [](void* list, void*) { vorn_collections_ArrayList_sortF64Fast(list); }},
-      {"sumInt", true, [](void* list, void*) { vorn_collections_ArrayList_sumInt(list); }},
-      {"sumI64Fast", true, [](void* list, void*) { vorn_collections_ArrayList_sumI64Fast(list); }},
-      {"sumF64Fast", true, [](void* list, void*) { vorn_collections_ArrayList_sumF64Fast(list); }},
-      {"snapshotListObjectValues", true, [](void* list, void*) { snapshotListObjectValues(*getListData(list)); }},
-  };
-  return cases;
-}
-
-// One list of each storage, with numbers in it.
-std::vector<Handle> numberLists(bool synchronised) {
-  return {intList(className(false, synchronised, "Int"), {3, 1, 2}),
-          rawDoubles(className(false, synchronised, "Double"), "Double", {3.5, 1.5, 2.5}),
-          list(className(false, synchronised), {integer("Int", 3), integer("Long", 1), integer("Int", 2)}),
-          intList(className(true, synchronised), {3, 1, 2})};
-}
-
 class BulkLock : public RuntimeTest {};
-class BulkNativeLock : public RuntimeTest, public ::testing::WithParamInterface<NativeCase> {};
 
-TEST_P(BulkNativeLock, FailingMutex_IsASystemErrorAndLeavesBothListsUnchanged) {
-  const Handle other = list("ArrayList", {integer("Int", 5)});
-  for (const Handle& target : numberLists(true)) {
-    const Snapshot before(target);
-    const Snapshot otherBefore(other);
-    {
-      const HeldMutex held(target);
-      try {
-        GetParam().call(target, other);
-        ADD_FAILURE() << GetParam().name << " did not lock";
-      } catch (const std::system_error& error) {
-        EXPECT_EQ(error.code().value(), EDEADLK);
-      }
-      EXPECT_EQ(Snapshot(target), before);
-    }
-    EXPECT_NOTHING_RAISED();
-    EXPECT_UNTOUCHED(target, before);
-    EXPECT_UNTOUCHED(other, otherBefore);
-  }
-}
-
-TEST_P(BulkNativeLock, UnsynchronisedList_NeverTouchesItsMutex) {
-  for (const Handle& target : numberLists(false)) {
-    const Handle other = list("ArrayList", {integer("Int", 5)});
+TEST_F(BulkLock, SnapshotOfValues_LocksTheList) {
+  const Handle target = intList("ArrayListSync<Int>", {3, 1, 2});
+  {
     const HeldMutex held(target);
-    GetParam().call(target, other);
-    takeErrors();  // an element type may refuse a value
-    EXPECT_VALID_LIST(target);
-    EXPECT_VALID_LIST(other);
+    EXPECT_THROW(snapshotListObjectValues(*getListData(target)), std::system_error);
   }
+  snapshotListObjectValues(*getListData(target));
+  EXPECT_AT_REST(target);
 }
-
-TEST_P(BulkNativeLock, SynchronisedLists_AreUnlockedAfterwards) {
-  for (const Handle& target : numberLists(true)) {
-    const Handle other = list("LinkedListSync", {integer("Int", 5)});
-    GetParam().call(target, other);
-    EXPECT_AT_REST(target);
-    EXPECT_AT_REST(other);
-    GetParam().call(target, target);
-    EXPECT_AT_REST(target);
-    vorn_collections_ArrayList_clear(target);
-    GetParam().call(target, other);
-    takeErrors();  // the empty list has no index 1
-    EXPECT_AT_REST(target);
-    EXPECT_AT_REST(other);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Natives, BulkNativeLock, ::testing::ValuesIn(bulkNatives()),
-                         [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(BulkLock, IsReleasedAfterEveryRaise) {
   const Handle typed = intList("ArrayListSync<Int>", {1, 2});

@@ -1,9 +1,6 @@
-// The data-buffer protocol where it refuses or fails: wrong storage, characters out of range, null and linked lists,
-// and locks.
-#include <cerrno>
+// The data-buffer protocol where it refuses or fails: wrong storage, characters out of range and linked lists.
 #include <climits>
 #include <new>
-#include <system_error>
 
 #include "collections/core/port/object_layout.h"
 #include "tests/arraylist/data_buffer_cases.h"
@@ -249,17 +246,7 @@ TEST_F(DataBufferErrors, NewData_ImpossibleSize_ThrowsWithANullList) {
   EXPECT_EQ(out, nullptr);
 }
 
-// ---- Null and linked lists ------------------------------------------------------------------------------------------
-
-TEST_F(DataBufferErrors, NullList_GivesNull) {
-  EXPECT_EQ(vorn_collections_ArrayList_prepareIntData(nullptr, 3), nullptr);
-  EXPECT_EQ(vorn_collections_ArrayList_preparePrimitiveI64Data(nullptr, 3, "Byte"), nullptr);
-  EXPECT_EQ(vorn_collections_ArrayList_prepareDoubleData(nullptr, 3, "Float"), nullptr);
-  EXPECT_EQ(vorn_collections_ArrayList_i64DataPtr(nullptr), nullptr);
-  EXPECT_EQ(vorn_collections_ArrayList_f64DataPtr(nullptr), nullptr);
-  EXPECT_EQ(vorn_collections_ArrayList_primitiveDataPtr(nullptr), nullptr);
-  EXPECT_EQ(vorn_collections_ArrayList_dataHandle(nullptr), nullptr);
-}
+// ---- Linked lists ---------------------------------------------------------------------------------------------------
 
 TEST_F(DataBufferErrors, LinkedList_IsEmptiedAndDeclared_AndTheCommitRaises) {
   for (const bool synchronised : {false, true}) {
@@ -299,66 +286,6 @@ TEST_F(DataBufferErrors, LinkedList_PrepareIntData_DeclaresInt) {
   vorn_collections_ArrayList_addInt(target, 4);
   EXPECT_EQ(elementsOf(target), (Elements{"Int 4"}));
   EXPECT_AT_REST(target);
-}
-
-// ---- Locks ----------------------------------------------------------------------------------------------------------
-
-// The natives of the protocol that lock, commits apart.
-const std::vector<NativeCase>& lockingNatives() {
-  static const std::vector<NativeCase> cases = {
-      {"prepareIntData", true, [](void* list, void*) { vorn_collections_ArrayList_prepareIntData(list, 3); }},
-      {"preparePrimitiveI64Data", true,
-       [](void* list, void*) { vorn_collections_ArrayList_preparePrimitiveI64Data(list, 3, "Long"); }},
-      {"prepareDoubleData", true,
-       [](void* list, void*) { vorn_collections_ArrayList_prepareDoubleData(list, 3, "Double"); }},
-      {"i64DataPtr", true, [](void* list, void*) { vorn_collections_ArrayList_i64DataPtr(list); }},
-      {"f64DataPtr", true, [](void* list, void*) { vorn_collections_ArrayList_f64DataPtr(list); }},
-      {"primitiveDataPtr", true, [](void* list, void*) { vorn_collections_ArrayList_primitiveDataPtr(list); }},
-  };
-  return cases;
-}
-
-TEST_F(DataBufferErrors, FailingMutex_IsASystemErrorAndLeavesTheListUnchanged) {
-  const Handle one = integer("Int", 1);
-  for (const NativeCase& native : lockingNatives()) {
-    for (const Handle& target :
-         {list("ArrayListSync<Int>", {one}), list("ArrayListSync", {string("x")}), list("LinkedListSync", {one})}) {
-      SCOPED_TRACE(native.name);
-      const Snapshot before(target);
-      {
-        const HeldMutex held(target);
-        try {
-          native.call(target, nullptr);
-          ADD_FAILURE() << "did not lock";
-        } catch (const std::system_error& error) {
-          EXPECT_EQ(error.code().value(), EDEADLK);
-        }
-      }
-      EXPECT_UNTOUCHED(target, before);
-      native.call(target, nullptr);
-      EXPECT_AT_REST(target);
-    }
-  }
-}
-
-TEST_F(DataBufferErrors, DataHandle_NeverLocks) {
-  const Handle target = list("ArrayListSync<Int>", {integer("Int", 1)});
-  const HeldMutex held(target);
-  EXPECT_EQ(vorn_collections_ArrayList_dataHandle(target), getListData(target));
-}
-
-TEST_F(DataBufferErrors, UnsynchronisedList_NeverTouchesItsMutex) {
-  for (const NativeCase& native : lockingNatives()) {
-    const Handle target = list("ArrayList<Int>", {integer("Int", 1)});
-    const HeldMutex held(target);
-    EXPECT_NO_THROW(native.call(target, nullptr)) << native.name;
-  }
-  for (const Commit& commit : commits()) {
-    const std::string type = commit.integers ? "Int" : "Double";
-    const Handle target = list("ArrayList<" + type + ">", {box(type, 1)});
-    const HeldMutex held(target);
-    EXPECT_NO_THROW(commit.call(target, 1)) << commit.name;
-  }
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
-// Which natives lock, what a failing or missing mutex does, and that every lock is released.
-#include <cerrno>
+// What a missing mutex does, and where locks are held. That every native takes and releases them is in tests/nets.
 #include <csignal>
-#include <system_error>
 
 #include "collections/core/port/object_layout.h"
 #include "tests/arraylist/list_cases.h"
@@ -26,61 +24,16 @@ std::vector<Storage> storages(bool synchronised) {
 }
 
 class Lock : public RuntimeTest {};
-class NativeLock : public RuntimeTest, public ::testing::WithParamInterface<NativeCase> {};
 
-TEST_P(NativeLock, FailingMutex_IsASystemErrorAndLeavesTheListUnchanged) {
-  if (!GetParam().locks) return;  // sizeFast: see SizeFast_NeverLocks
-  for (const Storage& storage : storages(true)) {
-    const Snapshot before(storage.list);
-    {
-      const HeldMutex held(storage.list);
-      try {
-        GetParam().call(storage.list, storage.value);
-        ADD_FAILURE() << GetParam().name << " did not lock";
-      } catch (const std::system_error& error) {
-        EXPECT_EQ(error.code().value(), EDEADLK);
-      }
-      EXPECT_EQ(Snapshot(storage.list), before);
-    }
-    EXPECT_UNTOUCHED(storage.list, before);
-    GetParam().call(storage.list, storage.value);  // and it works again
-    EXPECT_AT_REST(storage.list);
-  }
-}
-
-TEST_P(NativeLock, SynchronisedListWithoutAMutex_EndsTheProcess) {
-  if (!GetParam().locks) return;
-  const Handle one = integer("Int", 1);
-  const Handle target = list("ArrayListSync<Int>", {one});
+TEST_F(Lock, SynchronisedListWithoutAMutex_EndsTheProcess) {
+  const Handle target = list("ArrayListSync<Int>", {integer("Int", 1)});
   EXPECT_EXIT(
       {
         getListData(target)->mutex = nullptr;
-        GetParam().call(target, one);
+        vorn_collections_ArrayList_size(target);
       },
       ::testing::KilledBySignal(SIGABRT), "");
 }
-
-TEST_P(NativeLock, UnsynchronisedList_NeverTouchesItsMutex) {
-  for (const Storage& storage : storages(false)) {
-    const HeldMutex held(storage.list);
-    GetParam().call(storage.list, storage.value);
-    EXPECT_VALID_LIST(storage.list);
-  }
-}
-
-TEST_P(NativeLock, SynchronisedList_IsUnlockedAfterwards) {
-  for (const Storage& storage : storages(true)) {
-    GetParam().call(storage.list, storage.value);
-    EXPECT_AT_REST(storage.list);
-    vorn_collections_ArrayList_clear(storage.list);
-    GetParam().call(storage.list, storage.value);
-    takeErrors();  // the indexed reads find no element
-    EXPECT_AT_REST(storage.list);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Natives, NativeLock, ::testing::ValuesIn(natives()),
-                         [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(Lock, SizeFast_NeverLocks) {
   for (const Storage& storage : storages(true)) {
@@ -93,60 +46,6 @@ TEST_F(Lock, SizeFast_NeverLocks) {
   getListData(target)->mutex = nullptr;
   EXPECT_EQ(vorn_collections_ArrayList_sizeFast(target), 1);
   getListData(target)->mutex = mutex;
-}
-
-TEST_F(Lock, NullReceiver_NeedsNoLock) {
-  for (const NativeCase& native : natives()) native.call(nullptr, nullptr);
-  EXPECT_RAISED(kAddOnNullError);
-}
-
-TEST_F(Lock, IsReleasedAfterEveryRaise) {
-  const Handle typed = list("ArrayListSync<Int>", {integer("Int", 1)});
-  const Handle holed = list("LinkedListSync", {nullptr});
-  const Handle word = string("x");
-  const auto expectReleased = [](void* target, const std::string& error) {
-    EXPECT_RAISED(error);
-    EXPECT_TRUE(isUnlocked(target));
-  };
-  const std::string refused = listTypeError("Int", "vorn.String");
-  vorn_collections_ArrayList_add(typed, word);
-  expectReleased(typed, refused);
-  vorn_collections_ArrayList_addAt(typed, 0, word);
-  expectReleased(typed, refused);
-  vorn_collections_ArrayList_operator_index_eq(typed, 0, word);
-  expectReleased(typed, refused);
-  vorn_collections_ArrayList_operator_index_eq(typed, 1, word);
-  expectReleased(typed, refused);
-  vorn_collections_ArrayList_getInt(holed, 0);
-  expectReleased(holed, kIntItemError);
-  vorn_collections_ArrayList_getIntFast(holed, 0);
-  expectReleased(holed, kIntItemError);
-  vorn_collections_ArrayList_getIntFromData(getListData(holed), 0);
-  expectReleased(holed, kIntItemError);
-  vorn_collections_ArrayList_getDouble(holed, 0);
-  expectReleased(holed, kFloatingItemError);
-  vorn_collections_ArrayList_removeAt(typed, 1);
-  expectReleased(typed, kIndexError);
-}
-
-TEST_F(Lock, IsReleasedAfterMemoryExhaustion) {
-  const Handle word = string("x");
-  const auto expectReleased = [](void* target, const auto& operation) {
-    const Snapshot before(target);
-    vorn_heap_fail_allocation(0);
-    EXPECT_THROW(operation(), std::bad_alloc);
-    vorn_heap_fail_allocation(-1);
-    EXPECT_UNTOUCHED(target, before);
-  };
-  const Handle linked = object("LinkedListSync");
-  expectReleased(linked, [&] { vorn_collections_ArrayList_add(linked, word); });
-  expectReleased(linked, [&] { vorn_collections_ArrayList_addInt(linked, 1); });
-  const Handle full = list("ArrayListSync", {word, word, word, word});
-  expectReleased(full, [&] { vorn_collections_ArrayList_add(full, word); });
-  expectReleased(full, [&] { vorn_collections_ArrayList_addAt(full, 0, word); });
-  const Handle unboxed = list("ArrayListSync<Int>", {integer("Int", 1)});
-  expectReleased(unboxed, [&] { vorn_collections_ArrayList_operator_index(unboxed, 0); });
-  expectReleased(unboxed, [&] { vorn_collections_ArrayList_operator_in(unboxed, word); });
 }
 
 TEST_F(Lock, IsHeldWhileUserEqualityRuns) {

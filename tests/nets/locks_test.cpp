@@ -82,6 +82,21 @@ TEST_P(LocksAfterException, AreFree_AndNothingHasChanged) {
   }
 }
 
+// The field for a lock of a collection that has none is not looked at.
+TEST_P(LocksAfterException, OfAPlainReceiver_IsNeverTaken) {
+  for (const Subject& subject : subjectsOf(native(), Which::Plain)) {
+    if (subject.type->family == Family::Tuple) continue;
+    SCOPED_TRACE(nameOf(subject));
+    const Choices choices = ordinary(native(), subject);
+    Stage free(native(), subject, choices);
+    const Ending expected = free.run();
+    Stage stage(native(), subject, choices);
+    const Ending ending = stage.runWhileHeld(stage.receiver());
+    EXPECT_TRUE(native().random || textOf(ending) == textOf(expected)) << textOf(ending);
+    if (HasFailure()) return;
+  }
+}
+
 // With the lock of its other collection, which it takes first, or second.
 TEST_P(LocksAfterException, OfTheOtherCollection_AreFree) {
   int threw = 0;

@@ -39,6 +39,16 @@ TEST_P(NullReceivers, GiveTheNeutralResult) {
   }
 }
 
+TEST_P(NullReceivers, LeaveAnOlderErrorPending) {
+  const Subject subject = subjectsOf(native()).front();
+  Stage stage(native(), subject, ordinary(native(), subject));
+  stage.leaveOutReceiver();
+  vorn_raise("Exception", "older");
+  Texts expected = {"Exception: older"};
+  if (native().raisedForNull != nullptr) expected.emplace_back(native().raisedForNull);
+  EXPECT_EQ(stage.run().errors, expected);
+}
+
 TEST_P(NullReceiversExcuses, TheyMakeACollectionOfTheirArguments) {
   EXPECT_FALSE(native().has(Role::Receiver) || native().has(Role::Record));
   EXPECT_EQ(native().receivers, 0U);

@@ -4,6 +4,7 @@
 #include <vorn/collections/tuple.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <new>
 #include <sstream>
 #include <stdexcept>
@@ -276,8 +277,8 @@ Ending Stage::run() {
     ending.threw = "bad_alloc";
   } catch (const std::length_error&) {
     ending.threw = "length_error";
-  } catch (const std::system_error&) {
-    ending.threw = "system_error";
+  } catch (const std::system_error& error) {
+    ending.threw = error.code().value() == EDEADLK ? "system_error" : error.what();
   } catch (const std::exception& exception) {
     ending.threw = exception.what();
   }

@@ -6,11 +6,14 @@
 #include <vorn/collections/map.h>
 #include <vorn/collections/tuple.h>
 
+#include <set>
 #include <stdexcept>
 
+#include "tests/nets/catalogue.h"
 #include "tests/nets/stage.h"
 #include "tests/support/figures.h"
 #include "tests/support/sequences.h"
+#include "tests/user_code/native_cases.h"
 
 namespace vorn::tests::nets {
 namespace {
@@ -245,6 +248,20 @@ TEST_P(UserCode, AHookThatRecurses_LeavesItSound) {
     EXPECT_EQ(stage.run().threw, "");
     EXPECT_EQ(level, kLevels);
     if (HasFailure()) return;
+  }
+}
+
+// The tests of user code that say more go by tables of their own, in which every native must be that reaches a hook.
+TEST(UserCodeTables, NameEveryNativeOfEachClassThatReachesAHook) {
+  for (const CollectionClass& type : kCollectionClasses) {
+    std::set<std::string> named;
+    for (const tests::Native& native : nativesOf(type, Shape::Direct)) named.insert(native.name);
+    for (const Native& native : allNatives()) {
+      if (native.hooks == 0 || !native.takesReceiverOf(type.family)) continue;
+      std::string method(native.name.substr(std::string_view("vorn_collections_").size()));
+      method.erase(0, method.find('_') + 1);
+      EXPECT_TRUE(named.contains(method)) << native.name << " is not in the table of " << type.name;
+    }
   }
 }
 

@@ -154,29 +154,5 @@ TEST_F(SortedCopies, Array_NoObjectToBeHad_IsANullResult) {
   }
 }
 
-// Memory may end anywhere in a copy, not only at the object.
-TEST_F(SortedCopies, FailingAllocations_LeaveNoRootNoLockAndNoChange) {
-  for (const CollectionClass& type : kCollectionClasses) {
-    if (type.family != Family::List && type.family != Family::Immutable && type.family != Family::Array) continue;
-    SCOPED_TRACE(type.name);
-    const Handle source = object(type.name);
-    fill(type, Shape::InTuple, source, {3, 1, 2, 6, 5, 4, 9, 8, 7});
-    const Texts before = contentsOf(type, source);
-    const std::size_t roots = rootCount();
-    const int failures = sweepAllocationFailures(
-        [&] {
-          if (type.family == Family::Array) return vorn_collections_Array_sortNew(source);
-          if (type.family == Family::List) return vorn_collections_ArrayList_sortNew(source);
-          return vorn_collections_ImmutableList_sortNew(source);
-        },
-        [&] {
-          EXPECT_EQ(rootCount(), roots);
-          EXPECT_EQ(contentsOf(type, source), before);
-          EXPECT_EQ(faultOf(type, source), "");
-        });
-    EXPECT_GT(failures, 1);
-  }
-}
-
 }  // namespace
 }  // namespace vorn::tests

@@ -115,6 +115,8 @@ inline std::vector<Native> immutableNatives(unsigned sortHooks) {
        [](const Scene& s) { return say(vorn_collections_ImmutableList_lastIndexOf(s.collection, s.wanted, -1)); }},
       {"count", kEquality, Effect::Reads, OnError::EndsIt, "0", true,
        [](const Scene& s) { return say(vorn_collections_ArrayList_count(s.collection, s.wanted)); }},
+      {"operator_in", kEquality, Effect::Reads, OnError::EndsIt, "false", true,
+       [](const Scene& s) { return say(vorn_collections_ArrayList_operator_in(s.collection, s.wanted)); }},
       {"equality", kEquality, Effect::Reads, OnError::EndsIt, "false", false, equalsTwin},
       {"join", kText, Effect::Reads, OnError::GoesOn, "", true,
        [](const Scene& s) { return say(vorn_collections_ArrayList_join(s.collection, "-")); }},
