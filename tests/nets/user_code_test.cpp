@@ -12,8 +12,8 @@
 #include "tests/nets/catalogue.h"
 #include "tests/nets/stage.h"
 #include "tests/support/figures.h"
+#include "tests/support/natives_with_hooks.h"
 #include "tests/support/sequences.h"
-#include "tests/user_code/native_cases.h"
 
 namespace vorn::tests::nets {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "tests/support/allocation_failure.h"
 #include "tests/support/before.h"
-#include "tests/user_code/collection_cases.h"
+#include "tests/support/filled_collections.h"
 
 namespace vorn::tests {
 namespace {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/natives_with_hooks.h"
 #include "tests/support/watchdog.h"
-#include "tests/user_code/native_cases.h"
 
 namespace vorn::tests {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/user_code/collection_cases.h"
+#include "tests/support/filled_collections.h"
 
 namespace vorn::tests {
 

@@ -17,9 +17,9 @@
 #include "collections/keyed/set_data.h"
 #include "tests/support/collections.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/hostile_objects.h"
 #include "tests/support/roots.h"
 #include "tests/support/sequences.h"
-#include "tests/user_code/hostile_objects.h"
 
 namespace vorn::tests {
 
