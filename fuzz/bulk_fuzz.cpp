@@ -5,11 +5,13 @@
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
+#include <vorn/collections/runtime_helpers.hpp>
 #include <vorn/collections/tuple.h>
 
 #include <algorithm>
 #include <utility>
 
+#include "collections/core/port/gc_allocator.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/list_data.h"
 #include "fuzz/list_slots.h"

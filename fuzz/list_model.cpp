@@ -99,6 +99,8 @@ Value boxed(const RawValue& raw) {
   if (raw.kind == Kind::Boolean || raw.name == Type::Boolean) {
     value.type = Type::Boolean;
     value.integer = raw.integer != 0 ? 1 : 0;
+  } else if (raw.name == Type::None) {
+    value.type = Type::Int;
   } else if (isPrimitive(raw.name) && !isFloating(raw.name)) {
     value.type = raw.name;
   } else {
