@@ -63,12 +63,23 @@ std::int64_t numberField(void* handle) {
   return number;
 }
 
+int callsBeforeRaise = -1;
+bool hasRaised = false;
+
+bool mustRaise() {
+  if (callsBeforeRaise < 0 || callsBeforeRaise-- > 0) return false;
+  hasRaised = true;
+  vorn_raise("HookException", "a hook raised");
+  return true;
+}
+
 bool itemsEqual(void* self, void* other, void*) {
+  if (mustRaise()) return false;
   return vorn_is_instance(other, "fuzz.Item") != 0 && numberField(self) == numberField(other);
 }
 
 int compareItems(void* self, void* other, bool* comparable, void*) {
-  *comparable = vorn_is_instance(other, "fuzz.Item") != 0;
+  *comparable = !mustRaise() && vorn_is_instance(other, "fuzz.Item") != 0;
   if (!*comparable) return 0;
   const std::int64_t left = numberField(self);
   const std::int64_t right = numberField(other);
@@ -76,7 +87,9 @@ int compareItems(void* self, void* other, bool* comparable, void*) {
 }
 
 // Few hashes, so that different items collide.
-std::uint64_t hashItem(void* self, void*) { return static_cast<std::uint64_t>(numberField(self)) % 3; }
+std::uint64_t hashItem(void* self, void*) {
+  return mustRaise() ? 0 : static_cast<std::uint64_t>(numberField(self)) % 3;
+}
 
 // The types by the library's own numbers, told apart by their names.
 Type typeOfBox(const ObjectRecord& object) {
@@ -125,7 +138,15 @@ int widthOf(Kind kind) {
 
 std::string_view textOf(const Value& value) { return kTextTable[static_cast<std::size_t>(value.integer)]; }
 
+void armHooks(int calls) {
+  callsBeforeRaise = calls;
+  hasRaised = false;
+}
+
+bool haveHooksRaised() { return hasRaised; }
+
 void defineValueClasses() {
+  armHooks(-1);
   static const bool defined = [] {
     const vorn_field_definition fields[] = {{"n", VORN_FIELD_INTEGER}};
     vorn_class_definition definition = {};

@@ -64,6 +64,11 @@ struct Value {
 inline constexpr std::int64_t kTexts = 9;
 std::string_view textOf(const Value& value);
 
+// Lets the hooks of Items do what they promise for so many calls; the one behind them raises "HookException" "a hook
+// raised", once. A negative number lets them all.
+void armHooks(int calls);
+[[nodiscard]] bool haveHooksRaised();
+
 // Defines the classes of Items and Plains. Needs a running runtime.
 void defineValueClasses();
 
