@@ -4,9 +4,9 @@
 #include <vorn/collections/array_list.h>
 #include <vorn/collections/tuple.h>
 
+#include <algorithm>
 #include <array>
-#include <bit>
-#include <cstdlib>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -50,10 +50,7 @@ class Embedding {
   explicit Embedding(Input& input) : input_(input) {
     vorn_errors_clear();
     roots().clear();
-    if (classes().empty()) {
-      classNumber_ = 0;
-      defineClass();
-    }
+    if (classes().empty()) defineClass();
   }
   ~Embedding() { dropLocalRoots(); }
   Embedding(const Embedding&) = delete;
@@ -452,7 +449,6 @@ class Embedding {
   std::array<Model, kObjects> models_;
   std::array<void*, 8> locals_{};
   std::size_t localCount_ = 0;
-  std::size_t classNumber_ = 0;
   bool isOnThread_ = false;
 };
 
