@@ -271,6 +271,7 @@ class Embedding {
   }
 
   void failAllocation() {
+    noteFault();
     vorn_heap_fail_allocation(0);
     void* const failed = vorn_box_long(1);
     requireEqual("a failure having happened", vorn_heap_failure_happened(), 1);
@@ -284,7 +285,7 @@ class Embedding {
     const bool happened = vorn_heap_failure_happened() != 0;
     vorn_heap_fail_allocation(-1);
     if (happened != (made == nullptr)) diverge("a text while allocations fail", made == nullptr ? "null" : "a text", "the other");
-    if (made == nullptr) return;
+    if (made == nullptr) return noteFault();
     roots()[at] = made;
     models_[at] = model;
   }

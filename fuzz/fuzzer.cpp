@@ -17,6 +17,7 @@ constexpr std::size_t kRemembered = 4096;
 std::array<const char*, kRemembered> names{};
 std::size_t nameCount = 0;
 std::uint64_t operations = 0;
+std::uint64_t faults = 0;
 std::unique_ptr<OperationTally[]> tallies;
 std::size_t tallyCount = 0;
 
@@ -27,8 +28,8 @@ void writeFigures() {
   vorn_heap_get_statistics(&statistics);
   std::FILE* const file = std::fopen(path, "a");
   if (file == nullptr) return;
-  std::fprintf(file, "%llu %llu\n", static_cast<unsigned long long>(operations),
-               static_cast<unsigned long long>(statistics.collections));
+  std::fprintf(file, "%llu %llu %llu\n", static_cast<unsigned long long>(operations),
+               static_cast<unsigned long long>(faults), static_cast<unsigned long long>(statistics.collections));
   std::fclose(file);
 }
 
@@ -74,6 +75,8 @@ void noteOperation(const char* name) {
 }
 
 std::uint64_t operationCount() { return operations; }
+
+void noteFault() { ++faults; }
 
 void beginInput() { nameCount = 0; }
 

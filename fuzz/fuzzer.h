@@ -13,7 +13,8 @@
 namespace vorn::fuzz {
 
 // Starts the runtime, once and for the rest of the process, on the heap that VORN_TEST_HEAP describes. When the process
-// ends, the figures of its run are added to the file that VORN_FUZZ_FIGURES names, as a line "operations collections".
+// ends, its figures are added to the file that VORN_FUZZ_FIGURES names: a line with the numbers of operations, of faults
+// injected and of collections.
 void startRuntime();
 
 // The bytes of an input; beyond its end there are zeros.
@@ -39,6 +40,9 @@ class Input {
 // Counts an operation and remembers its name, for those who read about a divergence.
 void noteOperation(const char* name);
 [[nodiscard]] std::uint64_t operationCount();
+
+// Counts an error, exception or failed allocation that the fuzzer brought about.
+void noteFault();
 
 // Forgets the names of the operations of the input before.
 void beginInput();

@@ -65,9 +65,11 @@ class Rogues {
       case 2:
         return true;
       case 3:
+        noteFault();
         vorn_raise("HookException", "as it likes");
         return input_.flag();
       case 4:
+        noteFault();
         throw std::runtime_error("out of a hook");
       case 5:
         vorn_heap_collect();

@@ -69,6 +69,7 @@ bool hasRaised = false;
 bool mustRaise() {
   if (callsBeforeRaise < 0 || callsBeforeRaise-- > 0) return false;
   hasRaised = true;
+  noteFault();
   vorn_raise("HookException", "a hook raised");
   return true;
 }
