@@ -87,6 +87,13 @@ class Rogues {
       case 10:
         storeMany();
         return false;
+      case 11:
+      case 12:
+        vorn_collections_ArrayList_clear(list(what / 24 % 4));
+        return false;
+      case 13:
+        vorn_collections_ArrayList_removeAt(list(what / 24 % 4), -1);
+        return true;
       default:
         return false;
     }
