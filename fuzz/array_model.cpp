@@ -9,6 +9,28 @@
 
 namespace vorn::fuzz {
 
+namespace {
+
+ExpectedError nulInString() { return {"ValueException", "U+0000 cannot be stored in a String"}; }
+
+void appendScalar(std::string& text, std::uint32_t scalar) {
+  const auto add = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
+  if (scalar < 0x80) return add(scalar);
+  if (scalar < 0x800) {
+    add(0xC0 + scalar / 64);
+  } else if (scalar < 0x10000) {
+    add(0xE0 + scalar / 4096);
+    add(0x80 + scalar / 64 % 64);
+  } else {
+    add(0xF0 + scalar / 262144);
+    add(0x80 + scalar / 4096 % 64);
+    add(0x80 + scalar / 64 % 64);
+  }
+  add(0x80 + scalar % 64);
+}
+
+}  // namespace
+
 ExpectedError invalidElement() { return {"TypeError", "Invalid array element type"}; }
 
 double numericOf(const Value& value) {
@@ -58,7 +80,8 @@ std::optional<Value> ArrayModel::fitting(const Value& value) const {
     fits = isNumber(value.type) && !isFloating(value.type);
   }
   if (!fits) return std::nullopt;
-  return isFloating(element) ? kept(truncated(numericOf(value)), numericOf(value)) : kept(value.integer, floatingOf(value));
+  return isFloating(element) ? kept(truncated(numericOf(value)), numericOf(value))
+                             : kept(value.integer, floatingOf(value));
 }
 
 bool ArrayModel::assign(std::size_t at, const Value& value) {
@@ -99,6 +122,19 @@ ExpectedError ArrayModel::setTruth(std::int64_t index, bool truth) {
   return {};
 }
 
+ExpectedError ArrayModel::assignSlice(const Slice& slice, bool isOrderedSource, const Values& values) {
+  if (slice.step == 0) return {"Exception", "slice step cannot be zero"};
+  if (!isOrderedSource) return {"TypeError", "slice assignment source must be an ordered collection"};
+  const std::vector<std::size_t> positions = positionsOf(slice, size());
+  if (positions.size() != values.size()) {
+    return {"ValueException", "fixed array slice assignment requires the same number of values"};
+  }
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    if (!assign(positions[i], values[i])) return invalidElement();
+  }
+  return {};
+}
+
 bool ArrayModel::equals(std::size_t at, const Value& value) const {
   if (!isUnboxed()) return areElementsEqual(value, slots[at]);
   if (isFloating(element)) return isNumber(value.type) && numericOf(value) == slots[at].floating;
@@ -106,6 +142,39 @@ bool ArrayModel::equals(std::size_t at, const Value& value) const {
                               ? fitting(value).has_value()
                               : isNumber(value.type) && !isFloating(value.type);
   return comparable && value.integer == slots[at].integer;
+}
+
+ArrayText textOfScalars(const ArrayModel& model) {
+  std::string text;
+  for (std::size_t i = 0; i < model.slots.size(); ++i) {
+    const std::int64_t scalar = model.isUnboxed() ? model.integerAt(i) : 0;
+    ExpectedError error = characterError(rawInteger(Kind::UInt, Type::Char, scalar));
+    if (error.exceptionClass == nullptr && scalar == 0) error = nulInString();
+    if (error.exceptionClass != nullptr) return {"", error};
+    appendScalar(text, static_cast<std::uint32_t>(scalar));
+  }
+  return {text, {}};
+}
+
+ArrayText textOfUnits(const ArrayModel& model) {
+  std::string text;
+  const auto unitAt = [&](std::size_t at) {
+    return model.isUnboxed() && at < model.slots.size() ? static_cast<std::uint32_t>(model.integerAt(at)) : 0;
+  };
+  for (std::size_t i = 0; i < model.slots.size(); ++i) {
+    const std::uint32_t unit = unitAt(i);
+    if (unit == 0) return {"", nulInString()};
+    if (unit >= 0xD800 && unit <= 0xDBFF) {
+      const std::uint32_t low = unitAt(++i);
+      if (low < 0xDC00 || low > 0xDFFF) return {"", {"ValueException", "Unpaired high surrogate in CodeUnit[]"}};
+      appendScalar(text, (unit - 0xD800) * 0x400 + (low - 0xDC00) + 0x10000);
+    } else if (unit >= 0xDC00 && unit <= 0xDFFF) {
+      return {"", {"ValueException", "Unpaired low surrogate in CodeUnit[]"}};
+    } else if (unit <= 0xFFFF) {
+      appendScalar(text, unit);
+    }
+  }
+  return {text, {}};
 }
 
 void requireArray(const char* what, void* handle, ArrayModel& model) {

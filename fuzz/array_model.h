@@ -18,9 +18,9 @@ double numericOf(const Value& value);
 
 struct ArrayModel {
   bool synchronised = false;
-  Type argument = Type::None;    // the type argument of the class
-  Type element = Type::Object;   // the element type
-  Values slots;                  // unboxed ones as their boxes would be, without handles
+  Type argument = Type::None;   // the type argument of the class
+  Type element = Type::Object;  // the element type
+  Values slots;                 // unboxed ones as their boxes would be, without handles
 
   [[nodiscard]] Kind kind() const { return kindOf(element); }
   [[nodiscard]] bool isUnboxed() const { return kind() != Kind::None; }
@@ -38,6 +38,8 @@ struct ArrayModel {
   ExpectedError setInteger(std::int64_t index, std::int64_t integer);
   ExpectedError setFloating(std::int64_t index, double floating);
   ExpectedError setTruth(std::int64_t index, bool truth);
+  // Stops at the first value that is refused.
+  ExpectedError assignSlice(const Slice& slice, bool isOrderedSource, const Values& values);
   [[nodiscard]] bool equals(std::size_t at, const Value& value) const;
   // The slot's integer and double, as arrays read them.
   [[nodiscard]] std::int64_t integerAt(std::size_t at) const { return integerOf(slots[at]); }
@@ -47,6 +49,14 @@ struct ArrayModel {
   [[nodiscard]] Value kept(std::int64_t integer, double floating) const;
   ExpectedError setBoxed(std::size_t at, const Value& box);
 };
+
+// The text of an array of characters or of code units, empty beside an error.
+struct ArrayText {
+  std::string text;
+  ExpectedError error;
+};
+ArrayText textOfScalars(const ArrayModel& model);
+ArrayText textOfUnits(const ArrayModel& model);
 
 // Ends the process unless the array is sound and what the model says. Learns the handles of new boxes.
 void requireArray(const char* what, void* array, ArrayModel& model);

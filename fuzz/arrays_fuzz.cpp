@@ -208,8 +208,7 @@ class Arrays {
     const std::size_t other = any();
     const Values& left = models_[at].slots;
     const Values& right = models_[other].slots;
-    const bool equal =
-        at == other || std::equal(left.begin(), left.end(), right.begin(), right.end(), areDeepEqual);
+    const bool equal = at == other || std::equal(left.begin(), left.end(), right.begin(), right.end(), areDeepEqual);
     requireEqual("operator_eq", vorn_collections_Array_operator_eq(array(at), array(other)) ? 1 : 0, equal ? 1 : 0);
     requireEqual("operator_ne", vorn_collections_Array_operator_ne(array(at), array(other)) ? 1 : 0, equal ? 0 : 1);
     require("operator_eq", at);
@@ -265,9 +264,9 @@ class Arrays {
     const std::size_t at = any();
     const std::size_t target = any();
     const Slice slice = anySlice();
-    void* const result = vorn_collections_Array_slice(array(at), slice.start, slice.stop, slice.step,
-                                                      slice.hasStart ? array(at) : nullptr,
-                                                      slice.hasStop ? array(at) : nullptr);
+    void* const result =
+        vorn_collections_Array_slice(array(at), slice.start, slice.stop, slice.step,
+                                     slice.hasStart ? array(at) : nullptr, slice.hasStop ? array(at) : nullptr);
     if (slice.step == 0) {
       requireEqual("no slice", result == nullptr ? 1 : 0, 1);
       return require("slice", at, {{"Exception", "slice step cannot be zero"}});
@@ -288,20 +287,7 @@ class Arrays {
     vorn_collections_Array_sliceAssign(array(at), slice.start, slice.stop, slice.step,
                                        slice.hasStart ? array(at) : nullptr, slice.hasStop ? array(at) : nullptr,
                                        source);
-    require("sliceAssign", at, one(assignSlice(models_[at], slice, source, values)));
-  }
-
-  static ExpectedError assignSlice(ArrayModel& model, const Slice& slice, void* source, const Values& values) {
-    if (slice.step == 0) return {"Exception", "slice step cannot be zero"};
-    if (!isOrdered(source)) return {"TypeError", "slice assignment source must be an ordered collection"};
-    const std::vector<std::size_t> positions = positionsOf(slice, model.size());
-    if (positions.size() != values.size()) {
-      return {"ValueException", "fixed array slice assignment requires the same number of values"};
-    }
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-      if (!model.assign(positions[i], values[i])) return invalidElement();
-    }
-    return {};
+    require("sliceAssign", at, one(models_[at].assignSlice(slice, isOrdered(source), values)));
   }
 
   void concat() {
@@ -321,7 +307,8 @@ class Arrays {
       const bool fits = model.assign(model.slots.size() - 1, value);
       if (!fits && error.exceptionClass == nullptr) error = invalidElement();
     }
-    if (source != nullptr && error.exceptionClass == nullptr) return finish("concat", at, target, result, std::move(model));
+    if (source != nullptr && error.exceptionClass == nullptr)
+      return finish("concat", at, target, result, std::move(model));
     requireEqual("no result", result == nullptr ? 1 : 0, 1);
     require("concat", at, one(error));
   }
@@ -330,57 +317,11 @@ class Arrays {
 
   void texts() {
     const std::size_t at = any();
-    Values units = models_[at].slots;
-    std::string text;
-    ExpectedError error;
     const bool asUnits = input_.flag();
-    for (std::size_t i = 0; i < units.size() && error.exceptionClass == nullptr; ++i) {
-      const std::int64_t whole = models_[at].isUnboxed() ? models_[at].integerAt(i) : 0;
-      if (!asUnits) {
-        error = characterError(rawInteger(Kind::UInt, Type::Char, whole));
-        if (error.exceptionClass == nullptr && whole == 0) error = nulInString();
-        if (error.exceptionClass == nullptr) appendScalar(text, static_cast<std::uint32_t>(whole));
-        continue;
-      }
-      const auto unit = static_cast<std::uint32_t>(whole);
-      if (unit == 0) {
-        error = nulInString();
-      } else if (unit >= 0xD800 && unit <= 0xDBFF) {
-        const auto next = i + 1 < units.size() ? static_cast<std::uint32_t>(models_[at].integerAt(i + 1)) : 0;
-        if (next < 0xDC00 || next > 0xDFFF) {
-          error = {"ValueException", "Unpaired high surrogate in CodeUnit[]"};
-        } else {
-          appendScalar(text, (unit - 0xD800) * 0x400 + (next - 0xDC00) + 0x10000);
-          ++i;
-        }
-      } else if (unit >= 0xDC00 && unit <= 0xDFFF) {
-        error = {"ValueException", "Unpaired low surrogate in CodeUnit[]"};
-      } else if (unit <= 0xFFFF) {
-        appendScalar(text, unit);
-      }
-    }
-    if (error.exceptionClass != nullptr) text.clear();
+    const ArrayText expected = asUnits ? textOfUnits(models_[at]) : textOfScalars(models_[at]);
     void* const actual = asUnits ? Vorn_stringFromCodeUnitArray(array(at)) : Vorn_stringFromCharArray(array(at));
-    requireSame("the text of an array", stringValueFromPtr(actual), text);
-    require("the text of an array", at, one(error));
-  }
-
-  static ExpectedError nulInString() { return {"ValueException", "U+0000 cannot be stored in a String"}; }
-
-  static void appendScalar(std::string& text, std::uint32_t scalar) {
-    const auto add = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (scalar < 0x80) return add(scalar);
-    if (scalar < 0x800) {
-      add(0xC0 + scalar / 64);
-    } else if (scalar < 0x10000) {
-      add(0xE0 + scalar / 4096);
-      add(0x80 + scalar / 64 % 64);
-    } else {
-      add(0xF0 + scalar / 262144);
-      add(0x80 + scalar / 4096 % 64);
-      add(0x80 + scalar / 64 % 64);
-    }
-    add(0x80 + scalar % 64);
+    requireSame("the text of an array", stringValueFromPtr(actual), expected.text);
+    require("the text of an array", at, one(expected.error));
   }
 
   void bytes() {
@@ -402,7 +343,9 @@ class Arrays {
     requireEqual("writing bytes", Vorn_writeByteArrayData(array(at), written.data(), written.size(), error) ? 1 : 0,
                  isBytes && fits ? 1 : 0);
     requireSame("the error of writing bytes", error,
-                !isBytes ? "Expected Byte[]" : !fits ? "Destination Byte[] is too small" : "untouched");
+                !isBytes ? "Expected Byte[]"
+                : !fits  ? "Destination Byte[] is too small"
+                         : "untouched");
     for (std::size_t i = 0; isBytes && fits && i < written.size(); ++i) model.slots[i].integer = written[i];
     require("bytes", at);
   }

@@ -30,14 +30,14 @@ class Buffers : public ListSlots {
     void* const* const v = argumentSlots();
     void* list = nullptr;
     if (synchronised) {
-      list = count == 0 ? vorn_collections_ArrayListSync_literal0()
+      list = count == 0   ? vorn_collections_ArrayListSync_literal0()
              : count == 1 ? vorn_collections_ArrayListSync_literal(1LL, v[0])
              : count == 2 ? vorn_collections_ArrayListSync_literal(2LL, v[0], v[1])
              : count == 3 ? vorn_collections_ArrayListSync_literal(3LL, v[0], v[1], v[2])
-                          : vorn_collections_ArrayListSync_literal(12LL, v[0], v[1], v[2], v[3], v[4], v[5], v[6],
-                                                                   v[7], v[8], v[9], v[10], v[11]);
+                          : vorn_collections_ArrayListSync_literal(12LL, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7],
+                                                                   v[8], v[9], v[10], v[11]);
     } else if (which >= 4) {
-      list = count == 0 ? vorn_collections_ArrayList_literal(0LL)
+      list = count == 0   ? vorn_collections_ArrayList_literal(0LL)
              : count == 1 ? vorn_collections_ArrayList_literal(1LL, v[0])
              : count == 3 ? vorn_collections_ArrayList_literal(3LL, v[0], v[1], v[2])
                           : vorn_collections_ArrayList_literal(12LL, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7],
@@ -45,9 +45,9 @@ class Buffers : public ListSlots {
     } else {
       list = count == 0   ? vorn_collections_ArrayList_literal0()
              : count == 1 ? vorn_collections_ArrayList_literal1(v[0])
-             : count == 5 ? vorn_collections_ArrayList_literal5(v[0], v[1], v[2], v[3], v[4])
-                          : vorn_collections_ArrayList_literal10(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8],
-                                                                 v[9]);
+             : count == 5
+                 ? vorn_collections_ArrayList_literal5(v[0], v[1], v[2], v[3], v[4])
+                 : vorn_collections_ArrayList_literal10(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9]);
     }
     ListModel model = modelOfClass(false, synchronised, Type::None);
     finish("a literal", list, std::move(model), [&](ListModel& made) { return fillLiteral(made, values); });
@@ -89,9 +89,9 @@ class Buffers : public ListSlots {
         list = vorn_collections_ArrayList_intLiteral10(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9]);
         break;
       case 4:
-        list = vorn_collections_ArrayList_intLiteral20(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9],
-                                                       v[10], v[11], v[12], v[13], v[14], v[15], v[16], v[17], v[18],
-                                                       v[19]);
+        list =
+            vorn_collections_ArrayList_intLiteral20(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10],
+                                                    v[11], v[12], v[13], v[14], v[15], v[16], v[17], v[18], v[19]);
         break;
       case 6:
         list = vorn_collections_ArrayList_intLiteral(2LL, v[0], v[1]);
@@ -126,9 +126,8 @@ class Buffers : public ListSlots {
     const Type name = type == Type::None ? Type::Int : type;
     const std::int64_t count = smallCount();
     void** const out = &argumentSlots()[0];
-    void* const data = synchronised
-                           ? vorn_collections_ArrayListSync_newPrimitiveData(count, nameOrNull(type), out)
-                           : vorn_collections_ArrayList_newPrimitiveData(count, nameOrNull(type), out);
+    void* const data = synchronised ? vorn_collections_ArrayListSync_newPrimitiveData(count, nameOrNull(type), out)
+                                    : vorn_collections_ArrayList_newPrimitiveData(count, nameOrNull(type), out);
     if (kindOf(name) == Kind::None) {
       requireError("newPrimitiveData", primitiveStorageExpected());
       requireEqual("no list coming", *out == nullptr && data == nullptr ? 1 : 0, 1);
@@ -350,8 +349,9 @@ class Buffers : public ListSlots {
     const auto committed = raws.empty() ? count < 0 ? count : 0 : static_cast<long long>(raws.size());
     input().flag() ? vorn_collections_ArrayList_commitPrimitiveI64DataSize(list, committed)
                    : vorn_collections_ArrayList_commitPrimitiveI64DataSizeFast(list, committed);
-    finish("a commit of integers", list, prepared(std::move(model), kind, name),
-           [&](ListModel& made) { return made.assignRaw(kind, name, raws); }, own);
+    finish(
+        "a commit of integers", list, prepared(std::move(model), kind, name),
+        [&](ListModel& made) { return made.assignRaw(kind, name, raws); }, own);
   }
 
   void fillDoubles(double* data, void* list, ListModel model, Kind kind, Type name, std::int64_t count,
@@ -359,8 +359,9 @@ class Buffers : public ListSlots {
     const std::vector<RawValue> raws = someRaws(kind, name, count, true);
     for (std::size_t i = 0; i < raws.size(); ++i) data[i] = raws[i].floating;
     commitDoubles(list, count);
-    finish("a commit of doubles", list, prepared(std::move(model), kind, name),
-           [&](ListModel& made) { return made.assignRaw(kind, name, raws); }, own);
+    finish(
+        "a commit of doubles", list, prepared(std::move(model), kind, name),
+        [&](ListModel& made) { return made.assignRaw(kind, name, raws); }, own);
   }
 
   static ListModel prepared(ListModel model, Kind kind, Type name) {

@@ -5,8 +5,8 @@
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
-#include <vorn/collections/runtime_helpers.hpp>
 #include <vorn/collections/tuple.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +23,7 @@ namespace {
 struct Source {
   void* handle = nullptr;
   Values values;
-  bool isOrdered = true;    // a list, array or tuple
+  bool isOrdered = true;     // a list, array or tuple
   bool isCollection = true;  // one of these, or a set
 };
 
@@ -48,8 +48,7 @@ class Bulk : public ListSlots {
     if (chosen.model.size() + static_cast<std::int64_t>(source.values.size()) > kMostElements) return;
     const std::int64_t index = indexIn(chosen);
     vorn_collections_ArrayList_addAllAt(chosen.list(), index, source.handle);
-    require("addAllAt", chosen,
-            source.isCollection ? chosen.model.addAll(index, source.values) : notACollection());
+    require("addAllAt", chosen, source.isCollection ? chosen.model.addAll(index, source.values) : notACollection());
   }
 
   static ExpectedError notACollection() { return {"TypeError", "addAll expects a list, array, tuple or set"}; }
@@ -120,7 +119,8 @@ class Bulk : public ListSlots {
     Slot& target = anySlot();
     const std::int64_t count = input().index();
     if (count > 20 && !chosen.model.elements.empty()) {
-      if (count > INT64_MAX / 2) requireThrows("repeat", [&] { vorn_collections_ArrayList_repeat(chosen.list(), count); });
+      if (count > INT64_MAX / 2)
+        requireThrows("repeat", [&] { vorn_collections_ArrayList_repeat(chosen.list(), count); });
       return require("repeat", chosen);
     }
     if (count * chosen.model.size() > kMostElements) return;
@@ -339,8 +339,8 @@ class Bulk : public ListSlots {
     Values kept;
     for (const Value& value : values) {
       vorn_collections_HashSet_add(set, value.handle);
-      const auto same = std::find_if(kept.begin(), kept.end(),
-                                     [&](const Value& other) { return compareKeys(other, value) == 0; });
+      const auto same =
+          std::find_if(kept.begin(), kept.end(), [&](const Value& other) { return compareKeys(other, value) == 0; });
       if (same != kept.end()) {
         *same = value;
       } else {
@@ -353,22 +353,14 @@ class Bulk : public ListSlots {
 };
 
 constexpr Operation<Bulk> kOperations[] = {
-    {"create", &Bulk::create},
-    {"add", &Bulk::add},
-    {"add many", &Bulk::addMany},
-    {"clear", &Bulk::clear},
-    {"removeAt", &Bulk::removeAt},
-    {"addAll", &Bulk::addAll},
-    {"addAllAt", &Bulk::addAllAt},
-    {"slice", &Bulk::slice},
-    {"sliceAssign", &Bulk::sliceAssign},
-    {"sliceAssign", &Bulk::sliceAssign},
-    {"concat", &Bulk::concat},
-    {"repeat", &Bulk::repeat},
-    {"reverse", &Bulk::reverse},
-    {"reverseNew", &Bulk::reverseNew},
-    {"shuffle", &Bulk::shuffle},
-    {"snapshotListObjectValues", &Bulk::snapshot},
+    {"create", &Bulk::create},           {"add", &Bulk::add},
+    {"add many", &Bulk::addMany},        {"clear", &Bulk::clear},
+    {"removeAt", &Bulk::removeAt},       {"addAll", &Bulk::addAll},
+    {"addAllAt", &Bulk::addAllAt},       {"slice", &Bulk::slice},
+    {"sliceAssign", &Bulk::sliceAssign}, {"sliceAssign", &Bulk::sliceAssign},
+    {"concat", &Bulk::concat},           {"repeat", &Bulk::repeat},
+    {"reverse", &Bulk::reverse},         {"reverseNew", &Bulk::reverseNew},
+    {"shuffle", &Bulk::shuffle},         {"snapshotListObjectValues", &Bulk::snapshot},
     {"Tuple.ctor", &Bulk::tuple},
 };
 

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "fuzz/boxes.h"
 #include "fuzz/values.h"
 
 namespace vorn::fuzz {
@@ -24,8 +25,8 @@ enum class Content { Nothing, Box, Text, Instance, List, Tuple };
 // What an object of the API must be. Handles in it are compared and never followed, but for their type.
 struct Model {
   Content content = Content::Nothing;
-  Value value;             // of a box
-  std::string text;        // of a text
+  Value value;       // of a box
+  std::string text;  // of a text
   bool isBare = false;
   std::size_t classNumber = 0;
   std::int64_t integer = 0;  // the fields of an instance
@@ -163,19 +164,23 @@ class Embedding {
     arguments[1].integer = input_.index();
     vorn_word result{};
     if (input_.flag()) {
-      const int errors = vorn_call("v(hi)", reinterpret_cast<vorn_function>(vorn_collections_ArrayList_addInt), arguments, nullptr);
+      const int errors =
+          vorn_call("v(hi)", reinterpret_cast<vorn_function>(vorn_collections_ArrayList_addInt), arguments, nullptr);
       requireEqual("the errors of a call", errors, 0);
       model.elements.push_back(arguments[1].integer);
     } else {
       const auto size = static_cast<std::int64_t>(model.elements.size());
       const std::int64_t index = arguments[1].integer < 0 ? arguments[1].integer + size : arguments[1].integer;
       const bool isInside = index >= 0 && index < size;
-      const int errors = vorn_call("i(hi)", reinterpret_cast<vorn_function>(vorn_collections_ArrayList_getInt), arguments, &result);
+      const int errors =
+          vorn_call("i(hi)", reinterpret_cast<vorn_function>(vorn_collections_ArrayList_getInt), arguments, &result);
       requireEqual("the errors of a call", errors, isInside ? 0 : 1);
-      requireEqual("the result of a call", result.integer, isInside ? model.elements[static_cast<std::size_t>(index)] : 0);
+      requireEqual("the result of a call", result.integer,
+                   isInside ? model.elements[static_cast<std::size_t>(index)] : 0);
       vorn_errors_truncate(vorn_error_count() - static_cast<std::size_t>(errors));
     }
-    requireEqual("an unknown shape", vorn_call("x(y)", reinterpret_cast<vorn_function>(vorn_heap_collect), arguments, &result), -1);
+    requireEqual("an unknown shape",
+                 vorn_call("x(y)", reinterpret_cast<vorn_function>(vorn_heap_collect), arguments, &result), -1);
     requireModel(at);
   }
 
@@ -187,8 +192,9 @@ class Embedding {
     arguments[0].handle = object(at);
     arguments[1].integer = INT64_MAX;
     const std::size_t before = vorn_error_count();
-    requireEqual("the errors of a call beyond memory",
-                 vorn_call("v(hi)", reinterpret_cast<vorn_function>(vorn_collections_ArrayList_reserve), arguments, nullptr), 1);
+    requireEqual(
+        "the errors of a call beyond memory",
+        vorn_call("v(hi)", reinterpret_cast<vorn_function>(vorn_collections_ArrayList_reserve), arguments, nullptr), 1);
     requireSame("the error of a call beyond memory", vorn_error_class(before), "MemoryException");
     vorn_errors_truncate(before);
     requireModel(at);
@@ -223,7 +229,8 @@ class Embedding {
     const std::size_t before = vorn_error_count();
     const std::string message = "m" + std::to_string(input_.byte());
     vorn_raise("fuzz.Error", message.c_str());
-    requireEqual("the number of errors", static_cast<std::int64_t>(vorn_error_count()), static_cast<std::int64_t>(before + 1));
+    requireEqual("the number of errors", static_cast<std::int64_t>(vorn_error_count()),
+                 static_cast<std::int64_t>(before + 1));
     requireSame("the class of an error", vorn_error_class(before), "fuzz.Error");
     requireSame("the message of an error", vorn_error_message(before), message);
     if (vorn_error_class(before + 1) != nullptr) diverge("an error that is not there", "a text", "null");
@@ -284,7 +291,8 @@ class Embedding {
     void* const made = vorn_string_new(model.text.c_str(), SIZE_MAX);
     const bool happened = vorn_heap_failure_happened() != 0;
     vorn_heap_fail_allocation(-1);
-    if (happened != (made == nullptr)) diverge("a text while allocations fail", made == nullptr ? "null" : "a text", "the other");
+    if (happened != (made == nullptr))
+      diverge("a text while allocations fail", made == nullptr ? "null" : "a text", "the other");
     if (made == nullptr) return noteFault();
     roots()[at] = made;
     models_[at] = model;
@@ -313,67 +321,6 @@ class Embedding {
     requireModel(at);
   }
 
-  // By the maker of its type alone, where the value is one of the type.
-  static void* exactBox(Value& value) {
-    switch (value.type) {
-      case Type::SByte:
-        return vorn_box_sbyte(static_cast<std::int8_t>(value.integer = static_cast<std::int8_t>(value.integer)));
-      case Type::Byte:
-        return vorn_box_byte(static_cast<std::uint8_t>(value.integer = static_cast<std::uint8_t>(value.integer)));
-      case Type::Short:
-        return vorn_box_short(static_cast<std::int16_t>(value.integer = static_cast<std::int16_t>(value.integer)));
-      case Type::UShort:
-        return vorn_box_ushort(static_cast<std::uint16_t>(value.integer = static_cast<std::uint16_t>(value.integer)));
-      case Type::CodeUnit:
-        return vorn_box_code_unit(static_cast<std::uint16_t>(value.integer = static_cast<std::uint16_t>(value.integer)));
-      case Type::Int:
-        return vorn_box_int(static_cast<std::int32_t>(value.integer = static_cast<std::int32_t>(value.integer)));
-      case Type::UInt:
-        return vorn_box_uint(static_cast<std::uint32_t>(value.integer = static_cast<std::uint32_t>(value.integer)));
-      case Type::Char:
-        return vorn_box_char(static_cast<std::uint32_t>(value.integer = static_cast<std::uint32_t>(value.integer)));
-      case Type::ULong:
-        return vorn_box_ulong(static_cast<std::uint64_t>(value.integer));
-      case Type::Float:
-        return vorn_box_float(static_cast<float>(value.floating));
-      case Type::Double:
-        return vorn_box_double(value.floating);
-      case Type::Boolean:
-        return vorn_box_boolean(value.integer != 0);
-      default:
-        return vorn_box_long(value.integer);
-    }
-  }
-
-  template <class Number, class Wanted>
-  static void requireUnboxed(int (*unbox)(void*, Number*), void* handle, bool fits, Wanted wanted) {
-    Number number{};
-    requireEqual("unboxing", unbox(handle, &number), fits ? 1 : 0);
-    if (number != (fits ? static_cast<Number>(wanted) : Number{}) && wanted == wanted) {
-      diverge("an unboxed value", std::to_string(number), std::to_string(wanted));
-    }
-  }
-
-  static void requireBox(void* handle, const Value& value) {
-    requireUnboxed(vorn_unbox_sbyte, handle, value.type == Type::SByte, value.integer);
-    requireUnboxed(vorn_unbox_byte, handle, value.type == Type::Byte, value.integer);
-    requireUnboxed(vorn_unbox_short, handle, value.type == Type::Short, value.integer);
-    requireUnboxed(vorn_unbox_ushort, handle, value.type == Type::UShort, value.integer);
-    requireUnboxed(vorn_unbox_int, handle, value.type == Type::Int, value.integer);
-    requireUnboxed(vorn_unbox_uint, handle, value.type == Type::UInt, value.integer);
-    requireUnboxed(vorn_unbox_long, handle, value.type == Type::Long, value.integer);
-    requireUnboxed(vorn_unbox_ulong, handle, value.type == Type::ULong, value.integer);
-    requireUnboxed(vorn_unbox_float, handle, value.type == Type::Float, value.floating);
-    requireUnboxed(vorn_unbox_double, handle, value.type == Type::Double, value.floating);
-    requireUnboxed(vorn_unbox_char, handle, value.type == Type::Char, value.integer);
-    requireUnboxed(vorn_unbox_code_unit, handle, value.type == Type::CodeUnit, value.integer);
-    requireUnboxed(vorn_unbox_boolean, handle, value.type == Type::Boolean, value.integer);
-    requireUnboxed(vorn_unbox_integer, handle, isPrimitive(value.type) && !isFloating(value.type), value.integer);
-    requireUnboxed(vorn_unbox_floating, handle, isFloating(value.type), value.floating);
-    const std::string type = std::string("vorn.") + nameOf(value.type);
-    requireSame("the type of a box", vorn_type_name(handle), type);
-  }
-
   void requireModel(std::size_t at) {
     const Model& model = models_[at];
     void* const handle = object(at);
@@ -391,7 +338,8 @@ class Embedding {
       case Content::List:
         return requireLongs(handle, model);
       case Content::Tuple:
-        requireEqual("the size of a tuple", vorn_collections_Tuple_size(handle), static_cast<std::int64_t>(model.items.size()));
+        requireEqual("the size of a tuple", vorn_collections_Tuple_size(handle),
+                     static_cast<std::int64_t>(model.items.size()));
         for (std::size_t i = 0; i < model.items.size(); ++i) {
           void* item = nullptr;
           requireEqual("an item", vorn_field_get_handle(handle, ("_" + std::to_string(i)).c_str(), &item), 1);
@@ -427,10 +375,12 @@ class Embedding {
   static void requireLongs(void* handle, const Model& model) {
     vorn_list_storage_info info;
     requireEqual("being a list", vorn_list_get_storage(handle, &info), 1);
-    requireEqual("the size of a list", static_cast<std::int64_t>(info.size), static_cast<std::int64_t>(model.elements.size()));
+    requireEqual("the size of a list", static_cast<std::int64_t>(info.size),
+                 static_cast<std::int64_t>(model.elements.size()));
     requireSame("the declared type of a list", info.element_type, "Long");
     for (std::size_t i = 0; i < model.elements.size(); ++i) {
-      requireEqual("an element", vorn_collections_ArrayList_getInt(handle, static_cast<long long>(i)), model.elements[i]);
+      requireEqual("an element", vorn_collections_ArrayList_getInt(handle, static_cast<long long>(i)),
+                   model.elements[i]);
     }
   }
 

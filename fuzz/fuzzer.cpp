@@ -58,7 +58,7 @@ std::int64_t Input::index() {
   const std::uint8_t chosen = byte();
   if (chosen < 200) return static_cast<std::int64_t>(chosen % 24) - 6;
   if (chosen < 244) return static_cast<std::int64_t>(byte()) - 128;
-  constexpr std::int64_t kFar[] = {INT64_MIN, INT64_MIN + 1, INT64_MAX,     INT64_MAX - 1,
+  constexpr std::int64_t kFar[] = {INT64_MIN, INT64_MIN + 1, INT64_MAX,    INT64_MAX - 1,
                                    INT32_MIN, INT32_MAX,     -(1LL << 32), 1LL << 32};
   return kFar[chosen % std::size(kFar)];
 }

@@ -417,9 +417,7 @@ std::uint64_t hashRogue(void* self, void*) {
   return static_cast<std::uint64_t>(numberOfRogue(self)) / 2 + (lies ? 1 : 0);
 }
 
-void* showRogue(void* self, void*) {
-  return active->misbehave(self, self) ? nullptr : vorn_text_new("rogue");
-}
+void* showRogue(void* self, void*) { return active->misbehave(self, self) ? nullptr : vorn_text_new("rogue"); }
 
 void defineRogues() {
   static const bool defined = [] {
@@ -452,12 +450,18 @@ class Guarded {
 };
 
 constexpr Operation<Guarded> kOperations[] = {
-    {"change", &Guarded::run<&Rogues::change>},        {"store", &Guarded::run<&Rogues::store>},
-    {"store many", &Guarded::run<&Rogues::storeMany>}, {"look", &Guarded::run<&Rogues::look>},
-    {"look", &Guarded::run<&Rogues::look>},            {"search a list", &Guarded::run<&Rogues::searchList>},
-    {"sort", &Guarded::run<&Rogues::sort>},            {"remove a key", &Guarded::run<&Rogues::removeKey>},
-    {"list", &Guarded::run<&Rogues::list>},            {"compare", &Guarded::run<&Rogues::compare>},
-    {"show", &Guarded::run<&Rogues::show>},            {"sliceAssign", &Guarded::run<&Rogues::assignSlice>},
+    {"change", &Guarded::run<&Rogues::change>},
+    {"store", &Guarded::run<&Rogues::store>},
+    {"store many", &Guarded::run<&Rogues::storeMany>},
+    {"look", &Guarded::run<&Rogues::look>},
+    {"look", &Guarded::run<&Rogues::look>},
+    {"search a list", &Guarded::run<&Rogues::searchList>},
+    {"sort", &Guarded::run<&Rogues::sort>},
+    {"remove a key", &Guarded::run<&Rogues::removeKey>},
+    {"list", &Guarded::run<&Rogues::list>},
+    {"compare", &Guarded::run<&Rogues::compare>},
+    {"show", &Guarded::run<&Rogues::show>},
+    {"sliceAssign", &Guarded::run<&Rogues::assignSlice>},
 };
 
 }  // namespace

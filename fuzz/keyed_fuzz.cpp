@@ -3,8 +3,8 @@
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/immutable_list.h>
 #include <vorn/collections/map.h>
-#include <vorn/collections/runtime_helpers.hpp>
 #include <vorn/collections/tuple.h>
+#include <vorn/collections/runtime_helpers.hpp>
 
 #include <algorithm>
 #include <array>
@@ -37,14 +37,14 @@ struct Family {
   bool isSorted;
   bool isSynchronised;
 };
-constexpr Family kFamilies[] = {{"Map", false, false, false},       {"HashMapSync", false, false, true},
-                                {"SortedMap", false, true, false},  {"SortedMapSync", false, true, true},
-                                {"HashSet", true, false, false},    {"HashSetSync", true, false, true}};
+constexpr Family kFamilies[] = {{"Map", false, false, false},      {"HashMapSync", false, false, true},
+                                {"SortedMap", false, true, false}, {"SortedMapSync", false, true, true},
+                                {"HashSet", true, false, false},   {"HashSetSync", true, false, true}};
 
 struct Model {
   const Family* family = &kFamilies[0];
   std::map<Value, Entry, Before> entries;
-  std::string keyType;    // recorded, or empty
+  std::string keyType;  // recorded, or empty
   std::string valueType;
 
   [[nodiscard]] std::int64_t size() const { return static_cast<std::int64_t>(entries.size()); }
@@ -53,7 +53,8 @@ struct Model {
     std::vector<const Entry*> all;
     for (const auto& [key, entry] : entries) all.push_back(&entry);
     if (!family->isSorted) {
-      std::sort(all.begin(), all.end(), [](const Entry* left, const Entry* right) { return left->serial < right->serial; });
+      std::sort(all.begin(), all.end(),
+                [](const Entry* left, const Entry* right) { return left->serial < right->serial; });
     }
     return all;
   }
@@ -217,9 +218,8 @@ class Keyed {
     if (isSet(at)) return;
     const Value value = rooted(chooseValue(input_, input_.flag() ? Type::Int : Type::None), 1);
     const bool contains = vorn_collections_Map_containsValue(table(at), value.handle);
-    const bool expected = std::any_of(models_[at].entries.begin(), models_[at].entries.end(), [&](const auto& entry) {
-      return areElementsEqual(entry.second.value, value);
-    });
+    const bool expected = std::any_of(models_[at].entries.begin(), models_[at].entries.end(),
+                                      [&](const auto& entry) { return areElementsEqual(entry.second.value, value); });
     requireEqual("containsValue", contains ? 1 : 0, expected ? 1 : 0);
     require("containsValue", at);
   }
@@ -230,12 +230,11 @@ class Keyed {
     if (isSet(at) || isSet(other)) return;
     const auto& left = models_[at].entries;
     const auto& right = models_[other].entries;
-    const bool equal = at == other || (left.size() == right.size() &&
-                                       std::all_of(left.begin(), left.end(), [&](const auto& entry) {
-                                         const auto found = right.find(entry.first);
-                                         return found != right.end() &&
-                                                areDeepEqual(entry.second.value, found->second.value);
-                                       }));
+    const bool equal =
+        at == other || (left.size() == right.size() && std::all_of(left.begin(), left.end(), [&](const auto& entry) {
+                          const auto found = right.find(entry.first);
+                          return found != right.end() && areDeepEqual(entry.second.value, found->second.value);
+                        }));
     requireEqual("operator_eq", vorn_collections_Map_operator_eq(table(at), table(other)) ? 1 : 0, equal ? 1 : 0);
     requireEqual("operator_ne", vorn_collections_Map_operator_ne(table(at), table(other)) ? 1 : 0, equal ? 0 : 1);
     require("operator_eq", at);
@@ -272,8 +271,8 @@ class Keyed {
     std::string valueType = model.valueType.empty() ? "Object" : model.valueType;
     if (!all.empty()) {
       const std::string first = shortNameOf(all[0]->value);
-      const bool agree = std::all_of(all.begin(), all.end(),
-                                     [&](const Entry* entry) { return shortNameOf(entry->value) == first; });
+      const bool agree =
+          std::all_of(all.begin(), all.end(), [&](const Entry* entry) { return shortNameOf(entry->value) == first; });
       if (agree) valueType = first;
     }
     const std::string type = "vorn.collections.Tuple<" + model.keyType + "," + valueType + ">";
@@ -397,8 +396,8 @@ class Keyed {
     std::int64_t size = -1;
     vorn_field_get_integer(table(at), "size", &size);
     requireEqual("the field of the size", size, model.size());
-    requireEqual("size",
-                 isSet(at) ? vorn_collections_HashSet_size(table(at)) : vorn_collections_Map_size(table(at)), model.size());
+    requireEqual("size", isSet(at) ? vorn_collections_HashSet_size(table(at)) : vorn_collections_Map_size(table(at)),
+                 model.size());
     const std::vector<const Entry*> all = model.listed();
     std::size_t next = 0;
     const auto requireEntry = [&](void* key, void* value) {

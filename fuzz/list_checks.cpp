@@ -103,7 +103,8 @@ void adoptUnboxed(const char* what, const ListData& list, ListModel& model) {
   std::sort(expected.begin(), expected.end());
   std::sort(actual.begin(), actual.end());
   for (std::size_t i = 0; i < actual.size(); ++i) {
-    if (actual[i] != expected[i]) diverge(what, "bits " + std::to_string(actual[i]), "bits " + std::to_string(expected[i]));
+    if (actual[i] != expected[i])
+      diverge(what, "bits " + std::to_string(actual[i]), "bits " + std::to_string(expected[i]));
   }
 }
 

@@ -298,8 +298,7 @@ ExpectedError ListModel::assignRaw(Kind newKind, Type newName, const std::vector
 std::vector<std::size_t> ListModel::findUnboxed(const RawValue& raw) const {
   std::vector<std::size_t> places;
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    const bool same =
-        isFloating(kind) ? elements[i].floating == raw.floating : elements[i].integer == raw.integer;
+    const bool same = isFloating(kind) ? elements[i].floating == raw.floating : elements[i].integer == raw.integer;
     if (same) places.push_back(i);
   }
   return places;

@@ -108,8 +108,7 @@ class Lists : public ListSlots {
         actual = vorn_collections_ArrayList_getIntFast(chosen.list(), index);
         break;
       default:
-        actual =
-            vorn_collections_ArrayList_getIntFromData(vorn_collections_ArrayList_dataHandle(chosen.list()), index);
+        actual = vorn_collections_ArrayList_getIntFromData(vorn_collections_ArrayList_dataHandle(chosen.list()), index);
         break;
     }
     ExpectedError error;

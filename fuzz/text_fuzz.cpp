@@ -46,7 +46,8 @@ std::string utf8(std::uint64_t scalar) {
 std::string unescaped(std::string_view text) {
   std::string plain;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (static_cast<unsigned char>(text[i]) < 0x20 || text[i] == '"') diverge("an escape", text, "no bare control or quote");
+    if (static_cast<unsigned char>(text[i]) < 0x20 || text[i] == '"')
+      diverge("an escape", text, "no bare control or quote");
     if (text[i] != '\\') {
       plain += text[i];
       continue;
@@ -75,7 +76,8 @@ class Texts {
   // ---- Numbers ----
 
   void floating() {
-    const double value = input_.flag() ? std::bit_cast<double>(input_.word()) : chooseValue(input_, Type::Double).floating;
+    const double value =
+        input_.flag() ? std::bit_cast<double>(input_.word()) : chooseValue(input_, Type::Double).floating;
     const std::string text = formatVornFloat(value);
     requireReadsBack(text, value);
     root() = vorn_box_double(value);
@@ -139,7 +141,8 @@ class Texts {
         requireReadsBack(part, std::bit_cast<double>(word));
       }
     }
-    requireEqual("the end of a join", static_cast<std::int64_t>(from), bits.empty() ? 0 : static_cast<std::int64_t>(text.size() + 1));
+    requireEqual("the end of a join", static_cast<std::int64_t>(from),
+                 bits.empty() ? 0 : static_cast<std::int64_t>(text.size() + 1));
   }
 
   // ---- Characters and texts ----
@@ -153,7 +156,8 @@ class Texts {
     if (!isGood) {
       const ExpectedError error =
           isUnit ? ExpectedError{"TypeError", "CodeUnit code unit out of range (0..0xFFFF)"}
-                 : ExpectedError{"ValueException", "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)"};
+                 : ExpectedError{"ValueException",
+                                 "Char value must be a Unicode scalar (0..0x10FFFF, excluding surrogates)"};
       requireErrors("a conversion", {&error, 1});
     }
     requireNoError("a conversion");
@@ -205,9 +209,10 @@ class Texts {
   }
 
   void options() {
-    constexpr std::string_view kParts[] = {"heap=",   "stress", "collected", "plain", ",",      "one-in=", "seed=", "room=",
-                                           "divisor=", "recent=", "huge=",    "stacks=", "0",     "1",       "3",     "64",
-                                           "-1",       "99999999999999999999", "=", " ",  "recent", ""};
+    constexpr std::string_view kParts[] = {
+        "heap=",   "stress", "collected", "plain", ",", "one-in=", "seed=", "room=", "divisor=",
+        "recent=", "huge=",  "stacks=",   "0",     "1", "3",       "64",    "-1",    "99999999999999999999",
+        "=",       " ",      "recent",    ""};
     std::string text;
     const std::size_t count = input_.below(12);
     for (std::size_t i = 0; i < count; ++i) text += kParts[input_.below(std::size(kParts))];
@@ -265,8 +270,9 @@ class Texts {
 
   // From few words, since every name that is known stays so.
   std::string anyName(int depth) {
-    constexpr const char* kWords[] = {"ArrayList", "Map",  "Tuple", "vorn.Int", "Int",    "vorn.collections.HashSet", "Array",
-                                      "String",    "vorn", ".",     "",         "Nothing", "fuzz.Item",               "SortedMap"};
+    constexpr const char* kWords[] = {"ArrayList", "Map",      "Tuple", "vorn.Int", "Int", "vorn.collections.HashSet",
+                                      "Array",     "String",   "vorn",  ".",        "",    "Nothing",
+                                      "fuzz.Item", "SortedMap"};
     std::string name = kWords[input_.below(std::size(kWords))];
     const std::size_t arguments = depth < 2 ? input_.below(5) : 0;
     if (arguments == 0 || arguments > 2) return name;
@@ -282,8 +288,9 @@ class Texts {
 };
 
 constexpr Operation<Texts> kOperations[] = {
-    {"floating number", &Texts::floating}, {"single precision", &Texts::single}, {"integer", &Texts::integer},
-    {"join", &Texts::joined},              {"character", &Texts::character},     {"text", &Texts::text},
+    {"floating number", &Texts::floating}, {"single precision", &Texts::single},
+    {"integer", &Texts::integer},          {"join", &Texts::joined},
+    {"character", &Texts::character},      {"text", &Texts::text},
     {"type name", &Texts::typeName},       {"options", &Texts::options},
 };
 

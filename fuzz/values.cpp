@@ -20,25 +20,29 @@ struct TypeRow {
 };
 
 constexpr std::array<TypeRow, 21> kTypeRows{{
-    {"", Kind::None},          {"SByte", Kind::SByte},
-    {"Byte", Kind::Byte},      {"Short", Kind::Short},
-    {"UShort", Kind::UShort},  {"CodeUnit", Kind::UShort},
-    {"Int", Kind::Int},        {"UInt", Kind::UInt},
-    {"Char", Kind::UInt},      {"Long", Kind::Long},
-    {"ULong", Kind::ULong},    {"Float", Kind::Float},
-    {"Double", Kind::Double},  {"Boolean", Kind::Boolean},
-    {"String", Kind::None},    {"Text", Kind::None},
-    {"Item", Kind::None},      {"Plain", Kind::None},
-    {"Pair", Kind::None},      {"Object", Kind::None},
+    {"", Kind::None},         {"SByte", Kind::SByte},     {"Byte", Kind::Byte},   {"Short", Kind::Short},
+    {"UShort", Kind::UShort}, {"CodeUnit", Kind::UShort}, {"Int", Kind::Int},     {"UInt", Kind::UInt},
+    {"Char", Kind::UInt},     {"Long", Kind::Long},       {"ULong", Kind::ULong}, {"Float", Kind::Float},
+    {"Double", Kind::Double}, {"Boolean", Kind::Boolean}, {"String", Kind::None}, {"Text", Kind::None},
+    {"Item", Kind::None},     {"Plain", Kind::None},      {"Pair", Kind::None},   {"Object", Kind::None},
     {"Nowhere", Kind::None},
 }};
 
-constexpr std::array<std::string_view, kTexts> kTextTable{
-    "", "a", "b", "ab", "\xC3\xA9", "a longer text than sixteen bytes", "a longer text than sixteen bytez", "\xF0\x9F\x98\x80", "1"};
+constexpr std::array<std::string_view, kTexts> kTextTable{"",
+                                                          "a",
+                                                          "b",
+                                                          "ab",
+                                                          "\xC3\xA9",
+                                                          "a longer text than sixteen bytes",
+                                                          "a longer text than sixteen bytez",
+                                                          "\xF0\x9F\x98\x80",
+                                                          "1"};
 
 constexpr std::array<std::int64_t, 24> kIntegers{
-    -1,         -128,       127,        128,        255,          256,       32767,     -32768,   65535,   65536,    0xD800,   0xDFFF,
-    0x10FFFF,   0x110000,   2147483647, -2147483648LL, 4294967295LL, 4294967296LL, INT64_MAX, INT64_MIN, 9007199254740993LL, -129, 300, 0xE000};
+    -1,         -128,          127,          128,          255,       256,       32767,
+    -32768,     65535,         65536,        0xD800,       0xDFFF,    0x10FFFF,  0x110000,
+    2147483647, -2147483648LL, 4294967295LL, 4294967296LL, INT64_MAX, INT64_MIN, 9007199254740993LL,
+    -129,       300,           0xE000};
 
 constexpr std::array<double, 16> kFloatings{std::numeric_limits<double>::quiet_NaN(),
                                             std::numeric_limits<double>::infinity(),
@@ -98,7 +102,8 @@ Type typeOfBox(const ObjectRecord& object) {
     std::array<Type, collections::kPrimitiveTypes> made{};
     for (std::size_t i = 1; i < made.size(); ++i) {
       for (int type = static_cast<int>(kFirstPrimitive); type <= static_cast<int>(kLastPrimitive); ++type) {
-        if (collections::kPrimitiveTypeInfos[i].name == nameOf(static_cast<Type>(type))) made[i] = static_cast<Type>(type);
+        if (collections::kPrimitiveTypeInfos[i].name == nameOf(static_cast<Type>(type)))
+          made[i] = static_cast<Type>(type);
       }
     }
     return made;
@@ -230,11 +235,13 @@ void requireValue(const char* what, void* handle, Value& value) {
     return;
   }
   bool same = false;
-  if (const RegisteredObject* const box = getRegisteredObjectUnsafe(handle); box != nullptr && isPrimitive(value.type)) {
+  if (const RegisteredObject* const box = getRegisteredObjectUnsafe(handle);
+      box != nullptr && isPrimitive(value.type)) {
     same = typeOfBox(*box) == value.type;
     if (same && isFloating(value.type)) {
       const double actual = std::bit_cast<double>(box->integer);
-      same = std::bit_cast<std::int64_t>(value.floating) == box->integer || (std::isnan(actual) && std::isnan(value.floating));
+      same = std::bit_cast<std::int64_t>(value.floating) == box->integer ||
+             (std::isnan(actual) && std::isnan(value.floating));
     } else if (same) {
       same = box->integer == value.integer;
     }
@@ -336,7 +343,8 @@ bool haveOneOrder(const Value& left, const Value& right) {
 int compareElements(const Value& left, const Value& right) {
   if (isSame(left, right)) return 0;
   if (isNumber(left.type)) return compareNumbers(left, right);
-  if (left.type == Type::None || right.type == Type::None) return sign(left.type != Type::None, right.type != Type::None);
+  if (left.type == Type::None || right.type == Type::None)
+    return sign(left.type != Type::None, right.type != Type::None);
   if (isText(left.type)) return sign(textOf(left), textOf(right));
   const bool hasNoOrder = isCharacter(left.type) || left.type == Type::Plain;
   return hasNoOrder ? 0 : sign(left.integer, right.integer);
