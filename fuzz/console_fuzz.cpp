@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "collections/array/array_validation.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/list_validation.h"
 #include "collections/keyed/keyed_validation.h"
@@ -166,6 +167,9 @@ void requireSound(void* handle) {
     case Family::HashSet:
       problem = vorn::collections::validateSetData(*getSetData(handle));
       break;
+    case Family::Array:
+      problem = vorn::collections::validateArrayData(*getArrayData(handle));
+      break;
     default:
       break;
   }
@@ -182,6 +186,7 @@ void requireSoundVariables(Console& console) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   vorn::fuzz::startRuntime();
+  vorn::fuzz::beginInput();
   if (size == 0) return 0;
   const bool words = data[0] % 8 != 0;
   const std::string text =
@@ -191,6 +196,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string_view rest = text;
   while (!rest.empty() && !console.ended()) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
+    vorn::fuzz::noteOperation("a line");
     console.run(rest.substr(0, end), output);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     requireSoundVariables(console);

@@ -123,6 +123,7 @@ class Scenario {
   std::size_t anyNode() { return byte() % nodes_.size(); }
 
   void step() {
+    noteOperation("a step");
     switch (byte() % 16) {
       case 0:
       case 1:
@@ -423,6 +424,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   vorn::fuzz::startRuntime();
   vorn::fuzz::defineShower();
+  vorn::fuzz::beginInput();
   vorn::fuzz::Scenario(data, size).run();
   return 0;
 }
