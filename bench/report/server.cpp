@@ -7,7 +7,7 @@
 //   allocated                                             allocated BLOCKS BYTES, of one run, or "-" where not known
 //   close                                                 closed
 //   memory FORM WORKLOAD KIND COUNT N                     prepared, to build COUNT collections as the workload does
-//   build                                                 built BYTES, that these take, or "-" where not known
+//   build                                                 built BYTES, that these take
 //
 // A run repeats the work for as long as it takes SECONDS. The programs in bench/peers answer the same requests.
 #include <malloc.h>

@@ -16,10 +16,11 @@ class ProgramFailed(Exception):
 
 
 # With room for ten million boxed elements, whatever share of the machine a runtime would take by itself.
+JAVA_EXPORTS = ["--add-exports", "java.management/sun.management=ALL-UNNAMED"]
 COMMANDS = {
     "vorn": [str(BINARIES / "report_bench")],
     "vorn counting": [str(BINARIES / "report_memory")],
-    "java": ["java", "-Xmx6g", "-XX:+UseSerialGC", "-cp", str(BUILT / "java"), "Report"],
+    "java": ["java", "-Xmx6g", "-XX:+UseSerialGC", *JAVA_EXPORTS, "-cp", str(BUILT / "java"), "Report"],
     "go": [str(BUILT / "go-report")],
     "pypy3": ["pypy3", "-B", str(PEERS / "python/report.py")],
     "python3": ["python3", "-B", str(PEERS / "python/report.py")],
@@ -46,7 +47,7 @@ def build_peers(peers):
     if "java" in peers:
         sources = sorted(str(path) for path in (PEERS / "java").glob("*.java"))
         (BUILT / "java").mkdir(parents=True, exist_ok=True)
-        run_checked(["javac", "-d", str(BUILT / "java"), *sources])
+        run_checked(["javac", *JAVA_EXPORTS, "-d", str(BUILT / "java"), *sources])
     if "go" in peers:
         BUILT.mkdir(parents=True, exist_ok=True)
         sources = sorted(str(path) for path in (PEERS / "go").glob("*.go"))

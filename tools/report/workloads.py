@@ -13,6 +13,7 @@ class Workload(NamedTuple):
     kinds: tuple
     sizes: tuple  # of the full run
     quick_sizes: tuple
+    limit: str  # against libraries of C++ and C: "x1.3" for 1.3 times, "5ns" for five nanoseconds more
     what: str
 
 
@@ -28,10 +29,10 @@ def parse(text):
     for line in text.splitlines():
         if not line or line.startswith("#"):
             continue
-        name, group, kinds, first, last, quick, what = line.split("\t")
+        name, group, kinds, first, last, quick, limit, what = line.split("\t")
         workloads.append(Workload(
             name, group, tuple(kinds.split(",")), tuple(decades(int(first), int(last))),
-            tuple(int(size) for size in quick.split(",")), what))
+            tuple(int(size) for size in quick.split(",")), limit, what))
     return workloads
 
 
