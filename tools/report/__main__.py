@@ -2,10 +2,12 @@
 """Makes the report: `./dev report`. Measures, writes build/report/report.json, and from that the page and the summary.
 
     tools/report [--quick] [--peers=java,go,..] [--only=WORKLOAD,..] [--rounds=N] [--no-memory]
-    tools/report --render=FILE.json     makes the page and the summary of figures that were measured before
-    tools/report --check[=PAGE.html]    looks at a page in a browser without a screen
+    tools/report --render=FILE.json [--page=PAGE.html]
+                                        makes the page and the summary of figures that were measured before
+    tools/report --check [--page=PAGE.html]
+                                        looks at a page in a browser without a screen
 
-A run of chosen workloads or peers leaves docs/performance.md as it is.
+A run of chosen workloads or peers leaves docs/performance.md as it is, and so does --render.
 """
 
 import argparse
@@ -38,8 +40,8 @@ def arguments():
     parser.add_argument("--rounds", type=int, help="how often each column has its turn")
     parser.add_argument("--no-memory", action="store_true", help="measure times only")
     parser.add_argument("--render", metavar="FILE", type=pathlib.Path, help="measure nothing, show these figures")
-    parser.add_argument("--check", metavar="PAGE", type=pathlib.Path, nargs="?", const=REPORT,
-                        help="look at a page in a browser without a screen")
+    parser.add_argument("--check", action="store_true", help="look at the page in a browser without a screen")
+    parser.add_argument("--page", metavar="FILE", type=pathlib.Path, default=REPORT, help="the page, elsewhere")
     return parser.parse_args()
 
 
@@ -66,21 +68,21 @@ def measured(chosen, table, peers, options):
     }
 
 
-def show(figures, partial):
+def show(figures, place, partial):
     """Writes the page and the summary and prints what they say. False when programs did not do the same work."""
     table = workloads.load()
     judged = verdicts.judge_all(figures["rows"], {workload.name: workload.limit for workload in table})
     explained = reasons.load()
-    REPORT.parent.mkdir(parents=True, exist_ok=True)
-    REPORT.write_text(page.render(figures, judged, table, explained), encoding="utf-8")
+    place.parent.mkdir(parents=True, exist_ok=True)
+    place.write_text(page.render(figures, judged, table, explained), encoding="utf-8")
     text = summary.render(figures, judged, explained)
-    (programs.BUILT / "summary.md").write_text(text, encoding="utf-8")
+    place.with_suffix(".md").write_text(text, encoding="utf-8")
     if not partial:
         summary.put_into(workloads.ROOT / "docs/performance.md", text)
     different = measure.mismatches(figures["rows"])
     for line in different:
         print(f"different work: {line}")
-    print(f"page: {REPORT}")
+    print(f"page: {place}")
     print(summary.last_line(judged, explained, verdicts.noise_of(figures["rows"])))
     return not different
 
@@ -88,10 +90,10 @@ def show(figures, partial):
 def main():
     options = arguments()
     if options.check:
-        return check_page.check(options.check)
+        return check_page.check(options.page)
     if options.render:
         figures = json.loads(options.render.read_text(encoding="utf-8"))
-        return 0 if show(figures, partial=True) else 1
+        return 0 if show(figures, options.page, partial=True) else 1
 
     peers = [peer for peer in options.peers.split(",") if peer]
     unknown = set(peers) - set(PEERS)
@@ -104,7 +106,7 @@ def main():
     figures = measured(chosen, table, peers, options)
     FIGURES.write_text(json.dumps(figures), encoding="utf-8")
     partial = chosen != table or set(peers) != set(PEERS) or options.no_memory
-    return 0 if show(figures, partial) else 1
+    return 0 if show(figures, options.page, partial) else 1
 
 
 if __name__ == "__main__":

@@ -15,7 +15,7 @@ VIEWS = (("desktop", 1280, 900, "light"), ("phone", 390, 844, "light"), ("phone-
 # What the page says of itself once it is drawn.
 LOOK = """(async () => {
   await drawAll();
-  const plots = Array.from(document.querySelectorAll(".plot"));
+  const plots = Array.from(document.querySelectorAll(".picture"));
   const header = document.querySelector("table th");
   let sorted = header === null;
   if (header !== null) {

@@ -10,6 +10,9 @@ import programs
 from workloads import ROOT
 
 
+LANGUAGES = {"java": "Java", "go": "Go", "pypy3": "PyPy", "python3": "CPython", "node": "Node"}
+
+
 def processor():
     with open("/proc/cpuinfo", encoding="utf-8") as lines:
         for line in lines:
@@ -34,7 +37,7 @@ def own_version():
 
 
 def compiler():
-    return programs.run_checked(["c++", "--version"]).splitlines()[0]
+    return "g++ " + programs.run_checked(["g++", "-dumpfullversion"]).strip()
 
 
 def libraries():
@@ -50,5 +53,5 @@ def description(peers):
         "made": datetime.date.today().isoformat(),
         "machine": {"processor": processor(), "cores": os.cpu_count(), "memory": memory_gigabytes(), "system": system()},
         "versions": {"vorn": own_version(), "C++": compiler(), **libraries(),
-                     **{peer: programs.version_of(peer) for peer in peers}},
+                     **{LANGUAGES[peer]: programs.version_of(peer) for peer in peers}},
     }

@@ -29,7 +29,7 @@ function draw(place) {
 
 // For whoever prints or checks the page.
 function drawAll() {
-  return Promise.all(Array.from(document.querySelectorAll(".plot"), draw));
+  return Promise.all(Array.from(document.querySelectorAll(".picture"), draw));
 }
 
 const inView = new IntersectionObserver((entries) => {
@@ -40,7 +40,7 @@ const inView = new IntersectionObserver((entries) => {
 
 function setTheme(theme) {
   document.documentElement.dataset.theme = theme;
-  document.querySelectorAll('.plot[data-drawn="yes"]').forEach(draw);
+  document.querySelectorAll('.picture[data-drawn="yes"]').forEach(draw);
 }
 
 // By the first click ascending, by the next the other way round. Cells without a value stay last.
@@ -72,4 +72,4 @@ document.getElementById("theme").addEventListener("click", () => {
   setTheme(document.documentElement.dataset.theme === "dark" ? "light" : "dark");
 });
 document.querySelectorAll("th").forEach((header) => header.addEventListener("click", () => sortBy(header)));
-document.querySelectorAll(".plot").forEach((place) => inView.observe(place));
+document.querySelectorAll(".picture").forEach((place) => inView.observe(place));

@@ -38,7 +38,7 @@ def library():
 def plot_places(figures, wide=False):
     places = "".join(
         f'<section><h3>{html.escape(figure["title"])}</h3>'
-        f'<div class="plot" id="{figure["id"]}" style="height:{figure["layout"]["height"]}px"></div></section>'
+        f'<div class="picture" id="{figure["id"]}" style="height:{figure["layout"]["height"]}px"></div></section>'
         for figure in figures)
     return f'<div class="plots{" wide" if wide else ""}">{places}</div>'
 

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import subprocess
 
 from workloads import ROOT
@@ -29,7 +30,7 @@ COMMANDS = {
 VERSIONS = {
     "java": ["java", "-version"],
     "go": ["go", "version"],
-    "pypy3": ["pypy3", "-c", "import sys; print('PyPy', '.'.join(map(str, sys.pypy_version_info[:3])))"],
+    "pypy3": ["pypy3", "-c", "import sys; print('.'.join(map(str, sys.pypy_version_info[:3])))"],
     "python3": ["python3", "--version"],
     "node": ["node", "--version"],
 }
@@ -56,7 +57,7 @@ def build_peers(peers):
 
 
 def version_of(name):
-    return run_checked(VERSIONS[name]).splitlines()[0].strip()
+    return re.search(r"\d+(\.\d+)+", run_checked(VERSIONS[name])).group()
 
 
 class Program:

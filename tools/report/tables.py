@@ -10,8 +10,8 @@ TITLES = [column.title for column in COLUMNS]
 
 
 def cell(text, value=None, style=""):
-    value = text if value is None else value
-    return f'<td data-value="{html.escape(str(value))}"{f" class={chr(34)}{style}{chr(34)}" if style else ""}>{text}</td>'
+    value = html.escape(str(text if value is None else value))
+    return f'<td class="{style}" data-value="{value}">{text}</td>'
 
 
 def text_cell(text, style="text"):
