@@ -1,5 +1,5 @@
-// What the elements, keys and orders of the report's workloads are. The programs in bench/peers define the same in their
-// languages; each workload's checksum is compared, so that a row means the same work everywhere.
+// What the elements, keys and orders of the report's workloads are. The programs in bench/peers define the same in
+// their languages; each workload's checksum is compared, so that a row means the same work everywhere.
 #pragma once
 
 #include <algorithm>

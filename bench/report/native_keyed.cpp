@@ -1,5 +1,5 @@
-// Maps and sets. Compiled code boxes the numbers that it puts; it looks numbers and texts up without a box by the inline
-// forms.
+// Maps and sets. Compiled code boxes the numbers that it puts; it looks numbers and texts up without a box by the
+// inline forms.
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/map.h>
 

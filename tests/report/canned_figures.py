@@ -7,11 +7,13 @@ def rows():
     made = []
     for n in SIZES:
         made.append({"workload": "append", "kind": "Int", "n": n,
-                     "samples": {"vorn natives": [4.0, 4.2, 4.1], "vorn buffer": [1.0, 1.1, 1.0], "C++": [1.0, 1.0, 1.1],
-                                 "Java": [3.0, 3.1, 2.9], "CPython": [20.0, 21.0, 19.0], "again": [4.4, 4.2, 4.1]},
+                     "samples": {"vorn natives": [4.0, 4.2, 4.1], "vorn buffer": [1.0, 1.1, 1.0],
+                                 "C++": [1.0, 1.0, 1.1], "Java": [3.0, 3.1, 2.9], "CPython": [20.0, 21.0, 19.0],
+                                 "again": [4.4, 4.2, 4.1]},
                      "checksums": {title: "7" for title in ("vorn natives", "vorn buffer", "C++", "Java", "CPython")}})
         made.append({"workload": "map-get", "kind": "String", "n": n,
-                     "samples": {"vorn natives": [30.0, 31.0, 32.0], "Abseil": [8.0, 8.1, 8.2], "Go": [10.0, 11.0, 10.5],
+                     "samples": {"vorn natives": [30.0, 31.0, 32.0], "Abseil": [8.0, 8.1, 8.2],
+                                 "Go": [10.0, 11.0, 10.5],
                                  "PyPy": [31.0, 30.0, 32.5], "again": [30.0, 31.5, 32.0]},
                      "checksums": {title: "9" for title in ("vorn natives", "Abseil", "Go", "PyPy")}})
     return made

@@ -1,5 +1,5 @@
-"""Looks at a page in chromium without a screen: no script fails, every picture is drawn, it fits a phone, tables sort, light
-and dark differ. Talks to the browser by a pair of pipes (--remote-debugging-pipe)."""
+"""Looks at a page in chromium without a screen: no script fails, every picture is drawn, it fits a phone, tables sort,
+light and dark differ. Talks to the browser by a pair of pipes (--remote-debugging-pipe)."""
 
 import base64
 import json

@@ -32,7 +32,8 @@ def system():
 
 
 def own_version():
-    asked = subprocess.run(["git", "describe", "--always", "--dirty"], cwd=ROOT, capture_output=True, text=True, check=False)
+    command = ["git", "describe", "--always", "--dirty"]
+    asked = subprocess.run(command, cwd=ROOT, capture_output=True, text=True, check=False)
     return asked.stdout.strip() or "a source release"
 
 
@@ -51,7 +52,8 @@ def libraries():
 def description(peers):
     return {
         "made": datetime.date.today().isoformat(),
-        "machine": {"processor": processor(), "cores": os.cpu_count(), "memory": memory_gigabytes(), "system": system()},
+        "machine": {
+            "processor": processor(), "cores": os.cpu_count(), "memory": memory_gigabytes(), "system": system()},
         "versions": {"vorn": own_version(), "C++": compiler(), **libraries(),
                      **{LANGUAGES[peer]: programs.version_of(peer) for peer in peers}},
     }

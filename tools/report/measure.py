@@ -102,7 +102,8 @@ def measure_all(columns, known, workloads, effort, quick):
             finally:
                 for _, program in running.values():
                     program.stop()
-            print(f"  {workload.name} {kind}: {len(running)} columns, {time.monotonic() - start:.1f} s", file=sys.stderr)
+            taken = time.monotonic() - start
+            print(f"  {workload.name} {kind}: {len(running)} columns, {taken:.1f} s", file=sys.stderr)
     return rows
 
 

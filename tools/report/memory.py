@@ -67,7 +67,7 @@ def measure_peaks(columns, known, quick):
 
 
 def measure_allocations(columns, known, workloads):
-    """[{"workload", "kind", "allocations": (blocks or None, bytes) for an element, by title}], where a column can tell."""
+    """[{"workload", "kind", "allocations"}], these (blocks or None, bytes) for an element, where a column can tell."""
     rows = []
     programs = {}
     for column in columns:

@@ -13,12 +13,13 @@ HERE = pathlib.Path(__file__).resolve().parent
 PLOTLY = pathlib.Path("/usr/share/python3-plotly/plotly.js")
 
 READING = """
-<p>A row is a workload, a kind of element and a size <i>n</i>; every program does the same work, which their checksums
-show. A ratio says how many times as long as a peer our quickest form takes: below 1 we are ahead. Behind it stand the
-quartiles of the ratios of the single rounds. A row is <b>ahead</b> or <b>behind</b> when the quartiles are on one side of
-1 and the median is more than 5&nbsp;% away from it, <b>equal</b> when all lies within 10&nbsp;%, else <b>unclear</b>: the
-spread hides the verdict. The verdict of a row is that against the quickest language for it. Against the libraries of C++
-and C each workload has a limit (1.3 times for bulk work, 1.5 times for tables, 5&nbsp;ns for single calls).</p>
+<p>A row is a workload, a kind of element and a size <i>n</i>; every program does the same work, which their
+checksums show. A ratio says how many times as long as a peer our quickest form takes: below 1 we are ahead. Behind it
+stand the quartiles of the ratios of the single rounds. A row is <b>ahead</b> or <b>behind</b> when the quartiles are on
+one side of 1 and the median is more than 5&nbsp;% away from it, <b>equal</b> when all lies within 10&nbsp;%, else
+<b>unclear</b>: the spread hides the verdict. The verdict of a row is that against the quickest language for it. Against
+the libraries of C++ and C each workload has a limit (1.3 times for bulk work, 1.5 times for tables, 5&nbsp;ns for
+single calls).</p>
 """
 
 
@@ -51,8 +52,8 @@ def facts(figures, noise):
             f'{figures["seconds"] // 60} min {figures["seconds"] % 60} s, on {html.escape(machine["processor"])}, '
             f'{machine["cores"]} cores, {machine["memory"]} GB, {html.escape(machine["system"])}. '
             f'{html.escape(versions)}.</p>'
-            f'<p class="faint">Noise: the same program beside itself differed by {noise.median:.1%} in the middle of all '
-            f'rows, by at most {noise.most:.1%} in nine of ten.</p>')
+            f'<p class="faint">Noise: the same program beside itself differed by {noise.median:.1%} in the middle of '
+            f'all rows, by at most {noise.most:.1%} in nine of ten.</p>')
 
 
 def tiles(judged, explained):

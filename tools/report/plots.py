@@ -26,7 +26,8 @@ def figure(identity, title, data, layout, height=420):
 def line(column, sizes, values, unit):
     return {
         "type": "scatter", "mode": "lines+markers", "name": column.title, "x": sizes, "y": values,
-        "line": {"color": COLOURS[column.title], "dash": DASHES[column.family], "width": 3 if column.family == OWN else 1.5},
+        "line": {"color": COLOURS[column.title], "dash": DASHES[column.family],
+                 "width": 3 if column.family == OWN else 1.5},
         "marker": {"symbol": MARKERS[column.family], "size": 6},
         "hovertemplate": f"{column.title}<br>n = %{{x:,}}: %{{y:.3~g}} {unit}<extra></extra>",
     }
@@ -79,9 +80,9 @@ def names_of(judged):
 
 
 def ratio_bars(judged):
-    """Our best form against the quickest language and the quickest library, for the rows of one size each."""
+    """Our best form against the quickest language and library: at a thousand, and at the most up to a million."""
     figures = []
-    for size in (1_000, 1_000_000):
+    for size in sorted({1_000, max((row.n for row in judged if row.n <= 1_000_000), default=1_000)}):
         rows = [row for row in judged if row.n == size][::-1]  # the first one on top
         if not rows:
             continue
@@ -111,13 +112,13 @@ def ratio_bars(judged):
 
 def verdict_scale():
     """A colour for each verdict, in steps."""
-    steps = len(VERDICT_ORDER)
-    return [[(i + edge) / steps, VERDICT_COLOURS[verdict]] for i, verdict in enumerate(VERDICT_ORDER) for edge in (0, 1)]
+    colours = [VERDICT_COLOURS[verdict] for verdict in VERDICT_ORDER]
+    return [[(i + edge) / len(colours), colour] for i, colour in enumerate(colours) for edge in (0, 1)]
 
 
 def heat_map(judged):
     rows = judged[::-1]
-    peers = [column.title for column in COLUMNS if column.family != OWN and any(column.title in row.ratios for row in rows)]
+    peers = [column.title for column in COLUMNS if any(column.title in row.ratios for row in rows)]
     values, texts = [], []
     for row in rows:
         values.append([VERDICT_ORDER.index(row.verdicts[peer]) if peer in row.verdicts else None for peer in peers])

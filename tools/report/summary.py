@@ -1,5 +1,7 @@
 """The summary in docs/performance.md, between two markers, and the line that a run ends with."""
 
+import textwrap
+
 import tables
 import verdicts
 from reasons import UNKNOWN, reason_for
@@ -44,16 +46,23 @@ def counted(judged, explained):
 
 
 def last_line(judged, explained, noise):
-    return f"report: {counted(judged, explained)}; noise {noise.median:.1%}, in nine of ten rows at most {noise.most:.1%}"
+    spread = f"{noise.median:.1%}, in nine of ten rows at most {noise.most:.1%}"
+    return f"report: {counted(judged, explained)}; noise {spread}"
+
+
+def wrapped(text, indent=""):
+    return textwrap.fill(text, 120, subsequent_indent=indent, break_on_hyphens=False, break_long_words=False)
 
 
 def memory_lines(memory):
-    rows = [row for row in memory["sizes"] if row["n"] == 1_000_000]
+    most = max((row["n"] for row in memory["sizes"]), default=0)
+    rows = [row for row in memory["sizes"] if row["n"] == most > 0]
     if not rows:
         return []
     titles = [title for title in tables.TITLES if any(title in row["bytes"] for row in rows)]
-    lines = ["", "### Memory", "", "Bytes for an element, at a million; objects and texts that were there before do not "
-             "count.", "", "| collection | " + " | ".join(titles) + " |", "|---|" + "---|" * len(titles)]
+    lines = ["", "### Memory", "",
+             f"Bytes for an element, of {most:,}; objects and texts that were there before do not count.", "",
+             "| collection | " + " | ".join(titles) + " |", "|---|" + "---|" * len(titles)]
     for row in rows:
         cells = (f"{row['bytes'][title] / row['n']:.1f}" if title in row["bytes"] else "" for title in titles)
         lines.append(f"| {row['collection']} | " + " | ".join(cells) + " |")
@@ -69,23 +78,30 @@ def reason_lines(judged, explained):
         by_reason.setdefault(reason_for(explained, row), []).append(f"{row.name} {row.n:,}")
     lines = ["", "### Where we are behind", ""]
     for reason, names in sorted(by_reason.items(), key=lambda item: item[0] == UNKNOWN):
-        lines.append(f"- {reason[0].upper() + reason[1:]}: {', '.join(names)}.")
+        lines.append(wrapped(f"- {reason[0].upper() + reason[1:]}: {', '.join(names)}.", "  "))
     return lines
 
 
-def render(figures, judged, explained):
-    machine, versions, noise = figures["machine"], figures["versions"], verdicts.noise_of(figures["rows"])
+def origin(figures):
+    machine, noise = figures["machine"], verdicts.noise_of(figures["rows"])
     kind = "quick run" if figures["quick"] else "run"
-    lines = [
-        f"{figures['made']}, a {kind} of {figures['rounds']} rounds on {machine['processor']}, {machine['cores']} cores, "
-        f"{machine['memory']} GB, {machine['system']}; " + "; ".join(f"{name} {text}" for name, text in versions.items())
+    return wrapped(
+        f"{figures['made']}, a {kind} of {figures['rounds']} rounds on {machine['processor']}, "
+        f"{machine['cores']} cores, {machine['memory']} GB, {machine['system']}: "
+        + ", ".join(f"{name} {version}" for name, version in figures["versions"].items())
         + f". The same program beside itself differed by {noise.median:.1%} in the middle of all rows, by at most "
-        f"{noise.most:.1%} in nine of ten.",
-        "",
-        counted(judged, explained) + ".",
-        "",
-        "| workload | n | our quickest form | ns | quickest language | ratio | verdict | quickest library | ratio | limit |",
-        "|---|---|---|---|---|---|---|---|---|---|",
+        f"{noise.most:.1%} in nine of ten.")
+
+
+HEADINGS = ("workload", "n", "our quickest form", "ns", "quickest language", "ratio", "verdict", "quickest library",
+            "ratio", "limit")
+
+
+def render(figures, judged, explained):
+    lines = [
+        origin(figures), "",
+        wrapped(counted(judged, explained) + "."), "",
+        "| " + " | ".join(HEADINGS) + " |", "|" + "---|" * len(HEADINGS),
         *(row_line(row) for row in shown_rows(judged)),
         *reason_lines(judged, explained),
         *memory_lines(figures["memory"]),

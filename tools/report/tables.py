@@ -37,7 +37,8 @@ def ratio_cell(row, peer):
     ratio = row.ratios.get(peer)
     if ratio is None:
         return empty_cell()
-    return cell(f"{ratio.median:.2f} <small>{ratio.low:.2f}–{ratio.high:.2f}</small>", ratio.median, row.verdicts[peer])
+    spread = f"{ratio.low:.2f}–{ratio.high:.2f}"
+    return cell(f"{ratio.median:.2f} <small>{spread}</small>", ratio.median, row.verdicts[peer])
 
 
 def name_cells(row):
@@ -92,8 +93,8 @@ def by_title(first_cells, values, shown):
 
 
 def small_sizes(sizes):
-    rows = [by_title([text_cell(row["collection"]), cell(str(row["n"]))], row["bytes"], lambda size: (f"{size:,.0f}", size))
-            for row in sizes if row["n"] <= 1]
+    rows = [by_title([text_cell(row["collection"]), cell(str(row["n"]))], row["bytes"],
+                     lambda size: (f"{size:,.0f}", size)) for row in sizes if row["n"] <= 1]
     return table(["<collection", "n", *TITLES], rows)
 
 
@@ -108,8 +109,6 @@ def allocations(rows):
         blocks, size = value
         count = "" if blocks is None else f"{blocks:.2f} × "
         return f"{count}{size:.1f} B", size
-    titles = [title for title in TITLES if any(title in row["allocations"] for row in rows)]
-    return table(["<workload", "<kind", *titles], [
-        [text_cell(row["workload"]), text_cell(row["kind"]),
-         *(cell(*shown(row["allocations"][title])) if title in row["allocations"] else empty_cell() for title in titles)]
+    return table(["<workload", "<kind", *TITLES], [
+        by_title([text_cell(row["workload"]), text_cell(row["kind"])], row["allocations"], shown)
         for row in rows if row["allocations"]], tall=True)

@@ -1,4 +1,4 @@
-/** The workloads on arrays of plain numbers, which is how Java programs avoid boxes: a list is an array and its size. */
+/** The workloads on arrays of plain numbers, by which programs avoid boxes: a list is an array and its size. */
 final class Arrays {
   private static final String FORM = "arrays";
 
@@ -40,7 +40,7 @@ final class Arrays {
     return bytes;
   }
 
-  // ---- Growing arrays ------------------------------------------------------------------------------------------------
+  // ---- Growing arrays ----------------------------------------------------------------------------------------------
 
   private static final int FIRST_CAPACITY = 10; // that of ArrayList
 
@@ -121,7 +121,7 @@ final class Arrays {
     }
   }
 
-  // ---- Arrays of one size --------------------------------------------------------------------------------------------
+  // ---- Arrays of one size ------------------------------------------------------------------------------------------
 
   static Row read(String kind, int n) {
     switch (kind) {
@@ -298,7 +298,7 @@ final class Arrays {
     };
   }
 
-  // ---- Sorts ---------------------------------------------------------------------------------------------------------
+  // ---- Sorts -------------------------------------------------------------------------------------------------------
 
   static Row.Maker sort(String pattern) {
     return (kind, n) -> {

@@ -108,7 +108,7 @@ final class Definitions {
     return list;
   }
 
-  // ---- What is sorted ----------------------------------------------------------------------------------------------
+  // ---- What is sorted --------------------------------------------------------------------------------------------
 
   static int sortBatch(int n) {
     return Math.max(1, 100_000 / n);
@@ -171,7 +171,7 @@ final class Definitions {
     }
   }
 
-  // ---- Checksums -----------------------------------------------------------------------------------------------------
+  // ---- Checksums ---------------------------------------------------------------------------------------------------
 
   /** Of numbers by their low 32 bits, doubles doubled first; of texts by their bytes. */
   static final class Digest {

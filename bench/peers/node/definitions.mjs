@@ -79,7 +79,7 @@ export function keysInOrder(kind, n, seed, present = true) {
   return order.map((number) => (present ? keyOf(number) : -1 - keyOf(number)));
 }
 
-// ---- What is sorted --------------------------------------------------------------------------------------------------
+// ---- What is sorted ------------------------------------------------------------------------------------------------
 
 export function sortBatch(n) {
   return Math.max(1, Math.floor(100000 / n));
@@ -123,7 +123,7 @@ export function sortInputs(kind, pattern, n) {
   return inputs;
 }
 
-// ---- Checksums -------------------------------------------------------------------------------------------------------
+// ---- Checksums -----------------------------------------------------------------------------------------------------
 
 // The low 32 bits of a whole number, which may be beyond those that the operators of bits take.
 function low32(number) {
