@@ -103,7 +103,10 @@ def main():
     chosen = [workload for workload in table if not options.only or workload.name in options.only.split(",")]
     if not chosen:
         raise SystemExit(f"report: no such workloads: {options.only}")
-    figures = measured(chosen, table, peers, options)
+    try:
+        figures = measured(chosen, table, peers, options)
+    except programs.ProgramFailed as failure:
+        raise SystemExit(f"report: {failure}") from failure
     FIGURES.write_text(json.dumps(figures), encoding="utf-8")
     partial = chosen != table or set(peers) != set(PEERS) or options.no_memory
     return 0 if show(figures, options.page, partial) else 1
