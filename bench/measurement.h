@@ -6,17 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "bench/keep.h"
+
 namespace vorn::bench {
-
-// The value must have been computed; costs nothing else. The same for every library, so that none is vectorised away.
-template <class Value>
-inline void keep(Value value) {
-  asm volatile("" : : "g"(value) : "memory");
-}
-
-inline void keep(double value) { asm volatile("" : : "x"(value) : "memory"); }
-
-inline void keep(float value) { asm volatile("" : : "x"(value) : "memory"); }
 
 // Counts `elements` per iteration, as a rate and as nanoseconds for one.
 inline void countElements(benchmark::State& state, std::int64_t elements) {
