@@ -64,7 +64,7 @@ def main():
     if sys.argv[2:] == ["--update"]:
         LIST.write_text(found, encoding="utf-8")
     committed = LIST.read_text(encoding="utf-8")
-    problems = list(difflib.unified_diff(committed.splitlines(), found.splitlines(), "committed", "found", "", "", 0))
+    problems = [line for line in difflib.ndiff(committed.splitlines(), found.splitlines()) if line[0] in "+-"]
     for name in re.findall(r"^typedef (?:struct|union) (\w+)", RUNTIME_HEADER.read_text(encoding="utf-8"), re.MULTILINE):
         if not re.search(rf" {name}$", found, re.MULTILINE):
             problems.append(f"{name}: records.cpp does not look at it")
