@@ -46,12 +46,12 @@ void copyFromArray(void* target, void* source) {
   if (target == source) return;
   const ArrayData& from = *getArrayData(source);
   const std::uint64_t size = lockedSize(from);
-  {
-    ArrayData& to = *getArrayData(target);
-    const ArrayDataLock lockSource(from);
-    const ArrayDataLock lockTarget(to);
-    copyArrayStorage(from, to);
-  }
+  ArrayData& to = *getArrayData(target);
+  const ArrayDataLock lockSource(from);
+  const ArrayDataLock lockTarget(to);
+  copyArrayStorage(from, to);
+  // Under the lock too, or two threads that copy to one array could leave it the size of the one and the elements of the
+  // other.
   Vorn_setField_i64(target, "size", static_cast<long long>(size));
 }
 

@@ -2,9 +2,11 @@
 #include <functional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "tests/array/array_cases.h"
 #include "tests/array/runtime_hooks.h"
+#include "tests/support/collections.h"
 #include "tests/support/sequences.h"
 
 namespace vorn::tests {
@@ -80,6 +82,19 @@ TEST_F(ArrayHeldLocks, Boxes_AreMadeUnderTheLock) {
             Operations{"integer box locked"});
   EXPECT_EQ(operationsOf(handles, [&] { vorn_collections_Array_setDouble(handles, 0, 1); }),
             Operations{"floating box locked"});
+}
+
+TEST_F(ArrayHeldLocks, SizeFieldOfACopy_IsSetUnderTheLock) {
+  const Handle target = newArray("ArraySync<Int>", 1);
+  const Handle source = intArray("ArraySync<Int>", {1, 2});
+  std::vector<long long> sizes;
+  std::function<void(pthread_mutex_t*)> hook = [&](pthread_mutex_t* mutex) {
+    if (mutex == recordOf(target).mutex) sizes.push_back(sizeField(target));
+  };
+  afterUnlock = &hook;
+  vorn_collections_Array_copyCtor(target, source);
+  afterUnlock = nullptr;
+  EXPECT_EQ(sizes, std::vector<long long>{2});
 }
 
 TEST_F(ArrayHeldLocks, NewArrays_AreMadeBeforeTheLock) {

@@ -9,8 +9,9 @@
   hidden dependency.
 - The runtime library exports every function of the embedding API's header, which has a function for boxing and one for
   unboxing each row of the table of primitive types, in the row's own type of C.
-- Both export what programs that were linked to an earlier release need: abi.txt, which is that of the number in their
-  SONAMEs.
+- Both export what abi.txt lists, which is that of the number in their SONAMEs, and nothing else: what programs that were
+  linked to an earlier release need, and what the two use of each other. So whatever is exported or no longer exported is
+  a line of difference there.
 - The runtime library provides all of those that are needed, and needs nothing but what the collections library exports
   and the collector's GC_ functions.
 """
@@ -95,6 +96,12 @@ def broken_promises(*libraries):
         for symbol in symbols:
             if symbol not in library.exported:
                 yield f"{demangled(symbol)}: {name} exported it in an earlier release"
+        between = re.findall(rf"^between {name} (\S+)$", promised, re.MULTILINE)
+        for symbol in between:
+            if symbol not in library.exported:
+                yield f"{demangled(symbol)}: {name} does not export it any more; the line in abi.txt can go"
+        for symbol in sorted(library.exported.difference(symbols, between)):
+            yield f"{demangled(symbol)}: exported, but abi.txt has no line '{name} {symbol}'"
 
 
 def boxing_functions():

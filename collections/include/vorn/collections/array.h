@@ -28,8 +28,9 @@ VORN_NATIVE void vorn_collections_Array_ctor(void* array, long long size);
 /* Makes the array a copy of an ordered collection. From an array it takes over the element type as well, and the
  * object's field "size" is set; from a list, immutable list or tuple each element is stored as by operator_index_eq:
  * one that does not fit raises, and the others follow. TypeError "Array copy constructor expects a non-null ordered
- * collection" for null, "Array copy constructor expects an ordered collection" for any other value. Locks a source
- * array and then the new one. An array copied to itself stays as it is. Allocates. */
+ * collection" for null, "Array copy constructor expects an ordered collection" for any other value. Holds the lock
+ * of a source array while it takes that of the new one, so that two threads which make two synchronised arrays copies of
+ * each other may wait for ever. An array copied to itself stays as it is. Allocates. */
 VORN_NATIVE void vorn_collections_Array_copyCtor(void* array, void* source);
 
 /* ---- Size and raw access ---------------------------------------------------------------------------------------- */
