@@ -2,6 +2,7 @@
 
 #include <vorn/runtime.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 

@@ -160,10 +160,10 @@ const CollectionClass* synchronisedTwin(const CollectionClass& type) {
 }
 
 bool inFull() {
-#if defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   return false;
 #elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
   return false;
 #endif
 #endif

@@ -33,8 +33,8 @@ Handle make(const Subject& subject);
 // The class with a lock to one without; null where there is none.
 const CollectionClass* synchronisedTwin(const CollectionClass& type);
 
-// Whether there is time for everything: a call costs ten times as much on the stress heap and under ThreadSanitizer, where
-// a few receivers of each class stand for all.
+// Whether there is time for everything: a call costs up to ten times as much on the stress heap and under sanitizers,
+// where a few receivers of each class stand for all.
 bool inFull();
 
 enum class Which { Plain, Synchronised };
