@@ -9,7 +9,7 @@
 
 namespace vorn::tests::stress {
 
-inline constexpr int kKeysOfOne = 24;
+inline constexpr int kKeysOfOne = 8;
 
 // The numbers that only this player uses as keys: its own, that and 8, that and 16, ...
 inline long long keyNumber(const Player& player, int which) { return player.number + kPlayers * which; }

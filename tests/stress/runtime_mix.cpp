@@ -18,7 +18,7 @@ namespace vorn::tests::stress {
 namespace {
 
 constexpr int kClasses = 400;
-constexpr int kNames = 300;
+constexpr int kNames = 10'000;
 constexpr int kKept = 8;
 
 class RuntimeMix : public Mix {
