@@ -80,7 +80,7 @@ class Judging(unittest.TestCase):
         self.assertTrue(verdicts.beyond("5ns", [6.2, 6.2], [1.1, 1.1]))
 
     def test_a_spread_that_reaches_into_the_limit_is_within(self):
-        self.assertFalse(verdicts.beyond("x1.5", [1.0, 2.0, 2.0, 1.0], [1.0, 1.0, 1.0, 1.0]))
+        self.assertFalse(verdicts.beyond("x1.5", [1.0, 1.0, 1.8, 2.0, 2.0], [1.0] * 5))
 
     def test_a_row_that_no_language_has_is_unclear(self):
         rows = canned_figures.rows()[:1]

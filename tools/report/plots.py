@@ -131,7 +131,7 @@ def heat_map(judged):
         "hovertemplate": "%{y} beside %{x}<br>%{text}<extra></extra>",
     }]
     layout = {
-        "xaxis": {"side": "top", "tickangle": -60, "automargin": True},
+        "xaxis": {"side": "top", "tickangle": -60, "automargin": True, "dtick": 1},
         "yaxis": {"automargin": True, "tickfont": {"size": 9}, "dtick": 1},
     }
     return figure("heat-map", "All rows beside all peers", data, layout, 160 + 15 * len(rows))
