@@ -77,7 +77,8 @@ def main():
         subprocess.run(['g++', '-std=c++20', '-o', original, SAMPLE], check=True)
         at_rest = run(original, 0)
         # Two faults of one operator replace the same text: the second of them goes into a program of its own.
-        rest = faults
+        # In the order of their places, the wider ones come first; the other way round it must not matter.
+        rest = faults[::-1]
         while rest:
             text, refused = planting.write_faults(SAMPLE.read_bytes(), rest)
             file.write_bytes(b'#include "tools/mutants/planted.h"\n#line 1\n' + text)
