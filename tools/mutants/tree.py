@@ -90,10 +90,20 @@ def compile_programs(targets, jobs, log):
     log.write_text(output)
     if done.returncode == 0:
         return []
-    places = []
-    for complaint in re.split(r'^(?=FAILED: )', output, flags=re.MULTILINE)[1:]:
-        for name, line in re.findall(rf'{re.escape(str(TREE))}/(collections/\S+?):(\d+):', complaint):
-            places.append((name, int(line)))
+    places = places_of_errors(output)
     if not places:
         raise SystemExit(f'the build failed, and not by a planted fault; see {log}')
+    return places
+
+
+def places_of_errors(output):
+    """Where the library's sources are wrong: the places of errors themselves and, where an error stands in a template,
+    the innermost place that asked for it."""
+    places, asked_for = [], False
+    for line in output.splitlines():
+        asked_for = asked_for or 'In instantiation of' in line or 'In substitution of' in line
+        found = re.match(r'(?:\S*/)?(collections/[^:\s]+):(\d+):', line)
+        if found and (asked_for or ' error: ' in line):
+            places.append((found.group(1), int(found.group(2))))
+            asked_for = False
     return places
