@@ -13,9 +13,9 @@
 #include <vorn/collections/tuple.h>
 
 #include <string>
-#include <vector>
 
 #include "bench/native_support.h"
+#include "collections/core/port/roots.h"
 
 namespace vorn::bench {
 
@@ -51,21 +51,17 @@ void* intList() {
   return list;
 }
 
-// As many keys as there are calls, kept alive by a list. make(number) makes one.
+// As many keys as there are calls. make(number) makes one.
 class Keys {
  public:
   template <class Make>
-  explicit Keys(Make make) : owner_(vorn_object_new("ArrayList<Object>")) {
-    for (int i = 0; i < kCalls; ++i) {
-      keys_.push_back(make(i));
-      vorn_collections_ArrayList_add(owner_, keys_.back());
-    }
+  explicit Keys(Make make) {
+    for (int i = 0; i < kCalls; ++i) keys_->push_back(make(i));
   }
-  void* operator[](int index) const { return keys_[static_cast<std::size_t>(index)]; }
+  void* operator[](int index) { return (*keys_)[static_cast<std::size_t>(index)]; }
 
  private:
-  Handle owner_;
-  std::vector<void*> keys_;
+  collections::HandleVector keys_;
 };
 
 void* textKey(const char* start, int number) {
@@ -133,10 +129,10 @@ void countArraysAndTuples() {
 }
 
 void countMapsAndSets() {
-  const Keys numbers([](int i) { return vorn_box_int(i); });
-  const Keys otherNumbers([](int i) { return vorn_box_int(kCalls + i); });
-  const Keys texts([](int i) { return textKey("text ", i); });
-  const Keys otherTexts([](int i) { return textKey("other ", i); });
+  Keys numbers([](int i) { return vorn_box_int(i); });
+  Keys otherNumbers([](int i) { return vorn_box_int(kCalls + i); });
+  Keys texts([](int i) { return textKey("text ", i); });
+  Keys otherTexts([](int i) { return textKey("other ", i); });
   const Handle map(vorn_object_new("Map<Int,Int>"));
   const Handle textMap(vorn_object_new("Map<String,Int>"));
   const Handle sorted(vorn_object_new("SortedMap<Int,Int>"));

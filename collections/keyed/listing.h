@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "collections/core/elements/box_run.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/port/object_layout.h"
 
@@ -17,11 +18,14 @@ namespace vorn::collections {
 template <class Walk>
 void fillListing(void* list, std::uint64_t count, Walk walk) {
   ListData& data = *getListData(list);
+  BoxRun run;
   walk([&](void* handle) {
-    if (appendInPlace(data, handle)) return;
+    if (run.append(data, handle) || appendInPlace(data, handle)) return;
     const bool decides = data.logicalSize() == 0;
     vorn_collections_ArrayList_add(list, handle);
-    if (decides) vorn_collections_ArrayList_reserve(list, static_cast<long long>(count));
+    if (!decides) return;
+    vorn_collections_ArrayList_reserve(list, static_cast<long long>(count));
+    run.beginWith(data, handle);
   });
 }
 

@@ -77,14 +77,13 @@ std::string_view commonValueTypeName(const vc::MapEntryVector::Storage& entries,
   return candidate;
 }
 
-// Appends a new tuple of one entry; false when it cannot be had.
-bool addItem(void* list, const std::string& typeName, const MapEntrySnapshot& entry) {
-  const vc::RootedHandle item(Vorn_allocObject(typeName.c_str()));
+// Makes `item` a new tuple of one entry; false when it cannot be had.
+bool makeItem(vc::RootedHandle& item, const std::string& typeName, const MapEntrySnapshot& entry) {
+  item = Vorn_allocObject(typeName.c_str());
   if (item.get() == nullptr) return false;
   Vorn_setField_ptr(item.get(), "_0", entry.key);
   Vorn_setField_ptr(item.get(), "_1", entry.value);
   Vorn_setField_i64(item.get(), "size", 2);
-  vorn_collections_ArrayList_add(list, item.get());
   return true;
 }
 
@@ -103,12 +102,17 @@ void* vorn_collections_Map_items(void* map) {
   vc::MapEntryVector entries;
   RuntimeTypeName valueType;
   vc::snapshotTypedMapEntries(*getMapData(map), entries, valueType);
-  vorn_collections_ArrayList_reserve(list.get(), static_cast<long long>(entries->size()));
   typeName += ',';
   typeName += commonValueTypeName(*entries, valueType);
   typeName += '>';
-  for (const MapEntrySnapshot& entry : *entries) {
-    if (!addItem(list.get(), typeName, entry)) return nullptr;
-  }
-  return list.get();
+  vc::RootedHandle item(nullptr);
+  bool complete = true;
+  vc::fillListing(list.get(), entries->size(), [&](auto append) {
+    for (const MapEntrySnapshot& entry : *entries) {
+      complete = makeItem(item, typeName, entry);
+      if (!complete) return;
+      append(item.get());
+    }
+  });
+  return complete ? list.get() : nullptr;
 }

@@ -15,6 +15,7 @@ namespace {
 
 using vorn::runtime::fieldOf;
 using vorn::runtime::isWritable;
+using vorn::runtime::kNoItem;
 using vorn::runtime::TupleObject;
 using vorn::runtime::tupleOf;
 
@@ -24,9 +25,9 @@ const ObjectField* writableField(void* handle, const char* name, ObjectField::Ki
   return field != nullptr && field->kind == kind && isWritable(handle) ? field : nullptr;
 }
 
-// Whether the field is an item of a tuple, and which.
-bool isItem(const TupleObject* tuple, const char* field, std::uint64_t& index) {
-  return tuple != nullptr && field != nullptr && vorn::runtime::readItemName(field, index);
+// Which item of a tuple the field is; kNoItem when it is no tuple or no item.
+std::uint64_t itemOf(const TupleObject* tuple, const char* field) {
+  return tuple != nullptr && field != nullptr ? vorn::runtime::itemNumber(field) : kNoItem;
 }
 
 int setItem(TupleObject& tuple, std::uint64_t index, void* item) {
@@ -81,10 +82,10 @@ int vorn_field_get_floating(void* handle, const char* field, double* value) {
 }
 
 int vorn_field_get_handle(void* handle, const char* field, void** value) {
-  std::uint64_t index = 0;
-  if (const TupleObject* tuple = tupleOf(handle); value != nullptr && isItem(tuple, field, index)) {
-    if (tuple->size < 0 || index >= static_cast<std::uint64_t>(tuple->size)) return 0;
-    *value = vorn::runtime::tupleItem(*tuple, index);
+  const TupleObject* const tuple = tupleOf(handle);
+  if (const std::uint64_t item = itemOf(tuple, field); item != kNoItem && value != nullptr) {
+    if (tuple->size < 0 || item >= static_cast<std::uint64_t>(tuple->size)) return 0;
+    *value = vorn::runtime::tupleItem(*tuple, item);
     return 1;
   }
   const ObjectField* found = fieldOf(handle, field);
@@ -108,8 +109,8 @@ int vorn_field_set_floating(void* handle, const char* field, double value) {
 }
 
 int vorn_field_set_handle(void* handle, const char* field, void* value) {
-  std::uint64_t index = 0;
-  if (TupleObject* tuple = tupleOf(handle); isItem(tuple, field, index)) return setItem(*tuple, index, value);
+  TupleObject* const tuple = tupleOf(handle);
+  if (const std::uint64_t item = itemOf(tuple, field); item != kNoItem) return setItem(*tuple, item, value);
   const ObjectField* found = writableField(handle, field, ObjectField::Kind::Handle);
   if (found == nullptr) return 0;
   vorn::collections::assertMayBeKept(value);

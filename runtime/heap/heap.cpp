@@ -1,5 +1,5 @@
-// The allocation path. On the collected heap an allocation is three tests, two counters and a block off a list of the
-// thread's own, or for a larger block the collector library's call; everything rarer is in allocateSlowly.
+// The allocation path. On the collected heap a small allocation is three tests, two counters and a block off a list of
+// the thread's own, and a larger one the collector library's call; everything rarer is in allocateSlowly.
 #include "runtime/heap/heap.h"
 
 #include <gc/gc.h>
@@ -44,12 +44,29 @@ inline void* largerBlock(std::size_t bytes) noexcept {
   return block;
 }
 
+// A block off a list of the thread's own, which is nearly every one; null when that will not do. All else is kept out of
+// it, so that it needs no stack.
 template <BlockKind kind>
-inline void* allocate(std::size_t bytes) noexcept {
+inline void* allocateAtOnce(std::size_t bytes) noexcept {
+  ThreadState* const thread = currentThread;
+  if (bytes > SmallBlocks::kLargest || thread == nullptr || thread->allocatesSlowly) [[unlikely]]
+    return nullptr;
+  void* const block = thread->smallBlocks.take<kind>(bytes);
+  if (block != nullptr) [[likely]]
+    thread->handOut(block, bytes);
+  return block;
+}
+
+// What cannot be had at once: larger blocks, the first of many small ones, and everything rarer.
+template <BlockKind kind>
+__attribute__((noinline)) void* allocateOtherwise(std::size_t bytes) noexcept {
   ThreadState* const thread = currentThread;
   if (thread == nullptr || thread->allocatesSlowly || bytes > kLargestBlock) [[unlikely]]
     return allocateSlowly(bytes, kind);
-  void* const block = bytes <= SmallBlocks::kLargest ? thread->smallBlocks.take<kind>(bytes) : largerBlock<kind>(bytes);
+  const bool small = bytes <= SmallBlocks::kLargest;
+  void* const block = !small                                    ? largerBlock<kind>(bytes)
+                      : thread->smallBlocks.refill(kind, bytes) ? thread->smallBlocks.take<kind>(bytes)
+                                                                : nullptr;
   if (block == nullptr) [[unlikely]]
     return allocateSlowly(bytes, kind);
   thread->handOut(block, bytes);
@@ -57,11 +74,22 @@ inline void* allocate(std::size_t bytes) noexcept {
 }
 
 template <BlockKind kind>
-inline void* allocateOrThrow(std::size_t bytes) {
-  void* const block = allocate<kind>(bytes);
-  if (block == nullptr) [[unlikely]]
-    throw std::bad_alloc();
+inline void* allocate(std::size_t bytes) noexcept {
+  void* const block = allocateAtOnce<kind>(bytes);
+  return block != nullptr ? block : allocateOtherwise<kind>(bytes);
+}
+
+template <BlockKind kind>
+__attribute__((noinline)) void* allocateOtherwiseOrThrow(std::size_t bytes) {
+  void* const block = allocateOtherwise<kind>(bytes);
+  if (block == nullptr) throw std::bad_alloc();
   return block;
+}
+
+template <BlockKind kind>
+inline void* allocateOrThrow(std::size_t bytes) {
+  void* const block = allocateAtOnce<kind>(bytes);
+  return block != nullptr ? block : allocateOtherwiseOrThrow<kind>(bytes);
 }
 
 }  // namespace

@@ -5,13 +5,17 @@
 #include <gc/gc.h>
 #include <gc/gc_inline.h>
 
+#include <algorithm>
+
 #include "runtime/heap/huge_pages.h"
 
 namespace vorn::runtime {
 
 // The library stores the list before a collection can run, so that no moment shows blocks that are in no list.
-__attribute__((noinline)) bool SmallBlocks::refill(void*& list, BlockKind kind, std::size_t bytes) noexcept {
-  GC_generic_malloc_many(bytes, kind == BlockKind::Scanned ? GC_I_NORMAL : GC_I_PTRFREE, &list);
+bool SmallBlocks::refill(BlockKind kind, std::size_t bytes) noexcept {
+  void*& list = listOf(kind, bytes);
+  const std::size_t size = std::max(granulesFor(bytes), std::size_t{1}) * kGranule;
+  GC_generic_malloc_many(size, kind == BlockKind::Scanned ? GC_I_NORMAL : GC_I_PTRFREE, &list);
   if (list == nullptr) return false;
   putOnHugePages(list, 1);
   return true;

@@ -2,8 +2,8 @@
 // collector's library. The other heaps leave them empty.
 //
 // Invariants:
-// - lists_[kind][i] links free blocks of (i + 1) * 16 bytes through their first words; the rest of a scanned block is
-//   zero.
+// - lists_[kind][i] links free blocks of i * 16 bytes through their first words; the rest of a scanned block is zero.
+//   Nothing at all takes 16 bytes too.
 // - Only the owner changes a list, except that the library fills an empty one under its own lock.
 // - The collector's library knows nothing of these blocks, and one that is not marked is swept and handed out again. So
 //   a collection marks every block of every list, one by one, since pointer-free blocks are not searched for the link.
@@ -24,14 +24,13 @@ class SmallBlocks {
   static constexpr std::size_t kGranule = 16;
   static constexpr std::size_t kLargest = 256;  // bytes
 
-  // A block of at most kLargest bytes, zeroed when it is a scanned one; null when the collector has none. May collect.
+  // A block of at most kLargest bytes, zeroed when it is a scanned one; null when none of that size is held.
   template <BlockKind kind>
   void* take(std::size_t bytes) noexcept {
-    const std::size_t size = bytes == 0 ? 0 : (bytes - 1) / kGranule;
-    void*& list = lists_[static_cast<std::size_t>(kind)][size];
-    if (list == nullptr && !refill(list, kind, (size + 1) * kGranule)) [[unlikely]]
-      return nullptr;
+    void*& list = listOf(kind, bytes);
     void* const block = list;
+    if (block == nullptr) [[unlikely]]
+      return nullptr;
     void* const next = nextOf(block);
     std::atomic_ref(list).store(next, std::memory_order_relaxed);
     std::atomic_signal_fence(std::memory_order_seq_cst);
@@ -40,6 +39,10 @@ class SmallBlocks {
     if constexpr (kind == BlockKind::Scanned) *static_cast<void**>(block) = nullptr;
     return block;
   }
+
+  // Gets blocks of at least so many bytes, at most kLargest, when none of that size is held; false when the collector has
+  // none. May collect.
+  bool refill(BlockKind kind, std::size_t bytes) noexcept;
 
   void drop() noexcept;
 
@@ -60,10 +63,12 @@ class SmallBlocks {
  private:
   static void* nextOf(void* block) noexcept { return *static_cast<void**>(block); }
 
-  // Fills an empty list with blocks of a size; false when there are none.
-  static bool refill(void*& list, BlockKind kind, std::size_t bytes) noexcept;
+  static std::size_t granulesFor(std::size_t bytes) noexcept { return (bytes + kGranule - 1) / kGranule; }
+  void*& listOf(BlockKind kind, std::size_t bytes) noexcept {
+    return lists_[static_cast<std::size_t>(kind)][granulesFor(bytes)];
+  }
 
-  void* lists_[kBlockKinds][kLargest / kGranule] = {};
+  void* lists_[kBlockKinds][kLargest / kGranule + 1] = {};
 };
 
 }  // namespace vorn::runtime

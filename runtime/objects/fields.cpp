@@ -55,6 +55,24 @@ Result readNumber(const void* handle, const char* name) {
   return static_cast<Result>(std::bit_cast<double>(word));
 }
 
+// The fields of classes are kept apart from those of tuples, which need no stack.
+__attribute__((noinline)) void setHandleField(void* handle, const char* name, void* value) {
+  const ObjectField* field = fieldOf(handle, name);
+  if (field == nullptr || field->kind != ObjectField::Kind::Handle) return;
+  collections::assertMayBeKept(value);
+  storeField(handle, *field, std::bit_cast<std::uint64_t>(value));
+}
+
+__attribute__((noinline)) void setNumberField(void* handle, const char* name, long long value) {
+  const ObjectField* field = fieldOf(handle, name);
+  if (field == nullptr || !isWritable(handle)) return;
+  if (field->kind == ObjectField::Kind::Integer) {
+    storeField(handle, *field, static_cast<std::uint64_t>(value));
+  } else if (field->kind == ObjectField::Kind::Floating) {
+    storeField(handle, *field, std::bit_cast<std::uint64_t>(static_cast<double>(value)));
+  }
+}
+
 }  // namespace
 
 const ObjectField* fieldOf(const void* handle, const char* name) {
@@ -115,8 +133,7 @@ extern "C" bool Vorn_getField_i1(void* handle, const char* field) {
 
 extern "C" void* Vorn_getField_ptr(void* handle, const char* field) {
   if (const TupleObject* tuple = vorn::runtime::tupleOf(handle); tuple != nullptr && field != nullptr) {
-    std::uint64_t index = 0;
-    return vorn::runtime::readItemName(field, index) ? vorn::runtime::tupleItem(*tuple, index) : nullptr;
+    return vorn::runtime::tupleItem(*tuple, vorn::runtime::itemNumber(field));
   }
   const ObjectField* found = vorn::runtime::fieldOf(handle, field);
   if (found == nullptr || found->kind != ObjectField::Kind::Handle) return nullptr;
@@ -128,25 +145,16 @@ extern "C" void Vorn_setField_i64(void* handle, const char* field, long long val
     tuple->size = value;
     return;
   }
-  const ObjectField* found = vorn::runtime::fieldOf(handle, field);
-  if (found == nullptr || !vorn::runtime::isWritable(handle)) return;
-  if (found->kind == ObjectField::Kind::Integer) {
-    vorn::runtime::storeField(handle, *found, static_cast<std::uint64_t>(value));
-  } else if (found->kind == ObjectField::Kind::Floating) {
-    vorn::runtime::storeField(handle, *found, std::bit_cast<std::uint64_t>(static_cast<double>(value)));
-  }
+  vorn::runtime::setNumberField(handle, field, value);
 }
 
 extern "C" void Vorn_setField_ptr(void* handle, const char* field, void* value) {
   if (TupleObject* tuple = vorn::runtime::tupleOf(handle); tuple != nullptr && field != nullptr) {
-    std::uint64_t index = 0;
-    if (vorn::runtime::readItemName(field, index)) vorn::runtime::setTupleItem(*tuple, index, value);
+    const std::uint64_t number = vorn::runtime::itemNumber(field);
+    if (number != vorn::runtime::kNoItem) vorn::runtime::setTupleItem(*tuple, number, value);
     return;
   }
-  const ObjectField* found = vorn::runtime::fieldOf(handle, field);
-  if (found == nullptr || found->kind != ObjectField::Kind::Handle) return;
-  vorn::collections::assertMayBeKept(value);
-  vorn::runtime::storeField(handle, *found, std::bit_cast<std::uint64_t>(value));
+  vorn::runtime::setHandleField(handle, field, value);
 }
 
 // The description is shared by all objects of the class; it is not const only because the interface says so.

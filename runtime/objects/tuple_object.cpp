@@ -10,7 +10,6 @@
 #include <new>
 #include <system_error>
 
-#include "collections/core/port/borrowed_box.h"
 #include "runtime/heap/heap.h"
 #include "runtime/objects/builtin_classes.h"
 
@@ -30,15 +29,6 @@ constexpr std::uint64_t kUntypedItems = 4;
 
 constexpr std::uint64_t kMostItems = std::numeric_limits<std::int64_t>::max() / sizeof(void*);
 
-void growTo(TupleObject& tuple, std::uint64_t needed) {
-  if (needed > kMostItems) throw std::bad_alloc();
-  const std::uint64_t capacity = std::max(needed, tuple.capacity * 2);
-  auto** items = static_cast<void**>(allocateScanned(capacity * sizeof(void*)));
-  if (tuple.capacity != 0) std::memcpy(items, tuple.items, tuple.capacity * sizeof(void*));
-  tuple.items = items;
-  tuple.capacity = capacity;
-}
-
 }  // namespace
 
 TupleObject* newTuple(const RuntimeClass& type) {
@@ -52,22 +42,23 @@ TupleObject* newTuple(const RuntimeClass& type) {
 }
 
 // The name begins with "_" and a digit.
-bool readLongItemName(const char* name, std::uint64_t& index) {
-  if (name[1] == '0') return false;
+std::uint64_t numberOfLongItemName(const char* name) {
+  if (name[1] == '0') return kNoItem;
   const char* const end = name + std::strlen(name);
-  const auto parsed = std::from_chars(name + 1, end, index);
-  return parsed.ec == std::errc() && parsed.ptr == end;
+  std::uint64_t number = 0;
+  const auto parsed = std::from_chars(name + 1, end, number);
+  return parsed.ec == std::errc() && parsed.ptr == end ? std::min(number, kNoItem - 1) : kNoItem;
 }
 
-void* tupleItem(const TupleObject& tuple, std::uint64_t index) {
-  return index < tuple.capacity ? tuple.items[index] : nullptr;
-}
-
-void setTupleItem(TupleObject& tuple, std::uint64_t index, void* item) {
+// There is no room for the item yet.
+void setFurtherTupleItem(TupleObject& tuple, std::uint64_t index, void* item) {
   if (index >= kMostItems) throw std::bad_alloc();
-  collections::assertMayBeKept(item);
-  if (index >= tuple.capacity) growTo(tuple, index + 1);
-  tuple.items[index] = item;
+  const std::uint64_t capacity = std::max(index + 1, tuple.capacity * 2);
+  auto** items = static_cast<void**>(allocateScanned(capacity * sizeof(void*)));
+  if (tuple.capacity != 0) std::memcpy(items, tuple.items, tuple.capacity * sizeof(void*));
+  items[index] = item;
+  tuple.items = items;
+  tuple.capacity = capacity;
 }
 
 }  // namespace vorn::runtime

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
+#include "collections/core/port/borrowed_box.h"
 #include "runtime/objects/runtime_class.h"
 
 namespace vorn::runtime {
@@ -29,24 +31,36 @@ TupleObject* newTuple(const RuntimeClass& type);
 
 // The tuple behind a handle, or null.
 inline TupleObject* tupleOf(void* handle) {
-  if (!hasObjectMagic(handle)) return nullptr;
-  auto* object = static_cast<ObjectRecord*>(handle);
-  return object->kind() == ObjectKind::Tuple ? static_cast<TupleObject*>(object) : nullptr;
+  if (objectHeaderAt(handle) != objectHeaderFor(handle, ObjectKind::Tuple)) return nullptr;
+  return static_cast<TupleObject*>(handle);
 }
 
-bool readLongItemName(const char* name, std::uint64_t& index);
+// No name of an item.
+inline constexpr std::uint64_t kNoItem = std::numeric_limits<std::uint64_t>::max();
 
-// Whether a field name is that of an item, "_" and a decimal number without leading zeros, and which.
-inline bool readItemName(const char* name, std::uint64_t& index) {
-  if (name[0] != '_' || name[1] < '0' || name[1] > '9') return false;
-  index = static_cast<std::uint64_t>(name[1] - '0');
-  return name[2] == '\0' || readLongItemName(name, index);
+std::uint64_t numberOfLongItemName(const char* name);
+
+// Which item a field name, "_" and a decimal number without leading zeros, is that of; kNoItem for every other name.
+inline std::uint64_t itemNumber(const char* name) {
+  if (name[0] != '_' || name[1] < '0' || name[1] > '9') return kNoItem;
+  if (name[2] != '\0') [[unlikely]]
+    return numberOfLongItemName(name);
+  return static_cast<std::uint64_t>(name[1] - '0');
 }
 
 // The item, or null when there is no room for it.
-void* tupleItem(const TupleObject& tuple, std::uint64_t index);
+inline void* tupleItem(const TupleObject& tuple, std::uint64_t index) {
+  return index < tuple.capacity ? tuple.items[index] : nullptr;
+}
+
+void setFurtherTupleItem(TupleObject& tuple, std::uint64_t index, void* item);
 
 // Stores an item, making room when there is none. Does not change "size". May allocate; std::bad_alloc.
-void setTupleItem(TupleObject& tuple, std::uint64_t index, void* item);
+inline void setTupleItem(TupleObject& tuple, std::uint64_t index, void* item) {
+  collections::assertMayBeKept(item);
+  if (index >= tuple.capacity) [[unlikely]]
+    return setFurtherTupleItem(tuple, index, item);
+  tuple.items[index] = item;
+}
 
 }  // namespace vorn::runtime

@@ -11,6 +11,7 @@
 #include "runtime/objects/builtin_classes.h"
 #include "runtime/objects/generic_names.h"
 #include "runtime/objects/name_map.h"
+#include "runtime/objects/runtime_class.h"
 
 namespace {
 
@@ -63,10 +64,14 @@ BuiltinClass collectionClassOf(std::string_view typeName) {
   }
 }
 
-bool isOfFamily(std::string_view typeName, ObjectKind family) {
+// The class of a collection of one family; null for every other name.
+const RuntimeClass* classOfFamily(std::string_view typeName, ObjectKind family) {
   const BuiltinClass type = collectionClassOf(typeName);
-  return type != BuiltinClass::None && builtinClass(type).kind == family;
+  if (type == BuiltinClass::None || builtinClass(type).kind != family) return nullptr;
+  return &builtinClass(type);
 }
+
+bool isOfFamily(std::string_view typeName, ObjectKind family) { return classOfFamily(typeName, family) != nullptr; }
 
 }  // namespace
 
@@ -106,11 +111,13 @@ bool isArrayListLike(std::string_view typeName) {
 }
 
 bool isSyncArrayListLike(std::string_view typeName) {
-  return isOfFamily(typeName, ObjectKind::List) && builtinClass(collectionClassOf(typeName)).traits.isSynchronised;
+  const RuntimeClass* const type = classOfFamily(typeName, ObjectKind::List);
+  return type != nullptr && type->traits.isSynchronised;
 }
 
 bool isLinkedListLike(std::string_view typeName) {
-  return isOfFamily(typeName, ObjectKind::List) && builtinClass(collectionClassOf(typeName)).traits.isLinked;
+  const RuntimeClass* const type = classOfFamily(typeName, ObjectKind::List);
+  return type != nullptr && type->traits.isLinked;
 }
 
 bool isImmutableListLike(std::string_view typeName) {

@@ -73,16 +73,19 @@ std::vector<Receiver> sets() { return receiversOf({"HashSet", "HashSetSync"}, vo
 // The value is the key in every map, so that what is found is told by its description.
 std::string lookedUp(bool found, void* value) { return (found ? "found " : "absent ") + describe(value); }
 
+std::string nativeLookups(void* map, const Handle& key) {
+  void* value = map;
+  const std::string all =
+      describe(vorn_collections_Map__get(map, key)) + describe(vorn_collections_Map_operator_index(map, key));
+  const bool found = vorn_collections_Map_tryGet(map, key, &value);
+  return all + lookedUp(found, value) + (vorn_collections_Map_operator_in(map, key) ? "in" : "not in");
+}
+
 std::string allLookups(Form form, void* map, long long key) {
-  const Handle box = form == Form::Native ? integer("Long", key) : Handle();
+  if (form == Form::Native) return nativeLookups(map, integer("Long", key));
   void* value = map;
   bool found = false;
   std::string all;
-  if (form == Form::Native) {
-    all = describe(vorn_collections_Map__get(map, box)) + describe(vorn_collections_Map_operator_index(map, box));
-    found = vorn_collections_Map_tryGet(map, box, &value);
-    return all + lookedUp(found, value) + (vorn_collections_Map_operator_in(map, box) ? "in" : "not in");
-  }
   if (form == Form::Inline) {
     all = describe(vorn_inline_Map__get_integer(map, key)) + describe(vorn_inline_Map_operator_index_integer(map, key));
     found = vorn_inline_Map_tryGet_integer(map, key, &value);
@@ -94,18 +97,13 @@ std::string allLookups(Form form, void* map, long long key) {
 }
 
 std::string allLookups(Form form, void* map, const std::string& key) {
-  const Handle box = form == Form::Native ? stringOf(key) : Handle();
+  if (form == Form::Native) return nativeLookups(map, stringOf(key));
   // A copy with nothing behind it, so that reading on would be noticed.
   const std::vector<char> bytes(key.begin(), key.end());
   const char* const text = bytes.data();
   void* value = map;
   bool found = false;
   std::string all;
-  if (form == Form::Native) {
-    all = describe(vorn_collections_Map__get(map, box)) + describe(vorn_collections_Map_operator_index(map, box));
-    found = vorn_collections_Map_tryGet(map, box, &value);
-    return all + lookedUp(found, value) + (vorn_collections_Map_operator_in(map, box) ? "in" : "not in");
-  }
   if (form == Form::Inline) {
     all = describe(vorn_inline_Map__get_text(map, text, key.size())) +
           describe(vorn_inline_Map_operator_index_text(map, text, key.size()));

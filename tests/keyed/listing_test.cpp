@@ -3,6 +3,8 @@
 #include "collections/core/port/objects.h"
 #include "collections/core/storage/list_data.h"
 #include "tests/keyed/keyed_cases.h"
+#include "tests/support/lists.h"
+#include "tests/support/values.h"
 
 namespace vorn::tests {
 namespace {
@@ -84,6 +86,51 @@ TEST_F(RuntimeTest, ListingOfNumbersAndThenTexts_IsBoxedAgain) {
   ASSERT_EQ(data.objects.size, 20U);
   for (int i = 0; i < 15; ++i) EXPECT_EQ(valueOf(data.objects.data[i]), i);
   EXPECT_EQ(std::string(vorn_string_text(data.objects.data[19])), "text");
+}
+
+// Boxes of all types at the ends of all ranges, also such as their type has no value for, and what is no box.
+std::vector<Handle> valuesOfAllSorts() {
+  std::vector<Handle> values = {string("text"), Handle(nullptr), boolean(true), boolean(false)};
+  for (const std::string& type : primitiveNames()) {
+    if (type == "Boolean") continue;
+    if (isFloatingName(type)) {
+      for (const double value : {0.0, -0.0, 0.1, 1e300}) values.push_back(floating(type.c_str(), value));
+      continue;
+    }
+    for (const std::int64_t value :
+         {std::int64_t{0}, std::int64_t{-1}, std::int64_t{127}, std::int64_t{128}, std::int64_t{0xD800},
+          std::int64_t{0x110000}, std::int64_t{1} << 33, std::numeric_limits<std::int64_t>::min()}) {
+      values.push_back(integer(type.c_str(), value));
+    }
+  }
+  return values;
+}
+
+// The storage of a list, and for boxed and unboxed elements alike their types and values.
+std::string contentOf(void* list) {
+  std::string content = storageOf(list);
+  for (long long i = 0; i < vorn_collections_ArrayList_size(list); ++i) {
+    content += ' ' + describe(Handle(vorn_collections_ArrayList_operator_index(list, i)));
+  }
+  return content;
+}
+
+TEST_F(RuntimeTest, Listings_AnyBoxAfterAnyOther_AreWhatAddingEachGives) {
+  const std::vector<Handle> all = valuesOfAllSorts();
+  const Handle map = object("Map");
+  for (const Handle& first : all) {
+    for (const Handle& second : all) {
+      const Handle row[] = {first, first, second, first};
+      const Handle added = object("ImmutableList");
+      for (int i = 0; i < 4; ++i) vorn_collections_Map_put(map, number(i), row[i]);
+      for (const Handle& value : row) vorn_collections_ArrayList_add(added, value);
+      const std::vector<std::string> errors = takeErrors();
+      const Handle values(vorn_collections_Map_values(map));
+      ASSERT_EQ(takeErrors(), errors) << describe(first) << ", " << describe(second);
+      ASSERT_EQ(contentOf(values), contentOf(added)) << describe(first) << ", " << describe(second);
+      ASSERT_EQ(collections::validateListData(*getListData(values)), "") << describe(first) << ", " << describe(second);
+    }
+  }
 }
 
 }  // namespace

@@ -161,6 +161,30 @@ VORN_INLINE_PART bool vorn_inline_list_push_handle(void* record, void* value) {
   return true;
 }
 
+/* Appends, by the native what the list does not take as it is. */
+VORN_INLINE_PART void vorn_inline_list_add_handle(void* list, void* record, void* value) {
+  if (!vorn_inline_list_push_handle(record, value)) vorn_collections_ArrayList_add(list, value);
+}
+
+VORN_INLINE_PART void vorn_inline_list_add_int(void* list, void* record, long long value) {
+  if (!vorn_inline_list_push_integer(record, value, VORN_INT)) vorn_collections_ArrayList_addInt(list, value);
+}
+
+VORN_INLINE_PART void vorn_inline_list_add_integer(void* list, void* record, long long value, vorn_element_type type) {
+  if (vorn_inline_is_integral(type) && vorn_inline_list_push_integer(record, value, type)) return;
+  vorn_collections_ArrayList_addPrimitiveI64(list, value, vorn_inline_type_name(type));
+}
+
+VORN_INLINE_PART void vorn_inline_list_add_floating(void* list, void* record, double value, vorn_element_type type) {
+  if (vorn_inline_is_floating(type) && vorn_inline_list_push_floating(record, value, type)) return;
+  vorn_collections_ArrayList_addPrimitiveDouble(list, value, vorn_inline_type_name(type));
+}
+
+VORN_INLINE_PART void vorn_inline_list_add_boolean(void* list, void* record, bool value) {
+  if (!vorn_inline_list_push_integer(record, value, VORN_BOOLEAN))
+    vorn_collections_ArrayList_addPrimitiveBool(list, value);
+}
+
 /* ---- Any receiver -------------------------------------------------------------------------------------------------- */
 
 /* vorn_collections_ArrayList_size. */
@@ -206,38 +230,27 @@ VORN_INLINE void vorn_inline_ArrayList_setBool(void* list, long long index, bool
 
 /* vorn_collections_ArrayList_add, quick for untyped lists of handles that are not empty. */
 VORN_INLINE void vorn_inline_ArrayList_add(void* list, void* value) {
-  if (vorn_inline_list_push_handle(vorn_inline_record(list, VORN_INLINE_LIST), value)) return;
-  vorn_collections_ArrayList_add(list, value);
+  vorn_inline_list_add_handle(list, vorn_inline_record(list, VORN_INLINE_LIST), value);
 }
 
 /* vorn_collections_ArrayList_addInt, quick for lists of Int. */
 VORN_INLINE void vorn_inline_ArrayList_addInt(void* list, long long value) {
-  if (vorn_inline_list_push_integer(vorn_inline_record(list, VORN_INLINE_LIST), value, VORN_INT)) return;
-  vorn_collections_ArrayList_addInt(list, value);
+  vorn_inline_list_add_int(list, vorn_inline_record(list, VORN_INLINE_LIST), value);
 }
 
 /* vorn_collections_ArrayList_addPrimitiveI64 with the type's name, quick for lists of the type. */
 VORN_INLINE void vorn_inline_ArrayList_addPrimitiveI64(void* list, long long value, vorn_element_type type) {
-  if (vorn_inline_is_integral(type) &&
-      vorn_inline_list_push_integer(vorn_inline_record(list, VORN_INLINE_LIST), value, type)) {
-    return;
-  }
-  vorn_collections_ArrayList_addPrimitiveI64(list, value, vorn_inline_type_name(type));
+  vorn_inline_list_add_integer(list, vorn_inline_record(list, VORN_INLINE_LIST), value, type);
 }
 
 /* vorn_collections_ArrayList_addPrimitiveDouble with the type's name, quick for lists of the type. */
 VORN_INLINE void vorn_inline_ArrayList_addPrimitiveDouble(void* list, double value, vorn_element_type type) {
-  if (vorn_inline_is_floating(type) &&
-      vorn_inline_list_push_floating(vorn_inline_record(list, VORN_INLINE_LIST), value, type)) {
-    return;
-  }
-  vorn_collections_ArrayList_addPrimitiveDouble(list, value, vorn_inline_type_name(type));
+  vorn_inline_list_add_floating(list, vorn_inline_record(list, VORN_INLINE_LIST), value, type);
 }
 
 /* vorn_collections_ArrayList_addPrimitiveBool, quick for lists of Boolean. */
 VORN_INLINE void vorn_inline_ArrayList_addPrimitiveBool(void* list, bool value) {
-  if (vorn_inline_list_push_integer(vorn_inline_record(list, VORN_INLINE_LIST), value, VORN_BOOLEAN)) return;
-  vorn_collections_ArrayList_addPrimitiveBool(list, value);
+  vorn_inline_list_add_boolean(list, vorn_inline_record(list, VORN_INLINE_LIST), value);
 }
 
 /* ---- Receivers of a proven class ----------------------------------------------------------------------------------- */
@@ -277,34 +290,23 @@ VORN_INLINE void vorn_proven_ArrayList_setBool(void* list, long long index, bool
 }
 /* vorn_inline_ArrayList_add, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_add(void* list, void* value) {
-  if (vorn_inline_list_push_handle(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value)) return;
-  vorn_collections_ArrayList_add(list, value);
+  vorn_inline_list_add_handle(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value);
 }
 /* vorn_inline_ArrayList_addInt, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addInt(void* list, long long value) {
-  if (vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, VORN_INT)) return;
-  vorn_collections_ArrayList_addInt(list, value);
+  vorn_inline_list_add_int(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value);
 }
 /* vorn_inline_ArrayList_addPrimitiveI64, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveI64(void* list, long long value, vorn_element_type type) {
-  if (vorn_inline_is_integral(type) &&
-      vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type)) {
-    return;
-  }
-  vorn_collections_ArrayList_addPrimitiveI64(list, value, vorn_inline_type_name(type));
+  vorn_inline_list_add_integer(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type);
 }
 /* vorn_inline_ArrayList_addPrimitiveDouble, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveDouble(void* list, double value, vorn_element_type type) {
-  if (vorn_inline_is_floating(type) &&
-      vorn_inline_list_push_floating(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type)) {
-    return;
-  }
-  vorn_collections_ArrayList_addPrimitiveDouble(list, value, vorn_inline_type_name(type));
+  vorn_inline_list_add_floating(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, type);
 }
 /* vorn_inline_ArrayList_addPrimitiveBool, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveBool(void* list, bool value) {
-  if (vorn_inline_list_push_integer(vorn_inline_lasting_record(list, VORN_INLINE_LIST), value, VORN_BOOLEAN)) return;
-  vorn_collections_ArrayList_addPrimitiveBool(list, value);
+  vorn_inline_list_add_boolean(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value);
 }
 
 /* ---- Loops --------------------------------------------------------------------------------------------------------- */
