@@ -2,6 +2,7 @@
 
 import collections
 import dataclasses
+import itertools
 import os
 import pathlib
 import re
@@ -26,8 +27,10 @@ NEAREST = {
     'collections/': (),
 }
 
-# What the quick tests of a suite may take together, in milliseconds.
+# What the quick tests of a suite may take together, and what all tests of a suite may that go to the stress heap, which
+# takes a hundred times as long; in milliseconds on the collected heap.
 QUICK = 1500
+FOR_STRESS = 1000
 MEMORY = 12 << 30
 
 FAILED = re.compile(r'\[  FAILED  \] ([\w/]+\.[\w/]+)')
@@ -58,17 +61,20 @@ class Suites:
         self.failing_anyway = []
 
     def trace(self, suite):
-        """Runs a suite without a fault and notes what its tests come by. To be run once for each suite."""
-        trace = self.logs / f'{suite}.trace'
+        """Runs a suite without a fault and notes what its tests come by, unless that is known of this very program."""
+        trace, kept = self.logs / f'{suite}.trace', self.logs / f'{suite}.failing'
+        if kept.exists() and kept.stat().st_mtime > (self.programs / f'{suite}_tests').stat().st_mtime:
+            return suite, kept.read_text(encoding='utf-8').split(), trace
         trace.unlink(missing_ok=True)
         status, output = self.run(suite, 'collected', 0, [], 1200, {'VORN_PLANTED_TRACE': str(trace)})
-        return suite, status, output, trace
-
-    def note(self, suite, status, output, trace):
-        failing = set(FAILED.findall(output))
+        failing = sorted(set(FAILED.findall(output)))
         if status != 0 and not failing:
             raise SystemExit(f'{suite} ends with {status} without a fault:\n{output[-2000:]}')
-        self.failing_anyway += sorted(failing)
+        kept.write_text('\n'.join(failing), encoding='utf-8')
+        return suite, failing, trace
+
+    def note(self, suite, failing, trace):
+        self.failing_anyway += failing
         for line in trace.read_text().splitlines():
             test, milliseconds, *numbers = line.split()
             if test in failing:
@@ -112,29 +118,33 @@ class Suites:
             for suite in nearest[:1]:
                 by_suite[suite] = list(self.all_tests[suite])
         order = sorted(by_suite, key=lambda suite: nearest.index(suite) if suite in nearest else len(nearest))
-        quick, slow = [], []
+        quick, slow, stress = [], [], []
         for suite in order:
-            now, later, spent = [], [], 0
-            for milliseconds, test in sorted(by_suite[suite]):
-                spent += milliseconds
-                (now if spent <= QUICK else later).append((milliseconds, test))
-            for list_of_batches, tests in ((quick, now), (slow, later)):
-                if tests:
-                    list_of_batches.append((suite, [test for _, test in tests], sum(time for time, _ in tests)))
-        on_heap = {heap: [(heap, *batch) for batch in quick + slow] for heap in ('collected', 'stress')}
-        if fault.sort == 'root left out':
-            return on_heap['stress'] + on_heap['collected']
-        return on_heap['collected'] + [batch for batch in on_heap['stress'] if batch[1] not in ('kernels', 'sort')]
+            tests = sorted(by_suite[suite])
+            now = within(tests, QUICK)
+            quick.append(('collected', suite, now))
+            slow.append(('collected', suite, tests[len(now):]))
+            if suite not in ('kernels', 'sort'):
+                stress.append(('stress', suite, within(tests, FOR_STRESS)))
+        batches = stress + quick + slow if fault.sort == 'root left out' else quick + slow + stress
+        return [(heap, suite, [test for _, test in tests], sum(time for time, _ in tests))
+                for heap, suite, tests in batches if tests]
 
     def judge(self, fault):
         verdict = Verdict(fault, reached=len(self.reaching[fault.number]))
         for heap, suite, tests, milliseconds in self.batches(fault):
-            allowed = 30 + milliseconds / 100 if heap == 'collected' else 300 + milliseconds / 10
+            allowed = 30 + milliseconds / 100 if heap == 'collected' else 120 + milliseconds / 5
             status, output = self.run(suite, heap, fault.number, tests, allowed)
             if status != 0:
                 verdict.noticed_by = f'{suite} ({heap}): {reason(status, output, allowed)}'
                 break
         return verdict
+
+
+def within(tests, milliseconds):
+    """The first tests that take no longer together, and one at least."""
+    spent = list(itertools.accumulate(time for time, _ in tests))
+    return tests[:max(1, sum(time <= milliseconds for time in spent))]
 
 
 def limit():
