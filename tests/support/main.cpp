@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/support/figures.h"
+
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
   // This style starts the program anew, which an emulated one cannot do: there the environment asks for the other.
@@ -15,5 +17,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "cannot start the runtime with VORN_TEST_HEAP=%s\n", heap != nullptr ? heap : "(unset)");
     return 1;
   }
-  return RUN_ALL_TESTS();
+  vorn::tests::countTests();
+  const int status = RUN_ALL_TESTS();
+  vorn::tests::writeFigures();
+  return status;
 }

@@ -15,10 +15,9 @@
 #include "collections/array/array_data.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
-#include "runtime/heap/global_roots.h"
-#include "runtime/threads/thread_state.h"
 #include "tests/support/collections.h"
 #include "tests/support/held_mutex.h"
+#include "tests/support/roots.h"
 #include "tests/support/sequences.h"
 #include "tests/user_code/hostile_objects.h"
 
@@ -141,15 +140,6 @@ inline bool isRecursive(pthread_mutex_t* mutex) {
   if (recursive) pthread_mutex_unlock(mutex);
   pthread_mutex_unlock(mutex);
   return recursive;
-}
-
-// ---- Faults ---------------------------------------------------------------------------------------------------------
-
-// How many root slots and ranges are registered for this thread and for the process.
-inline std::size_t rootCount() {
-  std::size_t count = runtime::attachedThread().roots.size();
-  runtime::GlobalRoots::instance().forEach([&](void**) { ++count; });
-  return count;
 }
 
 }  // namespace vorn::tests
