@@ -7,7 +7,7 @@ function(watch_planted_faults)
   foreach(library vorn_collections_objects vorn_runtime_objects)
     target_compile_options(${library} PRIVATE -O1)
   endforeach()
-  foreach(suite core arraylist array display immutable inline keyed runtime user_code kernels sort)
+  foreach(suite core arraylist array display immutable inline keyed nets runtime user_code kernels sort)
     target_sources(${suite}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tools/mutants/reached.cpp)
     # Nothing of it may be missing where the suite's own sources are joined.
     set_source_files_properties(${CMAKE_SOURCE_DIR}/tools/mutants/reached.cpp TARGET_DIRECTORY ${suite}_tests

@@ -11,7 +11,7 @@ import signal
 import subprocess
 import tempfile
 
-SUITES = ('core', 'arraylist', 'array', 'display', 'immutable', 'inline', 'keyed', 'runtime', 'user_code', 'kernels', 'sort')
+SUITES = ('core', 'arraylist', 'array', 'display', 'immutable', 'inline', 'keyed', 'nets', 'runtime', 'user_code', 'kernels', 'sort')
 
 # The suites that are about a directory; the longest name that fits counts.
 NEAREST = {
