@@ -27,10 +27,10 @@ NEAREST = {
     'collections/': (),
 }
 
-# What the quick tests of a suite may take together, and what all tests of a suite may that go to the stress heap, which
-# takes a hundred times as long; in milliseconds on the collected heap.
+# What the quick tests of a suite may take together, and what those may that go to the stress heap, which takes a hundred
+# times as long; in milliseconds on the collected heap.
 QUICK = 1500
-FOR_STRESS = 1000
+FOR_STRESS = 150
 MEMORY = 12 << 30
 
 FAILED = re.compile(r'\[  FAILED  \] ([\w/]+\.[\w/]+)')
@@ -124,7 +124,7 @@ class Suites:
             now = within(tests, QUICK)
             quick.append(('collected', suite, now))
             slow.append(('collected', suite, tests[len(now):]))
-            if suite not in ('kernels', 'sort'):
+            if suite not in ('kernels', 'sort') and (suite in nearest or fault.sort == 'root left out'):
                 stress.append(('stress', suite, within(tests, FOR_STRESS)))
         batches = stress + quick + slow if fault.sort == 'root left out' else quick + slow + stress
         return [(heap, suite, [test for _, test in tests], sum(time for time, _ in tests))
