@@ -1,4 +1,5 @@
 // New lists are locked while natives fill them: a native's locks do not depend on who can know the list yet.
+#include <algorithm>
 #include <functional>
 #include <set>
 #include <string>
@@ -55,6 +56,18 @@ TEST_F(ResultLocks, OfConcat_AreTakenOnceForEachOperand) {
     afterUnlock = nullptr;
     EXPECT_EQ(std::count(unlocked.begin(), unlocked.end(), getListData(result)->mutex), 2);
   }
+}
+
+// The second operand is asked for its size before the first is copied, and locked for either.
+TEST_F(ResultLocks, OfTheSecondOperandOfConcat_AreTakenForItsSizeAndForItsElements) {
+  const Handle first = intList("ArrayListSync<Int>", {3, 1});
+  const Handle second = intList("ArrayListSync<Int>", {2});
+  std::vector<pthread_mutex_t*> unlocked;
+  std::function<void(pthread_mutex_t*)> hook = [&](pthread_mutex_t* mutex) { unlocked.push_back(mutex); };
+  afterUnlock = &hook;
+  const Handle result(vorn_collections_ArrayList_concat(first, second));
+  afterUnlock = nullptr;
+  EXPECT_EQ(std::count(unlocked.begin(), unlocked.end(), getListData(second)->mutex), 2);
 }
 
 TEST_F(ResultLocks, OfLiteralsAndBuffers) {

@@ -58,6 +58,20 @@ TEST_F(Borrowed, Box_AnyNumber_IsReadAsOneOfTheHeap) {
   EXPECT_EQ(describe(vorn_borrow_double(&storage, 0.5)), "Double 0.5");
 }
 
+TEST_F(Borrowed, ClassOfAType_WithoutMemory_Throws) {
+  vorn_heap_fail_allocation(0);
+  EXPECT_THROW(vorn_borrow_class(VORN_LONG), std::bad_alloc);
+}
+
+// No form asks for a box of no type.
+TEST_F(Borrowed, BoxedStores_OfNoType_LeaveTheList) {
+  const Handle target = list("ArrayList", {integer("Int", 1)});
+  vorn_inline_set_boxed_integer(target, 0, 5, 0);
+  vorn_inline_set_boxed_integer(target, 0, 5, VORN_DOUBLE);
+  vorn_inline_set_boxed_floating(target, 0, 5.0, VORN_INT);
+  EXPECT_EQ(vorn_collections_ArrayList_getInt(target, 0), 1);
+}
+
 TEST_F(Borrowed, Borrowing_TypeBorrowedBefore_AllocatesNothing) {
   for (const Number& number : borrowable()) {
     vorn_borrowed_box storage;
