@@ -14,7 +14,7 @@ def read():
         if line.startswith('    '):
             explained[key] = line.strip()
         else:
-            key = tuple(part.strip() for part in line.split(' | '))
+            key = tuple(part.strip() for part in line.split(' | ', 3))
             if len(key) != 4:
                 raise SystemExit(f'{FILE}: not four parts: {line}')
     return explained
