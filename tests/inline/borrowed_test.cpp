@@ -4,12 +4,14 @@
 #include <vorn/collections/map.h>
 
 #include <cstring>
+#include <system_error>
 
 #include "collections/array/array_data.h"
 #include "collections/core/port/borrowed_box.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "tests/inline/inline_cases.h"
+#include "tests/support/held_mutex.h"
 #include "tests/support/user_objects.h"
 
 namespace vorn::tests {
@@ -61,6 +63,16 @@ TEST_F(Borrowed, Box_AnyNumber_IsReadAsOneOfTheHeap) {
 TEST_F(Borrowed, ClassOfAType_WithoutMemory_Throws) {
   vorn_heap_fail_allocation(0);
   EXPECT_THROW(vorn_borrow_class(VORN_LONG), std::bad_alloc);
+}
+
+// What the inline searches leave to the library is locked there.
+TEST_F(Borrowed, SearchesOfSynchronisedCollections_Lock) {
+  const Handle map = object("HashMapSync");
+  const Handle set = object("HashSetSync");
+  const HeldRecordMutex<MapData> heldMap(*getMapData(map));
+  const HeldRecordMutex<SetData> heldSet(*getSetData(set));
+  EXPECT_THROW(vorn_inline_find_integer(getMapData(map), 1), std::system_error);
+  EXPECT_THROW(vorn_inline_has_integer(getSetData(set), 1), std::system_error);
 }
 
 // No form asks for a box of no type.
