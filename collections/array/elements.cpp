@@ -15,7 +15,6 @@
 #include "collections/core/port/comparison.h"
 #include "collections/core/port/objects.h"
 #include "collections/core/port/pending_errors.h"
-#include "collections/core/port/roots.h"
 #include "collections/core/port/type_names.h"
 #include "collections/core/port/values.h"
 
@@ -83,8 +82,8 @@ void assignOrRaise(ArrayData& array, std::uint64_t index, void* value) {
 template <class MakeBox>
 void storeOrRaise(ArrayData& array, std::uint64_t at, long long integer, double floating, MakeBox makeBox) {
   if (array.isUnboxed()) return arrayWrite(array, at, integer, floating);
-  const vc::RootedHandle box(makeBox());
-  assignOrRaise(array, at, box.get());
+  // No root: nothing allocates between the box and its slot.
+  assignOrRaise(array, at, makeBox());
 }
 
 RuntimeTypeName elementTypeOr(const ArrayData& array, vc::PrimitiveType otherwise) {

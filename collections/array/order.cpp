@@ -23,7 +23,7 @@ void sortObjectSlots(ArrayData& array) {
   vc::HandleVector handles;
   handles->assign(array.objects.data, array.objects.data + array.objects.size);
   vc::sortHandlesThroughErrors(handles->data(), handles->size());
-  if (array.isUnboxed() || array.elementType != elementType) return;
+  if (array.elementType != elementType) return;
   std::copy_n(handles->data(), std::min<std::uint64_t>(handles->size(), array.objects.size), array.objects.data);
 }
 
@@ -72,7 +72,8 @@ void vorn_collections_Array_reverse(void* array) {
 
 void* vorn_collections_Array_reverseNew(void* array) {
   if (array == nullptr) return nullptr;
-  const vc::RootedHandle result(copyOf(array));
-  vorn_collections_Array_reverse(result.get());
-  return result.get();
+  // No root: reversing allocates nothing.
+  void* const result = copyOf(array);
+  vorn_collections_Array_reverse(result);
+  return result;
 }

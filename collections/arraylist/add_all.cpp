@@ -120,8 +120,8 @@ bool declaredTypeTakesOrRaise(const ListData& list, const vc::ElementType& decla
     refused = 0;
   }
   if (refused == values.size()) return true;
-  const vc::RootedHandle box(values.handleAt(refused));
-  return ensureListValueMatchesDeclaredElementType(list, box.get());
+  // No root: refusing a value allocates nothing.
+  return ensureListValueMatchesDeclaredElementType(list, values.handleAt(refused));
 }
 
 // Does what insertHandlesOrRaise does with the boxes of these values, and makes none of them unless they are kept.

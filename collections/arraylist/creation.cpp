@@ -70,7 +70,6 @@ void* createArrayListLiteralFromIntValues(const long long* values, unsigned long
   ListData* data = nullptr;
   const vc::RootedHandle list(Vorn_allocArrayListObjectFast(false, &data, false));
   if (list.get() == nullptr || data == nullptr) return nullptr;
-  const ListDataLock lock(*data);
   primitiveListAssignFromI64Values(*data, PrimitiveKind::Int, vc::typeNameOf(vc::PrimitiveType::Int), values, count);
   return list.get();
 }

@@ -64,7 +64,6 @@ auto newMirrorData(const vc::ElementType& type, long long n, void** outList)
   ListData* data = nullptr;
   const vc::RootedHandle list(Vorn_allocArrayListObjectFast(false, &data, false));
   if (list.get() == nullptr || data == nullptr) return nullptr;
-  const ListDataLock lock(*data);
   auto& mirror = data->*kMirror;
   auto* values = prepareMirror(*data, mirror, type, n);
   mirror.size = countOf(n);

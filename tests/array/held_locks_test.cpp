@@ -1,4 +1,5 @@
 // When the natives hold the lock of a synchronised array.
+#include <algorithm>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -105,6 +106,25 @@ TEST_F(ArrayHeldLocks, NewArrays_AreMadeBeforeTheLock) {
   EXPECT_EQ(operationsOf(ints, [&] { vorn_collections_Array_reverseNew(ints); }), unlocked);
   EXPECT_EQ(operationsOf(ints, [&] { arraySlice(ints, 0, 1); }), unlocked);
   EXPECT_EQ(operationsOf(ints, [&] { vorn_collections_Array_concat(ints, source); }), unlocked);
+}
+
+// A new array is locked while it is filled, although nobody else can know it yet.
+TEST_F(ArrayHeldLocks, NewArrays_AreFilledUnderTheirLock) {
+  const Handle ints = intArray("ArraySync<Int>", {2, 1});
+  const Handle source = tupleOf({integer("Int", 1)});
+  const std::function<void*()> calls[] = {
+      [&] { return vorn_collections_Array_sortNew(ints); }, [&] { return vorn_collections_Array_reverseNew(ints); },
+      [&] { return arraySlice(ints, 0, 1); }, [&] { return vorn_collections_Array_concat(ints, source); }};
+  // Those that copy first lock the copy once more for what they do with it.
+  const int expected[] = {2, 2, 1, 1};
+  for (std::size_t call = 0; call < std::size(calls); ++call) {
+    std::vector<pthread_mutex_t*> unlocked;
+    std::function<void(pthread_mutex_t*)> hook = [&](pthread_mutex_t* mutex) { unlocked.push_back(mutex); };
+    afterUnlock = &hook;
+    const Handle result(calls[call]());
+    afterUnlock = nullptr;
+    EXPECT_EQ(std::count(unlocked.begin(), unlocked.end(), recordOf(result).mutex), expected[call]) << call;
+  }
 }
 
 TEST_F(ArrayHeldLocks, UnboxedSlots_TakeUnboxedElementsWithoutABox) {

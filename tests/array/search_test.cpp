@@ -228,6 +228,29 @@ TEST_F(ArraySearch, UserEqualityThatReplacesTheSlots_SeesTheComparedOneAlive) {
   EXPECT_ARRAY_AT_REST(array);
 }
 
+TEST_F(ArraySearch, UserEqualityThatMakesTheArrayLonger_SeesTheNewElements) {
+  const Handle wanted = item(7);
+  for (const int search : {0, 1, 2}) {
+    const Handle array = arrayOf("Array", {item(0), item(1)});
+    const ScopedEquality equality([&](void* self, void* other) {
+      if (vorn_collections_Array_size(array) == 2) {
+        vorn_collections_Array_ctor(array, 400);
+        vorn_collections_Array_operator_index_eq(array, 300, item(7));
+      }
+      return idOf(self) == idOf(other);
+    });
+    if (search == 0) {
+      EXPECT_EQ(vorn_collections_Array_count(array, wanted), 1);
+    }
+    if (search == 1) {
+      EXPECT_TRUE(vorn_collections_Array_operator_in(array, wanted));
+    }
+    if (search == 2) {
+      EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 0), 300);
+    }
+  }
+}
+
 TEST_F(ArraySearch, UserEqualityThatConstructsTheArrayAnew_NeverLeavesItsBounds) {
   const Handle wanted = item(7);
   const Handle doubles = doubleArray("Array<Double>", Doubles(50, 1.5));

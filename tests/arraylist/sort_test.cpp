@@ -5,6 +5,7 @@
 #include <set>
 
 #include "tests/arraylist/sort_cases.h"
+#include "tests/support/heap_statistics.h"
 
 namespace vorn::tests {
 namespace {
@@ -232,6 +233,16 @@ TEST_F(Sort, UpTo32Numbers_AreSortedWithoutAllocation) {
   vorn_heap_fail_allocation(-1);
   const std::vector<double> sorted = doublesOf(target);
   EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end()));
+}
+
+TEST_F(Sort, ManyStrings_MakeNoRoomForNumbers) {
+  const Handle sorted = object("ArrayList");
+  for (int i = 0; i < 100; ++i) vorn_collections_ArrayList_add(sorted, string(std::to_string(1099 - i)));
+  EXPECT_EQ(allocationsOf([&] { vorn_collections_ArrayList_sort(sorted); }), 1U) << "a copy of the handles";
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_EQ(std::string(vorn_string_text(vorn_collections_ArrayList_operator_index(sorted, i))),
+              std::to_string(1000 + i));
+  }
 }
 
 TEST_F(Sort, MoreThan32Numbers_AreASortedPermutation) {

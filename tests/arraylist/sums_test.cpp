@@ -38,6 +38,12 @@ TEST_F(Sum, NullAndEmptyLists_Are0) {
   expectSums(unboxed, 0, 0.0);
 }
 
+TEST_F(Sum, TextsBesideNumbers_CountAsNothing) {
+  for (const bool linked : {false, true}) {
+    expectSums(list(className(linked, false), {text("7"), integer("Int", 2), string("9")}), 2, 2.0);
+  }
+}
+
 TEST_F(Sum, EveryIntegerKind_ExtendsByItsSign) {
   for (const bool synchronised : {false, true}) {
     const auto expect = [&](const char* kind, const std::vector<long long>& values, long long sum) {

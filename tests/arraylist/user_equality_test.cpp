@@ -411,6 +411,44 @@ INSTANTIATE_TEST_SUITE_P(Searches, UserEquality, ::testing::Combine(::testing::V
 
 class UserEqualityOrder : public RuntimeTest {};
 
+TEST_F(UserEqualityOrder, ListThatGrowsMeanwhile_IsSearchedToItsNewEnd) {
+  const Handle wanted = item(7);
+  for (const bool linked : {false, true}) {
+    for (const int search : {0, 1, 2}) {
+      const Handle target = list(className(linked, false), {item(0), item(1)});
+      const ScopedEquality equality([&](void* self, void* other) {
+        if (vorn_collections_ArrayList_size(target) == 2) vorn_collections_ArrayList_add(target, item(7));
+        return idOf(self) == idOf(other);
+      });
+      if (search == 0) {
+        EXPECT_EQ(vorn_collections_ArrayList_count(target, wanted), 1);
+      }
+      if (search == 1) {
+        EXPECT_TRUE(vorn_collections_ArrayList_operator_in(target, wanted));
+      }
+      if (search == 2) {
+        EXPECT_EQ(vorn_collections_ArrayList_indexOf(target, wanted, 0), 2);
+      }
+    }
+  }
+}
+
+// The matching element is the new last one, before which the search already was.
+TEST_F(UserEqualityOrder, ListThatShrinksMeanwhile_IsSearchedFromItsNewEnd) {
+  const Handle wanted = item(7);
+  for (const bool linked : {false, true}) {
+    const Handle target = list(className(linked, false), {item(7), item(1), item(2), item(3), item(4)});
+    int calls = 0;
+    const ScopedEquality equality([&](void* self, void* other) {
+      ++calls;
+      while (vorn_collections_ArrayList_size(target) > 1) vorn_collections_ArrayList_removeAt(target, 1);
+      return idOf(self) == idOf(other);
+    });
+    EXPECT_EQ(vorn_collections_ArrayList_lastIndexOf(target, wanted, -1), 0);
+    EXPECT_EQ(calls, 2) << "for the element that was last, and for the one that is";
+  }
+}
+
 TEST_F(UserEqualityOrder, IdenticalHandlesMatchWithoutUserCode) {
   const Handle wanted = item(1);
   const Handle target = list("LinkedList", {wanted, nullptr});

@@ -1,6 +1,8 @@
 // Sorting Strings asks the runtime once a pair. The questions are counted by wrapping them at link time.
 #include "collections/core/equality/element_order.h"
+#include "collections/core/port/objects.h"
 #include "tests/core/core_test_support.h"
+#include "tests/core/user_classes.h"
 
 namespace {
 int questions = 0;
@@ -45,6 +47,27 @@ TEST_F(StringOrder, AsksNothingAboutTheSameString) {
   questions = 0;
   EXPECT_EQ(compareListValues(word, word), 0);
   EXPECT_EQ(questions, 0);
+}
+
+// Both texts are made by user code: the first has to outlive the making of the second.
+TEST_F(StringOrder, TextsOfObjectsWhoseClassIsNamedString_AreComparedWhileBothLive) {
+  const vorn_field_definition fields[] = {{"id", VORN_FIELD_INTEGER}};
+  vorn_class_definition definition{};
+  definition.name = "texts.String";
+  definition.fields = fields;
+  definition.field_count = 1;
+  definition.to_string = [](void* self, void*) -> void* {
+    const std::string words(100, static_cast<char>('a' + Vorn_getField_i64(self, "id")));
+    return string(words).get();
+  };
+  defineClass(definition);
+  const Handle first = object("texts.String");
+  const Handle same = object("texts.String");
+  const Handle other = object("texts.String");
+  vorn_field_set_integer(other, "id", 1);
+  EXPECT_TRUE(listValuesEqual(first, same));
+  EXPECT_FALSE(listValuesEqual(first, other));
+  EXPECT_FALSE(listValuesEqual(other, first));
 }
 
 }  // namespace

@@ -133,6 +133,29 @@ TEST_F(ValueConversions, Unbox_BooleansGiveOneOrZeroTwice) {
   expectUnboxed(boolean(false), "Boolean", 0, 0.0);
 }
 
+Handle instanceWithValue(const char* className, vorn_field_type kind) {
+  const vorn_field_definition fields[] = {{"_value", kind}};
+  vorn_class_definition definition{};
+  definition.name = className;
+  definition.fields = fields;
+  definition.field_count = 1;
+  defineClass(definition);
+  return object(className);
+}
+
+TEST_F(ValueConversions, Unbox_ObjectsOfUserClassesNamedAsATypeCountAsIt) {
+  Handle integers = instanceWithValue("units.Short", VORN_FIELD_INTEGER);
+  vorn_field_set_integer(integers, "_value", -7);
+  expectUnboxed(integers, "Short", -7, -7.0);
+  Handle floats = instanceWithValue("units.Double", VORN_FIELD_FLOATING);
+  vorn_field_set_floating(floats, "_value", 2.5);
+  expectUnboxed(floats, "Double", 2, 2.5);
+  Handle truths = instanceWithValue("units.Boolean", VORN_FIELD_INTEGER);
+  expectUnboxed(truths, "Boolean", 0, 0.0);
+  vorn_field_set_integer(truths, "_value", 1);
+  expectUnboxed(truths, "Boolean", 1, 1.0);
+}
+
 TEST_F(ValueConversions, Unbox_FailsForEverythingElse) {
   definePlainClasses();
   const Handle values[] = {Handle(),

@@ -4,12 +4,14 @@
 #include <vorn/collections/map.h>
 
 #include <cstring>
+#include <system_error>
 
 #include "collections/array/array_data.h"
 #include "collections/core/port/borrowed_box.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "tests/inline/inline_cases.h"
+#include "tests/support/held_mutex.h"
 #include "tests/support/user_objects.h"
 
 namespace vorn::tests {
@@ -56,6 +58,30 @@ TEST_F(Borrowed, Box_AnyNumber_IsReadAsOneOfTheHeap) {
   EXPECT_EQ(describe(vorn_borrow_int(&storage, -5)), "Int -5");
   EXPECT_EQ(describe(vorn_borrow_long(&storage, 1LL << 40)), "Long 1099511627776");
   EXPECT_EQ(describe(vorn_borrow_double(&storage, 0.5)), "Double 0.5");
+}
+
+TEST_F(Borrowed, ClassOfAType_WithoutMemory_Throws) {
+  vorn_heap_fail_allocation(0);
+  EXPECT_THROW(vorn_borrow_class(VORN_LONG), std::bad_alloc);
+}
+
+// What the inline searches leave to the library is locked there.
+TEST_F(Borrowed, SearchesOfSynchronisedCollections_Lock) {
+  const Handle map = object("HashMapSync");
+  const Handle set = object("HashSetSync");
+  const HeldRecordMutex<MapData> heldMap(*getMapData(map));
+  const HeldRecordMutex<SetData> heldSet(*getSetData(set));
+  EXPECT_THROW(vorn_inline_find_integer(getMapData(map), 1), std::system_error);
+  EXPECT_THROW(vorn_inline_has_integer(getSetData(set), 1), std::system_error);
+}
+
+// No form asks for a box of no type.
+TEST_F(Borrowed, BoxedStores_OfNoType_LeaveTheList) {
+  const Handle target = list("ArrayList", {integer("Int", 1)});
+  vorn_inline_set_boxed_integer(target, 0, 5, 0);
+  vorn_inline_set_boxed_integer(target, 0, 5, VORN_DOUBLE);
+  vorn_inline_set_boxed_floating(target, 0, 5.0, VORN_INT);
+  EXPECT_EQ(vorn_collections_ArrayList_getInt(target, 0), 1);
 }
 
 TEST_F(Borrowed, Borrowing_TypeBorrowedBefore_AllocatesNothing) {

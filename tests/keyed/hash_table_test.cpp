@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <tuple>
 #include <unordered_map>
 
 #include "tests/keyed/table_support.h"
@@ -16,6 +17,7 @@ using Table = collections::HashTable<NativeMapEntry>;
 using HashTableTest = TableTest<Hashed>;
 
 TEST_F(HashTableTest, NewTable_IsEmptyAndHasNoMemory) {
+  EXPECT_EQ(table().lines().furtherCapacity(), 0U);
   EXPECT_EQ(table().count(), 0U);
   EXPECT_EQ(table().bucketCount(), 0U);
   EXPECT_EQ(table().chunks().capacity(), 0U);
@@ -169,6 +171,14 @@ TEST_F(HashTableTest, SmallAgain_AfterRemovalsClearOrReserve_HasNoBuckets) {
   EXPECT_EQ(table().bucketCount(), 0U);
   put(1);
   EXPECT_EQ(keys(), std::vector<std::int64_t>{1});
+}
+
+TEST_F(HashTableTest, SmallAgain_WithAsManyElementsAsTags_HasNoBuckets) {
+  for (int i = 0; i < 33; ++i) put(i);
+  ASSERT_NE(table().bucketCount(), 0U);
+  for (int i = 1; i <= 17; ++i) remove(i);
+  EXPECT_EQ(table().count(), 16U);
+  EXPECT_EQ(table().bucketCount(), 0U);
 }
 
 TEST_F(HashTableTest, SmallTable_FailedAllocationOnTheWayToBuckets_LeavesIt) {
@@ -400,6 +410,35 @@ TEST_F(HashTableTest, Reserve_CountsAsAChange) {
   const std::uint64_t before = table().changes();
   table().reserve(100);
   EXPECT_NE(table().changes(), before);
+}
+
+// A search whose comparisons put elements has to hear of it even when the insertion itself then fails.
+TEST_F(HashTableTest, MakeRoom_ThatMovesOrGrowsAnything_CountsAsAChange) {
+  Randoms randoms(11);
+  const auto memory = [&] {
+    return std::tuple(table().chunks().directory(), table().chunks().firstChunk(), table().chunks().capacity(),
+                      table().lines().lines(), table().lines().furtherCapacity(), table().bucketCount(),
+                      table().firstPlace(), table().places());
+  };
+  int changes = 0;
+  for (int step = 0; step < 4000; ++step) {
+    const std::int64_t value = static_cast<std::int64_t>(randoms.below(step < 2000 ? 24 : 3000));
+    const NativeCollectionKey key = step % 2 == 0 ? integerCollectionKey(value) : crowdedKey(value);
+    auto place = table().find(key);
+    if (place.node != nullptr) {
+      table().remove(place);
+      continue;
+    }
+    const auto memoryBefore = memory();
+    const std::uint64_t before = table().changes();
+    table().makeRoom(place, key);
+    if (memory() != memoryBefore) {
+      ++changes;
+      ASSERT_NE(table().changes(), before) << step;
+    }
+    table().insert(place, key, {nullptr, nullptr});
+  }
+  EXPECT_GT(changes, 20);
 }
 
 TEST_F(HashTableTest, FailedAllocation_LeavesTheElements) {

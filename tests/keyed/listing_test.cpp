@@ -88,6 +88,18 @@ TEST_F(RuntimeTest, ListingOfNumbersAndThenTexts_IsBoxedAgain) {
   EXPECT_EQ(std::string(vorn_string_text(data.objects.data[19])), "text");
 }
 
+// A class may bear the name Object; its objects need not have a value as boxes have it.
+TEST_F(RuntimeTest, ItemsOfObjectsWhoseClassIsNamedObject_AreOfTheirType) {
+  vorn_class_definition definition{};
+  definition.name = "units.Object";
+  defineClass(definition);
+  const Handle map = object("Map");
+  vorn_collections_Map_put(map, number(1), object("units.Object"));
+  const Handle items(vorn_collections_Map_items(map));
+  const Handle item(vorn_collections_ArrayList_operator_index(items, 0));
+  EXPECT_NE(std::string(vorn_type_name(item)).find("Object"), std::string::npos) << vorn_type_name(item);
+}
+
 // Boxes of all types at the ends of all ranges, also such as their type has no value for, and what is no box.
 std::vector<Handle> valuesOfAllSorts() {
   std::vector<Handle> values = {string("text"), Handle(nullptr), boolean(true), boolean(false)};

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/sort/primitive_sort_support.h"
+#include "tests/support/guarded_memory.h"
 
 namespace vorn::tests {
 namespace {
@@ -53,6 +54,25 @@ TYPED_TEST(PrimitiveSort, EveryAlignmentOfTheFirstElement) {
       auto expected = elements;
       std::sort(expected.begin() + static_cast<std::ptrdiff_t>(shift), expected.end());
       ASSERT_EQ(sorted, expected) << collections::vectorPathName(path) << ", " << shift;
+    }
+  }
+}
+
+// Sorted and reversed ranges are walked by loops of their own, whose vectors could pass the ends as well.
+TYPED_TEST(PrimitiveSort, NothingBesideTheRange_IsRead) {
+  const GuardedMemory memory(600 * sizeof(TypeParam));
+  for (std::size_t count = 1; count <= 600; count += count < 300 ? 1 : 7) {
+    const std::size_t bytes = count * sizeof(TypeParam);
+    for (const auto& input : inputsOf<TypeParam>(count)) {
+      if (input.name != "random" && input.name != "sorted" && input.name != "reversed") continue;
+      for (const VectorPath path : sortingPaths()) {
+        for (const bool upper : {false, true}) {
+          auto* const elements = reinterpret_cast<TypeParam*>(memory.place(bytes, upper));
+          std::memcpy(elements, input.elements.data(), bytes);
+          sortOn(path, elements, count);
+          ASSERT_TRUE(std::is_sorted(elements, elements + count)) << input.name << ", " << count;
+        }
+      }
     }
   }
 }
