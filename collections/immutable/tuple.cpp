@@ -117,8 +117,7 @@ void vorn_collections_Tuple_ctor(void* tuple, void* packed) {
 
 long long vorn_collections_Tuple_size(void* tuple) { return tuple != nullptr ? Vorn_getField_i64(tuple, "size") : 0; }
 
-// The name cannot become longer than its array, and the stack protector's check of that would be a twentieth of the time.
-[[gnu::no_stack_protector]] void* vorn_collections_Tuple_operator_index(void* tuple, long long index) {
+void* vorn_collections_Tuple_operator_index(void* tuple, long long index) {
   if (tuple == nullptr) return nullptr;
   const long long size = Vorn_getField_i64(tuple, "size");
   if (index < 0 && size > 0) index += size;
