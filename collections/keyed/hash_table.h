@@ -63,6 +63,8 @@ class HashTable {
 
   [[nodiscard]] std::uint64_t count() const { return count_; }
   [[nodiscard]] std::uint64_t changes() const { return changes_; }
+  // The same where it stands, for compiled code that walks over the elements.
+  [[nodiscard]] const std::uint64_t& changesCounter() const { return changes_; }
 
   // Walks the elements in iteration order.
   class Cursor {
