@@ -56,15 +56,19 @@ void takeSlots(vorn_walk& walk, const vc::HashTable<Entry>& table) {
   walk.end = taken;
 }
 
+// The elements of a large table are in no cache, and in no order that a processor could guess.
+constexpr std::uint64_t kElementsInCache = 4096;
+
 void takeSlots(vorn_walk& walk, const vc::OrderedTable& table) {
+  const bool prefetches = table.count() > kElementsInCache;
   auto place = static_cast<std::uint32_t>(walk.position);
   std::uint32_t taken = 0;
   for (; place != 0 && taken != kSlots; place = table.tree().at(place).next) {
     const NativeMapEntry& entry = table.at(place).entry;
-    // The elements of a large table are in no cache, and in no order that a processor could guess.
-    __builtin_prefetch(&entry);
+    if (prefetches) __builtin_prefetch(&entry);
     walk.slots[taken++] = slotOf(entry);
   }
+  for (std::uint32_t i = 0; prefetches && i != taken; ++i) __builtin_prefetch(walk.slots[i][1]);
   walk.position = place;
   walk.end = taken;
 }

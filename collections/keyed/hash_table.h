@@ -132,6 +132,20 @@ class HashTable {
     bool failed = false;
   };
 
+  // The same with what an insertion needs besides.
+  template <class Words>
+  [[nodiscard]] Place locateWords(const Words words) const {
+    Place result;
+    visitCandidates(words.hash(), result, [&](std::uint32_t candidate) {
+      Node& node = chunks_.at(candidate);
+      if (!words.match(node.key)) return false;
+      result.node = &node;
+      result.place = candidate;
+      return true;
+    });
+    return result;
+  }
+
   // The node of a key. For a key that compares by user code, that code may change this very table: the search then
   // starts again, and after kMaxRestarts times takes identity for equality, so that it ends. The result holds for the
   // table as it is on return.

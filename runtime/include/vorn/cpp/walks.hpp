@@ -59,9 +59,11 @@ class walk_range {
       return *this;
     }
     void operator++(int) { range_->step(); }
-    friend bool operator==(const iterator& at, std::default_sentinel_t) { return !at.range_->current_; }
+    friend bool operator==(const iterator& at, std::default_sentinel_t) { return at.ended(); }
 
    private:
+    [[nodiscard]] bool ended() const { return !range_->current_; }
+
     walk_range* range_ = nullptr;
   };
 
