@@ -141,9 +141,8 @@ bool vorn_inline_begin_walk(vorn_walk* walk, void* record, int kind) {
     return true;
   };
   if (kind == VORN_INLINE_MAP) {
-    return beginRecord(*static_cast<const MapData*>(record), [&](const MapData& map) {
-      map.withTable([&](const auto& table) { begin(*walk, table); });
-    });
+    return beginRecord(*static_cast<const MapData*>(record),
+                       [&](const MapData& map) { map.withTable([&](const auto& table) { begin(*walk, table); }); });
   }
   if (kind == VORN_INLINE_SET) {
     return beginRecord(*static_cast<const SetData*>(record), [&](const SetData& set) { begin(*walk, set.table); });

@@ -85,8 +85,7 @@ void vorn_collections_HashSet_add(void* set, void* value) {
   SetData& data = *getSetData(set);
   if (data.synchronized || mayHavePendingError()) return addAny(set, data, value);
   vc::withIntegerKey(
-      value, [&](vc::IntegerWords words) { addByWords(set, data, words, value); },
-      [&] { addOther(set, data, value); });
+      value, [&](vc::IntegerWords words) { addByWords(set, data, words, value); }, [&] { addOther(set, data, value); });
 }
 
 bool vorn_collections_HashSet_remove(void* set, void* value) {

@@ -106,9 +106,7 @@ class set : public object {
 
   // The elements of a set without a lock, read from the set itself: an input range that lists nothing first. After a
   // change of the set the next step throws error. Throws type_error where an element is no T.
-  [[nodiscard]] auto walk() const requires(!kind::is_shared) {
-    return detail::walk_range<detail::set_steps<T>>(*this);
-  }
+  [[nodiscard]] auto walk() const requires(!kind::is_shared) { return detail::walk_range<detail::set_steps<T>>(*this); }
 
   // The elements of one moment in a vector, or a container C that is made from two iterators. A constant number of calls for primitive
   // elements.
