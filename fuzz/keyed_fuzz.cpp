@@ -2,6 +2,7 @@
 // differ, hooks of keys that raise, orders, listings, and tables that grow and shrink.
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/immutable_list.h>
+#include <vorn/collections/inline.h>
 #include <vorn/collections/map.h>
 #include <vorn/collections/tuple.h>
 #include <vorn/collections/runtime_helpers.hpp>
@@ -288,6 +289,38 @@ class Keyed {
     require("items", at);
   }
 
+  // A walk gives what is listed, and raises at the step after keys were added or removed.
+  void walk() {
+    const std::size_t at = any();
+    const Model& model = models_[at];
+    vorn_walk walk;
+    const bool begun = isSet(at) ? vorn_inline_HashSet_walk(table(at), &walk) : vorn_inline_Map_walk(table(at), &walk);
+    requireEqual("a walk", begun ? 1 : 0, model.family->isSynchronised ? 0 : 1);
+    const auto goOn = [&] { return isSet(at) ? vorn_inline_HashSet_next(&walk) : vorn_inline_Map_next(&walk); };
+    if (!begun) return requireEqual("a walk of nothing", goOn() ? 1 : 0, 0);
+    const std::size_t steps = input_.below(200);
+    const std::vector<const Entry*> all = model.listed();
+    std::size_t passed = 0;
+    for (; passed < steps && goOn(); ++passed) {
+      if (passed == all.size()) diverge("a walk", "more entries", std::to_string(all.size()));
+      Value key = all[passed]->key;
+      Value value = isSet(at) ? key : all[passed]->value;
+      requireValue("a key of a walk", walk.key, key);
+      requireValue("a value of a walk", walk.value, value);
+    }
+    requireEqual("the steps of a walk", static_cast<std::int64_t>(passed),
+                 static_cast<std::int64_t>(std::min(steps, all.size())));
+    const bool ended = passed < steps;
+    const std::uint64_t changes = isSet(at) ? getSetData(table(at))->table.changes() : getMapData(table(at))->changes();
+    changeDuringWalk(at);
+    const bool changed =
+        changes != (isSet(at) ? getSetData(table(at))->table.changes() : getMapData(table(at))->changes());
+    requireEqual("a step after a change", goOn() ? 1 : 0, !ended && !changed && passed < all.size() ? 1 : 0);
+    ExpectedError error;
+    if (!ended && changed) error = {"Exception", "Keys changed during a walk"};
+    require("a walk", at, error);
+  }
+
   void elementAt() {
     const std::size_t at = any();
     if (!isSet(at)) return;
@@ -304,6 +337,22 @@ class Keyed {
   }
 
  private:
+  // Removes a key, puts one that may be new, or does nothing.
+  void changeDuringWalk(std::size_t at) {
+    Model& model = models_[at];
+    const std::uint8_t which = input_.byte();
+    if (which % 3 == 0) return;
+    const Value key = rooted(chooseValue(input_, Type::Int), 0);
+    if (which % 3 == 1) {
+      const bool removed = isSet(at) ? vorn_collections_HashSet_remove(table(at), key.handle)
+                                     : vorn_collections_Map_remove(table(at), key.handle);
+      requireEqual("remove", removed ? 1 : 0, model.entries.erase(key) != 0 ? 1 : 0);
+      return;
+    }
+    store(at, key, key, 0);
+    insert(model, key, key);
+  }
+
   static constexpr std::size_t kTables = 4;
   static constexpr std::size_t kResultRoot = kTables;
   static constexpr std::size_t kValueRoots = kTables + 1;
@@ -446,6 +495,7 @@ constexpr Operation<Keyed> kOperations[] = {
     {"listing", &Keyed::list},
     {"items", &Keyed::items},
     {"operator_index", &Keyed::elementAt},
+    {"walk", &Keyed::walk},
 };
 
 }  // namespace

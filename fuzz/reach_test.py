@@ -33,6 +33,8 @@ def offered(library):
         name
         for name in names
         if name.startswith(("vorn_collections_", "Vorn_"))
+        or name.endswith("_walk")
+        or name.endswith("_walk_on")
         or re.search(
             r"arrayLogicalSize|clearArrayStorage|resizeArrayStorage|copyArrayStorage|arrayReadI64|arrayReadF64"
             r"|arraySlotToObject|Vorn_readByteArrayData|Vorn_writeByteArrayData|snapshotListObjectValues|tryMapLookup"

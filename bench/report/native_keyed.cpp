@@ -1,5 +1,5 @@
 // Maps and sets. Compiled code boxes the numbers that it puts; it looks numbers and texts up without a box by the
-// inline forms.
+// inline forms, and walks by them.
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/map.h>
 
@@ -123,6 +123,22 @@ MakeReady iterating(const char* type) {
             [=] {
               const Handle values = vorn_collections_Map_values(*map);
               *result = sumOfList(values);
+            },
+            [=] { return digestOfNumber(*result); }};
+  };
+}
+
+MakeReady walking(const char* type) {
+  return [=](std::int64_t n) -> Ready {
+    const Shared map = share(intMapOf(n, type));
+    const auto result = std::make_shared<std::int64_t>();
+    return {n,
+            [=] {
+              std::int64_t sum = 0;
+              vorn_walk walk;
+              vorn_inline_Map_walk(*map, &walk);
+              while (vorn_inline_Map_next(&walk)) sum += intIn(walk.value);
+              *result = sum;
             },
             [=] { return digestOfNumber(*result); }};
   };
@@ -326,6 +342,21 @@ Ready iteratingSet(std::int64_t n) {
           [=] { return digestOfNumber(*result); }};
 }
 
+Ready walkingSet(std::int64_t n) {
+  const Shared set = share(vorn_object_new("HashSet"));
+  for (const Int key : keysInOrder(n, kPutOrder)) vorn_collections_HashSet_add(*set, vorn_box_int(key));
+  const auto result = std::make_shared<std::int64_t>();
+  return {n,
+          [=] {
+            std::int64_t sum = 0;
+            vorn_walk walk;
+            vorn_inline_HashSet_walk(*set, &walk);
+            while (vorn_inline_HashSet_next(&walk)) sum += intIn(walk.key);
+            *result = sum;
+          },
+          [=] { return digestOfNumber(*result); }};
+}
+
 }  // namespace
 
 void addNativeKeyed(Rows& rows) {
@@ -335,6 +366,7 @@ void addNativeKeyed(Rows& rows) {
   rows.add(kNatives, "map-miss", "Int", gettingInts<findByNative>("Map", false));
   rows.add(kInline, "map-miss", "Int", gettingInts<findInline>("Map", false));
   rows.add(kNatives, "map-iterate", "Int", iterating("Map"));
+  rows.add(kInline, "map-iterate", "Int", walking("Map"));
   rows.add(kNatives, "map-remove", "Int", removingInts);
   rows.add(kNatives, "map-churn", "Int", churning);
   rows.add(kNatives, "map-put", "String", puttingTexts);
@@ -347,10 +379,12 @@ void addNativeKeyed(Rows& rows) {
   rows.add(kInline, "set-contains", "Int", containingInts<hasInline>);
   rows.add(kNatives, "set-contains", "String", containingTexts);
   rows.add(kNatives, "set-iterate", "Int", iteratingSet);
+  rows.add(kInline, "set-iterate", "Int", walkingSet);
   rows.add(kNatives, "sorted-put", "Int", puttingInts("SortedMap"));
   rows.add(kNatives, "sorted-get", "Int", gettingInts<findByNative>("SortedMap", true));
   rows.add(kInline, "sorted-get", "Int", gettingInts<findInline>("SortedMap", true));
   rows.add(kNatives, "sorted-iterate", "Int", iterating("SortedMap"));
+  rows.add(kInline, "sorted-iterate", "Int", walking("SortedMap"));
   rows.add(kNatives, "small-maps", "Int", makingSmallMaps);
 }
 

@@ -285,6 +285,22 @@ Ready iteratingLinked(std::int64_t n) {
           [=] { return digestOfNumber(*result); }};
 }
 
+Ready walkingLinked(std::int64_t n) {
+  const Shared objects = share(listOf<Object>(n));
+  const Shared list = share(vorn_object_new("LinkedList<Object>"));
+  vorn_collections_ArrayList_addAll(*list, *objects);
+  const auto result = std::make_shared<std::int64_t>();
+  return {n,
+          [=] {
+            std::int64_t sum = 0;
+            vorn_walk walk;
+            vorn_inline_ArrayList_walk(*list, &walk);
+            while (vorn_inline_ArrayList_next(&walk)) sum += intIn(walk.key);
+            *result = sum;
+          },
+          [=] { return digestOfNumber(*result); }};
+}
+
 Ready makingSmallLists(std::int64_t n) {
   const auto result = std::make_shared<std::int64_t>();
   return {n,
@@ -370,6 +386,7 @@ void addNativeLists(Rows& rows) {
   rows.add(kNatives, "linked-append", "Object",
            buildingOfObjects<vorn_collections_ArrayList_add>("LinkedList<Object>"));
   rows.add(kNatives, "linked-iterate", "Object", iteratingLinked);
+  rows.add(kInline, "linked-iterate", "Object", walkingLinked);
   rows.add(kNatives, "small-lists", "Int", makingSmallLists);
   rows.add(kNatives, "synchronised-add", "Int", addingSynchronised<1>);
   rows.add(kNatives, "synchronised-add-2", "Int", addingSynchronised<2>);

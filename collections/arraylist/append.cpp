@@ -9,6 +9,7 @@
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_elements.h"
 #include "collections/core/elements/primitive_values.h"
+#include "collections/core/elements/storage_transitions.h"
 #include "collections/core/elements/store_forms.h"
 #include "collections/core/errors.h"
 #include "collections/core/kinds.h"
@@ -42,6 +43,17 @@ inline bool appendToIntStorage(ListData& list, long long value) {
   if (buffer.size == buffer.capacity) return false;
   vc::storeElement(vc::KindTag<PrimitiveKind::Int, std::int32_t>{}, buffer.data, buffer.size, value, 0.0);
   ++buffer.size;
+  return true;
+}
+
+// The first Int of most lists: an empty one that declares Int or nothing keeps Ints from then on. What the ordinary path
+// asks of value and types is known here.
+bool adoptInts(ListData& list) {
+  const RuntimeTypeName ints = vc::typeNameOf(PrimitiveType::Int);
+  if (list.linked || list.isUnboxed() || list.objects.size != 0) return false;
+  if (!list.elementType.empty() && list.elementType != ints) return false;
+  configurePrimitiveStorage(list, PrimitiveKind::Int);
+  beginPrimitiveStorage(list, PrimitiveKind::Int, ints);
   return true;
 }
 
@@ -94,7 +106,8 @@ inline bool appendToStorageOf(ListData& list, const char* typeName, Value value)
 
 [[gnu::noinline]] void lockedAddInt(ListData& list, long long value) {
   const ListDataLock lock(list);
-  if (!appendToIntStorage(list, value)) appendRawValue(list, intValue(value));
+  if (appendToIntStorage(list, value) || (adoptInts(list) && appendToIntStorage(list, value))) return;
+  appendRawValue(list, intValue(value));
 }
 
 template <class Value>

@@ -59,6 +59,8 @@ void raiseMapKeyIsNull() { Vorn_raise(kNullException, "Map key cannot be null");
 
 void raiseKeyNotFound() { Vorn_raise(kKeyException, "Key not found"); }
 
+void raiseKeysChangedDuringWalk() { Vorn_raise(kException, "Keys changed during a walk"); }
+
 // "a IList" is how the language's own texts have it.
 void raiseImmutableListSource() { Vorn_raise(kTypeError, "argument 1 of ImmutableList must be a IList"); }
 

@@ -26,6 +26,7 @@ namespace vorn::collections::errors {
 
 [[gnu::cold]] void raiseMapKeyIsNull();
 [[gnu::cold]] void raiseKeyNotFound();
+[[gnu::cold]] void raiseKeysChangedDuringWalk();
 
 [[gnu::cold]] void raiseImmutableListSource();
 [[gnu::cold]] void raiseImmutableListReadOnly();

@@ -63,6 +63,8 @@ class HashTable {
 
   [[nodiscard]] std::uint64_t count() const { return count_; }
   [[nodiscard]] std::uint64_t changes() const { return changes_; }
+  // The same where it stands, for compiled code that walks over the elements.
+  [[nodiscard]] const std::uint64_t& changesCounter() const { return changes_; }
 
   // Walks the elements in iteration order.
   class Cursor {
@@ -129,6 +131,20 @@ class HashTable {
     std::uint32_t place = 0;       // of the node
     bool failed = false;
   };
+
+  // The same with what an insertion needs besides.
+  template <class Words>
+  [[nodiscard]] Place locateWords(const Words words) const {
+    Place result;
+    visitCandidates(words.hash(), result, [&](std::uint32_t candidate) {
+      Node& node = chunks_.at(candidate);
+      if (!words.match(node.key)) return false;
+      result.node = &node;
+      result.place = candidate;
+      return true;
+    });
+    return result;
+  }
 
   // The node of a key. For a key that compares by user code, that code may change this very table: the search then
   // starts again, and after kMaxRestarts times takes identity for equality, so that it ends. The result holds for the

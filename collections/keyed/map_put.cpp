@@ -23,23 +23,31 @@ bool recordsClasses(const MapData& map, const RuntimeClass* keyClass, const Runt
          valueClass == map.lastValueClass;
 }
 
+// What to record after one more key or value, whose name nameOf(handle) tells where it is no box.
+template <class NameOf>
+RuntimeTypeName commonTypeWith(RuntimeTypeName recorded, void* handle, NameOf nameOf) {
+  const RuntimeTypeName box = vc::boxTypeName(handle);
+  return box.empty() ? vc::commonTypeName(recorded, nameOf(handle)) : vc::commonTypeName(recorded, box);
+}
+
 // Records the types of what is put. Neither allocates in the collected heap nor runs user code; throws with nothing
 // changed when there is no memory for a new name.
 [[gnu::noinline]] void recordTypes(MapData& map, const NativeMapEntry& entry) {
-  const RuntimeTypeName keyType = vc::commonTypeName(map.keyType, mapKeyRuntimeTypeName(entry.key));
-  const RuntimeTypeName valueType = vc::commonTypeName(map.valueType, vc::mapValueTypeName(entry.value));
+  const RuntimeTypeName keyType = commonTypeWith(map.keyType, entry.key, mapKeyRuntimeTypeName);
+  const RuntimeTypeName valueType = commonTypeWith(map.valueType, entry.value, vc::mapValueTypeName);
   map.keyType = keyType;
   map.valueType = valueType;
   map.lastKeyClass = classOfObject(entry.key);
   map.lastValueClass = classOfObject(entry.value);
 }
 
-// Inserts or replaces, unless user code raised during the search. All that can fail comes before the first change.
+// Inserts or replaces at the place that a search came to, unless user code raised during it. All that can fail comes
+// before the first change.
 template <vc::KeyedTable<NativeMapEntry> Table>
-void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const NativeMapEntry& entry) {
+[[gnu::always_inline]] inline void putAt(MapData& map, Table& table, typename Table::Place place,
+                                         const NativeCollectionKey& key, const NativeMapEntry& entry) {
   vc::assertMayBeKept(entry.key);
   vc::assertMayBeKept(entry.value);
-  auto place = table.find(key);
   if (place.failed) return;
   if (place.node == nullptr) table.makeRoom(place, key);
   if (!recordsClasses(map, classOfObject(entry.key), classOfObject(entry.value))) recordTypes(map, entry);
@@ -51,18 +59,39 @@ void putLocked(MapData& map, Table& table, const NativeCollectionKey& key, const
   }
 }
 
+[[gnu::noinline]] void putAny(void* map, MapData& data, const NativeMapEntry entry) {
+  const NativeCollectionKey key = vc::mapKeyOf(data, entry.key);
+  if (hasPendingError()) return;
+  const MapDataLock lock(data);
+  data.withTable([&](auto& table) { putAt(data, table, table.find(key), key, entry); });
+  vc::writeSizeField(map, data.count());
+}
+
+// Puts by a key whose words decide, into a plain hash map while no error is pending.
+template <class Words>
+[[gnu::always_inline]] inline void putByWords(void* map, MapData& data, const Words& words,
+                                              const NativeMapEntry& entry) {
+  putAt(data, data.hash, data.hash.locateWords(words), words.key(), entry);
+  vc::writeSizeField(map, data.hash.count());
+}
+
+[[gnu::noinline]] void putOther(void* map, MapData& data, const NativeMapEntry entry) {
+  vc::withShortTextKey(
+      entry.key, [&](const vc::KeyWords& words) { putByWords(map, data, words, entry); },
+      [&] { putAny(map, data, entry); });
+}
+
 }  // namespace
 
+// The common cases, an integer or a short text and a plain hash map, need neither a key in memory nor a lock.
 void vorn_collections_Map_put(void* map, void* key, void* value) {
   if (map == nullptr) return;
   if (key == nullptr) return vc::errors::raiseMapKeyIsNull();
   MapData& data = *getMapData(map);
-  const NativeCollectionKey nativeKey = vc::mapKeyOf(data, key);
-  if (hasPendingError()) return;
-  const MapDataLock lock(data);
   const NativeMapEntry entry{key, value};
-  data.withTable([&](auto& table) { putLocked(data, table, nativeKey, entry); });
-  vc::writeSizeField(map, data.count());
+  if (!data.isPlainHash() || mayHavePendingError()) return putAny(map, data, entry);
+  vc::withIntegerKey(
+      key, [&](vc::IntegerWords words) { putByWords(map, data, words, entry); }, [&] { putOther(map, data, entry); });
 }
 
 void vorn_collections_Map__set(void* map, void* key, void* value) { vorn_collections_Map_put(map, key, value); }

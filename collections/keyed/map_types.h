@@ -3,7 +3,9 @@
 
 #include <string_view>
 
+#include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
+#include "collections/core/port/type_name.h"
 #include "collections/core/port/type_names.h"
 
 namespace vorn::collections {
@@ -22,6 +24,19 @@ inline std::string_view mapValueTypeName(void* value) {
 inline RuntimeTypeName commonTypeName(RuntimeTypeName recorded, std::string_view name) {
   if (recorded == name || recorded == kObjectTypeName) return recorded;
   return internRuntimeTypeName(recorded.empty() ? name : kObjectTypeName);
+}
+
+// The same for a name that is interned already.
+inline RuntimeTypeName commonTypeName(RuntimeTypeName recorded, RuntimeTypeName name) {
+  if (recorded.empty() || recorded == name) return name;
+  return typeNameOf(PrimitiveType::None);
+}
+
+// The short type name of a box, which is told without a text; null for all other handles.
+inline RuntimeTypeName boxTypeName(const void* handle) {
+  const RegisteredObject* const box = getRegisteredObjectUnsafe(handle);
+  if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return {};
+  return typeNameOf(boxedTypeOf(*box));
 }
 
 }  // namespace vorn::collections

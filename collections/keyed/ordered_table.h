@@ -64,6 +64,8 @@ class OrderedTable {
 
   [[nodiscard]] std::uint64_t count() const { return count_; }
   [[nodiscard]] std::uint64_t changes() const { return changes_; }
+  // The same where it stands, for compiled code that walks over the elements.
+  [[nodiscard]] const std::uint64_t& changesCounter() const { return changes_; }
 
   // Calls visit(key, entry) for every element in ascending order. It must not change the table.
   template <class Visit>

@@ -12,10 +12,12 @@ namespace vc = vorn::collections;
 
 namespace {
 
-// Adds or replaces, unless user code raised during the search. All that can fail comes before the first change.
-void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
+using Place = decltype(SetData::table)::Place;
+
+// Adds or replaces at the place that a search came to, unless user code raised during it. All that can fail comes before
+// the first change.
+[[gnu::always_inline]] inline void addAt(SetData& set, Place place, const NativeCollectionKey& key, void* value) {
   vc::assertMayBeKept(value);
-  auto place = set.table.find(key);
   if (place.failed) return;
   if (place.node != nullptr) {
     place.node->entry = value;
@@ -23,6 +25,41 @@ void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
   }
   set.table.makeRoom(place, key);
   set.table.insert(place, key, value);
+}
+
+[[gnu::noinline]] void addAny(void* set, SetData& data, void* value) {
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return;
+  const SetDataLock lock(data);
+  addAt(data, data.table.find(key), key, value);
+  vc::writeSizeField(set, data.count());
+}
+
+// Adds by a key whose words decide, to a plain set while no error is pending.
+template <class Words>
+[[gnu::always_inline]] inline void addByWords(void* set, SetData& data, const Words& words, void* value) {
+  addAt(data, data.table.locateWords(words), words.key(), value);
+  vc::writeSizeField(set, data.count());
+}
+
+[[gnu::noinline]] void addOther(void* set, SetData& data, void* value) {
+  vc::withShortTextKey(
+      value, [&](const vc::KeyWords& words) { addByWords(set, data, words, value); },
+      [&] { addAny(set, data, value); });
+}
+
+bool removeAt(void* set, SetData& data, const Place& place) {
+  if (place.node == nullptr) return false;
+  data.table.remove(place);
+  vc::writeSizeField(set, data.count());
+  return true;
+}
+
+[[gnu::noinline]] bool removeAny(void* set, SetData& data, void* value) {
+  const NativeCollectionKey key = vc::setKeyOf(value);
+  if (hasPendingError()) return false;
+  const SetDataLock lock(data);
+  return removeAt(set, data, data.table.find(key));
 }
 
 [[gnu::noinline]] bool containsAny(const SetData& set, void* value) {
@@ -41,27 +78,23 @@ void addLocked(SetData& set, const NativeCollectionKey& key, void* value) {
 
 }  // namespace
 
+// The common cases below, an integer or a short text and a plain set, need neither a key in memory nor a lock.
+
 void vorn_collections_HashSet_add(void* set, void* value) {
   if (set == nullptr) return;
-  const NativeCollectionKey key = vc::setKeyOf(value);
-  if (hasPendingError()) return;
   SetData& data = *getSetData(set);
-  const SetDataLock lock(data);
-  addLocked(data, key, value);
-  vc::writeSizeField(set, data.count());
+  if (data.synchronized || mayHavePendingError()) return addAny(set, data, value);
+  vc::withIntegerKey(
+      value, [&](vc::IntegerWords words) { addByWords(set, data, words, value); }, [&] { addOther(set, data, value); });
 }
 
 bool vorn_collections_HashSet_remove(void* set, void* value) {
   if (set == nullptr) return false;
-  const NativeCollectionKey key = vc::setKeyOf(value);
-  if (hasPendingError()) return false;
   SetData& data = *getSetData(set);
-  const SetDataLock lock(data);
-  const auto place = data.table.find(key);
-  if (place.node == nullptr) return false;
-  data.table.remove(place);
-  vc::writeSizeField(set, data.count());
-  return true;
+  const auto otherwise = [&] { return removeAny(set, data, value); };
+  if (data.synchronized || mayHavePendingError()) return otherwise();
+  return vc::withIntegerKey(
+      value, [&](vc::IntegerWords words) { return removeAt(set, data, data.table.locateWords(words)); }, otherwise);
 }
 
 bool vorn_collections_HashSet_operator_in(void* set, void* value) {

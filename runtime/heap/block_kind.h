@@ -11,6 +11,12 @@ enum class BlockKind : std::uint8_t {
   Atomic,   // contents undefined; never searched
 };
 
+// What a block is asked for as.
+enum class BlockUse : std::uint8_t {
+  Handle,  // an object or a text, which somebody is about to be given
+  Memory,  // of a collection
+};
+
 inline constexpr std::size_t kBlockKinds = 2;
 
 }  // namespace vorn::runtime

@@ -28,11 +28,11 @@ bool armedFailureFires(ThreadState& thread) {
   return true;
 }
 
-__attribute__((noinline, cold)) void* allocateSlowly(std::size_t bytes, BlockKind kind) noexcept {
+__attribute__((noinline, cold)) void* allocateSlowly(std::size_t bytes, BlockKind kind, BlockUse use) noexcept {
   ThreadState& thread = attachedThread();
   if (armedFailureFires(thread) || bytes > kLargestBlock) return nullptr;
   void* const block = startedHeap().allocate(bytes, kind);
-  if (block != nullptr) thread.handOut(block, bytes);
+  if (block != nullptr) thread.handOut(block, bytes, use);
   return block;
 }
 
@@ -46,49 +46,49 @@ inline void* largerBlock(std::size_t bytes) noexcept {
 
 // A block off a list of the thread's own, which is nearly every one; null when that will not do. All else is kept out of
 // it, so that it needs no stack.
-template <BlockKind kind>
+template <BlockKind kind, BlockUse use>
 inline void* allocateAtOnce(std::size_t bytes) noexcept {
   ThreadState* const thread = currentThread;
   if (bytes > SmallBlocks::kLargest || thread == nullptr || thread->allocatesSlowly) [[unlikely]]
     return nullptr;
   void* const block = thread->smallBlocks.take<kind>(bytes);
   if (block != nullptr) [[likely]]
-    thread->handOut(block, bytes);
+    thread->handOut(block, bytes, use);
   return block;
 }
 
 // What cannot be had at once: larger blocks, the first of many small ones, and everything rarer.
-template <BlockKind kind>
+template <BlockKind kind, BlockUse use>
 __attribute__((noinline)) void* allocateOtherwise(std::size_t bytes) noexcept {
   ThreadState* const thread = currentThread;
   if (thread == nullptr || thread->allocatesSlowly || bytes > kLargestBlock) [[unlikely]]
-    return allocateSlowly(bytes, kind);
+    return allocateSlowly(bytes, kind, use);
   const bool small = bytes <= SmallBlocks::kLargest;
   void* const block = !small                                    ? largerBlock<kind>(bytes)
                       : thread->smallBlocks.refill(kind, bytes) ? thread->smallBlocks.take<kind>(bytes)
                                                                 : nullptr;
   if (block == nullptr) [[unlikely]]
-    return allocateSlowly(bytes, kind);
-  thread->handOut(block, bytes);
+    return allocateSlowly(bytes, kind, use);
+  thread->handOut(block, bytes, use);
   return block;
 }
 
-template <BlockKind kind>
+template <BlockKind kind, BlockUse use>
 inline void* allocate(std::size_t bytes) noexcept {
-  void* const block = allocateAtOnce<kind>(bytes);
-  return block != nullptr ? block : allocateOtherwise<kind>(bytes);
+  void* const block = allocateAtOnce<kind, use>(bytes);
+  return block != nullptr ? block : allocateOtherwise<kind, use>(bytes);
 }
 
 template <BlockKind kind>
 __attribute__((noinline)) void* allocateOtherwiseOrThrow(std::size_t bytes) {
-  void* const block = allocateOtherwise<kind>(bytes);
+  void* const block = allocateOtherwise<kind, BlockUse::Handle>(bytes);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
 
 template <BlockKind kind>
 inline void* allocateOrThrow(std::size_t bytes) {
-  void* const block = allocateAtOnce<kind>(bytes);
+  void* const block = allocateAtOnce<kind, BlockUse::Handle>(bytes);
   return block != nullptr ? block : allocateOtherwiseOrThrow<kind>(bytes);
 }
 
@@ -98,9 +98,9 @@ void* allocateScanned(std::size_t bytes) { return allocateOrThrow<BlockKind::Sca
 
 void* allocateAtomic(std::size_t bytes) { return allocateOrThrow<BlockKind::Atomic>(bytes); }
 
-void* tryAllocateScanned(std::size_t bytes) noexcept { return allocate<BlockKind::Scanned>(bytes); }
+void* tryAllocateScanned(std::size_t bytes) noexcept { return allocate<BlockKind::Scanned, BlockUse::Memory>(bytes); }
 
-void* tryAllocateAtomic(std::size_t bytes) noexcept { return allocate<BlockKind::Atomic>(bytes); }
+void* tryAllocateAtomic(std::size_t bytes) noexcept { return allocate<BlockKind::Atomic, BlockUse::Memory>(bytes); }
 
 void addGlobalRoot(void** slot) { GlobalRoots::instance().add(slot); }
 

@@ -15,7 +15,7 @@ namespace vorn::runtime {
 // exhaustion.
 [[nodiscard]] void* allocateAtomic(std::size_t bytes);
 
-// The same with a null result on exhaustion.
+// The same for memory of a collection, which is no handle to anybody, with a null result on exhaustion.
 [[nodiscard]] void* tryAllocateScanned(std::size_t bytes) noexcept;
 [[nodiscard]] void* tryAllocateAtomic(std::size_t bytes) noexcept;
 

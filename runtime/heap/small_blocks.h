@@ -22,7 +22,8 @@ namespace vorn::runtime {
 class SmallBlocks {
  public:
   static constexpr std::size_t kGranule = 16;
-  static constexpr std::size_t kLargest = 256;  // bytes
+  // Bytes: those of a list with a lock, the largest object of a collection.
+  static constexpr std::size_t kLargest = 640;
 
   // A block of at most kLargest bytes, zeroed when it is a scanned one; null when none of that size is held.
   template <BlockKind kind>

@@ -51,8 +51,10 @@ struct ThreadState {
   std::uintptr_t stackBase = 0;
   std::atomic<std::uintptr_t> stoppedAt{0};
 
-  void handOut(void* block, std::size_t bytes) noexcept {
-    recentBlocks.note(block);
+  // Memory of a collection is not noted: whoever asks for it roots it or puts it into the collection, and buffers that a
+  // growing list has left would stay alive with it.
+  void handOut(void* block, std::size_t bytes, BlockUse use) noexcept {
+    if (use == BlockUse::Handle) recentBlocks.note(block);
     allocations.store(allocations.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     bytesAllocated.store(bytesAllocated.load(std::memory_order_relaxed) + bytes, std::memory_order_relaxed);
   }

@@ -42,6 +42,7 @@ const ErrorText kErrorTexts[] = {
     {"raiseSumOfNull", errors::raiseSumOfNull, error_texts::kSumOfNull},
     {"raiseMapKeyIsNull", errors::raiseMapKeyIsNull, error_texts::kMapKeyIsNull},
     {"raiseKeyNotFound", errors::raiseKeyNotFound, error_texts::kKeyNotFound},
+    {"raiseKeysChangedDuringWalk", errors::raiseKeysChangedDuringWalk, error_texts::kKeysChangedDuringWalk},
     {"raiseImmutableListSource", errors::raiseImmutableListSource, error_texts::kImmutableListSource},
     {"raiseImmutableListReadOnly", errors::raiseImmutableListReadOnly, error_texts::kImmutableListReadOnly},
     {"raiseTupleSource", errors::raiseTupleSource, error_texts::kTupleSource},

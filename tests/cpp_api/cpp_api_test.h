@@ -20,6 +20,13 @@ std::vector<std::string> takeErrors();
 
 bool onStressHeap();
 
+// The blocks that the heap has handed out.
+inline std::uint64_t allocations() {
+  vorn_heap_statistics statistics;
+  vorn_heap_get_statistics(&statistics);
+  return statistics.allocations;
+}
+
 // What the function throws as "exception class|what()", or "" when it throws nothing. The class is that of the C++ API.
 template <class Function>
 std::string thrownBy(Function function) {

@@ -88,12 +88,6 @@ TEST_F(CppApi, WalksAndCopiesOfMapsAndSetsOfNumbers_TakeNoCallForAnElement) {
   EXPECT_EQ(nativeCalls, 0);
 }
 
-std::uint64_t allocations() {
-  vorn_heap_statistics statistics;
-  vorn_heap_get_statistics(&statistics);
-  return statistics.allocations;
-}
-
 TEST_F(CppApi, ReadingAndAppendingUnboxedElements_MakesNoBoxes) {
   list<int> xs{1, 2, 3};
   array<double> ys{1.5, 2.5};

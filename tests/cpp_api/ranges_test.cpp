@@ -176,6 +176,48 @@ TEST_F(CppRanges, AWalkOfAListing_IsNotTouchedByChanges) {
   EXPECT_EQ(texts.to_string(), R"(l:["x", "y", "x", "y"])");
 }
 
+TEST_F(CppRanges, AWalk_ListsNothingFirst) {
+  map<std::string, int> ages{{"a", 1}, {"b", 2}};
+  sorted_map<int, std::string> sorted{{2, "y"}, {1, "x"}};
+  set<int> elements;
+  linked_list<std::string> texts{"p", "q"};
+  for (int i = 0; i < 100; ++i) elements.insert(i);
+  std::string walked;
+  int sum = 0;
+  const std::uint64_t before = allocations();
+  for (const auto& [name, age] : ages.walk()) walked += name + std::to_string(age);
+  for (const auto& [key, name] : sorted.walk()) walked += std::to_string(key) + name;
+  for (const int x : elements.walk()) sum += x;
+  for (const std::string& text : texts.walk()) walked += text;
+  EXPECT_EQ(allocations(), before);
+  EXPECT_EQ(walked, "a1b21x2ypq");
+  EXPECT_EQ(sum, 4950);
+  EXPECT_EQ((map<int, int>().walk().begin() == std::default_sentinel), true);
+}
+
+TEST_F(CppRanges, AWalk_KeysChange_Throws) {
+  map<int, int> numbers{{1, 1}, {2, 2}};
+  set<std::string> elements{"a", "b"};
+  linked_list<std::string> texts{"x", "y"};
+  int steps = 0;
+  const auto walkMap = [&] {
+    for (const auto& [key, mapped] : numbers.walk()) numbers.erase(key), steps += mapped;
+  };
+  const auto walkSet = [&] {
+    for (const std::string& x : elements.walk()) elements.insert(x + "!"), ++steps;
+  };
+  EXPECT_THROW(walkMap(), error);
+  EXPECT_THROW(walkSet(), error);
+  EXPECT_EQ(steps, 2);
+  EXPECT_EQ(vorn_error_count(), 0U);
+  for (const auto& [key, mapped] : numbers.walk()) numbers[key] = mapped + 1;
+  EXPECT_EQ(numbers.at(2), 3);
+  for (const std::string& text : texts.walk()) {
+    if (text.size() < 3) texts.push_back(text + "+");
+  }
+  EXPECT_EQ(texts.to_string(), R"(l:["x", "y", "x+", "y+", "x++", "y++"])");
+}
+
 TEST_F(CppRanges, RangesOfAnyKind_BecomeCollections) {
   EXPECT_EQ(list<int>(std::forward_list<int>{1, 3, 5}).to_vector(), (std::vector<int>{1, 3, 5}));
   EXPECT_EQ(array<long>(std::list<int>{1, 2, 3}).to_vector(), (std::vector<long>{1, 2, 3}));

@@ -99,6 +99,16 @@ TEST_F(RecentBlocksOnExactHeapTest, Collection_KeepsWhatARecentBlockHolds) {
   EXPECT_EQ(node->next->next->value, 3);
 }
 
+// Not one of the buffers that the list has grown out of.
+TEST_F(RecentBlocksOnExactHeapTest, Collection_KeepsNoMemoryThatACollectionHasLeft) {
+  ASSERT_TRUE(restartWithRecentBlocks(16));
+  const std::uint64_t before = liveBytes();
+  const Handle list = vorn_object_new("ArrayList<Int>");
+  for (int i = 0; i < 1'000; ++i) vorn_collections_ArrayList_addInt(list, i);
+  const std::uint64_t listAndBuffer = sizeof(ListData) + 1024 * sizeof(std::int32_t);
+  EXPECT_LT(liveBytes() - before, listAndBuffer + 256);
+}
+
 TEST_F(RecentBlocksOnExactHeapTest, Unrooting_MakesAHandleRecentHoweverManyBlocksCameAfterIt) {
   ASSERT_TRUE(restartWithRecentBlocks(2));
   Node* node = nullptr;

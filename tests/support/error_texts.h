@@ -25,6 +25,7 @@ inline constexpr const char* kExtendedSliceCount =
 inline constexpr const char* kSumOfNull = "TypeError: sum does not support null values";
 inline constexpr const char* kMapKeyIsNull = "NullException: Map key cannot be null";
 inline constexpr const char* kKeyNotFound = "KeyException: Key not found";
+inline constexpr const char* kKeysChangedDuringWalk = "Exception: Keys changed during a walk";
 inline constexpr const char* kImmutableListSource = "TypeError: argument 1 of ImmutableList must be a IList";
 inline constexpr const char* kImmutableListReadOnly = "ReadOnlyException: ImmutableList is read-only";
 inline constexpr const char* kTupleSource = "TypeError: argument 1 of Tuple must be a packed variadic list";

@@ -9,7 +9,8 @@
  *   vorn_proven_CLASS_METHOD  does the same for a receiver that is null or whose family the compiler has proven, and
  *                             leaves out the test of the handle, which costs most;
  *   vorn_borrow_...           make a key of a number on the stack;
- *   vorn_inline_..._span      lend the elements to a loop.
+ *   vorn_inline_..._span      lend the elements to a loop;
+ *   vorn_inline_..._walk      and ..._next walk over maps, sets and lists without listing them first.
  *
  * Forms do not lock: synchronised receivers are left to natives and to functions of the library that lock as natives do.
  * As natives they let C++ exceptions pass, so that they must not be called from code that is compiled to know of none.
@@ -24,5 +25,6 @@
 #include <vorn/collections/inline/keyed.h>
 #include <vorn/collections/inline/lists.h>
 #include <vorn/collections/inline/objects.h>
+#include <vorn/collections/inline/walks.h>
 
 #endif

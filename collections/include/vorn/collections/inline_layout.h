@@ -7,7 +7,7 @@
 /* Offsets are in bytes. */
 enum vorn_inline_layout {
   /* the number of this layout, made from all that follow */
-  VORN_INLINE_ABI = 1961559161,
+  VORN_INLINE_ABI = 585950177,
   /* counts changes that no offset shows */
   VORN_INLINE_REVISION = 1,
   /* of an object: the word that tells its kind and that it is one */
@@ -72,6 +72,8 @@ enum vorn_inline_layout {
   VORN_INLINE_ARRAY_HANDLE_COUNT = 248,
   /* the slot kind of handles */
   VORN_INLINE_ARRAY_HANDLE_SLOTS = 11,
+  /* how many handles a walk has found ahead, at most */
+  VORN_INLINE_WALK_SLOTS = 32,
   /* of a tuple: its field size */
   VORN_INLINE_TUPLE_SIZE = 24,
   /* how many items there is room for */

@@ -76,10 +76,12 @@ struct set_class;
 template <>
 struct set_class<plain> {
   static constexpr const char* name = "HashSet";
+  static constexpr bool is_shared = false;
 };
 template <>
 struct set_class<synchronized> {
   static constexpr const char* name = "HashSetSync";
+  static constexpr bool is_shared = true;
 };
 
 template <class Tag>

@@ -8,6 +8,7 @@
 #include <vorn/cpp/iterators.hpp>
 #include <vorn/cpp/list_storage.hpp>
 #include <vorn/cpp/value.hpp>
+#include <vorn/cpp/walks.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -155,6 +156,13 @@ class list : public object {
   // The end is that of the moment when end() is called.
   [[nodiscard]] const_iterator begin() const { return first<const_iterator>(); }
   [[nodiscard]] auto end() const { return last<const_iterator>(); }
+
+  // The elements of a linked list without a lock, read from the list itself: an input range that lists nothing first. The
+  // list may be changed meanwhile: the walk then goes on at its next index, which it finds from the nearer end. Throws
+  // type_error where an element is no T.
+  [[nodiscard]] auto walk() const requires(!kind::is_indexed && !kind::is_shared) {
+    return detail::walk_range<detail::list_steps<T>>(*this);
+  }
 
   // The unboxed elements themselves. Valid until an element is added or removed, the list is cleared, reserved, filled
   // or given one that is no T, by whichever handle; is_current() tells. Booleans are bytes, true unless 0. Throws

@@ -8,6 +8,7 @@
 #include <vorn/cpp/map_entries.hpp>
 #include <vorn/cpp/tuple.hpp>
 #include <vorn/cpp/value.hpp>
+#include <vorn/cpp/walks.hpp>
 
 #include <cstddef>
 #include <initializer_list>
@@ -143,7 +144,14 @@ class map : public object {
   }
   [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
-  // The same in a vector, or in a container C that is made from two iterators. A constant number of calls for primitive
+  // The entries of a map without a lock, read from the map itself, as `for (auto& [key, value] : map.walk())`: an input
+  // range that lists nothing first. Values may be replaced meanwhile; after any other change of the map the next step
+  // throws error. Throws type_error where an entry is of another type.
+  [[nodiscard]] auto walk() const requires(!kind::is_shared) {
+    return detail::walk_range<detail::map_steps<K, V>>(*this);
+  }
+
+  // The entries of one moment in a vector, or in a container C that is made from two iterators. A constant number of calls for primitive
   // keys and values, unless the map is synchronised.
   [[nodiscard]] std::vector<std::pair<K, V>> to_vector() const {
     if constexpr (is_copied_by_columns) {

@@ -7,6 +7,7 @@
 #include <vorn/cpp/iterators.hpp>
 #include <vorn/cpp/list.hpp>
 #include <vorn/cpp/value.hpp>
+#include <vorn/cpp/walks.hpp>
 
 #include <cstddef>
 #include <initializer_list>
@@ -103,7 +104,11 @@ class set : public object {
   }
   [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
-  // The same in a vector, or a container C that is made from two iterators. A constant number of calls for primitive
+  // The elements of a set without a lock, read from the set itself: an input range that lists nothing first. After a
+  // change of the set the next step throws error. Throws type_error where an element is no T.
+  [[nodiscard]] auto walk() const requires(!kind::is_shared) { return detail::walk_range<detail::set_steps<T>>(*this); }
+
+  // The elements of one moment in a vector, or a container C that is made from two iterators. A constant number of calls for primitive
   // elements.
   [[nodiscard]] std::vector<T> to_vector() const { return items().to_vector(); }
   template <class C>
