@@ -245,14 +245,15 @@ Ready writingBuffer(std::int64_t n) {
 
 // ---- At the ends ----------------------------------------------------------------------------------------------------
 
+template <auto append, auto removeAt>
 Ready removingLast(std::int64_t n) {
   const Shared list = share();
   return {n,
           [=] {
             *list = vorn_object_new("ArrayList<Int>");
             void* const target = *list;
-            for (std::int64_t i = 0; i < n; ++i) vorn_collections_ArrayList_addInt(target, i);
-            for (std::int64_t i = n; i > 0; --i) vorn_collections_ArrayList_removeAt(target, i - 1);
+            for (std::int64_t i = 0; i < n; ++i) append(target, i);
+            for (std::int64_t i = n; i > 0; --i) removeAt(target, i - 1);
           },
           [=] { return digestOfNumber(std::int64_t{vorn_collections_ArrayList_size(*list)}); }};
 }
@@ -382,7 +383,10 @@ void addNativeLists(Rows& rows) {
   rows.add(kInline, "read-random", "Int", readingAtRandom<getInline<Int>>);
   rows.add(kBuffer, "read-random", "Int", readingBufferAtRandom);
 
-  rows.add(kNatives, "append-remove-last", "Int", removingLast);
+  rows.add(kNatives, "append-remove-last", "Int",
+           removingLast<vorn_collections_ArrayList_addInt, vorn_collections_ArrayList_removeAt>);
+  rows.add(kInline, "append-remove-last", "Int",
+           removingLast<vorn_proven_ArrayList_addInt, vorn_proven_ArrayList_removeAt>);
   rows.add(kNatives, "insert-front", "Int", insertingFront);
   rows.add(kNatives, "remove-front", "Int", removingFront);
   rows.add(kNatives, "linked-append", "Object",

@@ -265,6 +265,29 @@ TEST_F(ListForms, AppendsOfIntsBooleansAndHandles_AnyReceiver_AreThoseOfTheNativ
   }
 }
 
+// ---- Removals -------------------------------------------------------------------------------------------------------
+
+// Every index around each size that the list comes to have.
+TEST_F(ListForms, Removals_AnyReceiverAndIndex_AreThoseOfTheNative) {
+  for (const Receiver& receiver : listReceivers()) {
+    Triplets lists(receiver, stateOfList);
+    const Handle counted = receiver.make();
+    for (long long size = vorn_collections_ArrayList_size(counted); size >= 0; --size) {
+      std::vector<long long> indexes = {size, size + 1, -size - 1, kLeast, kMost};
+      indexes.push_back(size % 3 == 1 ? -1 : size % 3 == 2 ? 0 : size - 1);
+      for (const long long index : indexes) {
+        lists.expectSame("removal at " + std::to_string(index), [&](Form form, void* list) {
+          if (form == Form::Native) vorn_collections_ArrayList_removeAt(list, index);
+          if (form == Form::Inline) vorn_inline_ArrayList_removeAt(list, index);
+          if (form == Form::Proven) vorn_proven_ArrayList_removeAt(list, index);
+          return "removal";
+        });
+      }
+    }
+    lists.expectUnlocked(isUnlocked);
+  }
+}
+
 // ---- What is inline -------------------------------------------------------------------------------------------------
 
 // Every form with its quick case: in the list it is for, and in the same list with a lock.
@@ -325,6 +348,13 @@ std::vector<QuickCase> quickCases() {
                    [](void* list) { vorn_proven_ArrayList_operator_index_eq(list, 1, nullptr); }});
   cases.push_back({"ArrayList_add", boxed, [](void* list) { vorn_inline_ArrayList_add(list, nullptr); },
                    [](void* list) { vorn_proven_ArrayList_add(list, nullptr); }});
+  const auto lastOf = [](void* list) { return static_cast<long long>(getListData(list)->logicalSize()) - 1; };
+  const auto removeLast = [=](void* list) { vorn_inline_ArrayList_removeAt(list, lastOf(list)); };
+  const auto removeLastProven = [=](void* list) { vorn_proven_ArrayList_removeAt(list, lastOf(list)); };
+  for (const char* element : {"Int", "Byte", "Double"}) {
+    cases.push_back({"ArrayList_removeAt", unboxed(element), removeLast, removeLastProven});
+  }
+  cases.push_back({"ArrayList_removeAt", boxed, removeLast, removeLastProven});
   // Lists that declare what every value is, or the class of what they are given.
   const auto declaring = [](const char* element) {
     return [element](bool synchronised) { return filled(false, synchronised, element, 2); };

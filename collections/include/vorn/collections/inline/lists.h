@@ -1,4 +1,4 @@
-/* Inline forms of the natives of lists: size, reads, writes and appends of elements. Part of
+/* Inline forms of the natives of lists: size, reads, writes, appends and removals of elements. Part of
  * <vorn/collections/inline.h>, which tells what may be relied on. Results, errors, allocation, locks and user code are
  * those of the native that each names (array_list.h). */
 #ifndef VORN_COLLECTIONS_INLINE_LISTS_H
@@ -196,6 +196,22 @@ VORN_INLINE_PART void vorn_inline_list_add_boolean(void* list, void* record, boo
     vorn_collections_ArrayList_addPrimitiveBool(list, value);
 }
 
+/* Takes the last element off when it stands there; else false, with nothing changed. The slot of a handle that has gone is
+ * null. */
+VORN_INLINE_PART bool vorn_inline_list_pop(void* record, long long index) {
+  const uint32_t state = record != NULL ? vorn_inline_list_state(record) : 1;
+  if ((state & 0xFFFF) != 0 || index < 0) return false;
+  const int size_at = state != 0 ? (int)VORN_INLINE_LIST_SIZE : (int)VORN_INLINE_LIST_HANDLE_COUNT;
+  if ((uint64_t)index + 1 != vorn_inline_word(record, size_at)) return false;
+  if (state == 0) ((void**)vorn_inline_pointer(record, VORN_INLINE_LIST_HANDLES))[index] = NULL;
+  vorn_inline_set_word(record, size_at, (uint64_t)index);
+  return true;
+}
+
+VORN_INLINE_PART void vorn_inline_list_remove_at(void* list, void* record, long long index) {
+  if (!vorn_inline_list_pop(record, index)) vorn_collections_ArrayList_removeAt(list, index);
+}
+
 /* ---- Any receiver -------------------------------------------------------------------------------------------------- */
 
 /* vorn_collections_ArrayList_size. */
@@ -265,6 +281,11 @@ VORN_INLINE void vorn_inline_ArrayList_addPrimitiveBool(void* list, bool value) 
   vorn_inline_list_add_boolean(list, vorn_inline_record(list, VORN_INLINE_LIST), value);
 }
 
+/* vorn_collections_ArrayList_removeAt, quick for the last element. */
+VORN_INLINE void vorn_inline_ArrayList_removeAt(void* list, long long index) {
+  vorn_inline_list_remove_at(list, vorn_inline_record(list, VORN_INLINE_LIST), index);
+}
+
 /* ---- Receivers of a proven class ----------------------------------------------------------------------------------- */
 
 /* The same for a list that the compiler knows to be null or an object of a list class. Anything else ends a debug build
@@ -319,6 +340,11 @@ VORN_INLINE void vorn_proven_ArrayList_addPrimitiveDouble(void* list, double val
 /* vorn_inline_ArrayList_addPrimitiveBool, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveBool(void* list, bool value) {
   vorn_inline_list_add_boolean(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value);
+}
+
+/* vorn_inline_ArrayList_removeAt, for a proven receiver. */
+VORN_INLINE void vorn_proven_ArrayList_removeAt(void* list, long long index) {
+  vorn_inline_list_remove_at(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index);
 }
 
 /* ---- Loops --------------------------------------------------------------------------------------------------------- */
