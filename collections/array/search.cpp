@@ -25,15 +25,12 @@ class SlotMatcher {
   std::uint64_t skipUpwards(std::uint64_t index) const {
     return text_.firstCandidate(array_.objects.data, index, array_.objects.size);
   }
-  std::uint64_t skipDownwards(std::uint64_t end) const {
-    return end <= array_.objects.size ? text_.candidatesEnd(array_.objects.data, end) : end;
-  }
+  std::uint64_t skipDownwards(std::uint64_t end) const { return text_.candidatesEnd(array_.objects.data, end); }
 
   // Whether the slot at `index` equals the value; false once user code has raised.
   bool matches(std::uint64_t index) {
-    if (text_.isText() && index < array_.objects.size && isStringObject(array_.objects.data[index])) {
-      return text_.equals(array_.objects.data[index]);
-    }
+    void* const slot = array_.objects.data[index];
+    if (text_.isText() && isStringObject(slot)) return text_.equals(slot);
     const bool equal = arraySlotEqualsObject(array_, index, value_);
     failed_ = watch_.raised();
     return equal && !failed_;
