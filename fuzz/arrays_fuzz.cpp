@@ -490,12 +490,5 @@ constexpr Operation<Arrays> kOperations[] = {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  vorn::fuzz::startRuntime();
-  vorn::fuzz::defineValueClasses();
-  vorn::fuzz::beginInput();
-  vorn::fuzz::Input input(data, size);
-  vorn::fuzz::Arrays arrays(input);
-  vorn::fuzz::runOperations(arrays, input, vorn::fuzz::kOperations);
-  arrays.requireAll();
-  return 0;
+  return vorn::fuzz::runInput(data, size, vorn::fuzz::kOperations);
 }

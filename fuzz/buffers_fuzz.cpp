@@ -408,12 +408,5 @@ constexpr Operation<Buffers> kOperations[] = {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  vorn::fuzz::startRuntime();
-  vorn::fuzz::defineValueClasses();
-  vorn::fuzz::beginInput();
-  vorn::fuzz::Input input(data, size);
-  vorn::fuzz::Buffers lists(input);
-  vorn::fuzz::runOperations(lists, input, vorn::fuzz::kOperations);
-  lists.requireAll();
-  return 0;
+  return vorn::fuzz::runInput(data, size, vorn::fuzz::kOperations);
 }

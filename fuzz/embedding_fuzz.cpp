@@ -461,12 +461,5 @@ void Embedding::onThread() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  vorn::fuzz::startRuntime();
-  vorn::fuzz::defineValueClasses();
-  vorn::fuzz::beginInput();
-  vorn::fuzz::Input input(data, size);
-  vorn::fuzz::Embedding embedding(input);
-  vorn::fuzz::runOperations(embedding, input, vorn::fuzz::kOperations);
-  embedding.requireAll();
-  return 0;
+  return vorn::fuzz::runInput(data, size, vorn::fuzz::kOperations);
 }

@@ -454,12 +454,5 @@ constexpr Operation<Keyed> kOperations[] = {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  vorn::fuzz::startRuntime();
-  vorn::fuzz::defineValueClasses();
-  vorn::fuzz::beginInput();
-  vorn::fuzz::Input input(data, size);
-  vorn::fuzz::Keyed tables(input);
-  vorn::fuzz::runOperations(tables, input, vorn::fuzz::kOperations);
-  tables.requireAll();
-  return 0;
+  return vorn::fuzz::runInput(data, size, vorn::fuzz::kOperations);
 }

@@ -300,11 +300,5 @@ constexpr Operation<Texts> kOperations[] = {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  vorn::fuzz::startRuntime();
-  vorn::fuzz::defineValueClasses();
-  vorn::fuzz::beginInput();
-  vorn::fuzz::Input input(data, size);
-  vorn::fuzz::Texts texts(input);
-  vorn::fuzz::runOperations(texts, input, vorn::fuzz::kOperations);
-  return 0;
+  return vorn::fuzz::runInput(data, size, vorn::fuzz::kOperations);
 }

@@ -2,6 +2,7 @@
 // come, written from what the language promises and knowing nothing of the library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -71,6 +72,20 @@ void armHooks(int calls);
 
 // Defines the classes of Items and Plains. Needs a running runtime.
 void defineValueClasses();
+
+// What a fuzzer of values does with an input: runs the operations that it asks for on a new scenario, and then lets the
+// scenario require what it has to.
+template <class Scenario, std::size_t kCount>
+int runInput(const std::uint8_t* data, std::size_t size, const Operation<Scenario> (&operations)[kCount]) {
+  startRuntime();
+  defineValueClasses();
+  beginInput();
+  Input input(data, size);
+  Scenario scenario(input);
+  runOperations(scenario, input, operations);
+  if constexpr (requires { scenario.requireAll(); }) scenario.requireAll();
+  return 0;
+}
 
 // A value of the type, or of any for None, without a handle.
 Value chooseValue(Input& input, Type type);

@@ -1,4 +1,4 @@
-#!/ usr / bin / env python3
+#!/usr/bin/env python3
 """Checks that the stress program calls everything that it is about.
 
     natives_test.py STRESS_PROGRAM
@@ -15,7 +15,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "tests/packaging"))
 
 import check_exports  # noqa: E402
-#It ends the use of the runtime by all threads.
+# It ends the use of the runtime by all threads.
 OF_THE_PROCESS = {"vorn_runtime_stop"}
 
 
@@ -31,8 +31,7 @@ def declared():
 
 def main():
     told = subprocess.run([sys.argv[1], "--natives"], check=True, capture_output=True, text=True).stdout.split()
-    called = set(told) | {f"vorn_collections_{name}" for name in told
-}
+    called = set(told) | {f"vorn_collections_{name}" for name in told}
     natives, embedding = declared()
     missing = sorted((natives | embedding) - called)
     for name in missing:

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
+#include "collections/core/elements/store_forms.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/list_data.h"
@@ -18,17 +18,14 @@ class BoxRun {
   // none that the list keeps bit by bit.
   void beginWith(const ListData& list, const void* handle) {
     type_ = nullptr;
-    const RegisteredObject* const box = getRegisteredObjectUnsafe(handle);
-    if (box == nullptr || box->kind() > ObjectKind::CharacterBox || !list.elementType.empty()) return;
-    const PrimitiveType type = boxedTypeOf(*box);
-    if (list.primitiveType.primitiveType() != type || list.primitiveKind != kindOf(type)) return;
-    // A Float is rounded, and UInt storage takes no characters beyond their own range.
-    if (list.primitiveKind == PrimitiveKind::Float ||
-        (box->kind() == ObjectKind::CharacterBox && list.primitiveKind == PrimitiveKind::UInt)) {
-      return;
-    }
+    const RegisteredObject* const box = boxOfKeptType(list, handle);
+    // A Float is rounded.
+    if (box == nullptr || !list.elementType.empty() || list.primitiveKind == PrimitiveKind::Float) return;
     storage_ = list.primitiveKind;
-    visitKind(storage_, [&](auto tag) { takeRangeOf(tag); });
+    visitKind(storage_, [&](auto tag) {
+      range_ = keptRangeOf(tag);
+      width_ = sizeof(typename decltype(tag)::Element);
+    });
     kind_ = box->kind();
     type_ = box->runtimeClass;
   }
@@ -42,7 +39,7 @@ class BoxRun {
     if (objectHeaderAt(handle) != objectHeaderFor(handle, kind_)) return false;
     const auto* const box = static_cast<const RegisteredObject*>(handle);
     const auto bits = static_cast<std::uint64_t>(box->integer);
-    if (box->runtimeClass != type_ || bits - least_ > span_) return false;
+    if (box->runtimeClass != type_ || !range_.has(bits)) return false;
     visitWidth(width_, [&](auto element) {
       element = static_cast<decltype(element)>(bits);
       std::memcpy(buffer.data + buffer.size * sizeof(element), &element, sizeof(element));
@@ -52,30 +49,11 @@ class BoxRun {
   }
 
  private:
-  // The bits of a box's value that storage of the kind keeps as they are, or cut to its width.
-  template <class Tag>
-  void takeRangeOf(Tag) {
-    using Range = std::numeric_limits<typename Tag::Element>;
-    width_ = sizeof(typename Tag::Element);
-    least_ = 0;
-    if constexpr (isFloatingKind(Tag::kind)) {
-      span_ = std::numeric_limits<std::uint64_t>::max();
-    } else if constexpr (Tag::kind == PrimitiveKind::Boolean) {
-      span_ = 1;
-    } else if constexpr (Tag::kind == PrimitiveKind::ULong) {
-      span_ = std::numeric_limits<std::int64_t>::max();
-    } else {
-      least_ = static_cast<std::uint64_t>(Range::min());
-      span_ = static_cast<std::uint64_t>(Range::max()) - least_;
-    }
-  }
-
   const RuntimeClass* type_ = nullptr;  // null while no run has begun
   ObjectKind kind_ = ObjectKind::IntegerBox;
   PrimitiveKind storage_ = PrimitiveKind::None;
   std::uint64_t width_ = 0;
-  std::uint64_t least_ = 0;  // the range begins here, and has span_ + 1 values
-  std::uint64_t span_ = 0;
+  KeptRange range_;
 };
 
 }  // namespace vorn::collections

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <limits>
 
 #include "collections/core/elements/element_types.h"
 #include "collections/core/elements/primitive_values.h"
@@ -64,33 +65,48 @@ inline bool takesAsHandle(const ListData& list, const void* value) {
   return type != nullptr && declared.lastSeen(type);
 }
 
+// The box that a handle is when its type is exactly the one whose values the list keeps unboxed; null for all else. UInt
+// storage is told from its characters, which have a range of their own.
+inline const RegisteredObject* boxOfKeptType(const ListData& list, const void* handle) {
+  const RegisteredObject* const box = getRegisteredObjectUnsafe(handle);
+  if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return nullptr;
+  const PrimitiveType type = boxedTypeOf(*box);
+  if (list.primitiveType.primitiveType() != type || list.primitiveKind != kindOf(type)) return nullptr;
+  if (box->kind() == ObjectKind::CharacterBox && list.primitiveKind == PrimitiveKind::UInt) return nullptr;
+  return box;
+}
+
+// The bits of such a box's value that storage of a kind takes as they are, cut to its width or, for a Float, rounded:
+// `span` + 1 values from `least` on.
+struct KeptRange {
+  std::uint64_t least = 0;
+  std::uint64_t span = std::numeric_limits<std::uint64_t>::max();
+
+  [[nodiscard]] constexpr bool has(std::uint64_t bits) const { return bits - least <= span; }
+};
+template <class Tag>
+constexpr KeptRange keptRangeOf(Tag) {
+  using Range = std::numeric_limits<typename Tag::Element>;
+  if constexpr (isFloatingKind(Tag::kind)) return {};
+  if constexpr (Tag::kind == PrimitiveKind::Boolean) return {0, 1};
+  // It takes no value that is negative as a signed number.
+  if constexpr (Tag::kind == PrimitiveKind::ULong) return {0, std::numeric_limits<std::int64_t>::max()};
+  const auto least = static_cast<std::uint64_t>(Range::min());
+  return {least, static_cast<std::uint64_t>(Range::max()) - least};
+}
+
 // Stores the value of a box over element `index` of elements of the list's kind, the list's own or others. False, with
 // nothing stored, when the value is not a box of exactly the type that the list keeps and, if it is typed, declares, or
 // when it does not fit: chooseStoreFormOrRaise then decides. Takes no part in growing and sets no size.
 inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, std::uint64_t index, void* value) {
-  const RegisteredObject* box = getRegisteredObjectUnsafe(value);
-  if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return false;
-  const PrimitiveType type = boxedTypeOf(*box);
-  if (list.primitiveType.primitiveType() != type || list.primitiveKind != kindOf(type)) return false;
-  if (!list.elementType.empty() && list.elementType != list.primitiveType) return false;
+  const RegisteredObject* const box = boxOfKeptType(list, value);
+  if (box == nullptr || (!list.elementType.empty() && list.elementType != list.primitiveType)) return false;
   return visitKind(
       list.primitiveKind,
       [&](auto tag) {
-        using Tag = decltype(tag);
-        if constexpr (isFloatingKind(Tag::kind)) {
-          storeElement(tag, elements, index, 0, std::bit_cast<double>(box->integer));
-          return true;
-        } else {
-          const long long integer = box->integer;
-          if (static_cast<long long>(static_cast<typename Tag::Element>(integer)) != integer) return false;
-          // A character has a range of its own, and ULong takes no value that is negative as a signed number.
-          if ((Tag::kind == PrimitiveKind::UInt && box->kind() == ObjectKind::CharacterBox) ||
-              (Tag::kind == PrimitiveKind::ULong && integer < 0)) {
-            return false;
-          }
-          storeElement(tag, elements, index, integer, 0.0);
-          return true;
-        }
+        if (!keptRangeOf(tag).has(static_cast<std::uint64_t>(box->integer))) return false;
+        storeElement(tag, elements, index, box->integer, std::bit_cast<double>(box->integer));
+        return true;
       },
       false);
 }
