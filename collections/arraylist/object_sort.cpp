@@ -86,8 +86,8 @@ bool textLess(const TextKey& left, const TextKey& right) {
   return compareStringObjects(left.string, right.string) < 0;
 }
 
-// Sorts Strings, whose order is that of their bytes and runs no user code; false, with nothing changed, when an element is
-// something else. The keys are rooted while the handles are written back, since some then stand nowhere else.
+// Sorts Strings, whose order is that of their bytes and runs no user code; false, with nothing changed, when an element
+// is something else. The keys are rooted while the handles are written back, since some then stand nowhere else.
 bool sortStrings(void** handles, std::uint64_t count) {
   if (!std::all_of(handles, handles + count, isStringObject)) return false;
   constexpr std::size_t kFewTexts = 32;

@@ -52,8 +52,8 @@ class Separator {
   char start_[16] = {};
 };
 
-// Where the first byte of a word that is 0 stands; 8 where there is none. (Mycroft's test: what is above a zero byte may be
-// marked falsely, the lowest mark never is.)
+// Where the first byte of a word that is 0 stands; 8 where there is none. (Mycroft's test: what is above a zero byte
+// may be marked falsely, the lowest mark never is.)
 std::size_t zeroByteIn(std::uint64_t word) {
   constexpr std::uint64_t kOnes = 0x0101010101010101U;
   return static_cast<std::size_t>(std::countr_zero((word - kOnes) & ~word & (kOnes << 7))) / 8;

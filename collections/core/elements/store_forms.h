@@ -53,9 +53,9 @@ bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& val
 
 // ---- The common cases of that decision, which look at no type but one -----------------------------------------------
 
-// Whether the list takes the value as one more handle, as far as that is known without asking for types: it holds handles,
-// or nodes, and is untyped, declares Object, or declares a type that the value's class was seen to be of. A list without a
-// declared type that is empty may still become unboxed.
+// Whether the list takes the value as one more handle, as far as that is known without asking for types: it holds
+// handles, or nodes, and is untyped, declares Object, or declares a type that the value's class was seen to be of. A
+// list without a declared type that is empty may still become unboxed.
 inline bool takesAsHandle(const ListData& list, const void* value) {
   if (list.isUnboxed()) return false;
   if (list.elementType.empty()) return list.objects.size != 0 || list.linked;
@@ -65,8 +65,8 @@ inline bool takesAsHandle(const ListData& list, const void* value) {
   return type != nullptr && declared.lastSeen(type);
 }
 
-// The box that a handle is when its type is exactly the one whose values the list keeps unboxed; null for all else. UInt
-// storage is told from its characters, which have a range of their own.
+// The box that a handle is when its type is exactly the one whose values the list keeps unboxed; null for all else.
+// UInt storage is told from its characters, which have a range of their own.
 inline const RegisteredObject* boxOfKeptType(const ListData& list, const void* handle) {
   const RegisteredObject* const box = getRegisteredObjectUnsafe(handle);
   if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return nullptr;

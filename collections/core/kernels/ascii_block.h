@@ -1,5 +1,5 @@
-// Sixteen numbers of 16 or 32 bits as bytes, as far as they are ASCII: the inner loop of texts that are made of characters.
-// It is the same on every processor of a kind, so that it needs no choice of a path.
+// Sixteen numbers of 16 or 32 bits as bytes, as far as they are ASCII: the inner loop of texts that are made of
+// characters. It is the same on every processor of a kind, so that it needs no choice of a path.
 #pragma once
 
 #include <bit>
@@ -16,8 +16,8 @@ namespace vorn::collections {
 
 inline constexpr std::uint64_t kAsciiBlock = 16;
 
-// Writes up to sixteen bytes and gives how many of them, from the first one on, are ASCII characters. 0 is none of them, as a
-// text ends there. `units` points at packed elements of a type of 16 or 32 bits.
+// Writes up to sixteen bytes and gives how many of them, from the first one on, are ASCII characters. 0 is none of
+// them, as a text ends there. `units` points at packed elements of a type of 16 or 32 bits.
 template <class Unit>
 inline std::uint64_t copyAscii(const unsigned char* units, char* bytes) {
   static_assert(sizeof(Unit) == 2 || sizeof(Unit) == 4);

@@ -18,8 +18,8 @@ struct InternedTypeName {
   PrimitiveType primitiveType = PrimitiveType::None;  // the primitive type of exactly this name
   bool takesEveryValue = false;                       // of "Object" alone, among the names of what lists declare
   const InternedTypeName* normalized = nullptr;       // the canonical short form; null for a name that has it already
-  // The class that was last seen to be of this type, as Vorn_isInstanceOf says: what lists that declare it are filled with
-  // is mostly of one class, whose next object is then told by one comparison. Any thread may come by here.
+  // The class that was last seen to be of this type, as Vorn_isInstanceOf says: what lists that declare it are filled
+  // with is mostly of one class, whose next object is then told by one comparison. Any thread may come by here.
   mutable const RuntimeClass* lastClass = nullptr;
 
   [[nodiscard]] bool lastSeen(const RuntimeClass* type) const {
