@@ -58,8 +58,16 @@ void overIndexes(benchmark::State& state, std::int64_t elements) {
   countElements(state, elements);
 }
 
+// Handles that are all boxes of an Int.
+void* boxListOf(std::int64_t elements) {
+  const Handle list = vorn_object_new("ArrayList<Object>");
+  natives::fillBoxes(list, elements);
+  return list;
+}
+
 constexpr auto kInts = [](std::int64_t n) { return listOf("ArrayList<Int>", n); };
 constexpr auto kHandles = [](std::int64_t n) { return handleListOf(n); };
+constexpr auto kBoxes = [](std::int64_t n) { return boxListOf(n); };
 constexpr auto kIntArray = [](std::int64_t n) { return arrayOf("Array<Int>", n); };
 
 constexpr auto kNativeGet = [](void* list, long long i) { keep(vorn_collections_ArrayList_getInt(list, i)); };
@@ -69,6 +77,19 @@ constexpr auto kNativeHandle = [](void* list, long long i) {
   keep(vorn_collections_ArrayList_operator_index(list, i));
 };
 constexpr auto kProvenHandle = [](void* list, long long i) { keep(vorn_proven_ArrayList_operator_index(list, i)); };
+constexpr auto kNativeNumber = [](void* list, long long i) {
+  std::int32_t value = 0;
+  vorn_unbox_int(vorn_collections_ArrayList_operator_index(list, i), &value);
+  keep(value);
+};
+constexpr auto kInlineNumber = [](void* list, long long i) {
+  long long value = 0;
+  vorn_inline_unbox_integer(vorn_proven_ArrayList_operator_index(list, i), VORN_INT, &value);
+  keep(value);
+};
+constexpr auto kProvenNumber = [](void* list, long long i) {
+  keep(vorn_proven_unbox_integer(vorn_proven_ArrayList_operator_index(list, i), VORN_INT));
+};
 constexpr auto kProvenSet = [](void* list, long long i) {
   vorn_proven_ArrayList_setInt(list, i, static_cast<std::int32_t>(i), VORN_INT);
   keep(0);
@@ -83,6 +104,18 @@ constexpr auto kProvenSetSlot = [](void* array, long long i) {
   vorn_proven_Array_setInt(array, i, i, VORN_INT);
   keep(0);
 };
+
+void getPointed(benchmark::State& state, std::int64_t elements) {
+  std::vector<std::int32_t> numbers(static_cast<std::size_t>(elements));
+  std::vector<std::int32_t*> values;
+  for (std::int32_t& number : numbers) values.push_back(&number);
+  const std::vector<std::int32_t*>* const vector = &values;
+  keep(vector);
+  for (auto _ : state) {
+    for (std::int64_t i = 0; i < elements; ++i) keep(*vector->at(static_cast<std::size_t>(i)));
+  }
+  countElements(state, elements);
+}
 
 template <class Element>
 void getChecked(benchmark::State& state, std::int64_t elements) {
@@ -261,6 +294,9 @@ constexpr Operation kOperations[] = {
     {"set Int, proven", overIndexes<kInts, kProvenSet>, setChecked, nullptr},
     {"get handle, native", overIndexes<kHandles, kNativeHandle>, nullptr, nullptr},
     {"get handle, proven", overIndexes<kHandles, kProvenHandle>, getChecked<void*>, nullptr},
+    {"get a box's Int, natives", overIndexes<kBoxes, kNativeNumber>, nullptr, nullptr},
+    {"get a box's Int, of any handle", overIndexes<kBoxes, kInlineNumber>, getPointed, nullptr},
+    {"get a box's Int, proven", overIndexes<kBoxes, kProvenNumber>, getPointed, nullptr},
     {"append Int, native", appendInts<kNativeAdd>, nullptr, nullptr},
     {"append Int, proven", appendInts<kProvenAdd>, pushBackInts, nullptr},
     {"array get Int, native", overIndexes<kIntArray, kNativeSlot>, nullptr, nullptr},

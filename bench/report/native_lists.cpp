@@ -138,10 +138,11 @@ Ready readingBuffer(std::int64_t n) {
 
 std::int64_t getObject(void* list, std::int64_t i) { return intIn(vorn_collections_ArrayList_operator_index(list, i)); }
 std::int64_t getObjectInline(void* list, std::int64_t i) {
-  return intIn(vorn_proven_ArrayList_operator_index(list, i));
+  return intInlineIn(vorn_proven_ArrayList_operator_index(list, i));
 }
 
-Ready readingObjects(std::int64_t n, std::int64_t (*get)(void*, std::int64_t)) {
+template <auto get>
+Ready readingObjects(std::int64_t n) {
   const Shared list = share(listOf<Object>(n));
   const auto result = std::make_shared<std::int64_t>();
   return {n,
@@ -149,6 +150,22 @@ Ready readingObjects(std::int64_t n, std::int64_t (*get)(void*, std::int64_t)) {
             void* const source = *list;
             std::int64_t sum = 0;
             for (std::int64_t i = 0; i < n; ++i) sum += get(source, i);
+            *result = sum;
+          },
+          [=] { return digestOfNumber(*result); }};
+}
+
+// Compiled loops that know the list to be theirs alone read its handles side by side.
+Ready readingHandles(std::int64_t n) {
+  const Shared list = share(listOf<Object>(n));
+  const auto result = std::make_shared<std::int64_t>();
+  return {n,
+          [=] {
+            vorn_span span;
+            if (!vorn_inline_ArrayList_span(*list, VORN_HANDLES, &span)) std::abort();
+            void* const* const handles = static_cast<void**>(span.data);
+            std::int64_t sum = 0;
+            for (std::int64_t i = 0; i < span.size; ++i) sum += intInlineIn(handles[i]);
             *result = sum;
           },
           [=] { return digestOfNumber(*result); }};
@@ -228,14 +245,15 @@ Ready writingBuffer(std::int64_t n) {
 
 // ---- At the ends ----------------------------------------------------------------------------------------------------
 
+template <auto append, auto removeAt>
 Ready removingLast(std::int64_t n) {
   const Shared list = share();
   return {n,
           [=] {
             *list = vorn_object_new("ArrayList<Int>");
             void* const target = *list;
-            for (std::int64_t i = 0; i < n; ++i) vorn_collections_ArrayList_addInt(target, i);
-            for (std::int64_t i = n; i > 0; --i) vorn_collections_ArrayList_removeAt(target, i - 1);
+            for (std::int64_t i = 0; i < n; ++i) append(target, i);
+            for (std::int64_t i = n; i > 0; --i) removeAt(target, i - 1);
           },
           [=] { return digestOfNumber(std::int64_t{vorn_collections_ArrayList_size(*list)}); }};
 }
@@ -374,13 +392,17 @@ void addNativeLists(Rows& rows) {
 
   rows.add(kNatives, "append", "Object", buildingOfObjects<vorn_collections_ArrayList_add>("ArrayList<Object>"));
   rows.add(kInline, "append", "Object", buildingOfObjects<vorn_proven_ArrayList_add>("ArrayList<Object>"));
-  rows.add(kNatives, "read", "Object", [](std::int64_t n) { return readingObjects(n, getObject); });
-  rows.add(kInline, "read", "Object", [](std::int64_t n) { return readingObjects(n, getObjectInline); });
+  rows.add(kNatives, "read", "Object", readingObjects<getObject>);
+  rows.add(kInline, "read", "Object", readingObjects<getObjectInline>);
+  rows.add(kBuffer, "read", "Object", readingHandles);
   rows.add(kNatives, "read-random", "Int", readingAtRandom<getByNative<Int>>);
   rows.add(kInline, "read-random", "Int", readingAtRandom<getInline<Int>>);
   rows.add(kBuffer, "read-random", "Int", readingBufferAtRandom);
 
-  rows.add(kNatives, "append-remove-last", "Int", removingLast);
+  rows.add(kNatives, "append-remove-last", "Int",
+           removingLast<vorn_collections_ArrayList_addInt, vorn_collections_ArrayList_removeAt>);
+  rows.add(kInline, "append-remove-last", "Int",
+           removingLast<vorn_proven_ArrayList_addInt, vorn_proven_ArrayList_removeAt>);
   rows.add(kNatives, "insert-front", "Int", insertingFront);
   rows.add(kNatives, "remove-front", "Int", removingFront);
   rows.add(kNatives, "linked-append", "Object",

@@ -60,6 +60,13 @@ inline std::int64_t intIn(void* box) {
   return value;
 }
 
+// The same by the inline form.
+inline std::int64_t intInlineIn(const void* box) {
+  long long value = 0;
+  vorn_inline_unbox_integer(box, VORN_INT, &value);
+  return value;
+}
+
 inline void* newText(const std::string& text) { return vorn_string_new(text.data(), text.size()); }
 
 // A new list of n elements of the kind.

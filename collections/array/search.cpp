@@ -6,6 +6,7 @@
 #include "collections/array/array_data.h"
 #include "collections/array/slot_values.h"
 #include "collections/core/array_slot_kind.h"
+#include "collections/core/equality/text_needle.h"
 #include "collections/core/kernels/search_kernels.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
@@ -18,10 +19,18 @@ namespace {
 // that equality raises ends the search.
 class SlotMatcher {
  public:
-  SlotMatcher(const ArrayData& array, void* value) : array_(array), value_(value) {}
+  SlotMatcher(const ArrayData& array, void* value) : array_(array), value_(value), text_(value) {}
+
+  // Where to go on from `index` upwards, or from below `end` downwards: past slots that differ whoever is asked.
+  std::uint64_t skipUpwards(std::uint64_t index) const {
+    return text_.firstCandidate(array_.objects.data, index, array_.objects.size);
+  }
+  std::uint64_t skipDownwards(std::uint64_t end) const { return text_.candidatesEnd(array_.objects.data, end); }
 
   // Whether the slot at `index` equals the value; false once user code has raised.
   bool matches(std::uint64_t index) {
+    void* const slot = array_.objects.data[index];
+    if (text_.isText() && isStringObject(slot)) return text_.equals(slot);
     const bool equal = arraySlotEqualsObject(array_, index, value_);
     failed_ = watch_.raised();
     return equal && !failed_;
@@ -31,6 +40,7 @@ class SlotMatcher {
  private:
   const ArrayData& array_;
   void* value_;
+  vc::TextNeedle text_;
   vc::PendingErrorWatch watch_;
   bool failed_ = false;
 };
@@ -43,7 +53,9 @@ std::uint64_t findFirst(const ArrayData& array, void* value, std::uint64_t from)
                                 scalar.integer, scalar.floating);
   }
   SlotMatcher matcher(array, value);
-  for (std::uint64_t i = from; i < arrayLogicalSize(array) && !matcher.failed(); ++i) {
+  for (std::uint64_t i = from; !matcher.failed(); ++i) {
+    i = matcher.skipUpwards(i);
+    if (i >= arrayLogicalSize(array)) break;
     if (matcher.matches(i)) return i;
   }
   return vc::kNotFound;
@@ -59,7 +71,7 @@ std::uint64_t findLast(const ArrayData& array, void* value, std::uint64_t end) {
   }
   SlotMatcher matcher(array, value);
   while (end > 0 && !matcher.failed()) {
-    end = std::min(end, arrayLogicalSize(array));
+    end = matcher.skipDownwards(std::min(end, arrayLogicalSize(array)));
     if (end == 0) break;
     --end;
     if (matcher.matches(end)) return end;
@@ -76,7 +88,11 @@ std::uint64_t countEqual(const ArrayData& array, void* value) {
   }
   SlotMatcher matcher(array, value);
   std::uint64_t count = 0;
-  for (std::uint64_t i = 0; i < arrayLogicalSize(array) && !matcher.failed(); ++i) count += matcher.matches(i) ? 1 : 0;
+  for (std::uint64_t i = 0; !matcher.failed(); ++i) {
+    i = matcher.skipUpwards(i);
+    if (i >= arrayLogicalSize(array)) break;
+    if (matcher.matches(i)) ++count;
+  }
   return matcher.failed() ? 0 : count;
 }
 

@@ -1,12 +1,16 @@
 #include "collections/arraylist/object_sort.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "collections/arraylist/object_cursor.h"
 #include "collections/core/equality/element_order.h"
 #include "collections/core/kernels/sort/introsort.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/comparison.h"
+#include "collections/core/port/object_layout.h"
+#include "collections/core/port/roots.h"
+#include "collections/core/scratch.h"
 #include "collections/core/storage/list_data.h"
 
 namespace vorn::collections {
@@ -62,6 +66,39 @@ bool sortManyNumbers(SmallObjectVector& objects) {
   return true;
 }
 
+// A String with the first sixteen bytes of its text as numbers, which are ordered as the bytes are: shorter texts have
+// zeros there. Most pairs are told apart by them, without a look at either object.
+struct TextKey {
+  std::uint64_t first;
+  std::uint64_t second;
+  void* string;
+};
+
+TextKey textKeyOf(void* string) {
+  std::uint64_t start[2];
+  std::memcpy(start, static_cast<const StringObject*>(string)->text, sizeof(start));
+  return {__builtin_bswap64(start[0]), __builtin_bswap64(start[1]), string};
+}
+
+bool textLess(const TextKey& left, const TextKey& right) {
+  if (left.first != right.first) return left.first < right.first;
+  if (left.second != right.second) return left.second < right.second;
+  return compareStringObjects(left.string, right.string) < 0;
+}
+
+// Sorts Strings, whose order is that of their bytes and runs no user code; false, with nothing changed, when an element
+// is something else. The keys are rooted while the handles are written back, since some then stand nowhere else.
+bool sortStrings(void** handles, std::uint64_t count) {
+  if (!std::all_of(handles, handles + count, isStringObject)) return false;
+  constexpr std::size_t kFewTexts = 32;
+  Scratch<TextKey, kFewTexts> keys(count);
+  std::transform(handles, handles + count, keys.data(), textKeyOf);
+  introsort(keys.data(), count, textLess);
+  const RootedRange root(keys.data(), count * sizeof(TextKey));
+  std::transform(keys.data(), keys.data() + count, handles, [](const TextKey& key) { return key.string; });
+  return true;
+}
+
 // Sorts a copy, because user code may change the list meanwhile, and puts back as much as the list then has room for;
 // nothing when the list was declared anew with another element type, which need not take these elements.
 void sortByElementOrder(ListData& list) {
@@ -78,6 +115,7 @@ void sortByElementOrder(ListData& list) {
 }  // namespace
 
 bool sortHandles(void** handles, std::uint64_t count) {
+  if (sortStrings(handles, count)) return true;
   const PendingErrorWatch watch;
   bool failed = false;
   introsort(handles, count, [&](void* left, void* right) {
@@ -90,6 +128,7 @@ bool sortHandles(void** handles, std::uint64_t count) {
 }
 
 void sortHandlesThroughErrors(void** handles, std::uint64_t count) {
+  if (sortStrings(handles, count)) return;
   introsort(handles, count, [](void* left, void* right) { return compareListValues(left, right) < 0; });
 }
 

@@ -8,7 +8,8 @@ struct ListData;
 namespace vorn::collections {
 
 // Sorts handles by the element ordering, in place and unstably. The caller has rooted them: the ordering may run user
-// code. Once that has raised, no more of it runs and the handles are in some order; false then.
+// code. Strings are sorted beside a copy of their beginnings; throws std::bad_alloc, with nothing changed, when there
+// is no memory for it. Once that has raised, no more of it runs and the handles are in some order; false then.
 bool sortHandles(void** handles, std::uint64_t count);
 
 // The same, going on after errors: pairs whose comparison raised count as equal.

@@ -12,6 +12,7 @@
 #include "collections/core/elements/primitive_values.h"
 #include "collections/core/elements/storage_transitions.h"
 #include "collections/core/equality/element_order.h"
+#include "collections/core/equality/text_needle.h"
 #include "collections/core/kinds.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
@@ -45,11 +46,21 @@ enum class OperandOrder { ValueFirst, ElementFirst };
 // only; callers re-read the size for each.
 class ElementMatcher {
  public:
-  ElementMatcher(ListData& list, void* value, OperandOrder order) : value_(value), order_(order), cursor_(list) {}
+  ElementMatcher(ListData& list, void* value, OperandOrder order)
+      : value_(value), order_(order), list_(list), text_(value), cursor_(list) {}
+
+  // Where to go on from `index` upwards, or from below `end` downwards: past elements that differ whoever is asked.
+  std::uint64_t skipUpwards(std::uint64_t index) const {
+    return list_.linked ? index : text_.firstCandidate(list_.objects.data, index, list_.objects.size);
+  }
+  std::uint64_t skipDownwards(std::uint64_t end) const {
+    return list_.linked ? end : text_.candidatesEnd(list_.objects.data, end);
+  }
 
   // Whether the element at `index` equals the value; false once user code has raised.
   bool matches(std::uint64_t index) {
     element_ = cursor_.at(index);
+    if (text_.isText() && isStringObject(element_.get())) return text_.equals(element_.get());
     const bool equal = order_ == OperandOrder::ValueFirst ? listValuesEqual(value_, element_.get())
                                                           : listValuesEqual(element_.get(), value_);
     failed_ = watch_.raised();
@@ -63,6 +74,8 @@ class ElementMatcher {
  private:
   void* value_;
   OperandOrder order_;
+  ListData& list_;
+  TextNeedle text_;
   ObjectCursor cursor_;
   RootedHandle element_;
   PendingErrorWatch watch_;
@@ -70,7 +83,7 @@ class ElementMatcher {
 };
 
 std::uint64_t findFirstObject(const ListData& list, ElementMatcher& matcher, std::uint64_t from) {
-  for (std::uint64_t i = from; i < list.objectCount(); ++i) {
+  for (std::uint64_t i = matcher.skipUpwards(from); i < list.objectCount(); i = matcher.skipUpwards(i + 1)) {
     if (matcher.matches(i)) return i;
     if (matcher.failed()) break;
   }
@@ -80,7 +93,7 @@ std::uint64_t findFirstObject(const ListData& list, ElementMatcher& matcher, std
 std::uint64_t findLastObject(const ListData& list, ElementMatcher& matcher, std::uint64_t from) {
   // Equality may have shortened the list: the walk goes on from what is its end by then.
   for (std::uint64_t end = from + 1; end > 0; --end) {
-    end = std::min(end, list.objectCount());
+    end = matcher.skipDownwards(std::min(end, list.objectCount()));
     if (end == 0) break;
     if (matcher.matches(end - 1)) return end - 1;
     if (matcher.failed()) break;
@@ -104,7 +117,7 @@ long long countEqual(ListData& list, void* value) {
   if (searchesUnboxed(list, value, raw)) return static_cast<long long>(countPrimitive(list, raw));
   ElementMatcher matcher(list, value, OperandOrder::ValueFirst);
   long long count = 0;
-  for (std::uint64_t i = 0; i < list.objectCount(); ++i) {
+  for (std::uint64_t i = matcher.skipUpwards(0); i < list.objectCount(); i = matcher.skipUpwards(i + 1)) {
     if (matcher.matches(i)) ++count;
     if (matcher.failed()) return 0;
   }

@@ -2,6 +2,9 @@
 #include <vorn/collections/array.h>
 #include <vorn/collections/array_list.h>
 
+#include <bit>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "collections/array/array_data.h"
@@ -22,11 +25,52 @@ using vc::DisplayBuffer;
 
 namespace {
 
-// Most numbers are short; what is longer makes the buffer grow.
-constexpr std::size_t kExpectedText = 4;
+// Most numbers and texts are short; what is longer makes the buffer grow.
+constexpr std::size_t kExpectedNumber = 4;
+constexpr std::size_t kExpectedText = 8;
 
-// Never a view of null, which memcpy must not see even for no bytes.
-std::string_view separatorOf(const char* separator) { return separator != nullptr ? separator : ""; }
+// What stands between elements; a short one is written by two stores, where a copy of any length is a call.
+class Separator {
+ public:
+  explicit Separator(const char* text) : text_(text != nullptr ? text : "") {
+    if (isShort()) std::memcpy(start_, text_.data(), text_.size());
+  }
+
+  [[nodiscard]] std::string_view text() const { return text_; }
+
+  void appendTo(DisplayBuffer& text) const {
+    if (!isShort()) return text.append(text_);
+    char* const at = text.room(sizeof(start_));
+    std::memcpy(at, start_, sizeof(start_));
+    text.writtenTo(at + text_.size());
+  }
+
+ private:
+  [[nodiscard]] bool isShort() const { return text_.size() <= sizeof(start_); }
+
+  std::string_view text_;  // never one of null, which memcpy must not see even for no bytes
+  char start_[16] = {};
+};
+
+// Where the first byte of a word that is 0 stands; 8 where there is none. (Mycroft's test: what is above a zero byte
+// may be marked falsely, the lowest mark never is.)
+std::size_t zeroByteIn(std::uint64_t word) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101U;
+  return static_cast<std::size_t>(std::countr_zero((word - kOnes) & ~word & (kOnes << 7))) / 8;
+}
+
+// The text of a String ends at its first NUL, wherever that is. Sixteen bytes can be read of each, and most texts end
+// among them.
+void appendString(DisplayBuffer& text, const StringObject& string) {
+  std::uint64_t start[2];
+  std::memcpy(start, string.text, sizeof(start));
+  const std::size_t first = zeroByteIn(start[0]);
+  const std::size_t length = first < 8 ? first : 8 + zeroByteIn(start[1]);
+  if (length == sizeof(start)) return text.append(string.text);
+  char* const at = text.room(sizeof(start));
+  std::memcpy(at, start, sizeof(start));
+  text.writtenTo(at + length);
+}
 
 // A bare text is joined as it is, where the display form would quote it.
 void appendHandle(DisplayBuffer& text, void* handle) {
@@ -34,31 +78,40 @@ void appendHandle(DisplayBuffer& text, void* handle) {
   vc::appendLanguageText(text, handle);
 }
 
-// Walks the storage itself: the toString of an element may change a list that has no lock, so the size is read for
-// each.
-void joinHandles(DisplayBuffer& text, ListData& list, std::string_view separator) {
-  vc::ObjectCursor cursor(list);
+// Joins what `at(i)` gives for each i below `size()`: the toString of an element may change a collection that has no
+// lock, so the size is read for each. A String needs no root, since nothing runs between its being found and copied.
+template <class Size, class At, class Append>
+void joinElements(DisplayBuffer& text, const Separator& separator, Size size, At at, Append append) {
   vc::RootedHandle element;
-  for (std::uint64_t i = 0; i < list.objectCount(); ++i) {
-    if (i != 0) text.append(separator);
-    element = cursor.at(i);
-    appendHandle(text, element.get());
+  for (std::uint64_t i = 0; i < size(); ++i) {
+    if (i != 0) separator.appendTo(text);
+    void* const handle = at(i);
+    if (isStringObject(handle)) {
+      appendString(text, *static_cast<const StringObject*>(handle));
+    } else {
+      element = handle;
+      append(text, handle);
+    }
   }
 }
 
+void joinHandles(DisplayBuffer& text, ListData& list, const Separator& separator) {
+  text.reserve((kExpectedText + separator.text().size()) * list.objectCount());
+  vc::ObjectCursor cursor(list);
+  joinElements(
+      text, separator, [&] { return list.objectCount(); }, [&](std::uint64_t i) { return cursor.at(i); }, appendHandle);
+}
+
 // Numbers and Booleans have one text, whichever form asks for it; everything else goes through its object.
-void joinSlots(DisplayBuffer& text, const ArrayData& array, std::string_view separator) {
+void joinSlots(DisplayBuffer& text, const ArrayData& array, const Separator& separator) {
   const auto kind = vc::primitiveKindOf(array.slotKind);
   const vc::ElementText form = vc::elementTextOf(kind, array.elementType.shortForm());
   if (array.isUnboxed() && form != vc::ElementText::Boxed) {
-    return vc::appendElements(text, form, kind, array.primitive.data, array.primitive.size, separator);
+    return vc::appendElements(text, form, kind, array.primitive.data, array.primitive.size, separator.text());
   }
-  vc::RootedHandle element;
-  for (std::uint64_t i = 0; i < arrayLogicalSize(array); ++i) {
-    if (i != 0) text.append(separator);
-    element = arraySlotToObject(array, i);
-    vc::appendLanguageText(text, element.get());
-  }
+  joinElements(
+      text, separator, [&] { return arrayLogicalSize(array); },
+      [&](std::uint64_t i) { return arraySlotToObject(array, i); }, vc::appendLanguageText);
 }
 
 }  // namespace
@@ -69,10 +122,10 @@ void* vorn_collections_ArrayList_join(void* list, const char* separator) {
   const ListDataLock lock(data);
   DisplayBuffer text;
   if (data.isUnboxed()) {
-    text.reserve(kExpectedText * data.primitive.size);
-    vc::appendUnboxedElements(text, data, separatorOf(separator));
+    text.reserve(kExpectedNumber * data.primitive.size);
+    vc::appendUnboxedElements(text, data, Separator(separator).text());
   } else {
-    joinHandles(text, data, separatorOf(separator));
+    joinHandles(text, data, Separator(separator));
   }
   return Vorn_allocString(text.view());
 }
@@ -82,6 +135,6 @@ void* vorn_collections_Array_join(void* array, const char* separator) {
   const ArrayData& data = *getArrayData(array);
   const ArrayDataLock lock(data);
   DisplayBuffer text;
-  joinSlots(text, data, separatorOf(separator));
+  joinSlots(text, data, Separator(separator));
   return Vorn_allocString(text.view());
 }

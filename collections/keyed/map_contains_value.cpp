@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "collections/core/equality/element_order.h"
+#include "collections/core/equality/text_needle.h"
 #include "collections/core/pending_error_watch.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/roots.h"
@@ -20,11 +21,13 @@ namespace {
 template <vc::KeyedTable<NativeMapEntry> Table>
 bool containsValueLocked(const Table& table, void* value) {
   const vc::PendingErrorWatch watch;
+  const vc::TextNeedle text(value);
   vc::RootedHandle element;
   for (int restarts = 0; restarts <= vc::kMaxRestarts; ++restarts) {
     const std::uint64_t changesBefore = table.changes();
     auto cursor = table.walk();
     while (const auto* const node = cursor.next()) {
+      if (text.differsFrom(node->entry.value)) continue;
       element = node->entry.value;
       const bool equal = listValuesEqual(element.get(), value);
       if (watch.raised()) return false;

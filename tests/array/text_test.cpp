@@ -127,6 +127,50 @@ TEST_F(ArrayText, LongTexts_WithOneOtherCharacterAtEveryPlace) {
   }
 }
 
+// Runs of each byte count in every order, so that every change of script meets every place of a block.
+TEST_F(ArrayText, LongTexts_OfRunsOfEveryByteCount) {
+  const std::uint32_t first[] = {'a', 0x430, 0x4E00, 0x1F600};
+  for (std::size_t length = 1; length < 20; length += onStressHeap() ? 6 : 1) {
+    for (unsigned order = 0; order < 256; order += onStressHeap() ? 37 : 1) {
+      std::vector<std::uint32_t> scalars;
+      std::vector<std::uint16_t> units;
+      for (unsigned run = 0; run < 4; ++run) {
+        const std::uint32_t script = first[order >> (2 * run) & 3];
+        for (std::size_t i = 0; i < length; ++i) {
+          const auto scalar = script + static_cast<std::uint32_t>(i);
+          scalars.push_back(scalar);
+          if (scalar > 0xFFFF) {
+            units.push_back(static_cast<std::uint16_t>(0xD800 + ((scalar - 0x10000) >> 10)));
+            units.push_back(static_cast<std::uint16_t>(0xDC00 + ((scalar - 0x10000) & 0x3FF)));
+          } else {
+            units.push_back(static_cast<std::uint16_t>(scalar));
+          }
+        }
+      }
+      const std::string expected = utf8Of(scalars);
+      ASSERT_EQ(charText(characters(scalars)), expected);
+      ASSERT_EQ(unitText(codeUnits(units)), expected);
+    }
+  }
+}
+
+// What narrowing could take for ASCII.
+TEST_F(ArrayText, LongTexts_NumbersWithAsciiLowBits_AreRefusedOrEncoded) {
+  for (std::size_t at = 0; at < 20; ++at) {
+    for (const std::uint32_t other : {0x80000041U, 0xFFFFFF41U, 0x7FFF0041U, 0x110041U}) {
+      std::vector<std::uint32_t> scalars(20, 'a');
+      scalars[at] = other;
+      EXPECT_EQ(charText(characters(scalars)), "");
+      EXPECT_RAISED(kCharError);
+    }
+    std::vector<std::uint16_t> units(20, 'a');
+    for (const std::uint16_t other : {std::uint16_t{0x0141}, std::uint16_t{0x8041}, std::uint16_t{0xFF41}}) {
+      units[at] = other;
+      EXPECT_EQ(unitText(codeUnits(units)), utf8Of(units));
+    }
+  }
+}
+
 TEST_F(ArrayText, LongTexts_WithAFaultAtEveryPlace) {
   for (std::size_t at = 0; at < 40; ++at) {
     std::vector<std::uint32_t> scalars(40, 'a');

@@ -12,6 +12,7 @@ thread_local std::function<void(pthread_mutex_t*)>* afterUnlock = nullptr;
 thread_local std::uint64_t linkedSteps = 0;
 thread_local std::uint64_t setReads = 0;
 thread_local std::uint64_t tupleReads = 0;
+thread_local std::uint64_t textQuestions = 0;
 thread_local std::function<void(long long)>* beforeTupleRead = nullptr;
 thread_local std::vector<RootSlot>* rootSlots = nullptr;
 
@@ -29,6 +30,8 @@ void __real_Vorn_gcUnregisterRootSlot(void** slot);
 LinkedHandles::Node* __real__ZN13LinkedHandles6nodeAtEm(LinkedHandles* nodes, std::uint64_t index);
 void* __real_vorn_collections_HashSet_operator_index(void* set, long long index);
 void* __real_vorn_collections_Tuple_operator_index(void* tuple, long long index);
+const char* __real_Vorn_objectToString(void* handle);
+int __real_Vorn_strEquals(const char* left, const char* right);
 
 void* __wrap_Vorn_allocObject(const char* className) {
   return noObjects ? nullptr : __real_Vorn_allocObject(className);
@@ -64,6 +67,14 @@ void* __wrap_vorn_collections_Tuple_operator_index(void* tuple, long long index)
   ++tupleReads;
   if (beforeTupleRead != nullptr) (*beforeTupleRead)(index);
   return __real_vorn_collections_Tuple_operator_index(tuple, index);
+}
+const char* __wrap_Vorn_objectToString(void* handle) {
+  ++textQuestions;
+  return __real_Vorn_objectToString(handle);
+}
+int __wrap_Vorn_strEquals(const char* left, const char* right) {
+  ++textQuestions;
+  return __real_Vorn_strEquals(left, right);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

@@ -23,6 +23,9 @@ extern thread_local std::uint64_t linkedSteps;
 extern thread_local std::uint64_t setReads;
 extern thread_local std::uint64_t tupleReads;
 
+// How often a text was asked for, or two were compared.
+extern thread_local std::uint64_t textQuestions;
+
 // Called with each position of a tuple before it is read.
 extern thread_local std::function<void(long long)>* beforeTupleRead;
 

@@ -4,6 +4,7 @@
 #include <limits>
 #include <set>
 
+#include "collections/core/port/values.h"
 #include "tests/arraylist/sort_cases.h"
 #include "tests/support/heap_statistics.h"
 
@@ -277,6 +278,33 @@ TEST_F(Sort, Strings_ByBytes) {
         Elements expected;
         for (const std::string& word : sorted) expected.push_back((bare ? "text " : "String ") + word);
         EXPECT_EQ(elementsOf(target), expected);
+        EXPECT_AT_REST(target);
+      }
+    }
+  }
+}
+
+// Texts that differ in, at the end of, or behind the first sixteen bytes, above 0x7F, or by a NUL alone.
+TEST_F(Sort, StringsWithCommonBeginnings_ByBytesAndThenLength) {
+  std::vector<std::string> words;
+  for (const std::size_t common : {0, 1, 7, 8, 9, 15, 16, 17, 30}) {
+    const std::string start(common, 'm');
+    for (const char* end : {"", "a", "z", "\xFF", "az", "\x80y"}) words.push_back(start + end);
+    words.push_back(start + std::string(1, '\0'));
+    words.push_back(start + std::string("\0b", 2));
+  }
+  for (const bool linked : {false, true}) {
+    for (const SortNative sort : kSorts) {
+      for (const std::size_t count : {words.size(), std::size_t{20}}) {
+        std::vector<std::string> expected(words.end() - static_cast<std::ptrdiff_t>(count), words.end());
+        Handle target = object(className(linked, false, "String"));
+        for (const std::string& word : expected) vorn_collections_ArrayList_add(target, string(word));
+        std::sort(expected.begin(), expected.end());
+        sort(target);
+        for (std::size_t i = 0; i < count; ++i) {
+          void* const element = vorn_collections_ArrayList_operator_index(target, static_cast<long long>(i));
+          EXPECT_EQ(stringTextFromPtr(element), expected[i]) << i;
+        }
         EXPECT_AT_REST(target);
       }
     }

@@ -133,6 +133,42 @@ TEST_F(DeclaredTypeGate, ClassTypesAcceptNullInstancesAndDerivedInstances) {
   expectRefused(dogs, animal, "Dog", Vorn_objectTypeName(animal));
 }
 
+// A type remembers the class that it saw last, which lets no other one in and keeps none out.
+TEST_F(DeclaredTypeGate, ClassTypes_DecideAlikeWhateverWasSeenBefore) {
+  definePlainClasses();
+  const Handle animals = listOf("Animal");
+  const Handle dogs = listOf("Dog");
+  const Handle plant = object("coretest.Plant");
+  const Handle animal = object("coretest.Animal");
+  for (const char* seen : {"coretest.Animal", "coretest.Dog", "coretest.Puppy"}) {
+    for (int twice = 0; twice < 2; ++twice) expectAccepted(animals, object(seen));
+    expectRefused(animals, plant, "Animal", Vorn_objectTypeName(plant));
+    expectRefused(animals, string("a"), "Animal", "vorn.String");
+    expectAccepted(dogs, object("coretest.Puppy"));
+    expectRefused(dogs, animal, "Dog", Vorn_objectTypeName(animal));
+    for (const char* other : {"coretest.Dog", "coretest.Animal", "coretest.Puppy"})
+      expectAccepted(animals, object(other));
+  }
+}
+
+// The same through the stores, which take the class that was seen last without asking for its name.
+TEST_F(DeclaredTypeGate, StoresOfTheClassThatWasSeenLast_AddAndRefuse) {
+  definePlainClasses();
+  for (const char* type : {"ArrayList<Dog>", "LinkedList<Dog>", "ArrayListSync<Dog>"}) {
+    const Handle target = object(type);
+    const Handle animal = object("coretest.Animal");
+    for (int i = 0; i < 3; ++i) {
+      vorn_collections_ArrayList_add(target, object(i == 1 ? "coretest.Puppy" : "coretest.Dog"));
+      EXPECT_NOTHING_RAISED();
+      vorn_collections_ArrayList_add(target, animal);
+      EXPECT_RAISED(listTypeError("Dog", Vorn_objectTypeName(animal)));
+    }
+    vorn_collections_ArrayList_add(target, nullptr);
+    EXPECT_NOTHING_RAISED();
+    EXPECT_EQ(vorn_collections_ArrayList_size(target), 4) << type;
+  }
+}
+
 TEST_F(DeclaredTypeGate, ClassTypesRefuseBoxesTextsAndCollections) {
   definePlainClasses();
   Handle target = listOf("Animal");

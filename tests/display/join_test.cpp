@@ -58,6 +58,36 @@ TEST_P(Joins, NullOrEmptySeparator_LeavesNothingBetween) {
   EXPECT_EQ(join({string("a"), string("b")}, ""), "ab");
 }
 
+// Texts that end before, at and behind the sixteen bytes that are copied at once, and separators as well.
+TEST_P(Joins, TextsAndSeparators_OfEveryLength) {
+  std::vector<Handle> elements;
+  for (const std::size_t length : {3, 0, 1, 7, 8, 9, 15, 16, 17, 31, 100, 2}) {
+    elements.push_back(string(std::string(length, static_cast<char>('a' + length % 26))));
+  }
+  for (const std::size_t length : {0, 1, 2, 15, 16, 17, 40}) {
+    const std::string separator(length, '-');
+    std::string expected;
+    for (const Handle& element : elements) {
+      if (!expected.empty()) expected += separator;
+      expected += vorn_string_text(element);
+    }
+    EXPECT_EQ(join(elements, separator.c_str()), expected);
+  }
+}
+
+TEST_P(Joins, StringsWithANul_EndThere) {
+  std::vector<Handle> elements;
+  std::string expected;
+  for (const std::size_t before : {0, 1, 7, 8, 15, 16, 17, 30}) {
+    const std::string start(before, 'x');
+    elements.push_back(string(start + std::string("\0after", 6)));
+    elements.push_back(string(start + std::string(1, '\0')));
+    for (int i = 0; i < 2; ++i) expected += start + ";";
+  }
+  expected.pop_back();
+  EXPECT_EQ(join(elements, ";"), expected);
+}
+
 TEST_P(Joins, NullElements_ShowAsNull) { EXPECT_EQ(join({Handle(), string("a"), Handle()}, "-"), "null-a-null"); }
 
 TEST_P(Joins, Texts_AreNeitherQuotedNorEscaped) {

@@ -14,7 +14,7 @@ class ListForms : public RuntimeTest {};
 // A list of the class with as many of the palette's values, over and over, as `count`.
 Handle filled(bool linked, bool synchronised, const std::string& element, std::size_t count) {
   Handle result = object(className(linked, synchronised, element));
-  const Palette palette = paletteOf(element);
+  const Palette palette = paletteOf(element == "Object" ? "" : element);
   for (std::size_t i = 0; i < count; ++i) vorn_collections_ArrayList_add(result, palette[i % palette.size()].value);
   return result;
 }
@@ -66,6 +66,7 @@ std::vector<Receiver> listReceivers() {
   add("Ints in a list that declares Byte", [] { return rawList("ArrayList<Byte>", "Int", {300, 1, 2}); });
   add("Longs in a list that declares Char", [] { return rawList("ArrayList<Char>", "Long", {300, 1, 2}); });
   add("boxed, declares Object", [] { return list("ArrayList<Object>", {integer("Int", 1), string("a"), Handle()}); });
+  add("boxed, declares String", [] { return list("ArrayList<String>", {string("a"), string("b")}); });
   add("boxed, declares Int", [] {
     Handle result = filled(false, false, "Int", 3);
     vorn_collections_ArrayList_count(result, string("of another type"));
@@ -264,6 +265,29 @@ TEST_F(ListForms, AppendsOfIntsBooleansAndHandles_AnyReceiver_AreThoseOfTheNativ
   }
 }
 
+// ---- Removals -------------------------------------------------------------------------------------------------------
+
+// Every index around each size that the list comes to have.
+TEST_F(ListForms, Removals_AnyReceiverAndIndex_AreThoseOfTheNative) {
+  for (const Receiver& receiver : listReceivers()) {
+    Triplets lists(receiver, stateOfList);
+    const Handle counted = receiver.make();
+    for (long long size = vorn_collections_ArrayList_size(counted); size >= 0; --size) {
+      std::vector<long long> indexes = {size, size + 1, -size - 1, kLeast, kMost};
+      indexes.push_back(size % 3 == 1 ? -1 : size % 3 == 2 ? 0 : size - 1);
+      for (const long long index : indexes) {
+        lists.expectSame("removal at " + std::to_string(index), [&](Form form, void* list) {
+          if (form == Form::Native) vorn_collections_ArrayList_removeAt(list, index);
+          if (form == Form::Inline) vorn_inline_ArrayList_removeAt(list, index);
+          if (form == Form::Proven) vorn_proven_ArrayList_removeAt(list, index);
+          return "removal";
+        });
+      }
+    }
+    lists.expectUnlocked(isUnlocked);
+  }
+}
+
 // ---- What is inline -------------------------------------------------------------------------------------------------
 
 // Every form with its quick case: in the list it is for, and in the same list with a lock.
@@ -324,6 +348,26 @@ std::vector<QuickCase> quickCases() {
                    [](void* list) { vorn_proven_ArrayList_operator_index_eq(list, 1, nullptr); }});
   cases.push_back({"ArrayList_add", boxed, [](void* list) { vorn_inline_ArrayList_add(list, nullptr); },
                    [](void* list) { vorn_proven_ArrayList_add(list, nullptr); }});
+  const auto lastOf = [](void* list) { return static_cast<long long>(getListData(list)->logicalSize()) - 1; };
+  const auto removeLast = [=](void* list) { vorn_inline_ArrayList_removeAt(list, lastOf(list)); };
+  const auto removeLastProven = [=](void* list) { vorn_proven_ArrayList_removeAt(list, lastOf(list)); };
+  for (const char* element : {"Int", "Byte", "Double"}) {
+    cases.push_back({"ArrayList_removeAt", unboxed(element), removeLast, removeLastProven});
+  }
+  cases.push_back({"ArrayList_removeAt", boxed, removeLast, removeLastProven});
+  // Lists that declare what every value is, or the class of what they are given.
+  const auto declaring = [](const char* element) {
+    return [element](bool synchronised) { return filled(false, synchronised, element, 2); };
+  };
+  const auto addTo = [&cases](std::function<Handle(bool)> make, const Handle& value) {
+    cases.push_back({"ArrayList_add", make, [=](void* list) { vorn_inline_ArrayList_add(list, value); },
+                     [=](void* list) { vorn_proven_ArrayList_add(list, value); }});
+    cases.push_back({"ArrayList_operator_index_eq", std::move(make),
+                     [=](void* list) { vorn_inline_ArrayList_operator_index_eq(list, 1, value); },
+                     [=](void* list) { vorn_proven_ArrayList_operator_index_eq(list, 1, value); }});
+  };
+  for (const Handle& value : {Handle(), integer("Int", 1), text("a"), item(1)}) addTo(declaring("Object"), value);
+  addTo(declaring("app.Item"), item(1));
   return cases;
 }
 

@@ -33,6 +33,7 @@ VORN_WRAPPED(double, vorn_collections_ArrayList_getDouble, (void* list, long lon
 VORN_WRAPPED(void*, vorn_collections_ArrayList_operator_index, (void* list, long long index), (list, index))
 VORN_WRAPPED(void, vorn_collections_ArrayList_operator_index_eq, (void* list, long long index, void* value),
              (list, index, value))
+VORN_WRAPPED(void, vorn_collections_ArrayList_removeAt, (void* list, long long index), (list, index))
 VORN_WRAPPED(void, vorn_collections_ArrayList_add, (void* list, void* value), (list, value))
 VORN_WRAPPED(void, vorn_collections_ArrayList_addInt, (void* list, long long value), (list, value))
 VORN_WRAPPED(void, vorn_collections_ArrayList_addPrimitiveI64, (void* list, long long value, const char* type),

@@ -36,7 +36,12 @@ bool convertToDeclared(const vc::ElementType& declared, const BulkPrimitiveListV
 bool accepts(const vc::ElementType& declared, void* handle, const BulkPrimitiveListValue* own,
              BulkPrimitiveListValue& converted) {
   if (declared.kind != PrimitiveKind::None) return own != nullptr && convertToDeclared(declared, *own, converted);
-  return isObjectType(declared) || handle == nullptr || Vorn_isInstanceOf(handle, declared.name.get().data());
+  if (isObjectType(declared) || handle == nullptr) return true;
+  const RuntimeClass* const type = classOfObject(handle);
+  if (type != nullptr && declared.name.name->lastSeen(type)) return true;
+  if (!Vorn_isInstanceOf(handle, declared.name.get().data())) return false;
+  if (type != nullptr) declared.name.name->remember(type);
+  return true;
 }
 
 void raiseRefused(const vc::ElementType& declared, void* handle) {

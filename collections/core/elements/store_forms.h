@@ -53,14 +53,20 @@ bool adoptPrimitiveKindOrRaise(ListData& list, const BulkPrimitiveListValue& val
 
 // ---- The common cases of that decision, which look at no type but one -----------------------------------------------
 
-// Whether the list takes every value as one more handle: it holds handles, or nodes, and it is untyped.
-inline bool takesEveryHandle(const ListData& list) {
-  return !list.isUnboxed() && (list.objects.size != 0 || list.linked) &&
-         (list.elementType.empty() || isObjectType(elementTypeNamed(list.elementType)));
+// Whether the list takes the value as one more handle, as far as that is known without asking for types: it holds
+// handles, or nodes, and is untyped, declares Object, or declares a type that the value's class was seen to be of. A
+// list without a declared type that is empty may still become unboxed.
+inline bool takesAsHandle(const ListData& list, const void* value) {
+  if (list.isUnboxed()) return false;
+  if (list.elementType.empty()) return list.objects.size != 0 || list.linked;
+  const InternedTypeName& declared = *list.elementType.name;
+  if (declared.takesEveryValue) return true;
+  const RuntimeClass* const type = classOfObject(value);
+  return type != nullptr && declared.lastSeen(type);
 }
 
-// The box that a handle is when its type is exactly the one whose values the list keeps unboxed; null for all else. UInt
-// storage is told from its characters, which have a range of their own.
+// The box that a handle is when its type is exactly the one whose values the list keeps unboxed; null for all else.
+// UInt storage is told from its characters, which have a range of their own.
 inline const RegisteredObject* boxOfKeptType(const ListData& list, const void* handle) {
   const RegisteredObject* const box = getRegisteredObjectUnsafe(handle);
   if (box == nullptr || box->kind() > ObjectKind::CharacterBox) return nullptr;
@@ -107,7 +113,7 @@ inline bool storeBoxOfSameType(const ListData& list, unsigned char* elements, st
 
 // Appends a value that one of the two cases takes and that there is room for; false, with nothing changed, otherwise.
 inline bool appendInPlace(ListData& list, void* value) {
-  if (takesEveryHandle(list)) {
+  if (takesAsHandle(list, value)) {
     assertMayBeKept(value);
     if (list.linked) return list.linkedObjects.pushBackInPlace(value);
     SmallObjectVector& objects = list.objects;

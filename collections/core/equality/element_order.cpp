@@ -146,10 +146,6 @@ int compareCollections(void* left, void* right) {
   return compareByTypeThenAddress(left, right);
 }
 
-bool isStringObject(const void* handle) {
-  return objectHeaderAt(handle) == objectHeaderFor(handle, ObjectKind::String);
-}
-
 }  // namespace
 
 const char* stringObjectTextOrNull(void* value) { return textOfString(value, classOf(value)); }

@@ -140,6 +140,11 @@ inline ObjectRecord* getObject(void* handle) {
   return hasObjectMagic(handle) ? static_cast<ObjectRecord*>(handle) : nullptr;
 }
 
+// Whether the handle is an object of the language's String. An instance of a class that only bears the name is none.
+inline bool isStringObject(const void* handle) {
+  return objectHeaderAt(handle) == objectHeaderFor(handle, ObjectKind::String);
+}
+
 // The class of an object; null for any other handle.
 inline const RuntimeClass* classOfObject(const void* handle) {
   return hasObjectMagic(handle) ? static_cast<const ObjectRecord*>(handle)->runtimeClass : nullptr;

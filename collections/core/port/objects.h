@@ -31,6 +31,8 @@ void Vorn_setField_ptr(void* handle, const char* field, void* value);
 const char* Vorn_objectTypeName(void* handle);
 
 // Whether the handle is an instance of the named class or of a class derived from it; names as in Vorn_allocObject.
+// What is so for one object of a class is so for all, for as long as the process lives, and so long no other class has
+// the address of its descriptor.
 bool Vorn_isInstanceOf(void* handle, const char* typeName);
 
 }  // extern "C"

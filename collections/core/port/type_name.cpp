@@ -12,7 +12,7 @@ namespace vorn::collections {
 
 // Constant-initialised, so that names can be interned before any static initialiser has run.
 constinit const InternedTypeName standardTypeNames[kPrimitiveTypes] = {
-    {.text = "Object"},
+    {.text = "Object", .takesEveryValue = true},
 #define VORN_PRIMITIVE_KIND(value, enumerator, type, width, family, slot) \
   {.text = #enumerator, .primitiveType = PrimitiveType::enumerator},
 #define VORN_CHARACTER_TYPE(typeName, kind) {.text = #typeName, .primitiveType = PrimitiveType::typeName},

@@ -1,10 +1,13 @@
 // Interned type names, which carry what they classify.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <string_view>
 
 #include "collections/core/kinds.h"
+
+struct RuntimeClass;
 
 namespace vorn::collections {
 
@@ -13,7 +16,18 @@ namespace vorn::collections {
 struct InternedTypeName {
   std::string_view text;                              // NUL-terminated
   PrimitiveType primitiveType = PrimitiveType::None;  // the primitive type of exactly this name
+  bool takesEveryValue = false;                       // of "Object" alone, among the names of what lists declare
   const InternedTypeName* normalized = nullptr;       // the canonical short form; null for a name that has it already
+  // The class that was last seen to be of this type, as Vorn_isInstanceOf says: what lists that declare it are filled
+  // with is mostly of one class, whose next object is then told by one comparison. Any thread may come by here.
+  mutable const RuntimeClass* lastClass = nullptr;
+
+  [[nodiscard]] bool lastSeen(const RuntimeClass* type) const {
+    return std::atomic_ref(lastClass).load(std::memory_order_relaxed) == type;
+  }
+  void remember(const RuntimeClass* type) const {
+    if (!lastSeen(type)) std::atomic_ref(lastClass).store(type, std::memory_order_relaxed);
+  }
 };
 
 }  // namespace vorn::collections

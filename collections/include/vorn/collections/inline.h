@@ -9,6 +9,7 @@
  *   vorn_proven_CLASS_METHOD  does the same for a receiver that is null or whose family the compiler has proven, and
  *                             leaves out the test of the handle, which costs most;
  *   vorn_borrow_...           make a key of a number on the stack;
+ *   vorn_inline_unbox_..., vorn_proven_unbox_...  read the number in a box;
  *   vorn_inline_..._span      lend the elements to a loop;
  *   vorn_inline_..._walk      and ..._next walk over maps, sets and lists without listing them first.
  *
@@ -22,6 +23,7 @@
 
 #include <vorn/collections/inline/arrays.h>
 #include <vorn/collections/inline/borrowed.h>
+#include <vorn/collections/inline/boxes.h>
 #include <vorn/collections/inline/keyed.h>
 #include <vorn/collections/inline/lists.h>
 #include <vorn/collections/inline/objects.h>

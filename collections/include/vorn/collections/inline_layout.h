@@ -7,7 +7,7 @@
 /* Offsets are in bytes. */
 enum vorn_inline_layout {
   /* the number of this layout, made from all that follow */
-  VORN_INLINE_ABI = 585950177,
+  VORN_INLINE_ABI = 226637496,
   /* counts changes that no offset shows */
   VORN_INLINE_REVISION = 1,
   /* of an object: the word that tells its kind and that it is one */
@@ -18,12 +18,16 @@ enum vorn_inline_layout {
   VORN_INLINE_RECORD = 16,
   /* of a box: the integer, or the bits of the double */
   VORN_INLINE_BOX_VALUE = 24,
+  /* of a class: the primitive type of its boxes, one byte; 0 for all other classes */
+  VORN_INLINE_CLASS_BOXED_TYPE = 0,
   /* the size of a box */
   VORN_INLINE_BOX_BYTES = 32,
   /* the kind of integer boxes */
   VORN_INLINE_INTEGER_BOX = 1,
   /* the kind of floating boxes */
   VORN_INLINE_FLOATING_BOX = 2,
+  /* the kind of Boolean boxes */
+  VORN_INLINE_BOOLEAN_BOX = 3,
   /* the kind of character boxes */
   VORN_INLINE_CHARACTER_BOX = 4,
   /* the kind of tuples */
@@ -38,6 +42,10 @@ enum vorn_inline_layout {
   VORN_INLINE_SET = 12,
   /* of a type name: its primitive type, one byte */
   VORN_INLINE_TYPE_NAME_TYPE = 16,
+  /* whether every value is of that type, one byte */
+  VORN_INLINE_TYPE_NAME_TAKES_ALL = 17,
+  /* a class that is of that type; null for none */
+  VORN_INLINE_TYPE_NAME_CLASS = 32,
   /* of a list's record: whether it has a lock, whether it is linked, how elements are unboxed (0 for handles), a byte each, and 0 */
   VORN_INLINE_LIST_STATE = 16,
   /* the declared element type's name; null for none */

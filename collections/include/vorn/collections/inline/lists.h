@@ -1,4 +1,4 @@
-/* Inline forms of the natives of lists: size, reads, writes and appends of elements. Part of
+/* Inline forms of the natives of lists: size, reads, writes, appends and removals of elements. Part of
  * <vorn/collections/inline.h>, which tells what may be relied on. Results, errors, allocation, locks and user code are
  * those of the native that each names (array_list.h). */
 #ifndef VORN_COLLECTIONS_INLINE_LISTS_H
@@ -50,6 +50,16 @@ VORN_INLINE_PART bool vorn_inline_list_has_handles(const void* record) {
   return record != NULL && vorn_inline_list_state(record) == 0;
 }
 
+/* Whether a list of handles takes the value, as far as that is known without asking for types: it declares no type, one
+ * that every value is of, or one that the value's class was seen to be of. */
+VORN_INLINE_PART bool vorn_inline_list_admits(const void* record, const void* value) {
+  const char* const declared = (const char*)vorn_inline_pointer(record, VORN_INLINE_LIST_DECLARED);
+  if (declared == NULL || vorn_inline_byte(declared, VORN_INLINE_TYPE_NAME_TAKES_ALL) != 0) return true;
+  const void* const own = vorn_inline_class_of(value);
+  return own != NULL &&
+         own == __atomic_load_n((const void* const*)(declared + VORN_INLINE_TYPE_NAME_CLASS), __ATOMIC_RELAXED);
+}
+
 VORN_INLINE_PART long long vorn_inline_list_size(void* list, const void* record) {
   const uint32_t state = record != NULL ? vorn_inline_list_state(record) : 1;
   if ((state & 0xFF) != 0) return vorn_collections_ArrayList_size(list);
@@ -85,8 +95,9 @@ VORN_INLINE_PART void* vorn_inline_list_handle(void* list, const void* record, l
 }
 
 VORN_INLINE_PART void vorn_inline_list_set_handle(void* list, const void* record, long long index, void* value) {
-  if (vorn_inline_list_has_handles(record) && vorn_inline_pointer(record, VORN_INLINE_LIST_DECLARED) == NULL &&
-      (uint64_t)index < vorn_inline_word(record, VORN_INLINE_LIST_HANDLE_COUNT)) {
+  if (vorn_inline_list_has_handles(record) &&
+      (uint64_t)index < vorn_inline_word(record, VORN_INLINE_LIST_HANDLE_COUNT) &&
+      vorn_inline_list_admits(record, value)) {
     ((void**)vorn_inline_pointer(record, VORN_INLINE_LIST_HANDLES))[index] = value;
     return;
   }
@@ -149,13 +160,13 @@ VORN_INLINE_PART bool vorn_inline_list_push_floating(void* record, double value,
   return true;
 }
 
-/* An empty list of handles may become unboxed by what it is given: that is for the native. */
+/* An empty list of handles that declares no type may become unboxed by what it is given: that is for the native, to which
+ * all empty ones are left. */
 VORN_INLINE_PART bool vorn_inline_list_push_handle(void* record, void* value) {
-  if (!vorn_inline_list_has_handles(record) || vorn_inline_pointer(record, VORN_INLINE_LIST_DECLARED) != NULL) {
-    return false;
-  }
+  if (!vorn_inline_list_has_handles(record)) return false;
   const uint64_t size = vorn_inline_word(record, VORN_INLINE_LIST_HANDLE_COUNT);
   if (size == 0 || size >= vorn_inline_word(record, VORN_INLINE_LIST_HANDLE_CAPACITY)) return false;
+  if (!vorn_inline_list_admits(record, value)) return false;
   ((void**)vorn_inline_pointer(record, VORN_INLINE_LIST_HANDLES))[size] = value;
   vorn_inline_set_word(record, VORN_INLINE_LIST_HANDLE_COUNT, size + 1);
   return true;
@@ -185,6 +196,22 @@ VORN_INLINE_PART void vorn_inline_list_add_boolean(void* list, void* record, boo
     vorn_collections_ArrayList_addPrimitiveBool(list, value);
 }
 
+/* Takes the last element off when it stands there; else false, with nothing changed. The slot of a handle that has gone is
+ * null. */
+VORN_INLINE_PART bool vorn_inline_list_pop(void* record, long long index) {
+  const uint32_t state = record != NULL ? vorn_inline_list_state(record) : 1;
+  if ((state & 0xFFFF) != 0 || index < 0) return false;
+  const int size_at = state != 0 ? (int)VORN_INLINE_LIST_SIZE : (int)VORN_INLINE_LIST_HANDLE_COUNT;
+  if ((uint64_t)index + 1 != vorn_inline_word(record, size_at)) return false;
+  if (state == 0) ((void**)vorn_inline_pointer(record, VORN_INLINE_LIST_HANDLES))[index] = NULL;
+  vorn_inline_set_word(record, size_at, (uint64_t)index);
+  return true;
+}
+
+VORN_INLINE_PART void vorn_inline_list_remove_at(void* list, void* record, long long index) {
+  if (!vorn_inline_list_pop(record, index)) vorn_collections_ArrayList_removeAt(list, index);
+}
+
 /* ---- Any receiver -------------------------------------------------------------------------------------------------- */
 
 /* vorn_collections_ArrayList_size. */
@@ -207,7 +234,8 @@ VORN_INLINE void* vorn_inline_ArrayList_operator_index(void* list, long long ind
   return vorn_inline_list_handle(list, vorn_inline_record(list, VORN_INLINE_LIST), index);
 }
 
-/* vorn_collections_ArrayList_operator_index_eq, quick for untyped lists of handles. */
+/* vorn_collections_ArrayList_operator_index_eq, quick for lists of handles that declare no type, Object, or a type that the
+ * value's class was the last one seen to be of. */
 VORN_INLINE void vorn_inline_ArrayList_operator_index_eq(void* list, long long index, void* value) {
   vorn_inline_list_set_handle(list, vorn_inline_record(list, VORN_INLINE_LIST), index, value);
 }
@@ -228,7 +256,7 @@ VORN_INLINE void vorn_inline_ArrayList_setBool(void* list, long long index, bool
   vorn_inline_list_set_boolean(list, vorn_inline_record(list, VORN_INLINE_LIST), index, value);
 }
 
-/* vorn_collections_ArrayList_add, quick for untyped lists of handles that are not empty. */
+/* vorn_collections_ArrayList_add, quick for the same lists where they are not empty. */
 VORN_INLINE void vorn_inline_ArrayList_add(void* list, void* value) {
   vorn_inline_list_add_handle(list, vorn_inline_record(list, VORN_INLINE_LIST), value);
 }
@@ -251,6 +279,11 @@ VORN_INLINE void vorn_inline_ArrayList_addPrimitiveDouble(void* list, double val
 /* vorn_collections_ArrayList_addPrimitiveBool, quick for lists of Boolean. */
 VORN_INLINE void vorn_inline_ArrayList_addPrimitiveBool(void* list, bool value) {
   vorn_inline_list_add_boolean(list, vorn_inline_record(list, VORN_INLINE_LIST), value);
+}
+
+/* vorn_collections_ArrayList_removeAt, quick for the last element. */
+VORN_INLINE void vorn_inline_ArrayList_removeAt(void* list, long long index) {
+  vorn_inline_list_remove_at(list, vorn_inline_record(list, VORN_INLINE_LIST), index);
 }
 
 /* ---- Receivers of a proven class ----------------------------------------------------------------------------------- */
@@ -307,6 +340,11 @@ VORN_INLINE void vorn_proven_ArrayList_addPrimitiveDouble(void* list, double val
 /* vorn_inline_ArrayList_addPrimitiveBool, for a proven receiver. */
 VORN_INLINE void vorn_proven_ArrayList_addPrimitiveBool(void* list, bool value) {
   vorn_inline_list_add_boolean(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), value);
+}
+
+/* vorn_inline_ArrayList_removeAt, for a proven receiver. */
+VORN_INLINE void vorn_proven_ArrayList_removeAt(void* list, long long index) {
+  vorn_inline_list_remove_at(list, vorn_inline_lasting_record(list, VORN_INLINE_LIST), index);
 }
 
 /* ---- Loops --------------------------------------------------------------------------------------------------------- */

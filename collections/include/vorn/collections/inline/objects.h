@@ -272,6 +272,15 @@ VORN_INLINE_PART bool vorn_inline_is(const void* handle, int kind) {
   return vorn_inline_word(handle, VORN_INLINE_HEADER) == vorn_inline_header(handle, kind);
 }
 
+/* The class of an object; null for null and for what is no object. Safe for every readable pointer. */
+VORN_INLINE_PART const void* vorn_inline_class_of(const void* handle) {
+  if (handle == NULL || ((uintptr_t)handle & 15) != 0) return NULL;
+  if (vorn_inline_byte(handle, VORN_INLINE_HEADER) != 0xFF) return NULL;
+  const uint64_t header = vorn_inline_word(handle, VORN_INLINE_HEADER);
+  if (header != vorn_inline_header(handle, (int)(header >> 56))) return NULL;
+  return vorn_inline_pointer(handle, VORN_INLINE_CLASS);
+}
+
 /* The record of a collection, which every one has: compilers need not test it. */
 VORN_INLINE_PART void* vorn_inline_attached_record(const void* collection) {
   void* const record = vorn_inline_pointer(collection, VORN_INLINE_RECORD);
