@@ -43,6 +43,7 @@ struct Records {
   vorn_list_storage_info* storage;
   vorn_runtime_options* options;
   vorn_span* span;
+  vorn_walk* walk;
   vorn_word* word;
 };
 
