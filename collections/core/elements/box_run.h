@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "collections/core/elements/store_forms.h"
+#include "collections/core/elements/kept_boxes.h"
 #include "collections/core/kinds.h"
 #include "collections/core/port/object_layout.h"
 #include "collections/core/storage/list_data.h"
