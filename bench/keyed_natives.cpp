@@ -1,6 +1,7 @@
 // The natives of maps and sets, called through the shared libraries as compiled programs call them.
 #include <vorn/collections/hash_set.h>
 #include <vorn/collections/inline/borrowed.h>
+#include <vorn/collections/inline/boxes.h>
 #include <vorn/collections/map.h>
 #include <vorn/runtime.h>
 
@@ -85,6 +86,12 @@ struct Library {
   static std::int32_t number(void* value) {
     std::int32_t number = 0;
     vorn_unbox_int(value, &number);
+    return number;
+  }
+  // As compiled code reads the number in what it has looked up.
+  static long long numberInline(const void* value) {
+    long long number = 0;
+    vorn_inline_unbox_integer(value, VORN_INT, &number);
     return number;
   }
   static void drop(void* /*box*/) {}

@@ -89,7 +89,7 @@ MakeReady puttingInts(const char* type) {
 }
 
 // `find(map, key)` gives the value's box, or null.
-template <auto find>
+template <auto find, auto readInt>
 MakeReady gettingInts(const char* type, bool present) {
   return [=](std::int64_t n) -> Ready {
     const Shared map = share(intMapOf(n, type));
@@ -101,7 +101,7 @@ MakeReady gettingInts(const char* type, bool present) {
               std::int64_t sum = 0;
               for (const Int key : *keys) {
                 void* const value = find(source, key);
-                if (value != nullptr) sum += intIn(value);
+                if (value != nullptr) sum += readInt(value);
               }
               *result = sum;
             },
@@ -137,7 +137,7 @@ MakeReady walking(const char* type) {
               std::int64_t sum = 0;
               vorn_walk walk;
               vorn_inline_Map_walk(*map, &walk);
-              while (vorn_inline_Map_next(&walk)) sum += intIn(walk.value);
+              while (vorn_inline_Map_next(&walk)) sum += intInlineIn(walk.value);
               *result = sum;
             },
             [=] { return digestOfNumber(*result); }};
@@ -230,7 +230,7 @@ void* textMapOf(std::int64_t n) {
   return map;
 }
 
-template <auto find>
+template <auto readInt>
 MakeReady gettingTexts(bool present) {
   return [=](std::int64_t n) -> Ready {
     const Shared map = share(textMapOf(n));
@@ -241,16 +241,14 @@ MakeReady gettingTexts(bool present) {
               void* const source = *map;
               std::int64_t sum = 0;
               for (void* const key : *keys.handles) {
-                void* const value = find(source, key);
-                if (value != nullptr) sum += intIn(value);
+                void* const value = vorn_collections_Map__get(source, key);
+                if (value != nullptr) sum += readInt(value);
               }
               *result = sum;
             },
             [=] { return digestOfNumber(*result); }};
   };
 }
-
-void* findText(void* map, void* key) { return vorn_collections_Map__get(map, key); }
 
 Ready removingTexts(std::int64_t n) {
   const auto order = keepVector(shuffledOrder(n, kPutOrder));
@@ -351,7 +349,7 @@ Ready walkingSet(std::int64_t n) {
             std::int64_t sum = 0;
             vorn_walk walk;
             vorn_inline_HashSet_walk(*set, &walk);
-            while (vorn_inline_HashSet_next(&walk)) sum += intIn(walk.key);
+            while (vorn_inline_HashSet_next(&walk)) sum += intInlineIn(walk.key);
             *result = sum;
           },
           [=] { return digestOfNumber(*result); }};
@@ -361,17 +359,18 @@ Ready walkingSet(std::int64_t n) {
 
 void addNativeKeyed(Rows& rows) {
   rows.add(kNatives, "map-put", "Int", puttingInts("Map"));
-  rows.add(kNatives, "map-get", "Int", gettingInts<findByNative>("Map", true));
-  rows.add(kInline, "map-get", "Int", gettingInts<findInline>("Map", true));
-  rows.add(kNatives, "map-miss", "Int", gettingInts<findByNative>("Map", false));
-  rows.add(kInline, "map-miss", "Int", gettingInts<findInline>("Map", false));
+  rows.add(kNatives, "map-get", "Int", gettingInts<findByNative, intIn>("Map", true));
+  rows.add(kInline, "map-get", "Int", gettingInts<findInline, intInlineIn>("Map", true));
+  rows.add(kNatives, "map-miss", "Int", gettingInts<findByNative, intIn>("Map", false));
+  rows.add(kInline, "map-miss", "Int", gettingInts<findInline, intInlineIn>("Map", false));
   rows.add(kNatives, "map-iterate", "Int", iterating("Map"));
   rows.add(kInline, "map-iterate", "Int", walking("Map"));
   rows.add(kNatives, "map-remove", "Int", removingInts);
   rows.add(kNatives, "map-churn", "Int", churning);
   rows.add(kNatives, "map-put", "String", puttingTexts);
-  rows.add(kNatives, "map-get", "String", gettingTexts<findText>(true));
-  rows.add(kNatives, "map-miss", "String", gettingTexts<findText>(false));
+  rows.add(kNatives, "map-get", "String", gettingTexts<intIn>(true));
+  rows.add(kInline, "map-get", "String", gettingTexts<intInlineIn>(true));
+  rows.add(kNatives, "map-miss", "String", gettingTexts<intIn>(false));
   rows.add(kNatives, "map-remove", "String", removingTexts);
   rows.add(kNatives, "set-add", "Int", addingInts);
   rows.add(kNatives, "set-add", "String", addingTexts);
@@ -381,8 +380,8 @@ void addNativeKeyed(Rows& rows) {
   rows.add(kNatives, "set-iterate", "Int", iteratingSet);
   rows.add(kInline, "set-iterate", "Int", walkingSet);
   rows.add(kNatives, "sorted-put", "Int", puttingInts("SortedMap"));
-  rows.add(kNatives, "sorted-get", "Int", gettingInts<findByNative>("SortedMap", true));
-  rows.add(kInline, "sorted-get", "Int", gettingInts<findInline>("SortedMap", true));
+  rows.add(kNatives, "sorted-get", "Int", gettingInts<findByNative, intIn>("SortedMap", true));
+  rows.add(kInline, "sorted-get", "Int", gettingInts<findInline, intInlineIn>("SortedMap", true));
   rows.add(kNatives, "sorted-iterate", "Int", iterating("SortedMap"));
   rows.add(kInline, "sorted-iterate", "Int", walking("SortedMap"));
   rows.add(kNatives, "small-maps", "Int", makingSmallMaps);

@@ -313,7 +313,7 @@ Ready walkingLinked(std::int64_t n) {
             std::int64_t sum = 0;
             vorn_walk walk;
             vorn_inline_ArrayList_walk(*list, &walk);
-            while (vorn_inline_ArrayList_next(&walk)) sum += intIn(walk.key);
+            while (vorn_inline_ArrayList_next(&walk)) sum += intInlineIn(walk.key);
             *result = sum;
           },
           [=] { return digestOfNumber(*result); }};
