@@ -21,16 +21,20 @@ class SlotMatcher {
  public:
   SlotMatcher(const ArrayData& array, void* value) : array_(array), value_(value), text_(value) {}
 
-  // Where to go on from `index` upwards, or from below `end` downwards: past slots that differ whoever is asked.
+  // Where to go on from `index` upwards, or from below `end` downwards: past slots that differ whoever is asked. User
+  // code may have given the array other slots, and no handles.
   std::uint64_t skipUpwards(std::uint64_t index) const {
-    return text_.firstCandidate(array_.objects.data, index, array_.objects.size);
+    return array_.isUnboxed() ? index : text_.firstCandidate(array_.objects.data, index, array_.objects.size);
   }
-  std::uint64_t skipDownwards(std::uint64_t end) const { return text_.candidatesEnd(array_.objects.data, end); }
+  std::uint64_t skipDownwards(std::uint64_t end) const {
+    return array_.isUnboxed() ? end : text_.candidatesEnd(array_.objects.data, end);
+  }
 
   // Whether the slot at `index` equals the value; false once user code has raised.
   bool matches(std::uint64_t index) {
-    void* const slot = array_.objects.data[index];
-    if (text_.isText() && isStringObject(slot)) return text_.equals(slot);
+    if (text_.isText() && !array_.isUnboxed() && isStringObject(array_.objects.data[index])) {
+      return text_.equals(array_.objects.data[index]);
+    }
     const bool equal = arraySlotEqualsObject(array_, index, value_);
     failed_ = watch_.raised();
     return equal && !failed_;
