@@ -160,6 +160,22 @@ TEST_P(MapAllocation, FailureInReserve_LeavesTheMap) {
   EXPECT_EQ(failures, sorted() ? 0 : 1);
 }
 
+// How many entries there are is known before the first is copied.
+TEST_P(MapAllocation, Copies_TakeAsManyBlocksForManyEntriesAsForFew) {
+  std::uint64_t ofFew[3] = {};
+  for (const int count : {60, 600}) {
+    const Handle map = object(type());
+    for (int i = 0; i < count; ++i) vorn_collections_Map_put(map, string(std::to_string(i)), string("x"));
+    const std::uint64_t blocks[] = {allocationsOf([&] { vorn_collections_Map_keys(map); }),
+                                    allocationsOf([&] { vorn_collections_Map_values(map); }),
+                                    allocationsOf([&] { vorn_collections_Map_toString(map); })};
+    for (int i = 0; i < 3; ++i) {
+      if (count == 60) ofFew[i] = blocks[i];
+      EXPECT_EQ(blocks[i], ofFew[i]) << i;
+    }
+  }
+}
+
 TEST_P(MapAllocation, FailureInListings_LeavesTheMapUnlocked) {
   const Handle map = object(type());
   for (int i = 0; i < 12; ++i) vorn_collections_Map_put(map, string(std::to_string(i)), string(kLong));
@@ -204,6 +220,15 @@ TEST_P(SetAllocation, MembershipOfNumbersAndTexts_AllocatesNothing) {
   EXPECT_ALLOCATIONS(vorn_collections_HashSet_operator_index(raw, 2), 0U);
   EXPECT_ALLOCATIONS(vorn_collections_HashSet_size(raw), 0U);
   EXPECT_ALLOCATIONS(vorn_collections_HashSet_clear(raw), 0U);
+}
+
+TEST_P(SetAllocation, Display_TakesAsManyBlocksForManyElementsAsForFew) {
+  const auto blocksOf = [&](int count) {
+    const Handle set = object(type());
+    for (int i = 0; i < count; ++i) vorn_collections_HashSet_add(set, string(std::to_string(i)));
+    return allocationsOf([&] { vorn_collections_HashSet_toString(set); });
+  };
+  EXPECT_EQ(blocksOf(60), blocksOf(600));
 }
 
 TEST_P(SetAllocation, FailureInAddReserveOrItems_LeavesTheSet) {
