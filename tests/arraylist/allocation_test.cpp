@@ -325,7 +325,7 @@ TEST_F(Allocation, BoxesAddedToUnboxedStorage_AreGatheredInOneBlock) {
 TEST_F(Allocation, Texts_MakeRoomOnce) {
   expectRoomIsMadeOnce("join of unboxed elements", [&](int count) {
     return
-        [source = listOf("ArrayList<Boolean>", count, boolean(true))] { vorn_collections_ArrayList_join(source, ","); };
+        [source = listOf("ArrayList<Int>", count, integer("Int", 7))] { vorn_collections_ArrayList_join(source, ","); };
   });
   expectRoomIsMadeOnce("text of characters", [&](int count) {
     const Handle array = object("Array<Char>");

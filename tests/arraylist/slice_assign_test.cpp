@@ -40,7 +40,7 @@ TEST_F(SliceAssign, SameCount_OfUnboxedValuesIntoNodes_StopsAtTheOneThatIsRefuse
   const Handle bytes = intList("ArrayList<Int>", {11, 12, 300, 14});
   sliceAssign(target, kOmitted, kOmitted, 1, bytes);
   EXPECT_RAISED(listTypeError("Byte", "vorn.Int"));
-  EXPECT_EQ(elementsOf(target), (Elements{"Byte 11", "Byte 12", "Byte 2", "Byte 3"}));
+  EXPECT_EQ(elementsOf(target), (Elements{"Int 11", "Int 12", "Byte 2", "Byte 3"}));
   EXPECT_AT_REST(target);
 }
 

@@ -11,6 +11,7 @@
 #include "tests/support/before.h"
 #include "tests/support/runtime_test.h"
 #include "tests/support/user_objects.h"
+#include "tests/support/values.h"
 
 namespace vorn::tests {
 namespace {
@@ -28,9 +29,9 @@ void* wrapAllocString(std::string_view text) asm(
 void* realBoxInteger(RuntimeTypeName type, long long value) asm("__real__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
 void* wrapBoxInteger(RuntimeTypeName type, long long value) asm("__wrap__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
 std::string realObjectText(void* object, std::string_view className) asm(
-    "__real__Z19formatObjectDefaultPvSt17basic_string_viewIcSt11char_traitsIcEE");
+    "__real__Z19formatObjectDefaultB5cxx11PvSt17basic_string_viewIcSt11char_traitsIcEE");
 std::string wrapObjectText(void* object, std::string_view className) asm(
-    "__wrap__Z19formatObjectDefaultPvSt17basic_string_viewIcSt11char_traitsIcEE");
+    "__wrap__Z19formatObjectDefaultB5cxx11PvSt17basic_string_viewIcSt11char_traitsIcEE");
 // NOLINTEND(bugprone-reserved-identifier)
 
 void* wrapAllocString(std::string_view text) {
