@@ -338,7 +338,7 @@ TEST_F(Allocation, Texts_MakeRoomOnce) {
 TEST_F(Allocation, ChangesOfStorage_MakeRoomForWhatFollows) {
   const Handle word = string("x");
   const Handle numbers = intList("ArrayList", {1, 2, 3, 4, 5});
-  const Handle words = listOf("ArrayList", 3, word);
+  const Handle words = listOf("ArrayList", 6, word);
   EXPECT_EQ(costOf([&] { vorn_collections_ArrayList_concat(numbers, words); }).collected, 8U)
       << "the list, five boxes, their block and the gathered handles";
 

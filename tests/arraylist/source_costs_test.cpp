@@ -270,6 +270,9 @@ TEST_F(SourceCosts, WithoutAResultObject_NativesGiveNull) {
     EXPECT_EQ(vorn_collections_ArrayList_literal1(target), nullptr);
     EXPECT_EQ(vorn_collections_ArrayList_intLiteral1(1), nullptr);
     EXPECT_EQ(vorn_collections_ArrayList_primitiveLiteral0("Int"), nullptr);
+    void* mirrored = target;
+    EXPECT_EQ(vorn_collections_ArrayList_newPrimitiveI64Data(3, "Int", &mirrored), nullptr);
+    EXPECT_EQ(mirrored, nullptr);
     noObjects = false;
     EXPECT_NOTHING_RAISED();
     EXPECT_UNTOUCHED(target, before);

@@ -164,7 +164,6 @@ def within(tests, milliseconds):
 
 
 def limit():
-    os.nice(5)
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     resource.setrlimit(resource.RLIMIT_DATA, (MEMORY, MEMORY))
 
