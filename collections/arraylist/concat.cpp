@@ -59,9 +59,10 @@ std::uint64_t repeatedSize(std::uint64_t size, std::uint64_t times) {
 void repeatInto(const ListData& source, std::uint64_t times, ListData& result) {
   const std::uint64_t size = source.logicalSize();
   if (source.isUnboxed()) {
-    vc::adoptPrimitiveStorageOf(source, result, repeatedSize(size, times));
+    const std::uint64_t total = repeatedSize(size, times);
+    vc::adoptPrimitiveStorageOf(source, result, total);
     vc::appendPrimitiveElements(source, 0, 1, size, result);
-    return vc::repeatPrimitiveElements(result, size, times);
+    return vc::repeatPrimitiveElements(result, total);
   }
   vc::HandleVector handles;
   handles->reserve(repeatedSize(size, times));

@@ -61,7 +61,6 @@ void* createArrayListLiteralFromValues(bool synchronised, void** values, unsigne
   const vc::RootedHandle list(Vorn_allocArrayListObjectFast(synchronised, &data, true));
   if (list.get() == nullptr || data == nullptr) return nullptr;
   const ListDataLock lock(*data);
-  clearListStorage(*data);
   if (count != 0 && !assignUnboxed(*data, values, count)) assignHandles(*data, values, count);
   return list.get();
 }
@@ -75,21 +74,21 @@ void* createArrayListLiteralFromIntValues(const long long* values, unsigned long
 }
 
 void* createArrayListPrimitiveEmpty(const char* typeName, bool synchronised) {
+  // No root: a list without elements allocates nothing more.
   ListData* data = nullptr;
-  const vc::RootedHandle list(Vorn_allocArrayListObjectFast(synchronised, &data, false));
-  if (list.get() == nullptr || data == nullptr) return nullptr;
+  void* const list = Vorn_allocArrayListObjectFast(synchronised, &data, false);
+  if (list == nullptr || data == nullptr) return nullptr;
   const ListDataLock lock(*data);
-  clearListStorage(*data);
   if (typeName == nullptr) {
     data->elementType = {};
-    return list.get();
+    return list;
   }
   const vc::ElementType type = vc::normalizedElementType(typeName);
   data->elementType = type.name;
   if (type.kind != PrimitiveKind::None && !data->linked) {
     vc::resetToPrimitiveStorage(*data, type.kind, data->elementType, 0);
   }
-  return list.get();
+  return list;
 }
 
 void* createArrayListPrimitiveDataBuffer(bool synchronised, long long n, const char* typeName, void** outList) {

@@ -38,16 +38,15 @@ bool numberLess(const NumberedHandle& left, const NumberedHandle& right) {
   return compareNativeNumericValuesForSort(left.number, right.number) < 0;
 }
 
-// Puts the boxes themselves into the order of their numbers. Comparing numbers runs no user code and allocates nothing.
+// Puts the boxes themselves into the order of their numbers. Comparing numbers runs no user code and allocates nothing, so
+// that no handle is lost that stands in the pairs alone meanwhile.
 void writeBack(const NumberedHandle* pairs, SmallObjectVector& objects) {
   for (std::uint64_t i = 0; i < objects.size; ++i) objects.data[i] = pairs[i].handle;
 }
 
-// False, with nothing changed, when an element is not a number. The pairs are rooted: while they are written back, some
-// handles stand nowhere else.
+// False, with nothing changed, when an element is not a number.
 bool sortFewNumbers(SmallObjectVector& objects) {
   NumberedHandle pairs[kFewNumbers] = {};
-  const RootedRange root(pairs, sizeof(pairs));
   if (!readNumbers(objects, pairs)) return false;
   insertionSort(pairs, objects.size, numberLess);
   writeBack(pairs, objects);
@@ -99,14 +98,15 @@ bool sortStrings(void** handles, std::uint64_t count) {
   return true;
 }
 
-// Sorts a copy, because user code may change the list meanwhile, and puts back as much as the list then has room for;
-// nothing when the list was declared anew with another element type, which need not take these elements.
+// Sorts a copy, because user code may change the list meanwhile, and puts back as much as the list then has room for:
+// nothing where its elements are unboxed by then. Nor when the list was declared anew with another element type, which
+// need not take these elements.
 void sortByElementOrder(ListData& list) {
   const RuntimeTypeName elementType = list.elementType;
   HandleVector handles;
   list.copyObjectsTo(*handles);
   if (!sortHandles(handles->data(), handles->size())) return;
-  if (list.isUnboxed() || list.elementType != elementType) return;
+  if (list.elementType != elementType) return;
   ObjectCursor cursor(list);
   const std::uint64_t count = std::min<std::uint64_t>(handles->size(), list.objectCount());
   for (std::uint64_t i = 0; i < count; ++i) cursor.replace(i, (*handles)[i]);

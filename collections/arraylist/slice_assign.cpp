@@ -71,8 +71,7 @@ std::uint64_t acceptedBoxes(const ListData& list, const vc::CollectedValues& val
   const vc::ElementType declared = vc::declaredElementType(list);
   if (declared.kind != PrimitiveKind::None) return values.firstOutside(vc::acceptedValues(declared, values.type()));
   if (vc::isObjectType(declared)) return values.size();
-  const vc::RootedHandle box(values.handleAt(0));
-  return vc::declaredTypeAccepts(list, box.get()) ? values.size() : 0;
+  return vc::declaredTypeAccepts(list, values.handleAt(0)) ? values.size() : 0;
 }
 
 // Raw values all go one way: unboxed as they are, unboxed as the declared type, or boxed.

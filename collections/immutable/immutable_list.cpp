@@ -21,14 +21,6 @@ void resetLocked(ListData& list) {
   list.elementType = {};
 }
 
-// Copies unboxed elements into an empty list that is not linked. The block comes first: without one, the list stays an
-// empty list of objects. The caller holds both locks.
-void copyUnboxedLocked(const ListData& source, ListData& target) {
-  configurePrimitiveStorage(target, source.primitiveKind);
-  target.primitive.reserve(source.primitive.size);
-  copyPrimitiveListStorage(source, target);
-}
-
 // Fills a new list with the elements of another one.
 void fillFrom(const ListData& source, ListData& target) {
   vc::HandleVector handles;
@@ -37,7 +29,7 @@ void fillFrom(const ListData& source, ListData& target) {
     if (source.isUnboxed() && !target.linked) {
       const ListDataLock lockTarget(target);
       resetLocked(target);
-      return copyUnboxedLocked(source, target);
+      return copyPrimitiveListStorage(source, target);
     }
     vc::appendListObjectsLocked(source, *handles);
   }
@@ -53,7 +45,7 @@ void fillSorted(const ListData& source, ListData& target) {
     const ListDataLock lock(source);
     if (source.isUnboxed()) {
       const ListDataLock lockTarget(target);
-      copyUnboxedLocked(source, target);
+      copyPrimitiveListStorage(source, target);
       return primitiveListSort(target);
     }
     source.copyObjectsTo(*handles);

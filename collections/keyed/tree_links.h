@@ -78,7 +78,6 @@ class TreeLinks {
   void clear() {
     links_ = nullptr;
     root_ = free_ = used_ = 0;
-    capacityBits_ = 0;
   }
 
   // For checks. Places up to used() have been given out; the array has one more than it has room for, number 0.
@@ -105,7 +104,7 @@ class TreeLinks {
   std::uint32_t root_ = 0;
   std::uint32_t free_ = 0;
   std::uint32_t used_ = 0;
-  std::uint8_t capacityBits_ = 0;
+  std::uint8_t capacityBits_ = 0;  // of the links, where there are any
 };
 
 }  // namespace vorn::collections

@@ -1,10 +1,15 @@
 // What element access allocates: exactly the boxes it returns and the blocks its storage grows by, and nothing from
 // malloc.
+#include <vorn/collections/array.h>
+#include <vorn/collections/hash_set.h>
+
 #include <cstdlib>
 #include <memory>
 
+#include "collections/arraylist/creation.h"
 #include "collections/core/port/object_layout.h"
-#include "tests/arraylist/list_cases.h"
+#include "tests/arraylist/bulk_cases.h"
+#include "tests/support/sequences.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define VORN_TEST_COUNTS_MALLOC 0
@@ -248,6 +253,105 @@ TEST_F(Allocation, UnboxedList_TakesItsCapacityAndNothingPerElement) {
   EXPECT_EQ(info.capacity, capacity);
   EXPECT_EQ(info.bytes_per_element, 4U);
   EXPECT_AT_REST(target);
+}
+
+// ---- Room for what is known to come -----------------------------------------------------------------------------------
+
+constexpr int kFew = 60;
+constexpr int kMany = 600;
+
+Handle listOf(const std::string& type, int count, const Handle& element) {
+  Handle made = object(type);
+  for (int i = 0; i < count; ++i) vorn_collections_ArrayList_add(made, element);
+  return made;
+}
+
+// `made` prepares a number of elements and gives the work, which must take as many blocks for many elements as for few.
+template <class Made>
+void expectRoomIsMadeOnce(const char* what, Made made) {
+  SCOPED_TRACE(what);
+  made(kFew)();
+  const auto ofFew = made(kFew);
+  const auto ofMany = made(kMany);
+  const Cost few = costOf(ofFew);
+  const Cost many = costOf(ofMany);
+  EXPECT_EQ(few.collected, many.collected);
+  EXPECT_EQ(few.malloced, many.malloced);
+  EXPECT_LE(few.collected, 4U);
+}
+
+TEST_F(Allocation, CopiesOfHandles_MakeRoomOnce) {
+  const Handle word = string("x");
+  for (const char* type : {"ArrayList", "LinkedList", "LinkedListSync"}) {
+    expectRoomIsMadeOnce(type, [&](int count) {
+      return [source = listOf(type, count, word), target = object("ArrayList")] {
+        vorn_collections_ArrayList_addAll(target, source);
+      };
+    });
+  }
+  expectRoomIsMadeOnce("addAll of a set", [&](int count) {
+    const Handle set = object("HashSet");
+    for (int i = 0; i < count; ++i) vorn_collections_HashSet_add(set, integer("Int", i));
+    return [set, target = listOf("ArrayList", 1, word)] { vorn_collections_ArrayList_addAll(target, set); };
+  });
+  expectRoomIsMadeOnce("addAll of a tuple", [&](int count) {
+    return [tuple = tupleOf(std::vector<Handle>(static_cast<std::size_t>(count), word)), target = object("ArrayList")] {
+      vorn_collections_ArrayList_addAll(target, tuple);
+    };
+  });
+  expectRoomIsMadeOnce("slice", [&](int count) {
+    return [source = listOf("ArrayList", count, word)] { slice(source, kOmitted, kOmitted); };
+  });
+  expectRoomIsMadeOnce("concat", [&](int count) {
+    return [source = listOf("ArrayList", count, word), none = object("ArrayList")] {
+      vorn_collections_ArrayList_concat(none, source);
+    };
+  });
+  expectRoomIsMadeOnce("literal", [&](int count) {
+    return [values = std::vector<void*>(static_cast<std::size_t>(count))]() mutable {
+      createArrayListLiteralFromValues(false, values.data(), values.size());
+    };
+  });
+}
+
+TEST_F(Allocation, BoxesAddedToUnboxedStorage_AreGatheredInOneBlock) {
+  expectRoomIsMadeOnce("addAll", [&](int count) {
+    return [source = listOf("LinkedList", count, integer("Int", 7)), target = object("ArrayList<Int>")] {
+      vorn_collections_ArrayList_addAll(target, source);
+    };
+  });
+}
+
+TEST_F(Allocation, Texts_MakeRoomOnce) {
+  expectRoomIsMadeOnce("join of unboxed elements", [&](int count) {
+    return
+        [source = listOf("ArrayList<Int>", count, integer("Int", 7))] { vorn_collections_ArrayList_join(source, ","); };
+  });
+  expectRoomIsMadeOnce("text of characters", [&](int count) {
+    const Handle array = object("Array<Char>");
+    vorn_collections_Array_ctor(array, count);
+    for (int i = 0; i < count; ++i) vorn_collections_Array_setInt(array, i, 'x');
+    return [array] { Vorn_stringFromCharArray(array); };
+  });
+}
+
+TEST_F(Allocation, ChangesOfStorage_MakeRoomForWhatFollows) {
+  const Handle word = string("x");
+  const Handle numbers = intList("ArrayList", {1, 2, 3, 4, 5});
+  const Handle words = listOf("ArrayList", 6, word);
+  EXPECT_EQ(costOf([&] { vorn_collections_ArrayList_concat(numbers, words); }).collected, 8U)
+      << "the list, five boxes, their block and the gathered handles";
+
+  const Handle target = intList("ArrayList", {1, 2, 3});
+  const Handle mixed = list("LinkedList", {integer("Int", 7), word, word});
+  EXPECT_EQ(costOf([&] { sliceAssign(target, kOmitted, kOmitted, 1, mixed); }).collected, 6U)
+      << "the gathered handles twice, a box of the first, three of the elements";
+  EXPECT_EQ(elementsOf(target), (Elements{"Int 7", "String x", "String x"}));
+
+  const Handle range = listOf("ArrayList", 2, word);
+  const Handle two = listOf("LinkedList", 2, word);
+  EXPECT_EQ(costOf([&] { sliceAssign(range, 0, 1, 1, two); }).collected, 2U)
+      << "the gathered handles and the new list's";
 }
 
 TEST_F(Allocation, Refusals_AllocateNothingInTheCollector) {

@@ -37,7 +37,11 @@ void* __wrap_Vorn_allocObject(const char* className) {
   return noObjects ? nullptr : __real_Vorn_allocObject(className);
 }
 void* __wrap_Vorn_allocArrayListObjectFast(bool synchronised, ListData** listData, bool elementsAreHandles) {
-  return noObjects ? nullptr : __real_Vorn_allocArrayListObjectFast(synchronised, listData, elementsAreHandles);
+  if (!noObjects) return __real_Vorn_allocArrayListObjectFast(synchronised, listData, elementsAreHandles);
+  // A runtime promises nothing of the record of a list that there is not.
+  static ListData nobodys;
+  *listData = &nobodys;
+  return nullptr;
 }
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
   const int result = __real_pthread_mutex_unlock(mutex);

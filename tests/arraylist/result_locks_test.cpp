@@ -1,4 +1,6 @@
 // New lists are locked while natives fill them: a native's locks do not depend on who can know the list yet.
+#include <vorn/collections/immutable_list.h>
+
 #include <algorithm>
 #include <functional>
 #include <set>
@@ -68,6 +70,51 @@ TEST_F(ResultLocks, OfTheSecondOperandOfConcat_AreTakenForItsSizeAndForItsElemen
   const Handle result(vorn_collections_ArrayList_concat(first, second));
   afterUnlock = nullptr;
   EXPECT_EQ(std::count(unlocked.begin(), unlocked.end(), getListData(second)->mutex), 2);
+}
+
+TEST_F(ResultLocks, OfImmutableLists) {
+  for (const bool linked : {false, true}) {
+    const Handle handles = list(className(linked, true), {integer("Int", 3), string("x"), integer("Int", 2)});
+    const Handle numbers = intList(className(linked, true, "Int"), {3, 1, 2});
+    for (const Handle& source : {handles, numbers}) {
+      SCOPED_TRACE(storageOf(source));
+      expectLocked("sortNew", [&] { return vorn_collections_ImmutableList_sortNew(source); });
+    }
+  }
+}
+
+// A constructor locks the list once to empty it and once more to fill it.
+TEST_F(ResultLocks, OfConstructedImmutableLists_AreTakenOnceForEachChange) {
+  for (const Handle& source : {intList("ArrayList<Int>", {3, 1}), intList("LinkedList", {3, 1}), Handle()}) {
+    const Handle target = object("ArrayListSync");
+    std::vector<pthread_mutex_t*> unlocked;
+    std::function<void(pthread_mutex_t*)> hook = [&](pthread_mutex_t* mutex) { unlocked.push_back(mutex); };
+    afterUnlock = &hook;
+    vorn_collections_ImmutableList_ctor(target, source);
+    afterUnlock = nullptr;
+    EXPECT_EQ(std::count(unlocked.begin(), unlocked.end(), getListData(target)->mutex), source == nullptr ? 1 : 2);
+    EXPECT_AT_REST(target);
+  }
+}
+
+// Room is made for what the second operand held when the first was copied; it may have grown when its turn comes.
+TEST_F(ResultLocks, OfConcat_SecondOperandGrowsBetweenThem_AllOfItIsCopied) {
+  const Handle first = intList("ArrayList<Int>", {1});
+  const Handle second = intList("ArrayListSync<Int>", {2});
+  bool grown = false;
+  std::function<void(pthread_mutex_t*)> hook = [&](pthread_mutex_t* mutex) {
+    if (grown || mutex != getListData(second)->mutex) return;
+    grown = true;
+    for (int i = 0; i < 100; ++i) vorn_collections_ArrayList_addInt(second, i);
+  };
+  afterUnlock = &hook;
+  const Handle result(vorn_collections_ArrayList_concat(first, second));
+  afterUnlock = nullptr;
+  EXPECT_AT_REST(result);
+  Elements expected = elementsOf(second);
+  expected.insert(expected.begin(), "Int 1");
+  EXPECT_EQ(expected.size(), 102U);
+  EXPECT_EQ(elementsOf(result), expected);
 }
 
 TEST_F(ResultLocks, OfLiteralsAndBuffers) {

@@ -33,6 +33,17 @@ TEST_F(SliceAssign, SameCount_ReplacesElementsAndKeepsTheStorage) {
   }
 }
 
+// The refused value is a box of its own, which must outlive those of the values before it.
+TEST_F(SliceAssign, SameCount_OfUnboxedValuesIntoNodes_StopsAtTheOneThatIsRefused) {
+  const Handle target = intList("LinkedListSync<Byte>", {});
+  for (int i = 0; i < 4; ++i) vorn_collections_ArrayList_add(target, integer("Byte", i));
+  const Handle bytes = intList("ArrayList<Int>", {11, 12, 300, 14});
+  sliceAssign(target, kOmitted, kOmitted, 1, bytes);
+  EXPECT_RAISED(listTypeError("Byte", "vorn.Int"));
+  EXPECT_EQ(elementsOf(target), (Elements{"Int 11", "Int 12", "Byte 2", "Byte 3"}));
+  EXPECT_AT_REST(target);
+}
+
 TEST_F(SliceAssign, SameCount_ConvertsLikeASingleWrite) {
   const Handle doubles = rawDoubles("ArrayList<Double>", "Double", {0.5, 1.5, 2.5});
   sliceAssign(doubles, 0, 2, 1, intList("ArrayList", {7, 8}));

@@ -2,6 +2,8 @@
 // when the source changes meanwhile.
 #include <vorn/collections/hash_set.h>
 
+#include <algorithm>
+
 #include "collections/arraylist/snapshots.h"
 #include "collections/keyed/set_data.h"
 #include "tests/arraylist/bulk_cases.h"
@@ -218,9 +220,19 @@ TEST_F(SourceCosts, Snapshot_RootsTheListAndReleasesItOnEveryWayOut) {
     std::vector<RootSlot> slots;
     {
       ListStorageSnapshot snapshot;
+      bool rootedToTheEnd = false;
+      std::function<void(pthread_mutex_t*)> hook = [&](pthread_mutex_t* mutex) {
+        if (mutex != getListData(source)->mutex) return;
+        rootedToTheEnd = std::any_of(slots.begin(), slots.end(), [&](const RootSlot& slot) {
+          return slot.registered && slot.handle == source.get();
+        });
+      };
+      afterUnlock = &hook;
       rootSlots = &slots;
       snapshotListStorage(source, snapshot);
       rootSlots = nullptr;
+      afterUnlock = nullptr;
+      EXPECT_TRUE(rootedToTheEnd) << type;
       EXPECT_EQ(snapshot.size(), getListData(source)->logicalSize());
     }
     EXPECT_TRUE(rootedAndReleased(slots, source)) << type;
@@ -258,6 +270,9 @@ TEST_F(SourceCosts, WithoutAResultObject_NativesGiveNull) {
     EXPECT_EQ(vorn_collections_ArrayList_literal1(target), nullptr);
     EXPECT_EQ(vorn_collections_ArrayList_intLiteral1(1), nullptr);
     EXPECT_EQ(vorn_collections_ArrayList_primitiveLiteral0("Int"), nullptr);
+    void* mirrored = target;
+    EXPECT_EQ(vorn_collections_ArrayList_newPrimitiveI64Data(3, "Int", &mirrored), nullptr);
+    EXPECT_EQ(mirrored, nullptr);
     noObjects = false;
     EXPECT_NOTHING_RAISED();
     EXPECT_UNTOUCHED(target, before);

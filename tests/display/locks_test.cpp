@@ -1,5 +1,5 @@
-// Which locks a display or join holds, and while what. The test program is linked so that the calls that make Strings
-// and boxes come here first.
+// Which locks a display or join holds, and what it keeps alive, while what. The test program is linked so that the calls
+// that make Strings and boxes and ask for the texts of objects come here first.
 #include <cerrno>
 #include <functional>
 #include <string_view>
@@ -11,11 +11,13 @@
 #include "tests/support/before.h"
 #include "tests/support/runtime_test.h"
 #include "tests/support/user_objects.h"
+#include "tests/support/values.h"
 
 namespace vorn::tests {
 namespace {
 std::function<void()>* onString = nullptr;
 std::function<void()>* onBox = nullptr;
+std::function<void()>* onObjectText = nullptr;
 }  // namespace
 }  // namespace vorn::tests
 
@@ -26,6 +28,10 @@ void* wrapAllocString(std::string_view text) asm(
     "__wrap__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE");
 void* realBoxInteger(RuntimeTypeName type, long long value) asm("__real__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
 void* wrapBoxInteger(RuntimeTypeName type, long long value) asm("__wrap__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
+std::string realObjectText(void* object, std::string_view className) asm(
+    "__real__Z19formatObjectDefaultB5cxx11PvSt17basic_string_viewIcSt11char_traitsIcEE");
+std::string wrapObjectText(void* object, std::string_view className) asm(
+    "__wrap__Z19formatObjectDefaultB5cxx11PvSt17basic_string_viewIcSt11char_traitsIcEE");
 // NOLINTEND(bugprone-reserved-identifier)
 
 void* wrapAllocString(std::string_view text) {
@@ -35,6 +41,10 @@ void* wrapAllocString(std::string_view text) {
 void* wrapBoxInteger(RuntimeTypeName type, long long value) {
   if (vorn::tests::onBox != nullptr) (*vorn::tests::onBox)();
   return realBoxInteger(type, value);
+}
+std::string wrapObjectText(void* object, std::string_view className) {
+  if (vorn::tests::onObjectText != nullptr) (*vorn::tests::onObjectText)();
+  return realObjectText(object, className);
 }
 
 namespace vorn::tests {
@@ -282,6 +292,25 @@ TEST_F(LocksOfJoins, CollectionUsedByAToString_IsLockedAndLetsItsThreadIn) {
     EXPECT_THROW(run(collection), std::system_error);
     EXPECT_EQ(faultOf(kind, collection), "");
   }
+}
+
+// ---- What is kept alive ---------------------------------------------------------------------------------------------
+
+using RootsOfJoins = RuntimeTest;
+
+// A runtime may collect before it reads what it is to make a text of.
+TEST_F(RootsOfJoins, UnboxedCharacters_KeepTheBoxThatTheRuntimeMakesTheTextOf) {
+  const Handle letters = list("ArrayList<Char>", {integer("Char", 'a'), integer("Char", 'b')});
+  int calls = 0;
+  std::function<void()> collect = [&] {
+    ++calls;
+    vorn_heap_collect();
+  };
+  onObjectText = &collect;
+  const Handle joined(vorn_collections_ArrayList_join(letters, ","));
+  onObjectText = nullptr;
+  EXPECT_EQ(describe(joined), "String a,b");
+  EXPECT_EQ(calls, 2);
 }
 
 }  // namespace

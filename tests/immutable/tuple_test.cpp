@@ -4,6 +4,7 @@
 #include "collections/core/port/object_layout.h"
 #include "collections/core/port/objects.h"
 #include "tests/immutable/sequence_cases.h"
+#include "tests/support/heap_statistics.h"
 #include "tests/support/held_mutex.h"
 
 namespace vorn::tests {
@@ -41,6 +42,16 @@ TEST_F(TupleNatives, Ctor_EmptyList_GivesSizeZeroAndNoItems) {
   const Handle emptied = list("ArrayList<Int>", {integer("Int", 1)});
   vorn_collections_ArrayList_removeAt(emptied, 0);
   EXPECT_EQ(vorn_collections_Tuple_size(tupleFrom(emptied)), 0);
+}
+
+TEST_F(TupleNatives, Ctor_EmptyUnboxedList_TakesNoBlockForItsElements) {
+  const Handle emptied = list("ArrayList<Int>", {integer("Int", 1)});
+  vorn_collections_ArrayList_removeAt(emptied, 0);
+  const Handle first = object("Tuple");
+  const Handle second = object("Tuple");
+  EXPECT_EQ(allocationsOf([&] { vorn_collections_Tuple_ctor(first, emptied); }),
+            allocationsOf([&] { vorn_collections_Tuple_ctor(second, object("ImmutableList")); }) - 1)
+      << "of which one is the list";
 }
 
 TEST_F(TupleNatives, Ctor_Handles_AreStoredAsTheyAre) {

@@ -8,11 +8,22 @@
 
 #include "collections/array/array_data.h"
 #include "collections/core/port/borrowed_box.h"
+#include "collections/core/port/values.h"
 #include "collections/keyed/map_data.h"
 #include "collections/keyed/set_data.h"
 #include "tests/inline/inline_cases.h"
 #include "tests/support/held_mutex.h"
 #include "tests/support/user_objects.h"
+
+// The test program is linked so that calls that make boxes of integers come here first.
+static bool noBoxes = false;
+// NOLINTBEGIN(bugprone-reserved-identifier)
+void* realBoxOfInteger(RuntimeTypeName type, long long value) asm("__real__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
+void* wrapBoxOfInteger(RuntimeTypeName type, long long value) asm("__wrap__Z19boxIntegerLikeLocal15RuntimeTypeNamex");
+// NOLINTEND(bugprone-reserved-identifier)
+void* wrapBoxOfInteger(RuntimeTypeName type, long long value) {
+  return noBoxes ? nullptr : realBoxOfInteger(type, value);
+}
 
 namespace vorn::tests {
 namespace {
@@ -65,6 +76,13 @@ TEST_F(Borrowed, ClassOfAType_WithoutMemory_Throws) {
   EXPECT_THROW(vorn_borrow_class(VORN_LONG), std::bad_alloc);
 }
 
+// The host throws by itself; another runtime may answer null.
+TEST_F(Borrowed, ClassOfAType_RuntimeThatGivesNoBox_Throws) {
+  noBoxes = true;
+  EXPECT_THROW(vorn_borrow_class(VORN_LONG), std::bad_alloc);
+  noBoxes = false;
+}
+
 // What the inline searches leave to the library is locked there.
 TEST_F(Borrowed, SearchesOfSynchronisedCollections_Lock) {
   const Handle map = object("HashMapSync");
@@ -73,6 +91,17 @@ TEST_F(Borrowed, SearchesOfSynchronisedCollections_Lock) {
   const HeldRecordMutex<SetData> heldSet(*getSetData(set));
   EXPECT_THROW(vorn_inline_find_integer(getMapData(map), 1), std::system_error);
   EXPECT_THROW(vorn_inline_has_integer(getSetData(set), 1), std::system_error);
+}
+
+// The box is nobody else's while the elements beside it are boxed.
+TEST_F(Borrowed, BoxedStores_IntoUnboxedStorage_KeepTheBox) {
+  const Handle numbers = list("ArrayList", {integer("Int", 1), integer("Int", 2)});
+  vorn_inline_set_boxed_floating(numbers, 0, 2.5, VORN_DOUBLE);
+  EXPECT_EQ(describe(Handle(vorn_collections_ArrayList_operator_index(numbers, 0))), "Double 2.5");
+  const Handle reals = list("ArrayList", {floating("Double", 0.5), floating("Double", 1.5)});
+  vorn_inline_set_boxed_integer(reals, 1, 7, VORN_LONG);
+  EXPECT_EQ(describe(Handle(vorn_collections_ArrayList_operator_index(reals, 1))), "Long 7");
+  EXPECT_EQ(describe(Handle(vorn_collections_ArrayList_operator_index(reals, 0))), "Double 0.5");
 }
 
 // No form asks for a box of no type.

@@ -149,6 +149,16 @@ TEST_P(MapAllocation, FailureInPut_LeavesTheMap) {
   EXPECT_MAP_AT_REST(map);
 }
 
+TEST_P(MapAllocation, ReserveOfOne_MakesRoomForIt) {
+  if (sorted()) GTEST_SKIP() << "of hash maps";
+  const Handle map = object(type());
+  const Handle key = number(1);
+  EXPECT_ALLOCATIONS(vorn_collections_Map_reserve(map, 1), 1U);
+  void* const raw = map;
+  void* const rawKey = key;
+  EXPECT_ALLOCATIONS(vorn_collections_Map_put(raw, rawKey, rawKey), 0U);
+}
+
 TEST_P(MapAllocation, FailureInReserve_LeavesTheMap) {
   const Handle map = countingMap(type(), 10);
   const MapState before(map);
@@ -158,6 +168,22 @@ TEST_P(MapAllocation, FailureInReserve_LeavesTheMap) {
                                                  EXPECT_MAP_AT_REST(map);
                                                });
   EXPECT_EQ(failures, sorted() ? 0 : 1);
+}
+
+// How many entries there are is known before the first is copied.
+TEST_P(MapAllocation, Copies_TakeAsManyBlocksForManyEntriesAsForFew) {
+  std::uint64_t ofFew[3] = {};
+  for (const int count : {60, 600}) {
+    const Handle map = object(type());
+    for (int i = 0; i < count; ++i) vorn_collections_Map_put(map, string(std::to_string(i)), string("x"));
+    const std::uint64_t blocks[] = {allocationsOf([&] { vorn_collections_Map_keys(map); }),
+                                    allocationsOf([&] { vorn_collections_Map_values(map); }),
+                                    allocationsOf([&] { vorn_collections_Map_toString(map); })};
+    for (int i = 0; i < 3; ++i) {
+      if (count == 60) ofFew[i] = blocks[i];
+      EXPECT_EQ(blocks[i], ofFew[i]) << i;
+    }
+  }
 }
 
 TEST_P(MapAllocation, FailureInListings_LeavesTheMapUnlocked) {
@@ -204,6 +230,15 @@ TEST_P(SetAllocation, MembershipOfNumbersAndTexts_AllocatesNothing) {
   EXPECT_ALLOCATIONS(vorn_collections_HashSet_operator_index(raw, 2), 0U);
   EXPECT_ALLOCATIONS(vorn_collections_HashSet_size(raw), 0U);
   EXPECT_ALLOCATIONS(vorn_collections_HashSet_clear(raw), 0U);
+}
+
+TEST_P(SetAllocation, Display_TakesAsManyBlocksForManyElementsAsForFew) {
+  const auto blocksOf = [&](int count) {
+    const Handle set = object(type());
+    for (int i = 0; i < count; ++i) vorn_collections_HashSet_add(set, string(std::to_string(i)));
+    return allocationsOf([&] { vorn_collections_HashSet_toString(set); });
+  };
+  EXPECT_EQ(blocksOf(60), blocksOf(600));
 }
 
 TEST_P(SetAllocation, FailureInAddReserveOrItems_LeavesTheSet) {

@@ -86,6 +86,16 @@ TEST_F(HashTableTest, Insert_IntoATableOfVacantPlaces_UsesThemBeforeNewMemory) {
   EXPECT_EQ(table().count(), static_cast<std::uint64_t>(count));
 }
 
+TEST_F(HashTableTest, Remove_BelowAQuarterOfThePlaces_GivesMemoryBack) {
+  for (std::int64_t key = 0; key < 200; ++key) put(key);
+  const std::uint64_t capacity = table().chunks().capacity();
+  while (4 * table().count() > capacity) EXPECT_TRUE(remove(integerCollectionKey(keys().back())));
+  EXPECT_EQ(4 * table().count(), capacity);
+  EXPECT_EQ(table().chunks().capacity(), capacity);
+  EXPECT_TRUE(remove(integerCollectionKey(keys().back())));
+  EXPECT_LT(table().chunks().capacity(), capacity);
+}
+
 // ---- Small tables, which have no buckets ----------------------------------------------------------------------------
 
 TEST_F(HashTableTest, SmallTable_HasNoBucketsUntilItOutgrowsItsTags) {

@@ -50,6 +50,19 @@ TEST(Introsort, EverySizeAndPattern_OrdersAsTheReference) {
   }
 }
 
+// What takes over when partitioning does not get on, which hardly any input makes it do.
+TEST(Introsort, HeapSort_EverySizeAndPattern_OrdersAsTheReference) {
+  auto less = [](int a, int b) { return a < b; };
+  for (int count = 0; count <= 300; ++count) {
+    for (auto& [name, values] : patterns(count)) {
+      auto expected = values;
+      std::sort(expected.begin(), expected.end());
+      collections::introsort_detail::heapSort(values.data(), values.size(), less);
+      ASSERT_EQ(values, expected) << name << " of " << count;
+    }
+  }
+}
+
 TEST(Introsort, LargeInputs_OrderAsTheReference) {
   for (int count : {5'000, 100'003}) {
     for (auto& [name, values] : patterns(count)) {

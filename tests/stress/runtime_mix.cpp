@@ -183,8 +183,11 @@ class RuntimeMix : public Mix {
                       "a field of an instance");
                expect(vorn_type_name(instance) == name && vorn_is_instance(instance, name.c_str()) != 0, "its type");
              }},
-            {"internRuntimeTypeName", [this](Player& player) {
-               const int number = player.random.below(kNames);
+            {"internRuntimeTypeName", [this](Player&) {
+               // Each name comes twice, and who brings it first waits a little, so that it is new to both at once.
+               const int number = nameCalls_.fetch_add(1) / 2 % kNames;
+               nameArrivals_[number].fetch_add(1);
+               for (int i = 0; i < 200 && nameArrivals_[number].load() % 2 != 0; ++i) std::this_thread::yield();
                const std::string name = "stress.Name" + std::to_string(number);
                const RuntimeTypeName interned = internRuntimeTypeName(name);
                const collections::InternedTypeName* first = nullptr;
@@ -371,6 +374,8 @@ class RuntimeMix : public Mix {
   long long keptValues_[kPlayers][kKept] = {};
   std::array<std::atomic<int>, kClasses> winners_ = {};
   std::array<std::atomic<const collections::InternedTypeName*>, kNames> names_ = {};
+  std::atomic<int> nameCalls_ = 0;
+  std::array<std::atomic<int>, kNames> nameArrivals_ = {};
 };
 
 }  // namespace

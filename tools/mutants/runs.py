@@ -43,9 +43,25 @@ class Verdict:
     reached: int = 0
 
     @property
+    def head(self):
+        return f'{self.fault.place}:{self.fault.column}: {self.fault.sort}: {self.fault.change}: '
+
+    @property
     def line(self):
-        end = self.noticed_by or f'SURVIVED ({self.reached} tests come by it)'
-        return f'{self.fault.place}:{self.fault.column}: {self.fault.sort}: {self.fault.change}: {end}'
+        return self.head + (self.noticed_by or f'SURVIVED ({self.reached} tests come by it)')
+
+
+def noticed_before(report, faults):
+    """The verdicts of an earlier run on those of the faults that were noticed there."""
+    lines = report.read_text(encoding='utf-8').splitlines() if report.exists() else []
+    verdicts = []
+    for fault in faults:
+        verdict = Verdict(fault)
+        ends = [line.removeprefix(verdict.head) for line in lines if line.startswith(verdict.head)]
+        if ends and not ends[0].startswith('SURVIVED'):
+            verdict.noticed_by = ends[0]
+            verdicts.append(verdict)
+    return verdicts
 
 
 class Suites:
@@ -148,7 +164,6 @@ def within(tests, milliseconds):
 
 
 def limit():
-    os.nice(5)
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     resource.setrlimit(resource.RLIMIT_DATA, (MEMORY, MEMORY))
 

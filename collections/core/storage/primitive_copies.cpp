@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
-#include <new>
 
 #include "collections/core/kernels/element_access.h"
 #include "collections/core/kinds.h"
@@ -50,11 +48,8 @@ void appendPrimitiveElements(const ListData& source, long long first, long long 
   to.size += count;
 }
 
-void repeatPrimitiveElements(ListData& target, std::uint64_t n, std::uint64_t times) {
+void repeatPrimitiveElements(ListData& target, std::uint64_t total) {
   SmallPrimitiveBuffer& buffer = target.primitive;
-  if (n != 0 && times > std::numeric_limits<std::uint64_t>::max() / n) throw std::bad_alloc();
-  const std::uint64_t total = n * times;
-  buffer.reserve(total);
   const std::uint64_t width = buffer.elementSize;
   // What is there doubles with every copy, so that short lists do not cost a call per repetition.
   while (buffer.size < total) {

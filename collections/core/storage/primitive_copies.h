@@ -20,7 +20,8 @@ void scatterElements(const unsigned char* from, std::uint64_t count, std::uint64
 void appendPrimitiveElements(const ListData& source, long long first, long long step, std::uint64_t count,
                              ListData& target);
 
-// Appends the target's first n elements to itself until it holds n * times of them. Allocates.
-void repeatPrimitiveElements(ListData& target, std::uint64_t n, std::uint64_t times);
+// Appends the target's elements to themselves until there are `total` of them, a multiple of what there is, for which it
+// has room. Does not allocate.
+void repeatPrimitiveElements(ListData& target, std::uint64_t total);
 
 }  // namespace vorn::collections
