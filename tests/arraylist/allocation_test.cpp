@@ -257,8 +257,8 @@ TEST_F(Allocation, UnboxedList_TakesItsCapacityAndNothingPerElement) {
 
 // ---- Room for what is known to come -----------------------------------------------------------------------------------
 
-constexpr int kFew = 60;
-constexpr int kMany = 600;
+constexpr int kFew = 300;
+constexpr int kMany = 3000;
 
 Handle listOf(const std::string& type, int count, const Handle& element) {
   Handle made = object(type);
