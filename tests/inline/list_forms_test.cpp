@@ -3,6 +3,7 @@
 #include <vorn/collections/immutable_list.h>
 
 #include "tests/inline/inline_cases.h"
+#include "tests/support/user_objects.h"
 
 namespace vorn::tests {
 namespace {
