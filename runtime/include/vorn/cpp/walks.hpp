@@ -67,7 +67,7 @@ class walk_range {
     walk_range* range_ = nullptr;
   };
 
-  explicit walk_range(const object& collection) : collection_(collection) {}
+  explicit walk_range(object collection) : collection_(std::move(collection)) {}
 
   [[nodiscard]] iterator begin() {
     vorn_inline_check();
