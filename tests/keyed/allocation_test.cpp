@@ -149,16 +149,6 @@ TEST_P(MapAllocation, FailureInPut_LeavesTheMap) {
   EXPECT_MAP_AT_REST(map);
 }
 
-TEST_P(MapAllocation, ReserveOfOne_MakesRoomForIt) {
-  if (sorted()) GTEST_SKIP() << "of hash maps";
-  const Handle map = object(type());
-  const Handle key = number(1);
-  EXPECT_ALLOCATIONS(vorn_collections_Map_reserve(map, 1), 1U);
-  void* const raw = map;
-  void* const rawKey = key;
-  EXPECT_ALLOCATIONS(vorn_collections_Map_put(raw, rawKey, rawKey), 0U);
-}
-
 TEST_P(MapAllocation, FailureInReserve_LeavesTheMap) {
   const Handle map = countingMap(type(), 10);
   const MapState before(map);
