@@ -18,7 +18,8 @@ namespace vorn::tests::stress {
 namespace {
 
 constexpr int kClasses = 400;
-constexpr int kNames = 10'000;
+constexpr int kMeetings = 2'500;
+constexpr int kNamesAtOnce = 16;
 constexpr int kKept = 8;
 
 class RuntimeMix : public Mix {
@@ -184,19 +185,23 @@ class RuntimeMix : public Mix {
                expect(vorn_type_name(instance) == name && vorn_is_instance(instance, name.c_str()) != 0, "its type");
              }},
             {"internRuntimeTypeName", [this](Player&) {
-               // Each name comes twice, and who brings it first waits a little, so that it is new to both at once.
-               const int number = nameCalls_.fetch_add(1) / 2 % kNames;
-               nameArrivals_[number].fetch_add(1);
-               for (int i = 0; i < 200 && nameArrivals_[number].load() % 2 != 0; ++i) std::this_thread::yield();
-               const std::string name = "stress.Name" + std::to_string(number);
-               const RuntimeTypeName interned = internRuntimeTypeName(name);
-               const collections::InternedTypeName* first = nullptr;
-               if (!names_[number].compare_exchange_strong(first, interned.name)) {
-                 expect(first == interned.name, "one name was interned twice");
-               }
-               expect(interned.get() == name && interned.shortForm().get() == std::string_view(name).substr(7),
-                      "a name");
+               // Two players at a time intern the same few names, and the first waits a little, so that the names are new
+               // to both at once.
+               const int meeting = meetings_.fetch_add(1) / 2 % kMeetings;
+               arrivals_[meeting].fetch_add(1);
+               for (int i = 0; i < 200 && arrivals_[meeting].load() % 2 != 0; ++i) std::this_thread::yield();
+               for (int i = 0; i < kNamesAtOnce; ++i) intern(meeting * kNamesAtOnce + i);
              }}};
+  }
+
+  void intern(int number) {
+    const std::string name = "stress.Name" + std::to_string(number);
+    const RuntimeTypeName interned = internRuntimeTypeName(name);
+    const collections::InternedTypeName* first = nullptr;
+    if (!names_[number].compare_exchange_strong(first, interned.name)) {
+      expect(first == interned.name, "one name was interned twice");
+    }
+    expect(interned.get() == name && interned.shortForm().get() == std::string_view(name).substr(7), "a name");
   }
 
   // ---- Errors -------------------------------------------------------------------------------------------------------
@@ -373,9 +378,9 @@ class RuntimeMix : public Mix {
   std::array<std::array<Shared, kKept>, kPlayers> kept_;
   long long keptValues_[kPlayers][kKept] = {};
   std::array<std::atomic<int>, kClasses> winners_ = {};
-  std::array<std::atomic<const collections::InternedTypeName*>, kNames> names_ = {};
-  std::atomic<int> nameCalls_ = 0;
-  std::array<std::atomic<int>, kNames> nameArrivals_ = {};
+  std::atomic<int> meetings_ = 0;
+  std::array<std::atomic<int>, kMeetings> arrivals_ = {};
+  std::array<std::atomic<const collections::InternedTypeName*>, kMeetings* kNamesAtOnce> names_ = {};
 };
 
 }  // namespace
