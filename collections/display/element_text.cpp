@@ -1,5 +1,6 @@
 #include "collections/display/element_text.h"
 
+#include <charconv>
 #include <cstring>
 
 #include "collections/core/elements/primitive_elements.h"
