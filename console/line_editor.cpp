@@ -3,7 +3,6 @@
 #include <histedit.h>
 #include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/select.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,40 +28,12 @@ volatile sig_atomic_t continued = 0;
 void markWindow(int) { windowChanged = 1; }
 void markContinued(int) { continued = 1; }
 
-// With SA_RESTART: a write that a signal cuts short is lost text, for streams do not take up what they could not write.
+// Without SA_RESTART, so that a waiting read comes back and looks at the marks.
 void catchSignal(int signal, void (*handler)(int)) {
   struct sigaction action = {};
   action.sa_handler = handler;
-  action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
   sigaction(signal, &action, nullptr);
-}
-
-// Puts off the signals that the editor answers to.
-class PutOffSignals {
- public:
-  PutOffSignals() {
-    sigset_t answered;
-    sigemptyset(&answered);
-    for (const int signal : {SIGINT, SIGWINCH, SIGCONT}) sigaddset(&answered, signal);
-    pthread_sigmask(SIG_BLOCK, &answered, &before_);
-  }
-  ~PutOffSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  PutOffSignals(const PutOffSignals&) = delete;
-  PutOffSignals& operator=(const PutOffSignals&) = delete;
-
-  [[nodiscard]] const sigset_t& before() const { return before_; }
-
- private:
-  sigset_t before_ = {};
-};
-
-// Waits for input, or for a signal that the mask lets through: then it is false. None comes unseen before the wait begins.
-bool waitForInput(const sigset_t& mask) {
-  fd_set input;
-  FD_ZERO(&input);
-  FD_SET(STDIN_FILENO, &input);
-  return ::pselect(STDIN_FILENO + 1, &input, nullptr, nullptr, nullptr, &mask) >= 0 || errno != EINTR;
 }
 
 std::size_t windowColumns() {
@@ -95,7 +66,6 @@ struct LineEditor::State {
   History* history = nullptr;
   std::string prompt;
   bool cancelled = false;
-  sigset_t maskOfWaiting = {};
 
   State(const Session& itsSession, bool itsColours, std::string itsFile)
       : session(itsSession), coloured(itsColours), historyFile(std::move(itsFile)) {}
@@ -114,10 +84,10 @@ struct LineEditor::State {
     std::mbstate_t decoder = {};
     while (true) {
       char byte = 0;
-      if (waitForInput(of(editor).maskOfWaiting)) {
-        const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
-        if (count <= 0) return static_cast<int>(count);
-      } else {
+      const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+      if (count == 0) return 0;
+      if (count < 0) {
+        if (errno != EINTR) return -1;
         takeUpSignals(editor);
         if (!interrupted()) continue;
         byte = kInterrupt;
@@ -217,8 +187,6 @@ LineRead LineEditor::read(std::string_view prompt, std::string& line) {
   }
   state.cancelled = false;
   int count = 0;
-  const PutOffSignals signals;
-  state.maskOfWaiting = signals.before();
   const char* text = el_gets(state.editor, &count);
   if (state.cancelled) return LineRead::Cancelled;
   if (text == nullptr || count <= 0) {
