@@ -128,19 +128,9 @@ MakeReady iterating(const char* type) {
   };
 }
 
-MakeReady walking(const char* type) {
-  return [=](std::int64_t n) -> Ready {
-    const Shared map = share(intMapOf(n, type));
-    const auto result = std::make_shared<std::int64_t>();
-    return {n,
-            [=] {
-              std::int64_t sum = 0;
-              vorn_walk walk;
-              vorn_inline_Map_walk(*map, &walk);
-              while (vorn_inline_Map_next(&walk)) sum += intInlineIn(walk.value);
-              *result = sum;
-            },
-            [=] { return digestOfNumber(*result); }};
+MakeReady walkingMap(const char* type) {
+  return [=](std::int64_t n) {
+    return summingByWalk<vorn_inline_Map_walk, vorn_inline_Map_next, &vorn_walk::value>(share(intMapOf(n, type)), n);
   };
 }
 
@@ -290,10 +280,15 @@ Ready addingTexts(std::int64_t n) {
           [=] { return digestOfSet(*set); }};
 }
 
+Shared intSetOf(std::int64_t n) {
+  Shared set = share(vorn_object_new("HashSet"));
+  for (const Int key : keysInOrder(n, kPutOrder)) vorn_collections_HashSet_add(*set, vorn_box_int(key));
+  return set;
+}
+
 template <auto has>
 Ready containingInts(std::int64_t n) {
-  const Shared set = share(vorn_object_new("HashSet"));
-  for (const Int key : keysInOrder(n, kPutOrder)) vorn_collections_HashSet_add(*set, vorn_box_int(key));
+  const Shared set = intSetOf(n);
   const auto keys = keepVector(keysInOrder(n, kGetOrder));
   const auto result = std::make_shared<std::int64_t>();
   return {n,
@@ -329,8 +324,7 @@ Ready containingTexts(std::int64_t n) {
 }
 
 Ready iteratingSet(std::int64_t n) {
-  const Shared set = share(vorn_object_new("HashSet"));
-  for (const Int key : keysInOrder(n, kPutOrder)) vorn_collections_HashSet_add(*set, vorn_box_int(key));
+  const Shared set = intSetOf(n);
   const auto result = std::make_shared<std::int64_t>();
   return {n,
           [=] {
@@ -341,18 +335,7 @@ Ready iteratingSet(std::int64_t n) {
 }
 
 Ready walkingSet(std::int64_t n) {
-  const Shared set = share(vorn_object_new("HashSet"));
-  for (const Int key : keysInOrder(n, kPutOrder)) vorn_collections_HashSet_add(*set, vorn_box_int(key));
-  const auto result = std::make_shared<std::int64_t>();
-  return {n,
-          [=] {
-            std::int64_t sum = 0;
-            vorn_walk walk;
-            vorn_inline_HashSet_walk(*set, &walk);
-            while (vorn_inline_HashSet_next(&walk)) sum += intInlineIn(walk.key);
-            *result = sum;
-          },
-          [=] { return digestOfNumber(*result); }};
+  return summingByWalk<vorn_inline_HashSet_walk, vorn_inline_HashSet_next, &vorn_walk::key>(intSetOf(n), n);
 }
 
 }  // namespace
@@ -364,7 +347,7 @@ void addNativeKeyed(Rows& rows) {
   rows.add(kNatives, "map-miss", "Int", gettingInts<findByNative, intIn>("Map", false));
   rows.add(kInline, "map-miss", "Int", gettingInts<findInline, intInlineIn>("Map", false));
   rows.add(kNatives, "map-iterate", "Int", iterating("Map"));
-  rows.add(kInline, "map-iterate", "Int", walking("Map"));
+  rows.add(kInline, "map-iterate", "Int", walkingMap("Map"));
   rows.add(kNatives, "map-remove", "Int", removingInts);
   rows.add(kNatives, "map-churn", "Int", churning);
   rows.add(kNatives, "map-put", "String", puttingTexts);
@@ -383,7 +366,7 @@ void addNativeKeyed(Rows& rows) {
   rows.add(kNatives, "sorted-get", "Int", gettingInts<findByNative, intIn>("SortedMap", true));
   rows.add(kInline, "sorted-get", "Int", gettingInts<findInline, intInlineIn>("SortedMap", true));
   rows.add(kNatives, "sorted-iterate", "Int", iterating("SortedMap"));
-  rows.add(kInline, "sorted-iterate", "Int", walking("SortedMap"));
+  rows.add(kInline, "sorted-iterate", "Int", walkingMap("SortedMap"));
   rows.add(kNatives, "small-maps", "Int", makingSmallMaps);
 }
 

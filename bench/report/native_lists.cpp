@@ -285,12 +285,17 @@ Ready removingFront(std::int64_t n) {
 
 // ---- Linked, small and shared ---------------------------------------------------------------------------------------
 
-// The natives have no iterator, and an index is walked to from the nearer end: the quick way through all elements is a
-// copy of their handles.
+Shared linkedObjects(std::int64_t n) {
+  const Handle objects = listOf<Object>(n);
+  Shared list = share(vorn_object_new("LinkedList<Object>"));
+  vorn_collections_ArrayList_addAll(*list, objects);
+  return list;
+}
+
+// Without a walk the quick way through all elements is a copy of their handles: an index is walked to from the nearer
+// end.
 Ready iteratingLinked(std::int64_t n) {
-  const Shared objects = share(listOf<Object>(n));
-  const Shared list = share(vorn_object_new("LinkedList<Object>"));
-  vorn_collections_ArrayList_addAll(*list, *objects);
+  const Shared list = linkedObjects(n);
   const auto result = std::make_shared<std::int64_t>();
   return {n,
           [=] {
@@ -304,19 +309,7 @@ Ready iteratingLinked(std::int64_t n) {
 }
 
 Ready walkingLinked(std::int64_t n) {
-  const Shared objects = share(listOf<Object>(n));
-  const Shared list = share(vorn_object_new("LinkedList<Object>"));
-  vorn_collections_ArrayList_addAll(*list, *objects);
-  const auto result = std::make_shared<std::int64_t>();
-  return {n,
-          [=] {
-            std::int64_t sum = 0;
-            vorn_walk walk;
-            vorn_inline_ArrayList_walk(*list, &walk);
-            while (vorn_inline_ArrayList_next(&walk)) sum += intInlineIn(walk.key);
-            *result = sum;
-          },
-          [=] { return digestOfNumber(*result); }};
+  return summingByWalk<vorn_inline_ArrayList_walk, vorn_inline_ArrayList_next, &vorn_walk::key>(linkedObjects(n), n);
 }
 
 Ready makingSmallLists(std::int64_t n) {
