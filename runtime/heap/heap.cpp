@@ -58,8 +58,8 @@ inline void* allocateAtOnce(std::size_t bytes) noexcept {
 }
 
 // What cannot be had at once: larger blocks, the first of many small ones, and everything rarer.
-template <BlockKind kind, BlockUse use>
-__attribute__((noinline)) void* allocateOtherwise(std::size_t bytes) noexcept {
+template <BlockKind kind>
+inline void* tryOtherwise(std::size_t bytes, BlockUse use) noexcept {
   ThreadState* const thread = currentThread;
   if (thread == nullptr || thread->allocatesSlowly || bytes > kLargestBlock) [[unlikely]]
     return allocateSlowly(bytes, kind, use);
@@ -73,30 +73,27 @@ __attribute__((noinline)) void* allocateOtherwise(std::size_t bytes) noexcept {
   return block;
 }
 
+// Who asks for a handle catches an exception; who asks for memory is answered null.
 template <BlockKind kind, BlockUse use>
-inline void* allocate(std::size_t bytes) noexcept {
+__attribute__((noinline)) void* allocateOtherwise(std::size_t bytes) noexcept(use == BlockUse::Memory) {
+  void* const block = tryOtherwise<kind>(bytes, use);
+  if constexpr (use == BlockUse::Handle) {
+    if (block == nullptr) throw std::bad_alloc();
+  }
+  return block;
+}
+
+template <BlockKind kind, BlockUse use>
+inline void* allocate(std::size_t bytes) noexcept(use == BlockUse::Memory) {
   void* const block = allocateAtOnce<kind, use>(bytes);
   return block != nullptr ? block : allocateOtherwise<kind, use>(bytes);
 }
 
-template <BlockKind kind>
-__attribute__((noinline)) void* allocateOtherwiseOrThrow(std::size_t bytes) {
-  void* const block = allocateOtherwise<kind, BlockUse::Handle>(bytes);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-
-template <BlockKind kind>
-inline void* allocateOrThrow(std::size_t bytes) {
-  void* const block = allocateAtOnce<kind, BlockUse::Handle>(bytes);
-  return block != nullptr ? block : allocateOtherwiseOrThrow<kind>(bytes);
-}
-
 }  // namespace
 
-void* allocateScanned(std::size_t bytes) { return allocateOrThrow<BlockKind::Scanned>(bytes); }
+void* allocateScanned(std::size_t bytes) { return allocate<BlockKind::Scanned, BlockUse::Handle>(bytes); }
 
-void* allocateAtomic(std::size_t bytes) { return allocateOrThrow<BlockKind::Atomic>(bytes); }
+void* allocateAtomic(std::size_t bytes) { return allocate<BlockKind::Atomic, BlockUse::Handle>(bytes); }
 
 void* tryAllocateScanned(std::size_t bytes) noexcept { return allocate<BlockKind::Scanned, BlockUse::Memory>(bytes); }
 

@@ -24,20 +24,17 @@ struct map_steps {
     return {element_traits<K>::from_handle(walk.key), element_traits<V>::from_handle(walk.value)};
   }
 };
-template <class T>
-struct set_steps {
+template <class T, auto begin_walk, auto next_of_walk>
+struct element_steps {
   using value_type = T;
-  static void begin(void* set, vorn_walk& walk) { vorn_inline_HashSet_walk(set, &walk); }
-  static bool next(vorn_walk& walk) { return vorn_inline_HashSet_next(&walk); }
+  static void begin(void* collection, vorn_walk& walk) { begin_walk(collection, &walk); }
+  static bool next(vorn_walk& walk) { return next_of_walk(&walk); }
   static value_type at(const vorn_walk& walk) { return element_traits<T>::from_handle(walk.key); }
 };
 template <class T>
-struct list_steps {
-  using value_type = T;
-  static void begin(void* list, vorn_walk& walk) { vorn_inline_ArrayList_walk(list, &walk); }
-  static bool next(vorn_walk& walk) { return vorn_inline_ArrayList_next(&walk); }
-  static value_type at(const vorn_walk& walk) { return element_traits<T>::from_handle(walk.key); }
-};
+using set_steps = element_steps<T, vorn_inline_HashSet_walk, vorn_inline_HashSet_next>;
+template <class T>
+using list_steps = element_steps<T, vorn_inline_ArrayList_walk, vorn_inline_ArrayList_next>;
 
 // A walk over a collection, which it keeps alive: an input range for one loop at a time, since begin() starts anew. The
 // program must have been compiled with the headers of the library in use (docs/inline.md); begin() ends it otherwise.
