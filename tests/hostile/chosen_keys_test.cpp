@@ -6,19 +6,11 @@
 
 #include "collections/core/port/keys.h"
 #include "collections/keyed/map_data.h"
-#include "runtime/heap/sanitizers.h"
 #include "runtime/keys/hash_seed.h"
 #include "tests/support/runtime_test.h"
 
 namespace vorn::tests {
 namespace {
-
-// Sanitizers take many times as long, and have nothing to find in counts.
-#if defined(VORN_ASAN) || defined(__SANITIZE_THREAD__)
-constexpr std::int64_t kMost = 50'000;
-#else
-constexpr std::int64_t kMost = 1'000'000;
-#endif
 
 // The seed of the process is put back.
 class ChosenKeys : public RuntimeTest {
@@ -29,7 +21,7 @@ class ChosenKeys : public RuntimeTest {
     RuntimeTest::TearDown();
   }
 
-  static std::int64_t count() { return onStressHeap() ? 5000 : kMost; }
+  static std::int64_t count() { return onStressHeap() ? 5000 : underTool() ? 50'000 : 1'000'000; }
 
  private:
   KeyHashSeed before_ = {};

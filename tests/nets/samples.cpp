@@ -159,16 +159,7 @@ const CollectionClass* synchronisedTwin(const CollectionClass& type) {
   return nullptr;
 }
 
-bool inFull() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  return false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-  return false;
-#endif
-#endif
-  return !onStressHeap();
-}
+bool inFull() { return !underTool() && !onStressHeap(); }
 
 namespace {
 

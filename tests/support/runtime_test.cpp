@@ -18,6 +18,15 @@ bool onStressHeap() {
   return stress;
 }
 
+bool underTool() {
+#if defined(VORN_ASAN) || defined(VORN_TSAN)
+  return true;
+#else
+  static const bool named = std::getenv("VORN_TEST_TOOL") != nullptr;
+  return named;
+#endif
+}
+
 Handle integer(const char* type, std::int64_t value) { return vorn_box_integer(type, value); }
 Handle floating(const char* type, double value) { return vorn_box_floating(type, value); }
 Handle boolean(bool value) { return vorn_box_boolean(value); }

@@ -39,6 +39,10 @@ vorn_runtime_options testOptions();
 // Whether the tests run on the stress heap; slow tests shrink there.
 bool onStressHeap();
 
+// Whether something looks at each step of the process, so that it takes ten to a hundred times as long: the build's
+// sanitizer, or the tool that the environment names as VORN_TEST_TOOL. Slow tests shrink under it as well.
+bool underTool();
+
 // Fails the current test when the list's record is broken.
 #define EXPECT_VALID_LIST(handle) EXPECT_EQ(::vorn::collections::validateListData(*getListData(handle)), "")
 
