@@ -12,7 +12,7 @@ import programs  # noqa: E402
 import workloads  # noqa: E402
 from columns import COLUMNS  # noqa: E402
 
-TINY = measure.Effort(rounds=2, seconds=0.0005, warm_up=0.0)
+TINY = measure.Effort(rounds=2, seconds=0.0005, warm_up=0.0, patience=60)
 
 
 class Python(unittest.TestCase):
@@ -35,6 +35,12 @@ class Python(unittest.TestCase):
                 self.assertEqual(len(row["samples"]["CPython"]), TINY.rounds)
                 self.assertTrue(all(time > 0 for time in row["samples"]["CPython"]))
                 self.assertRegex(row["checksums"]["CPython"], r"^\d+$")
+
+    def test_a_slow_row_ends_after_the_fewest_rounds(self):
+        impatient = TINY._replace(rounds=9, patience=0)
+        row = measure.measure_row(
+            {"CPython": ("lists", self.program)}, self.table["append"], "Int", 10, impatient)
+        self.assertEqual(len(row["samples"]["CPython"]), measure.FEWEST_ROUNDS)
 
     def test_checksum_of_ten_appended_numbers(self):
         expected = 0
