@@ -26,8 +26,7 @@ Ready joining(std::int64_t n) {
 void addAbseil(Rows& rows) {
   addHashed<absl::flat_hash_map<Int, std::int32_t>, absl::flat_hash_set<Int>>(rows, kAbseil);
   addHashed<absl::flat_hash_map<std::string, std::int32_t>, absl::flat_hash_set<std::string>>(rows, kAbseil);
-  addForNumbers<absl::flat_hash_map<Int, std::int32_t>, absl::flat_hash_set<Int>, absl::btree_map<Int, std::int32_t>>(
-      rows, kAbseil);
+  addForNumbers<absl::flat_hash_map<Int, std::int32_t>, absl::btree_map<Int, std::int32_t>>(rows, kAbseil);
   rows.add(kAbseil, "join", "Int", joining<Int>);
   rows.add(kAbseil, "join", "String", joining<std::string>);
 }

@@ -215,14 +215,17 @@ struct TableState {
         values(shuffledOrder(n, kPutOrder)),
         wanted(keysFor<Key>(n, kGetOrder, present)) {}
 
-  void fill() {
+  void insert(std::size_t index) {
+    g_hash_table_insert(table.get(), pointerTo(keys[index]), GINT_TO_POINTER(values[index]));
+  }
+  // Puts the first `count` keys into a new table.
+  void fill(std::size_t count) {
     constexpr bool kTexts = std::is_same_v<Key, std::string>;
     table = {g_hash_table_new(kTexts ? g_str_hash : g_direct_hash, kTexts ? g_str_equal : g_direct_equal),
              g_hash_table_unref};
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-      g_hash_table_insert(table.get(), pointerTo(keys[i]), GINT_TO_POINTER(values[i]));
-    }
+    for (std::size_t i = 0; i < count; ++i) insert(i);
   }
+  void fill() { fill(keys.size()); }
   [[nodiscard]] std::int64_t sum() const {
     GHashTableIter iterator;
     g_hash_table_iter_init(&iterator, table.get());
@@ -265,11 +268,12 @@ Ready getting(std::int64_t n, bool present) {
       digestOfResult<Key>);
 }
 
+template <class Key>
 Ready iterating(std::int64_t n) {
-  TableState<Int> filled(n, true);
+  TableState<Key> filled(n, true);
   filled.fill();
   return sharing(
-      n, std::move(filled), [](TableState<Int>& state) { state.result = state.sum(); }, digestOfResult<Int>);
+      n, std::move(filled), [](TableState<Key>& state) { state.result = state.sum(); }, digestOfResult<Key>);
 }
 
 template <class Key>
@@ -283,13 +287,32 @@ Ready removing(std::int64_t n) {
       digestOfTable<Key>);
 }
 
+// Of twice as many keys, half are in the table at any time.
+template <class Key>
+Ready churning(std::int64_t n) {
+  TableState<Key> first(2 * n, true);
+  first.fill(static_cast<std::size_t>(n));
+  return sharing(
+      n, std::move(first),
+      [=, oldest = std::int64_t{0}](TableState<Key>& state) mutable {
+        for (std::int64_t i = 0; i < n; ++i) {
+          g_hash_table_remove(state.table.get(), pointerTo(state.keys[static_cast<std::size_t>(oldest)]));
+          state.insert(static_cast<std::size_t>(oldest < n ? oldest + n : oldest - n));
+          oldest = oldest + 1 < 2 * n ? oldest + 1 : 0;
+        }
+      },
+      digestOfTable<Key>);
+}
+
 template <class Key>
 void addTables(Rows& rows) {
   const char* const kind = kNameOf<Key>;
   rows.add(kGlib, "map-put", kind, putting<Key>);
   rows.add(kGlib, "map-get", kind, [](std::int64_t n) { return getting<Key>(n, true); });
   rows.add(kGlib, "map-miss", kind, [](std::int64_t n) { return getting<Key>(n, false); });
+  rows.add(kGlib, "map-iterate", kind, iterating<Key>);
   rows.add(kGlib, "map-remove", kind, removing<Key>);
+  rows.add(kGlib, "map-churn", kind, churning<Key>);
 }
 
 // ---- Trees ----------------------------------------------------------------------------------------------------------
@@ -365,7 +388,6 @@ void addGlib(Rows& rows) {
   rows.add(kGlib, "join", "Int", joining);
   addTables<Int>(rows);
   addTables<std::string>(rows);
-  rows.add(kGlib, "map-iterate", "Int", iterating);
   rows.add(kGlib, "sorted-put", "Int", puttingSorted);
   rows.add(kGlib, "sorted-get", "Int", [](std::int64_t n) { return onTree(n, getSorted); });
   rows.add(kGlib, "sorted-iterate", "Int",

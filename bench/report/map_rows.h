@@ -14,115 +14,138 @@ std::vector<Key> keysFor(std::int64_t n, std::uint32_t seed, bool present = true
   }
 }
 
-template <class Map>
-std::uint32_t digestOfMap(const Map& map) {
-  std::int64_t sum = 0;
-  for (const auto& entry : map) sum += entry.second;
-  return digestOfEntries(static_cast<std::int64_t>(map.size()), sum);
+// Maps and sets as one: sets have no values, and what is added up of them are the elements, of texts the lengths.
+template <class Collection>
+void putInto(Collection& collection, const typename Collection::key_type& key, std::int32_t value) {
+  if constexpr (requires { typename Collection::mapped_type; }) {
+    collection[key] = value;
+  } else {
+    collection.insert(key);
+  }
 }
 
-// Keys with their values, and a map.
-template <class Map>
-struct MapState {
-  std::vector<typename Map::key_type> keys;
+template <class Collection>
+std::int64_t sumOf(const Collection& collection) {
+  std::int64_t sum = 0;
+  for (const auto& element : collection) {
+    if constexpr (requires { typename Collection::mapped_type; }) {
+      sum += element.second;
+    } else if constexpr (std::is_same_v<typename Collection::key_type, std::string>) {
+      sum += static_cast<std::int64_t>(element.size());
+    } else {
+      sum += element;
+    }
+  }
+  return sum;
+}
+
+// Keys with their values, and a collection.
+template <class Collection>
+struct KeyedState {
+  using Key = typename Collection::key_type;
+  std::vector<Key> keys;
   std::vector<std::int32_t> values;
-  Map map;
-  std::vector<typename Map::key_type> wanted;
+  Collection collection;
+  std::vector<Key> wanted;  // what is looked up or removed
   std::int64_t result = 0;
 
-  static void putAll(Map& map, const std::vector<typename Map::key_type>& keys,
-                     const std::vector<std::int32_t>& values) {
-    for (std::size_t i = 0; i < keys.size(); ++i) map[keys[i]] = values[i];
+  explicit KeyedState(std::int64_t n) : keys(keysFor<Key>(n, kPutOrder)), values(shuffledOrder(n, kPutOrder)) {}
+
+  // The first n keys.
+  void putAll(Collection& target, std::int64_t n) const {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i) putInto(target, keys[i], values[i]);
   }
 };
 
-template <class Map>
-MapState<Map> mapState(std::int64_t n, bool filled) {
-  using Key = typename Map::key_type;
-  MapState<Map> state{keysFor<Key>(n, kPutOrder), shuffledOrder(n, kPutOrder), {}, {}};
-  if (filled) MapState<Map>::putAll(state.map, state.keys, state.values);
+template <class Collection>
+KeyedState<Collection> filled(std::int64_t n) {
+  KeyedState<Collection> state(n);
+  state.putAll(state.collection, n);
   return state;
 }
 
-template <class Map>
-Ready putting(std::int64_t n) {
-  return sharing(
-      n, mapState<Map>(n, false),
-      [](MapState<Map>& state) {
-        Map map;
-        MapState<Map>::putAll(map, state.keys, state.values);
-        state.map = std::move(map);
-      },
-      [](const MapState<Map>& state) { return digestOfMap(state.map); });
+template <class Collection>
+std::uint32_t digestOfCollection(const KeyedState<Collection>& state) {
+  return digestOfEntries(static_cast<std::int64_t>(state.collection.size()), sumOf(state.collection));
 }
 
-template <class Map, bool present>
-Ready getting(std::int64_t n) {
-  MapState<Map> filled = mapState<Map>(n, true);
-  filled.wanted = keysFor<typename Map::key_type>(n, kGetOrder, present);
+template <class Collection>
+std::uint32_t digestOfResult(const KeyedState<Collection>& state) {
+  return digestOfNumber(state.result);
+}
+
+template <class Collection>
+Ready adding(std::int64_t n) {
   return sharing(
-      n, std::move(filled),
-      [](MapState<Map>& state) {
+      n, KeyedState<Collection>(n),
+      [=](KeyedState<Collection>& state) {
+        Collection collection;
+        state.putAll(collection, n);
+        state.collection = std::move(collection);
+      },
+      digestOfCollection<Collection>);
+}
+
+// Adds up the values of keys, or counts the elements, that are there.
+template <class Collection, bool present>
+Ready lookingUp(std::int64_t n) {
+  KeyedState<Collection> state = filled<Collection>(n);
+  state.wanted = keysFor<typename Collection::key_type>(n, kGetOrder, present);
+  return sharing(
+      n, std::move(state),
+      [](KeyedState<Collection>& state) {
         std::int64_t sum = 0;
         for (const auto& key : state.wanted) {
-          const auto found = state.map.find(key);
-          if (found != state.map.end()) sum += found->second;
+          if constexpr (requires { typename Collection::mapped_type; }) {
+            const auto found = state.collection.find(key);
+            if (found != state.collection.end()) sum += found->second;
+          } else {
+            sum += state.collection.contains(key) ? 1 : 0;
+          }
         }
         state.result = sum;
       },
-      [](const MapState<Map>& state) { return digestOfNumber(state.result); });
+      digestOfResult<Collection>);
 }
 
-template <class Map>
+template <class Collection>
 Ready iterating(std::int64_t n) {
   return sharing(
-      n, mapState<Map>(n, true),
-      [](MapState<Map>& state) {
-        std::int64_t sum = 0;
-        for (const auto& entry : state.map) sum += entry.second;
-        state.result = sum;
-      },
-      [](const MapState<Map>& state) { return digestOfNumber(state.result); });
+      n, filled<Collection>(n), [](KeyedState<Collection>& state) { state.result = sumOf(state.collection); },
+      digestOfResult<Collection>);
 }
 
-template <class Map>
+template <class Collection>
 Ready removing(std::int64_t n) {
-  MapState<Map> empty = mapState<Map>(n, false);
-  empty.wanted = keysFor<typename Map::key_type>(n, kGetOrder);
+  KeyedState<Collection> state(n);
+  state.wanted = keysFor<typename Collection::key_type>(n, kGetOrder);
   return sharing(
-      n, std::move(empty),
-      [](MapState<Map>& state) {
-        Map map;
-        MapState<Map>::putAll(map, state.keys, state.values);
-        for (const auto& key : state.wanted) map.erase(key);
-        state.map = std::move(map);
+      n, std::move(state),
+      [=](KeyedState<Collection>& state) {
+        Collection collection;
+        state.putAll(collection, n);
+        for (const auto& key : state.wanted) collection.erase(key);
+        state.collection = std::move(collection);
       },
-      [](const MapState<Map>& state) { return digestOfMap(state.map); });
+      digestOfCollection<Collection>);
 }
 
-template <class Map>
-struct ChurnState {
-  std::vector<std::int32_t> order;
-  Map map;
-  std::int64_t oldest;
-};
-
-template <class Map>
+// Of twice as many keys, half are in the collection at any time.
+template <class Collection>
 Ready churning(std::int64_t n) {
-  ChurnState<Map> first{shuffledOrder(2 * n, kPutOrder), {}, 0};
-  for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i) first.map[keyOf(first.order[i])] = first.order[i];
+  KeyedState<Collection> first(2 * n);
+  first.putAll(first.collection, n);
   return sharing(
       n, std::move(first),
-      [=](ChurnState<Map>& state) {
+      [=, oldest = std::int64_t{0}](KeyedState<Collection>& state) mutable {
         for (std::int64_t i = 0; i < n; ++i) {
-          const std::int64_t at = state.oldest;
-          const std::int32_t newest = state.order[static_cast<std::size_t>(at < n ? at + n : at - n)];
-          state.map.erase(keyOf(state.order[static_cast<std::size_t>(at)]));
-          state.map[keyOf(newest)] = newest;
-          state.oldest = at + 1 < 2 * n ? at + 1 : 0;
+          const auto newest = static_cast<std::size_t>(oldest < n ? oldest + n : oldest - n);
+          state.collection.erase(state.keys[static_cast<std::size_t>(oldest)]);
+          putInto(state.collection, state.keys[newest], state.values[newest]);
+          oldest = oldest + 1 < 2 * n ? oldest + 1 : 0;
         }
       },
-      [](const ChurnState<Map>& state) { return digestOfMap(state.map); });
+      digestOfCollection<Collection>);
 }
 
 template <class Map>
@@ -141,81 +164,31 @@ Ready makingSmallMaps(std::int64_t n) {
       [](std::int64_t sum) { return digestOfNumber(sum); });
 }
 
-// ---- Sets -----------------------------------------------------------------------------------------------------------
-
-template <class Set>
-struct SetState {
-  std::vector<typename Set::key_type> keys;
-  Set set;
-  std::int64_t result = 0;
-};
-
-template <class Set>
-Ready adding(std::int64_t n) {
-  return sharing(
-      n, SetState<Set>{keysFor<typename Set::key_type>(n, kPutOrder), {}},
-      [](SetState<Set>& state) {
-        Set set;
-        for (const auto& key : state.keys) set.insert(key);
-        state.set = std::move(set);
-      },
-      [](const SetState<Set>& state) { return digestOfNumber(static_cast<std::int64_t>(state.set.size())); });
-}
-
-template <class Set>
-SetState<Set> filledSet(std::int64_t n) {
-  using Key = typename Set::key_type;
-  SetState<Set> state{keysFor<Key>(n, kGetOrder), {}};
-  for (const Key& key : keysFor<Key>(n, kPutOrder)) state.set.insert(key);
-  return state;
-}
-
-template <class Set>
-Ready containing(std::int64_t n) {
-  return sharing(
-      n, filledSet<Set>(n),
-      [](SetState<Set>& state) {
-        std::int64_t found = 0;
-        for (const auto& key : state.keys) found += state.set.contains(key) ? 1 : 0;
-        state.result = found;
-      },
-      [](const SetState<Set>& state) { return digestOfNumber(state.result); });
-}
-
-template <class Set>
-Ready iteratingSet(std::int64_t n) {
-  return sharing(
-      n, filledSet<Set>(n),
-      [](SetState<Set>& state) {
-        std::int64_t sum = 0;
-        for (const auto key : state.set) sum += key;
-        state.result = sum;
-      },
-      [](const SetState<Set>& state) { return digestOfNumber(state.result); });
-}
-
 // ---- The table ------------------------------------------------------------------------------------------------------
 
 template <class Map, class Set>
 void addHashed(Rows& rows, const char* form) {
   const char* const kind = kNameOf<typename Map::key_type>;
-  rows.add(form, "map-put", kind, putting<Map>);
-  rows.add(form, "map-get", kind, getting<Map, true>);
-  rows.add(form, "map-miss", kind, getting<Map, false>);
+  rows.add(form, "map-put", kind, adding<Map>);
+  rows.add(form, "map-get", kind, lookingUp<Map, true>);
+  rows.add(form, "map-miss", kind, lookingUp<Map, false>);
+  rows.add(form, "map-iterate", kind, iterating<Map>);
   rows.add(form, "map-remove", kind, removing<Map>);
+  rows.add(form, "map-churn", kind, churning<Map>);
   rows.add(form, "set-add", kind, adding<Set>);
-  rows.add(form, "set-contains", kind, containing<Set>);
+  rows.add(form, "set-contains", kind, lookingUp<Set, true>);
+  rows.add(form, "set-miss", kind, lookingUp<Set, false>);
+  rows.add(form, "set-iterate", kind, iterating<Set>);
+  rows.add(form, "set-remove", kind, removing<Set>);
+  rows.add(form, "set-churn", kind, churning<Set>);
 }
 
 // What is measured with numbers as keys only.
-template <class Map, class Set, class SortedMap>
+template <class Map, class SortedMap>
 void addForNumbers(Rows& rows, const char* form) {
-  rows.add(form, "map-iterate", "Int", iterating<Map>);
-  rows.add(form, "map-churn", "Int", churning<Map>);
   rows.add(form, "small-maps", "Int", makingSmallMaps<Map>);
-  rows.add(form, "set-iterate", "Int", iteratingSet<Set>);
-  rows.add(form, "sorted-put", "Int", putting<SortedMap>);
-  rows.add(form, "sorted-get", "Int", getting<SortedMap, true>);
+  rows.add(form, "sorted-put", "Int", adding<SortedMap>);
+  rows.add(form, "sorted-get", "Int", lookingUp<SortedMap, true>);
   rows.add(form, "sorted-iterate", "Int", iterating<SortedMap>);
 }
 

@@ -119,8 +119,8 @@ std::uint32_t digestOfList(void* list) {
   return digest.value();
 }
 
-// Sums the Ints of a collection of n by the two functions of a walk over it.
-template <auto begin, auto next, auto element>
+// Sums what `read` gives for the elements of a collection of n, by the two functions of a walk over it.
+template <auto begin, auto next, auto element, auto read = intInlineIn>
 Ready summingByWalk(const Shared& collection, std::int64_t n) {
   const auto result = std::make_shared<std::int64_t>();
   return {n,
@@ -128,7 +128,7 @@ Ready summingByWalk(const Shared& collection, std::int64_t n) {
             std::int64_t sum = 0;
             vorn_walk walk;
             begin(*collection, &walk);
-            while (next(&walk)) sum += intInlineIn(walk.*element);
+            while (next(&walk)) sum += read(walk.*element);
             *result = sum;
           },
           [=] { return digestOfNumber(*result); }};

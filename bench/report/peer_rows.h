@@ -54,7 +54,7 @@ inline std::vector<std::unique_ptr<Item>> itemsOf(std::int64_t n) {
 template <class State, class Run, class Checksum>
 Ready sharing(std::int64_t operations, State state, Run run, Checksum checksum) {
   const auto shared = std::make_shared<State>(std::move(state));
-  return {operations, [=] { run(*shared); }, [=] { return checksum(*shared); }};
+  return {operations, [=]() mutable { run(*shared); }, [=] { return checksum(*shared); }};
 }
 
 // Sorts plain memory by `sort(data, length)`.

@@ -220,12 +220,7 @@ func digestOfDigits(text string) uint32 {
 	return uint32(result)
 }
 
-func digestOfMap[K comparable](entries map[K]int32) uint32 {
-	sum := int64(len(entries)) * 31
-	for _, value := range entries {
-		sum += int64(value)
-	}
-	return uint32(sum)
-}
+// digestOfEntries is that of a map or a set, whatever its order.
+func digestOfEntries(size int, sum int64) uint32 { return uint32(int64(size)*31 + sum) }
 
 func digestOfFloat(value float64) uint32 { return uint32(int64(value * 2)) }

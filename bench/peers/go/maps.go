@@ -2,37 +2,78 @@ package main
 
 // The workloads on Go's maps, which stand for sets too. It has no sorted map of its own.
 
-func putAll[K comparable](entries map[K]int32, keys []K, values []int32) {
+// keyMaker makes the keys of a workload.
+type keyMaker[K comparable] func(n int, seed uint32, present bool) []K
+
+// valueMaker makes the values of a map's keys, or the nothings of a set's elements.
+type valueMaker[V any] func(n int, seed uint32) []V
+
+func noValues(n int, _ uint32) []struct{} { return make([]struct{}, n) }
+
+func putAll[K comparable, V any](entries map[K]V, keys []K, values []V) {
 	for i, key := range keys {
 		entries[key] = values[i]
 	}
 }
 
-func mapPut[K comparable](keys func(n int, seed uint32, present bool) []K) maker {
+func filled[K comparable, V any](keys keyMaker[K], values valueMaker[V], n int) map[K]V {
+	entries := make(map[K]V)
+	putAll(entries, keys(n, putOrder, true), values(n, putOrder))
+	return entries
+}
+
+// build measures a map or set that is made of n keys, all of which are then removed where that is wanted.
+func build[K comparable, V any](keys keyMaker[K], values valueMaker[V], remove bool, digest func(map[K]V) uint32) maker {
 	return func(n int) *row {
-		inserted, values := keys(n, putOrder, true), shuffledOrder(n, putOrder)
-		var result map[K]int32
+		inserted, kept := keys(n, putOrder, true), values(n, putOrder)
+		var removed []K
+		if remove {
+			removed = keys(n, getOrder, true)
+		}
+		var result map[K]V
 		return &row{
 			operations: n,
 			run: func() {
-				entries := make(map[K]int32)
-				putAll(entries, inserted, values)
+				entries := make(map[K]V)
+				putAll(entries, inserted, kept)
+				for _, key := range removed {
+					delete(entries, key)
+				}
 				result = entries
 			},
-			checksum: func() uint32 { return digestOfMap(result) },
+			checksum: func() uint32 { return digest(result) },
 		}
 	}
 }
 
-func filledMap[K comparable](keys func(n int, seed uint32, present bool) []K, n int) map[K]int32 {
-	entries := make(map[K]int32)
-	putAll(entries, keys(n, putOrder, true), shuffledOrder(n, putOrder))
-	return entries
+// churn has half of twice as many keys in a map or set at any time.
+func churn[K comparable, V any](keys keyMaker[K], values valueMaker[V], digest func(map[K]V) uint32) maker {
+	return func(n int) *row {
+		all, kept := keys(2*n, putOrder, true), values(2*n, putOrder)
+		entries := make(map[K]V)
+		putAll(entries, all[:n], kept[:n])
+		oldest := 0
+		return &row{
+			operations: n,
+			run: func() {
+				for i := 0; i < n; i++ {
+					newest := (oldest + n) % (2 * n)
+					delete(entries, all[oldest])
+					entries[all[newest]] = kept[newest]
+					oldest++
+					if oldest == 2*n {
+						oldest = 0
+					}
+				}
+			},
+			checksum: func() uint32 { return digest(entries) },
+		}
+	}
 }
 
-func mapGet[K comparable](keys func(n int, seed uint32, present bool) []K, present bool) maker {
+func mapGet[K comparable](keys keyMaker[K], present bool) maker {
 	return func(n int) *row {
-		entries := filledMap(keys, n)
+		entries := filled(keys, shuffledOrder, n)
 		wanted := keys(n, getOrder, present)
 		var result int64
 		return &row{
@@ -51,64 +92,29 @@ func mapGet[K comparable](keys func(n int, seed uint32, present bool) []K, prese
 	}
 }
 
-func mapIterate(n int) *row {
-	entries := filledMap(keysInOrder, n)
-	var result int64
-	return &row{
-		operations: n,
-		run: func() {
-			var sum int64
-			for _, value := range entries {
-				sum += int64(value)
-			}
-			result = sum
-		},
-		checksum: func() uint32 { return uint32(result) },
-	}
-}
-
-func mapRemove[K comparable](keys func(n int, seed uint32, present bool) []K) maker {
+// iterate adds up what sum makes of a map or set.
+func iterate[K comparable, V any](keys keyMaker[K], values valueMaker[V], sum func(map[K]V) int64) maker {
 	return func(n int) *row {
-		inserted, values := keys(n, putOrder, true), shuffledOrder(n, putOrder)
-		removed := keys(n, getOrder, true)
-		var result map[K]int32
+		entries := filled(keys, values, n)
+		var result int64
 		return &row{
 			operations: n,
-			run: func() {
-				entries := make(map[K]int32)
-				putAll(entries, inserted, values)
-				for _, key := range removed {
-					delete(entries, key)
-				}
-				result = entries
-			},
-			checksum: func() uint32 { return digestOfMap(result) },
+			run:        func() { result = sum(entries) },
+			checksum:   func() uint32 { return uint32(result) },
 		}
 	}
 }
 
-func mapChurn(n int) *row {
-	order := shuffledOrder(2*n, putOrder)
-	entries := make(map[int32]int32)
-	for _, number := range order[:n] {
-		entries[keyOf(number)] = number
+func sumOfValues[K comparable](entries map[K]int32) int64 {
+	var sum int64
+	for _, value := range entries {
+		sum += int64(value)
 	}
-	oldest := 0
-	return &row{
-		operations: n,
-		run: func() {
-			for i := 0; i < n; i++ {
-				newest := order[(oldest+n)%(2*n)]
-				delete(entries, keyOf(order[oldest]))
-				entries[keyOf(newest)] = newest
-				oldest++
-				if oldest == 2*n {
-					oldest = 0
-				}
-			}
-		},
-		checksum: func() uint32 { return digestOfMap(entries) },
-	}
+	return sum
+}
+
+func digestOfMap[K comparable](entries map[K]int32) uint32 {
+	return digestOfEntries(len(entries), sumOfValues(entries))
 }
 
 // smallMaps keeps the map that it made last, so that none is made on the stack.
@@ -135,30 +141,10 @@ func smallMaps(n int) *row {
 
 // ---- Sets ----
 
-func setOf[K comparable](keys []K) map[K]struct{} {
-	members := make(map[K]struct{})
-	for _, key := range keys {
-		members[key] = struct{}{}
-	}
-	return members
-}
-
-func setAdd[K comparable](keys func(n int, seed uint32, present bool) []K) maker {
+func setContains[K comparable](keys keyMaker[K], present bool) maker {
 	return func(n int) *row {
-		inserted := keys(n, putOrder, true)
-		var result map[K]struct{}
-		return &row{
-			operations: n,
-			run:        func() { result = setOf(inserted) },
-			checksum:   func() uint32 { return uint32(len(result)) },
-		}
-	}
-}
-
-func setContains[K comparable](keys func(n int, seed uint32, present bool) []K) maker {
-	return func(n int) *row {
-		members := setOf(keys(n, putOrder, true))
-		wanted := keys(n, getOrder, true)
+		members := filled(keys, noValues, n)
+		wanted := keys(n, getOrder, present)
 		var result int
 		return &row{
 			operations: n,
@@ -176,37 +162,45 @@ func setContains[K comparable](keys func(n int, seed uint32, present bool) []K) 
 	}
 }
 
-func setIterate(n int) *row {
-	members := setOf(keysInOrder(n, putOrder, true))
-	var result int64
-	return &row{
-		operations: n,
-		run: func() {
-			var sum int64
-			for key := range members {
-				sum += int64(key)
-			}
-			result = sum
-		},
-		checksum: func() uint32 { return uint32(result) },
+func sumOfNumbers(members map[int32]struct{}) int64 {
+	var sum int64
+	for member := range members {
+		sum += int64(member)
 	}
+	return sum
+}
+
+func sumOfLengths(members map[string]struct{}) int64 {
+	var sum int64
+	for member := range members {
+		sum += int64(len(member))
+	}
+	return sum
+}
+
+func digestOfSet[K comparable](sum func(map[K]struct{}) int64) func(map[K]struct{}) uint32 {
+	return func(members map[K]struct{}) uint32 { return digestOfEntries(len(members), sum(members)) }
+}
+
+// ---- The table ----
+
+func addKeyed[K comparable](rows rowTable, kind string, keys keyMaker[K], sum func(map[K]struct{}) int64) {
+	rows.add("map-put", kind, build(keys, shuffledOrder, false, digestOfMap[K]))
+	rows.add("map-get", kind, mapGet(keys, true))
+	rows.add("map-miss", kind, mapGet(keys, false))
+	rows.add("map-iterate", kind, iterate(keys, shuffledOrder, sumOfValues[K]))
+	rows.add("map-remove", kind, build(keys, shuffledOrder, true, digestOfMap[K]))
+	rows.add("map-churn", kind, churn(keys, shuffledOrder, digestOfMap[K]))
+	rows.add("set-add", kind, build(keys, noValues, false, digestOfSet(sum)))
+	rows.add("set-contains", kind, setContains(keys, true))
+	rows.add("set-miss", kind, setContains(keys, false))
+	rows.add("set-iterate", kind, iterate(keys, noValues, sum))
+	rows.add("set-remove", kind, build(keys, noValues, true, digestOfSet(sum)))
+	rows.add("set-churn", kind, churn(keys, noValues, digestOfSet(sum)))
 }
 
 func addMaps(rows rowTable) {
-	rows.add("map-put", "Int", mapPut(keysInOrder))
-	rows.add("map-put", "String", mapPut(textKeysInOrder))
-	rows.add("map-get", "Int", mapGet(keysInOrder, true))
-	rows.add("map-get", "String", mapGet(textKeysInOrder, true))
-	rows.add("map-miss", "Int", mapGet(keysInOrder, false))
-	rows.add("map-miss", "String", mapGet(textKeysInOrder, false))
-	rows.add("map-iterate", "Int", mapIterate)
-	rows.add("map-remove", "Int", mapRemove(keysInOrder))
-	rows.add("map-remove", "String", mapRemove(textKeysInOrder))
-	rows.add("map-churn", "Int", mapChurn)
-	rows.add("set-add", "Int", setAdd(keysInOrder))
-	rows.add("set-add", "String", setAdd(textKeysInOrder))
-	rows.add("set-contains", "Int", setContains(keysInOrder))
-	rows.add("set-contains", "String", setContains(textKeysInOrder))
-	rows.add("set-iterate", "Int", setIterate)
+	addKeyed(rows, "Int", keysInOrder, sumOfNumbers)
+	addKeyed(rows, "String", textKeysInOrder, sumOfLengths)
 	rows.add("small-maps", "Int", smallMaps)
 }

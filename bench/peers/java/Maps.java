@@ -7,170 +7,271 @@ import java.util.TreeMap;
 /** The workloads on maps and sets. Numbers are boxed where a program would, in the loop. */
 final class Maps {
   private static final String FORM = "collections";
+  private static final String BOTH = "Int,String";
+
+  private static final Kind<Map<Object, Integer>> MAPS = new MapKind();
+  private static final Kind<Map<Object, Integer>> SORTED_MAPS = new SortedMapKind();
+  private static final Kind<Set<Object>> SETS = new SetKind();
 
   private Maps() {}
 
-  /** A row whose result is a map. */
-  private abstract static class Building extends Row {
-    Building(long operations) {
-      super(operations);
+  // ---- Keys --------------------------------------------------------------------------------------------------------
+
+  /** Keys that are there before the clock starts: numbers without boxes, or texts. */
+  private abstract static class Keys {
+    static Keys of(String kind, int n, int seed, boolean present) {
+      return kind.equals("String")
+          ? new TextKeys(Definitions.textKeysInOrder(n, seed, present))
+          : new IntKeys(Definitions.keysInOrder(n, seed, present));
+    }
+
+    static Keys put(String kind, int n) {
+      return of(kind, n, Definitions.PUT_ORDER, true);
+    }
+
+    /** A number in a new box. */
+    abstract Object at(int index);
+  }
+
+  private static final class IntKeys extends Keys {
+    private final int[] numbers;
+
+    IntKeys(int[] numbers) {
+      this.numbers = numbers;
     }
 
     @Override
-    long checksum() {
-      Map<?, ?> map = (Map<?, ?>) result;
+    Object at(int index) {
+      return numbers[index];
+    }
+  }
+
+  private static final class TextKeys extends Keys {
+    private final String[] texts;
+
+    TextKeys(String[] texts) {
+      this.texts = texts;
+    }
+
+    @Override
+    Object at(int index) {
+      return texts[index];
+    }
+  }
+
+  // ---- Maps and sets as one ----------------------------------------------------------------------------------------
+
+  /** What maps and sets do in their own ways. */
+  private abstract static class Kind<Collection> {
+    abstract Collection make();
+
+    abstract int size(Collection collection);
+
+    abstract void put(Collection collection, Object key, int value);
+
+    abstract void remove(Collection collection, Object key);
+
+    /** The value of a key, or 1 for an element; 0 where there is none. */
+    abstract int look(Collection collection, Object key);
+
+    /** Of the values of a map, the elements of a set, or the lengths of those that are texts. */
+    abstract long sum(Collection collection, String kind);
+
+    Collection filled(Keys keys, int[] values, int n) {
+      Collection collection = make();
+      for (int i = 0; i < n; i++) put(collection, keys.at(i), values[i]);
+      return collection;
+    }
+
+    Collection filled(String kind, int n) {
+      return filled(Keys.put(kind, n), Definitions.shuffledOrder(n, Definitions.PUT_ORDER), n);
+    }
+
+    long digest(Collection collection, String kind) {
+      return Definitions.digestOfNumber(size(collection) * 31L + sum(collection, kind));
+    }
+  }
+
+  private static class MapKind extends Kind<Map<Object, Integer>> {
+    @Override
+    Map<Object, Integer> make() {
+      return new HashMap<>();
+    }
+
+    @Override
+    int size(Map<Object, Integer> map) {
+      return map.size();
+    }
+
+    @Override
+    void put(Map<Object, Integer> map, Object key, int value) {
+      map.put(key, value);
+    }
+
+    @Override
+    void remove(Map<Object, Integer> map, Object key) {
+      map.remove(key);
+    }
+
+    @Override
+    int look(Map<Object, Integer> map, Object key) {
+      Integer value = map.get(key);
+      return value != null ? value : 0;
+    }
+
+    @Override
+    long sum(Map<Object, Integer> map, String kind) {
       long sum = 0;
-      for (Object value : map.values()) sum += (Integer) value;
-      return Definitions.digestOfNumber(map.size() * 31L + sum);
+      for (int value : map.values()) sum += value;
+      return sum;
     }
   }
 
-  private static void putAll(Map<Integer, Integer> map, int[] keys, int[] values) {
-    for (int i = 0; i < keys.length; i++) map.put(keys[i], values[i]);
+  private static final class SortedMapKind extends MapKind {
+    @Override
+    Map<Object, Integer> make() {
+      return new TreeMap<>();
+    }
   }
 
-  private static void putAll(Map<String, Integer> map, String[] keys, int[] values) {
-    for (int i = 0; i < keys.length; i++) map.put(keys[i], values[i]);
+  private static final class SetKind extends Kind<Set<Object>> {
+    @Override
+    Set<Object> make() {
+      return new HashSet<>();
+    }
+
+    @Override
+    int size(Set<Object> set) {
+      return set.size();
+    }
+
+    @Override
+    void put(Set<Object> set, Object key, int value) {
+      set.add(key);
+    }
+
+    @Override
+    void remove(Set<Object> set, Object key) {
+      set.remove(key);
+    }
+
+    @Override
+    int look(Set<Object> set, Object key) {
+      return set.contains(key) ? 1 : 0;
+    }
+
+    @Override
+    long sum(Set<Object> set, String kind) {
+      long sum = 0;
+      if (kind.equals("String")) {
+        for (Object text : set) sum += ((String) text).length();
+      } else {
+        for (Object number : set) sum += (Integer) number;
+      }
+      return sum;
+    }
   }
 
-  private static <Filled extends Map<Integer, Integer>> Filled filled(Filled map, int n) {
-    putAll(
-        map,
-        Definitions.keysInOrder(n, Definitions.PUT_ORDER, true),
-        Definitions.shuffledOrder(n, Definitions.PUT_ORDER));
-    return map;
+  /** A row whose result is a collection. */
+  private abstract static class Building<Collection> extends Row {
+    private final Kind<Collection> collections;
+    private final String kind;
+
+    Building(Kind<Collection> collections, String kind, long operations) {
+      super(operations);
+      this.collections = collections;
+      this.kind = kind;
+    }
+
+    @Override
+    @SuppressWarnings("unchecked")
+    long checksum() {
+      return collections.digest((Collection) result, kind);
+    }
   }
 
-  private static Map<Integer, Integer> newMap(boolean sorted) {
-    return sorted ? new TreeMap<>() : new HashMap<>();
-  }
+  // ---- The workloads -----------------------------------------------------------------------------------------------
 
-  static Row.Maker put(boolean sorted) {
+  private static <Collection> Row.Maker add(Kind<Collection> collections) {
     return (kind, n) -> {
+      Keys keys = Keys.put(kind, n);
       int[] values = Definitions.shuffledOrder(n, Definitions.PUT_ORDER);
-      if (kind.equals("String")) {
-        String[] texts = Definitions.textKeysInOrder(n, Definitions.PUT_ORDER, true);
-        return new Building(n) {
-          @Override
-          void run() {
-            Map<String, Integer> map = new HashMap<>();
-            putAll(map, texts, values);
-            result = map;
-          }
-        };
-      }
-      int[] keys = Definitions.keysInOrder(n, Definitions.PUT_ORDER, true);
-      return new Building(n) {
+      return new Building<Collection>(collections, kind, n) {
         @Override
         void run() {
-          Map<Integer, Integer> map = newMap(sorted);
-          putAll(map, keys, values);
-          result = map;
+          result = collections.filled(keys, values, n);
         }
       };
     };
   }
 
-  static Row.Maker get(boolean sorted, boolean present) {
+  private static <Collection> Row.Maker look(Kind<Collection> collections, boolean present) {
     return (kind, n) -> {
-      if (kind.equals("String")) {
-        Map<String, Integer> map = new HashMap<>();
-        putAll(
-            map,
-            Definitions.textKeysInOrder(n, Definitions.PUT_ORDER, true),
-            Definitions.shuffledOrder(n, Definitions.PUT_ORDER));
-        String[] texts = Definitions.textKeysInOrder(n, Definitions.GET_ORDER, present);
-        return new Row(n) {
-          @Override
-          void run() {
-            long sum = 0;
-            for (String text : texts) {
-              Integer value = map.get(text);
-              if (value != null) sum += value;
-            }
-            number = sum;
-          }
-        };
-      }
-      Map<Integer, Integer> map = filled(newMap(sorted), n);
-      int[] keys = Definitions.keysInOrder(n, Definitions.GET_ORDER, present);
+      Collection collection = collections.filled(kind, n);
+      Keys keys = Keys.of(kind, n, Definitions.GET_ORDER, present);
       return new Row(n) {
         @Override
         void run() {
           long sum = 0;
-          for (int key : keys) {
-            Integer value = map.get(key);
-            if (value != null) sum += value;
-          }
+          for (int i = 0; i < n; i++) sum += collections.look(collection, keys.at(i));
           number = sum;
         }
       };
     };
   }
 
-  static Row.Maker iterate(boolean sorted) {
+  private static <Collection> Row.Maker iterate(Kind<Collection> collections) {
     return (kind, n) -> {
-      Map<Integer, Integer> map = filled(newMap(sorted), n);
+      Collection collection = collections.filled(kind, n);
       return new Row(n) {
         @Override
         void run() {
-          long sum = 0;
-          for (int value : map.values()) sum += value;
-          number = sum;
+          number = collections.sum(collection, kind);
         }
       };
     };
   }
 
-  static Row remove(String kind, int n) {
-    int[] values = Definitions.shuffledOrder(n, Definitions.PUT_ORDER);
-    if (kind.equals("String")) {
-      String[] texts = Definitions.textKeysInOrder(n, Definitions.PUT_ORDER, true);
-      String[] removed = Definitions.textKeysInOrder(n, Definitions.GET_ORDER, true);
-      return new Building(n) {
+  private static <Collection> Row.Maker remove(Kind<Collection> collections) {
+    return (kind, n) -> {
+      Keys keys = Keys.put(kind, n);
+      int[] values = Definitions.shuffledOrder(n, Definitions.PUT_ORDER);
+      Keys removed = Keys.of(kind, n, Definitions.GET_ORDER, true);
+      return new Building<Collection>(collections, kind, n) {
         @Override
         void run() {
-          Map<String, Integer> map = new HashMap<>();
-          putAll(map, texts, values);
-          for (String text : removed) map.remove(text);
-          result = map;
+          Collection collection = collections.filled(keys, values, n);
+          for (int i = 0; i < n; i++) collections.remove(collection, removed.at(i));
+          result = collection;
         }
       };
-    }
-    int[] keys = Definitions.keysInOrder(n, Definitions.PUT_ORDER, true);
-    int[] removed = Definitions.keysInOrder(n, Definitions.GET_ORDER, true);
-    return new Building(n) {
-      @Override
-      void run() {
-        Map<Integer, Integer> map = new HashMap<>();
-        putAll(map, keys, values);
-        for (int key : removed) map.remove(key);
-        result = map;
-      }
     };
   }
 
-  static Row churn(String kind, int n) {
-    int[] order = Definitions.shuffledOrder(2 * n, Definitions.PUT_ORDER);
-    Map<Integer, Integer> map = new HashMap<>();
-    for (int i = 0; i < n; i++) map.put(Definitions.keyOf(order[i]), order[i]);
-    return new Building(n) {
-      private int oldest;
+  /** Of twice as many keys, half are in the collection at any time. */
+  private static <Collection> Row.Maker churn(Kind<Collection> collections) {
+    return (kind, n) -> {
+      Keys keys = Keys.put(kind, 2 * n);
+      int[] values = Definitions.shuffledOrder(2 * n, Definitions.PUT_ORDER);
+      Collection collection = collections.filled(keys, values, n);
+      return new Building<Collection>(collections, kind, n) {
+        private int oldest;
 
-      @Override
-      void run() {
-        for (int i = 0; i < n; i++) {
-          int newest = order[oldest < n ? oldest + n : oldest - n];
-          map.remove(Definitions.keyOf(order[oldest]));
-          map.put(Definitions.keyOf(newest), newest);
-          oldest = oldest + 1 < 2 * n ? oldest + 1 : 0;
+        @Override
+        void run() {
+          for (int i = 0; i < n; i++) {
+            int newest = oldest < n ? oldest + n : oldest - n;
+            collections.remove(collection, keys.at(oldest));
+            collections.put(collection, keys.at(newest), values[newest]);
+            oldest = oldest + 1 < 2 * n ? oldest + 1 : 0;
+          }
+          result = collection;
         }
-        result = map;
-      }
+      };
     };
   }
 
-  static Row smallMaps(String kind, int n) {
+  private static Row smallMaps(String kind, int n) {
     return new Row(n) {
       @Override
       void run() {
@@ -185,90 +286,22 @@ final class Maps {
     };
   }
 
-  // ---- Sets --------------------------------------------------------------------------------------------------------
-
-  static Row setAdd(String kind, int n) {
-    if (kind.equals("String")) {
-      String[] texts = Definitions.textKeysInOrder(n, Definitions.PUT_ORDER, true);
-      return new Row(n) {
-        @Override
-        void run() {
-          Set<String> set = new HashSet<>();
-          for (String text : texts) set.add(text);
-          result = set;
-          number = set.size();
-        }
-      };
-    }
-    int[] keys = Definitions.keysInOrder(n, Definitions.PUT_ORDER, true);
-    return new Row(n) {
-      @Override
-      void run() {
-        Set<Integer> set = new HashSet<>();
-        for (int key : keys) set.add(key);
-        result = set;
-        number = set.size();
-      }
-    };
-  }
-
-  private static Set<Integer> filledSet(int n) {
-    Set<Integer> set = new HashSet<>();
-    for (int key : Definitions.keysInOrder(n, Definitions.PUT_ORDER, true)) set.add(key);
-    return set;
-  }
-
-  static Row setContains(String kind, int n) {
-    if (kind.equals("String")) {
-      Set<String> set = new HashSet<>();
-      for (String text : Definitions.textKeysInOrder(n, Definitions.PUT_ORDER, true)) set.add(text);
-      String[] texts = Definitions.textKeysInOrder(n, Definitions.GET_ORDER, true);
-      return new Row(n) {
-        @Override
-        void run() {
-          long found = 0;
-          for (String text : texts) found += set.contains(text) ? 1 : 0;
-          number = found;
-        }
-      };
-    }
-    Set<Integer> set = filledSet(n);
-    int[] keys = Definitions.keysInOrder(n, Definitions.GET_ORDER, true);
-    return new Row(n) {
-      @Override
-      void run() {
-        long found = 0;
-        for (int key : keys) found += set.contains(key) ? 1 : 0;
-        number = found;
-      }
-    };
-  }
-
-  static Row setIterate(String kind, int n) {
-    Set<Integer> set = filledSet(n);
-    return new Row(n) {
-      @Override
-      void run() {
-        long sum = 0;
-        for (int key : set) sum += key;
-        number = sum;
-      }
-    };
-  }
-
   static void addTo(Report report) {
-    report.add(FORM, "map-put", "Int,String", put(false));
-    report.add(FORM, "map-get", "Int,String", get(false, true));
-    report.add(FORM, "map-miss", "Int,String", get(false, false));
-    report.add(FORM, "map-iterate", "Int", iterate(false));
-    report.add(FORM, "map-remove", "Int,String", Maps::remove);
-    report.add(FORM, "map-churn", "Int", Maps::churn);
-    report.add(FORM, "set-add", "Int,String", Maps::setAdd);
-    report.add(FORM, "set-contains", "Int,String", Maps::setContains);
-    report.add(FORM, "set-iterate", "Int", Maps::setIterate);
-    report.add(FORM, "sorted-put", "Int", put(true));
-    report.add(FORM, "sorted-get", "Int", get(true, true));
-    report.add(FORM, "sorted-iterate", "Int", iterate(true));
+    report.add(FORM, "map-put", BOTH, add(MAPS));
+    report.add(FORM, "map-get", BOTH, look(MAPS, true));
+    report.add(FORM, "map-miss", BOTH, look(MAPS, false));
+    report.add(FORM, "map-iterate", BOTH, iterate(MAPS));
+    report.add(FORM, "map-remove", BOTH, remove(MAPS));
+    report.add(FORM, "map-churn", BOTH, churn(MAPS));
+    report.add(FORM, "set-add", BOTH, add(SETS));
+    report.add(FORM, "set-contains", BOTH, look(SETS, true));
+    report.add(FORM, "set-miss", BOTH, look(SETS, false));
+    report.add(FORM, "set-iterate", BOTH, iterate(SETS));
+    report.add(FORM, "set-remove", BOTH, remove(SETS));
+    report.add(FORM, "set-churn", BOTH, churn(SETS));
+    report.add(FORM, "sorted-put", "Int", add(SORTED_MAPS));
+    report.add(FORM, "sorted-get", "Int", look(SORTED_MAPS, true));
+    report.add(FORM, "sorted-iterate", "Int", iterate(SORTED_MAPS));
     report.add(FORM, "small-maps", "Int", Maps::smallMaps);
   }
 }

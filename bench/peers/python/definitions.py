@@ -166,3 +166,8 @@ def digest_of_number(number):
 
 def digest_of_map(entries):
     return (len(entries) * 31 + sum(entries.values())) & MASK
+
+
+def digest_of_set(members):
+    """Of numbers, or of texts by their lengths."""
+    return (len(members) * 31 + sum(len(each) if isinstance(each, str) else each for each in members)) & MASK

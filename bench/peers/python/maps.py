@@ -1,7 +1,7 @@
 """The workloads on maps and sets. Python has no sorted map of its own."""
 
 from definitions import (
-    GET_ORDER, PUT_ORDER, digest_of_map, digest_of_number, key_of, keys_in_order, shuffled_order)
+    GET_ORDER, PUT_ORDER, digest_of_map, digest_of_number, digest_of_set, keys_in_order, shuffled_order)
 from row import Row
 
 
@@ -73,9 +73,10 @@ def map_remove(kind, n):
 
 
 def map_churn(kind, n):
-    order = shuffled_order(2 * n, PUT_ORDER)
-    keys = [key_of(number) for number in order]
-    entries = put_all(keys[:n], order[:n])
+    """Of twice as many keys, half are in the map at any time."""
+    keys = keys_in_order(kind, 2 * n, PUT_ORDER)
+    values = shuffled_order(2 * n, PUT_ORDER)
+    entries = put_all(keys[:n], values[:n])
     oldest = 0
 
     def run():
@@ -84,7 +85,7 @@ def map_churn(kind, n):
         for _ in range(n):
             newest = at + n if at < n else at - n
             del entries[keys[at]]
-            entries[keys[newest]] = order[newest]
+            entries[keys[newest]] = values[newest]
             at = at + 1 if at + 1 < 2 * n else 0
         oldest = at
         return entries
@@ -100,12 +101,12 @@ def add_all(keys):
 
 def set_add(kind, n):
     keys = keys_in_order(kind, n, PUT_ORDER)
-    return Row(n, lambda: add_all(keys), len)
+    return Row(n, lambda: add_all(keys), digest_of_set)
 
 
-def set_contains(kind, n):
+def asking(kind, n, present):
     members = add_all(keys_in_order(kind, n, PUT_ORDER))
-    keys = keys_in_order(kind, n, GET_ORDER)
+    keys = keys_in_order(kind, n, GET_ORDER, present)
 
     def run():
         found = 0
@@ -116,15 +117,58 @@ def set_contains(kind, n):
     return Row(n, run, digest_of_number)
 
 
+def set_contains(kind, n):
+    return asking(kind, n, present=True)
+
+
+def set_miss(kind, n):
+    return asking(kind, n, present=False)
+
+
 def set_iterate(kind, n):
     members = add_all(keys_in_order(kind, n, PUT_ORDER))
 
-    def run():
+    def add_up():
         total = 0
         for member in members:
             total += member
         return total
-    return Row(n, run, digest_of_number)
+
+    def add_up_lengths():
+        total = 0
+        for member in members:
+            total += len(member)
+        return total
+    return Row(n, add_up_lengths if kind == "String" else add_up, digest_of_number)
+
+
+def set_remove(kind, n):
+    keys = keys_in_order(kind, n, PUT_ORDER)
+    removed = keys_in_order(kind, n, GET_ORDER)
+
+    def run():
+        members = add_all(keys)
+        for key in removed:
+            members.remove(key)
+        return members
+    return Row(n, run, digest_of_set)
+
+
+def set_churn(kind, n):
+    keys = keys_in_order(kind, 2 * n, PUT_ORDER)
+    members = add_all(keys[:n])
+    oldest = 0
+
+    def run():
+        nonlocal oldest
+        at = oldest
+        for _ in range(n):
+            members.remove(keys[at])
+            members.add(keys[at + n if at < n else at - n])
+            at = at + 1 if at + 1 < 2 * n else 0
+        oldest = at
+        return members
+    return Row(n, run, digest_of_set)
 
 
 def small_maps(kind, n):
@@ -140,16 +184,18 @@ def small_maps(kind, n):
 
 
 BOTH = ("Int", "String")
-INT = ("Int",)
 ROWS = {
     "map-put": (BOTH, map_put),
     "map-get": (BOTH, map_get),
     "map-miss": (BOTH, map_miss),
-    "map-iterate": (INT, map_iterate),
+    "map-iterate": (BOTH, map_iterate),
     "map-remove": (BOTH, map_remove),
-    "map-churn": (INT, map_churn),
+    "map-churn": (BOTH, map_churn),
     "set-add": (BOTH, set_add),
     "set-contains": (BOTH, set_contains),
-    "set-iterate": (INT, set_iterate),
-    "small-maps": (INT, small_maps),
+    "set-miss": (BOTH, set_miss),
+    "set-iterate": (BOTH, set_iterate),
+    "set-remove": (BOTH, set_remove),
+    "set-churn": (BOTH, set_churn),
+    "small-maps": (("Int",), small_maps),
 }
