@@ -103,7 +103,7 @@ struct Maps {
   }
   static void remove(void* map, void* key) { vorn_collections_Map_remove(map, key); }
   static std::int64_t size(void* map) { return vorn_collections_Map_size(map); }
-  // Of what is in it, by listing that: the values.
+  // Of the values, which are listed first.
   static std::int64_t sum(void* map) {
     const Handle values = vorn_collections_Map_values(map);
     return sumOfList<Int>(values);
@@ -125,6 +125,7 @@ struct Sets {
   }
   static void remove(void* set, void* element) { vorn_collections_HashSet_remove(set, element); }
   static std::int64_t size(void* set) { return vorn_collections_HashSet_size(set); }
+  // Of the elements, which are listed first.
   static std::int64_t sum(void* set) {
     const Handle items = vorn_collections_HashSet_items(set);
     return sumOfList<Key>(items);
