@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "runtime/heap/global_roots.h"
+#include "runtime/heap/heap_limit.h"
 #include "runtime/heap/huge_pages.h"
 
 namespace vorn::runtime {
@@ -59,6 +60,7 @@ void initialiseCollector(const CollectorTuning& tuning) {
   }
   GC_set_free_space_divisor(tuning.freeSpaceDivisor);
   GC_set_min_bytes_allocd(tuning.roomBytes);
+  keepHeapBelowLimit();
   if (GC_get_heap_size() < tuning.roomBytes) GC_expand_hp(tuning.roomBytes - GC_get_heap_size());
   GC_allow_register_threads();
   recentBlocksKept = tuning.recentBlocks;
@@ -75,6 +77,7 @@ class CollectedHeap final : public HeapBackend {
   // off, but a second collection may find what the first one's stale registers held.
   void* allocate(std::size_t bytes, BlockKind kind) noexcept override {
     if (void* block = allocateOnce(bytes, kind)) return block;
+    lookAtLimitAgain();
     GC_gcollect();
     return allocateOnce(bytes, kind);
   }

@@ -1,5 +1,6 @@
 // A process that may have no more memory: collections end in std::bad_alloc, are what they were, and are of use again
 // when memory is.
+#include <gc/gc.h>
 #include <sys/resource.h>
 #include <vorn/collections/array.h>
 #include <vorn/collections/hash_set.h>
@@ -7,8 +8,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
+#include "runtime/heap/heap_limit.h"
 #include "tests/support/collections.h"
 
 namespace vorn::tests {
@@ -16,10 +19,17 @@ namespace {
 
 constexpr std::size_t kRoom = std::size_t{40} << 20;
 
+// A stack that cannot grow any more ends its process by a signal, so that it grows before memory is at an end.
+__attribute__((noinline)) void growStack() {
+  volatile char room[std::size_t{512} << 10];
+  for (std::size_t i = 0; i < sizeof(room); i += 1024) room[i] = 0;
+}
+
 // Lets this process have so much more memory than it has now, and no more.
 class MemoryLimit {
  public:
   MemoryLimit() {
+    growStack();
     unsigned long long pages = 0;
     std::FILE* const file = std::fopen("/proc/self/statm", "r");
     if (file == nullptr || std::fscanf(file, "%llu", &pages) != 1) std::abort();
@@ -27,6 +37,7 @@ class MemoryLimit {
     getrlimit(RLIMIT_AS, &before_);
     const rlimit limit = {pages * 4096 + kRoom, before_.rlim_max};
     if (setrlimit(RLIMIT_AS, &limit) != 0) std::abort();
+    runtime::lookAtLimitAgain();
   }
   ~MemoryLimit() { setrlimit(RLIMIT_AS, &before_); }
   MemoryLimit(const MemoryLimit&) = delete;
@@ -39,6 +50,12 @@ class MemoryLimit {
 [[noreturn]] void endWith(const char* what) {
   std::fprintf(stderr, "%s\n", what);
   std::_Exit(what[0] == '\0' ? 0 : 1);
+}
+
+// The collector's library goes on after what it warns of here, and a later collection may then come by a block that is
+// none.
+void endWhereABlockIsLost(char* message, GC_word) {
+  if (std::strstr(message, "dropping block") != nullptr) endWith("the collector had no memory for a header");
 }
 
 // Adds one element and gives the new size.
@@ -70,6 +87,7 @@ void empty(const CollectionClass& type, void* collection) {
 
 // In a process of its own: grows the collection until memory ends, and looks at what is there then.
 [[noreturn]] void fillTheMachine(const CollectionClass& type) {
+  GC_set_warn_proc(endWhereABlockIsLost);
   const Handle collection = object(type.name);
   if (type.family == Family::Array) vorn_collections_Array_ctor(collection, 0);
   long long size = 0;
