@@ -76,16 +76,16 @@ std::uint64_t acceptedBoxes(const ListData& list, const vc::CollectedValues& val
 
 // Raw values all go one way: unboxed as they are, unboxed as the declared type, or boxed.
 AssignmentPlan planRaw(const ListData& list, const vc::CollectedValues& values) {
+  const auto unboxed = [&](const vc::AcceptedValues& accepted) {
+    const std::uint64_t assigned = values.firstOutside(accepted);
+    return AssignmentPlan{assigned, assigned};
+  };
+  if (values.type() == vc::keptElementType(list)) return unboxed(vc::storableValues(values.type().name));
   const vc::ElementType declared = vc::declaredElementType(list);
-  std::uint64_t assigned = 0;
-  if (values.type() == vc::keptElementType(list)) {
-    assigned = values.firstOutside(vc::storableValues(values.type().name));
-  } else if (declared.kind != PrimitiveKind::None && declared == vc::keptElementType(list)) {
-    assigned = values.firstOutside(vc::acceptedValues(declared, values.type()));
-  } else {
-    return {0, acceptedBoxes(list, values)};
+  if (declared.kind != PrimitiveKind::None && declared == vc::keptElementType(list)) {
+    return unboxed(vc::acceptedValues(declared, values.type()));
   }
-  return {assigned, assigned};
+  return {0, acceptedBoxes(list, values)};
 }
 
 AssignmentPlan planBoxed(const ListData& list, const vc::CollectedValues& values) {

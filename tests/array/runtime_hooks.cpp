@@ -8,6 +8,7 @@
 namespace vorn::tests {
 
 std::function<void(std::string_view)>* onRuntimeCall = nullptr;
+const char* textOfWideUnits = nullptr;
 bool noObjects = false;
 thread_local std::function<void(pthread_mutex_t*)>* afterUnlock = nullptr;
 thread_local std::uint64_t linkedSteps = 0;
@@ -25,6 +26,7 @@ extern "C" {
 int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 LinkedHandles::Node* __real__ZN13LinkedHandles6nodeAtEm(LinkedHandles* nodes, std::uint64_t index);
 void __real_Vorn_raise(const char* exceptionClass, const char* message);
+const char* __real_Vorn_codeUnitToString(long long unit);
 void* __real_Vorn_allocObject(const char* className);
 void* __real__Z16Vorn_allocStringSt17basic_string_viewIcSt11char_traitsIcEE(std::string_view text);
 void* __real__Z19boxIntegerLikeLocal15RuntimeTypeNamex(RuntimeTypeName type, long long value);
@@ -42,6 +44,11 @@ LinkedHandles::Node* __wrap__ZN13LinkedHandles6nodeAtEm(LinkedHandles* nodes, st
 void __wrap_Vorn_raise(const char* exceptionClass, const char* message) {
   vorn::tests::notify("raise");
   __real_Vorn_raise(exceptionClass, message);
+}
+const char* __wrap_Vorn_codeUnitToString(long long unit) {
+  const bool wide = unit < 0 || unit > 0xFFFF;
+  return wide && vorn::tests::textOfWideUnits != nullptr ? vorn::tests::textOfWideUnits
+                                                         : __real_Vorn_codeUnitToString(unit);
 }
 void* __wrap_Vorn_allocObject(const char* className) {
   vorn::tests::notify("object");

@@ -12,6 +12,9 @@ namespace vorn::tests {
 // Called with the operation's name before each runtime operation that raises, boxes, or makes an object or a String.
 extern std::function<void(std::string_view)>* onRuntimeCall;
 
+// What Vorn_codeUnitToString gives of units beyond 16 bits, of which this runtime has no text; null otherwise.
+extern const char* textOfWideUnits;
+
 // Makes Vorn_allocObject give null.
 extern bool noObjects;
 

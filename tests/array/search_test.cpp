@@ -1,5 +1,6 @@
 // Searches by value.
 #include <cmath>
+#include <functional>
 
 #include "tests/array/array_cases.h"
 
@@ -281,6 +282,82 @@ TEST_F(ArraySearch, UserEqualityThatConstructsTheArrayAnew_NeverLeavesItsBounds)
       EXPECT_ARRAY_AT_REST(array);
     }
   }
+}
+
+// ---- Texts ----------------------------------------------------------------------------------------------------------
+
+// Slots outside the record, for a scope: the array has all but the last of them.
+class SlotsWithANeighbour {
+ public:
+  SlotsWithANeighbour(void* array, const std::vector<Handle>& slots) : record_(recordOf(array)), handles_(slots) {
+    slots_.assign(slots.begin(), slots.end());
+    record_.objects.data = slots_.data();
+    record_.objects.size = record_.objects.capacity = slots_.size() - 1;
+  }
+  ~SlotsWithANeighbour() {
+    record_.objects.data = record_.objects.inlineSlots;
+    record_.objects.size = 0;
+    record_.objects.capacity = SmallObjectVector::kInlineSlots;
+  }
+  SlotsWithANeighbour(const SlotsWithANeighbour&) = delete;
+  SlotsWithANeighbour& operator=(const SlotsWithANeighbour&) = delete;
+
+ private:
+  ArrayData& record_;
+  std::vector<Handle> handles_;
+  std::vector<void*> slots_;
+};
+
+TEST_F(ArraySearch, TextBehindTheLastSlot_IsNotFound) {
+  const Handle array = newArray("Array", 0);
+  const SlotsWithANeighbour slots(array, {string("a"), nullptr, string("b"), string("wanted")});
+  for (const Handle& wanted : {string("wanted"), text("wanted")}) {
+    EXPECT_EQ(vorn_collections_Array_count(array, wanted), 0);
+    EXPECT_FALSE(vorn_collections_Array_operator_in(array, wanted));
+    EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 0), -1);
+    EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 3), -1);
+    EXPECT_EQ(vorn_collections_Array_lastIndexOf(array, wanted, -1), -1);
+    EXPECT_EQ(vorn_collections_Array_lastIndexOf(array, wanted, 3), -1);
+  }
+}
+
+// An object that is a String by its class's name alone is asked for its text, and may do anything.
+std::function<void()> whenAsked;
+Handle askedString() {
+  vorn_class_definition definition = {};
+  definition.name = "arraysearch.String";
+  definition.to_string = [](void*, void*) -> void* {
+    if (whenAsked) whenAsked();
+    return vorn_text_new("another");
+  };
+  defineClass(definition);
+  return object("arraysearch.String");
+}
+
+TEST_F(ArraySearch, UserStringThatMakesTheSlotsNumbers_LeavesNoHandleToLookAt) {
+  const Handle wanted = string("wanted");
+  const Handle doubles = doubleArray("Array<Double>", {1.5, 2.5, 3.5});
+  int asked = 0;
+  for (const int search : {0, 1, 2}) {
+    const Handle array = newArray("Array", 0);
+    const SlotsWithANeighbour slots(array, {askedString(), wanted});
+    whenAsked = [&] {
+      ++asked;
+      vorn_collections_Array_copyCtor(array, doubles);
+    };
+    if (search == 0) {
+      EXPECT_EQ(vorn_collections_Array_count(array, wanted), 0);
+    }
+    if (search == 1) {
+      EXPECT_FALSE(vorn_collections_Array_operator_in(array, wanted));
+    }
+    if (search == 2) {
+      EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 0), -1);
+    }
+    EXPECT_EQ(doublesOf(array), (Doubles{1.5, 2.5, 3.5}));
+  }
+  whenAsked = nullptr;
+  EXPECT_EQ(asked, 3);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "tests/array/array_cases.h"
+#include "tests/array/runtime_hooks.h"
 #include "tests/support/error_texts.h"
 
 namespace vorn::tests {
@@ -250,6 +251,17 @@ TEST_F(ArrayText, CodeUnits_TheTestsRunInTheirOrderForEachUnit) {
       EXPECT_RAISED(entry.error);
     }
   }
+}
+
+TEST_F(ArrayText, CodeUnits_BeyondSixteenBits_StandForWhatTheRuntimeGives) {
+  const Handle array = intArray("Array<Int>", {0x41, 0x10042, 0x43, -1, 0x44});
+  EXPECT_EQ(unitText(array), "ACD");
+  for (const std::string& given : {std::string("<wide>"), std::string(40, 'w'), std::string()}) {
+    textOfWideUnits = given.c_str();
+    EXPECT_EQ(unitText(array), "A" + given + "C" + given + "D");
+  }
+  textOfWideUnits = nullptr;
+  EXPECT_NOTHING_RAISED();
 }
 
 TEST_F(ArrayText, CodeUnits_BordersOfTheSurrogates) {

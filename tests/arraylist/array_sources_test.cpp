@@ -1,6 +1,8 @@
 // Fixed arrays as sources of whole-list operations.
 #include <vorn/collections/array.h>
 
+#include <system_error>
+
 #include "collections/array/array_data.h"
 #include "collections/core/port/object_layout.h"
 #include "tests/arraylist/bulk_cases.h"
@@ -85,6 +87,17 @@ TEST_F(ArraySources, SliceAssign_SameCountAndOtherCount) {
   EXPECT_EQ(storageOf(target), "objects");
   sliceAssign(target, kOmitted, kOmitted, 2, ints("Array<Int>", {1}));
   EXPECT_RAISED(kExtendedError);
+}
+
+TEST_F(ArraySources, TheSourceIsLockedWhileItIsRead) {
+  const Handle target = intList("ArrayList", {7});
+  for (const Handle& source : {ints("ArraySync<Int>", {1, 2}), arrayWith("ArraySync", {string("a")})}) {
+    const HeldRecordMutex<ArrayData> held(*getArrayData(source));
+    EXPECT_THROW(vorn_collections_ArrayList_addAll(target, source), std::system_error);
+    EXPECT_THROW(vorn_collections_ArrayList_addAllAt(target, 0, source), std::system_error);
+    EXPECT_THROW(sliceAssign(target, 0, 1, 1, source), std::system_error);
+    EXPECT_EQ(elementsOf(target), Elements{"Int 7"});
+  }
 }
 
 TEST_F(ArraySources, TheSourceIsUnlockedAfterwards) {

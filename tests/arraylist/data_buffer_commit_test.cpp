@@ -347,6 +347,16 @@ TEST_F(DataBuffers, PrimitiveDataPtr_IsTheBufferItself) {
   }
 }
 
+TEST_F(DataBuffers, PrimitiveDataPtr_RecordOfAnotherWidthThanItsKinds_GetsThatWidthFirst) {
+  const Handle target = vorn_collections_ArrayList_intLiteral0();
+  SmallPrimitiveBuffer& buffer = getListData(target)->primitive;
+  buffer.resetToInline(1);
+  EXPECT_EQ(vorn_collections_ArrayList_primitiveDataPtr(target), buffer.data);
+  EXPECT_EQ(buffer.elementSize, 4U);
+  EXPECT_EQ(buffer.capacity, 32U);
+  EXPECT_AT_REST(target);
+}
+
 TEST_F(DataBuffers, DataPtr_EmptyUnboxedLists_GivePointers) {
   const Handle integers = vorn_collections_ArrayList_intLiteral0();
   EXPECT_NE(vorn_collections_ArrayList_i64DataPtr(integers), nullptr);

@@ -15,6 +15,7 @@ thread_local std::uint64_t tupleReads = 0;
 thread_local std::uint64_t textQuestions = 0;
 thread_local std::function<void(long long)>* beforeTupleRead = nullptr;
 thread_local std::vector<RootSlot>* rootSlots = nullptr;
+thread_local std::vector<std::vector<void*>>* rootRanges = nullptr;
 
 }  // namespace vorn::tests
 
@@ -26,6 +27,7 @@ void* __real_Vorn_allocObject(const char* className);
 void* __real_Vorn_allocArrayListObjectFast(bool synchronised, ListData** listData, bool elementsAreHandles);
 int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 void __real_Vorn_gcRegisterRootSlot(void** slot);
+void __real_Vorn_gcRegisterRootRange(void* start, std::size_t bytes);
 void __real_Vorn_gcUnregisterRootSlot(void** slot);
 LinkedHandles::Node* __real__ZN13LinkedHandles6nodeAtEm(LinkedHandles* nodes, std::uint64_t index);
 void* __real_vorn_collections_HashSet_operator_index(void* set, long long index);
@@ -58,6 +60,12 @@ void __wrap_Vorn_gcUnregisterRootSlot(void** slot) {
   const auto newest = std::find_if(rootSlots->rbegin(), rootSlots->rend(),
                                    [&](const RootSlot& root) { return root.slot == slot && root.registered; });
   if (newest != rootSlots->rend()) newest->registered = false;
+}
+void __wrap_Vorn_gcRegisterRootRange(void* start, std::size_t bytes) {
+  __real_Vorn_gcRegisterRootRange(start, bytes);
+  if (rootRanges == nullptr) return;
+  auto* const words = static_cast<void**>(start);
+  rootRanges->emplace_back(words, words + bytes / sizeof(void*));
 }
 LinkedHandles::Node* __wrap__ZN13LinkedHandles6nodeAtEm(LinkedHandles* nodes, std::uint64_t index) {
   linkedSteps += std::min(index, nodes->count - index);

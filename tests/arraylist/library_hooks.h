@@ -38,4 +38,7 @@ struct RootSlot {
 };
 extern thread_local std::vector<RootSlot>* rootSlots;
 
+// The words of each range at the moment when it was registered as a root. Recorded while the pointer is set.
+extern thread_local std::vector<std::vector<void*>>* rootRanges;
+
 }  // namespace vorn::tests

@@ -418,6 +418,26 @@ TEST_F(RawAppend, ShortAndFullNames_AreOneType) {
   }
 }
 
+// As after a change of kind that nobody prepared.
+TEST_F(RawAppend, RecordOfAnotherWidthThanItsKinds_GetsThatWidthFirst) {
+  for (const std::string& type : primitiveNames()) {
+    SCOPED_TRACE(type);
+    const Handle integers = rawList("ArrayList", type.c_str(), {1});
+    const Handle floatings = rawList("ArrayList", type.c_str(), {1});
+    for (const Handle& target : {integers, floatings}) {
+      SmallPrimitiveBuffer& buffer = getListData(target)->primitive;
+      buffer.resetToInline(buffer.elementSize == 2 ? 8 : 2);
+    }
+    addI64(integers, 1, type.c_str());
+    addDouble(floatings, 1, type.c_str());
+    for (const Handle& target : {integers, floatings}) {
+      EXPECT_EQ(elementsOf(target), Elements{describe(box(type, 1))});
+      EXPECT_EQ(storageOf(target), type);
+      EXPECT_AT_REST(target);
+    }
+  }
+}
+
 TEST_F(RawAppend, AddPrimitiveBool_IgnoresTheDeclaredType) {
   for (const char* type : {"ArrayList", "ArrayList<Boolean>", "ArrayList<Int>", "ArrayList<Double>"}) {
     const Handle target = object(type);

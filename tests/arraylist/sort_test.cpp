@@ -5,6 +5,7 @@
 #include <set>
 
 #include "collections/core/port/values.h"
+#include "tests/arraylist/library_hooks.h"
 #include "tests/arraylist/sort_cases.h"
 #include "tests/support/heap_statistics.h"
 
@@ -243,6 +244,24 @@ TEST_F(Sort, ManyStrings_MakeNoRoomForNumbers) {
   for (int i = 0; i < 100; ++i) {
     EXPECT_EQ(std::string(vorn_string_text(vorn_collections_ArrayList_operator_index(sorted, i))),
               std::to_string(1000 + i));
+  }
+}
+
+// Meanwhile some stand in the keys alone, which the collector of another thread must see.
+TEST_F(Sort, Strings_AreRootedWhileTheyAreWrittenBack) {
+  for (const int count : {20, 100}) {
+    const Handle target = object("ArrayList");
+    for (int i = 0; i < count; ++i) vorn_collections_ArrayList_add(target, string(std::to_string(1099 - i)));
+    const std::vector<const void*> handles = handlesOf(target);
+    std::vector<std::vector<void*>> ranges;
+    rootRanges = &ranges;
+    vorn_collections_ArrayList_sort(target);
+    rootRanges = nullptr;
+    EXPECT_TRUE(std::any_of(ranges.begin(), ranges.end(), [&](const std::vector<void*>& range) {
+      return std::all_of(handles.begin(), handles.end(), [&](const void* handle) {
+        return std::find(range.begin(), range.end(), handle) != range.end();
+      });
+    })) << count;
   }
 }
 

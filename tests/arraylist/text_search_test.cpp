@@ -172,10 +172,12 @@ TEST_F(TextSearch, UserStringThatEmptiesWhatIsSearched_EndsTheSearch) {
   victim = nullptr;
 }
 
-TEST_F(TextSearch, Strings_AreComparedWithoutACall) {
+TEST_F(TextSearch, StringsAndNulls_AreComparedWithoutACall) {
   Handle target = list("ArrayList<String>");
   const Handle array = object("Array<String>");
   vorn_collections_Array_ctor(array, 100);
+  const Handle nulls = object("Array<String>");
+  vorn_collections_Array_ctor(nulls, 100);
   const Handle map = object("Map");
   for (int i = 0; i < 100; ++i) {
     const Handle element = string("element " + std::to_string(i));
@@ -192,9 +194,11 @@ TEST_F(TextSearch, Strings_AreComparedWithoutACall) {
     EXPECT_EQ(vorn_collections_ArrayList_count(target, needle), 0);
     EXPECT_FALSE(vorn_collections_ArrayList_operator_in(target, needle));
     EXPECT_FALSE(vorn_collections_ArrayList_remove(target, needle));
-    EXPECT_EQ(vorn_collections_Array_indexOf(array, needle, 0), -1);
-    EXPECT_EQ(vorn_collections_Array_lastIndexOf(array, needle, -1), -1);
-    EXPECT_EQ(vorn_collections_Array_count(array, needle), 0);
+    for (const Handle& slots : {array, nulls}) {
+      EXPECT_EQ(vorn_collections_Array_indexOf(slots, needle, 0), -1);
+      EXPECT_EQ(vorn_collections_Array_lastIndexOf(slots, needle, -1), -1);
+      EXPECT_EQ(vorn_collections_Array_count(slots, needle), 0);
+    }
     EXPECT_FALSE(vorn_collections_Map_containsValue(map, needle));
     rootSlots = nullptr;
     EXPECT_EQ(textQuestions, 0U) << describe(needle);

@@ -1,5 +1,5 @@
-// Which locks a display or join holds, and what it keeps alive, while what. The test program is linked so that the calls
-// that make Strings and boxes and ask for the texts of objects come here first.
+// Which locks a display or join holds, and what it keeps alive, while what, and what it leaves to the runtime. The test
+// program is linked so that the calls that make Strings and boxes and ask for the texts of objects come here first.
 #include <cerrno>
 #include <functional>
 #include <string_view>
@@ -311,6 +311,30 @@ TEST_F(RootsOfJoins, UnboxedCharacters_KeepTheBoxThatTheRuntimeMakesTheTextOf) {
   onObjectText = nullptr;
   EXPECT_EQ(describe(joined), "String a,b");
   EXPECT_EQ(calls, 2);
+}
+
+// ---- What the runtime is asked --------------------------------------------------------------------------------------
+
+using ObjectTexts = RuntimeTest;
+
+// The default text of an object is that of what is no number, text or collection: of these a runtime need not know it.
+TEST_F(ObjectTexts, OfNumbersTextsAndCollections_AreNotAskedFor) {
+  std::vector<Handle> values = {boolean(true), string("a"), text("a"), floating("Float", 1), floating("Double", 1)};
+  for (const char* type : {"Int", "UInt", "Long", "ULong", "Short", "UShort", "Byte", "SByte"}) {
+    values.push_back(integer(type, 1));
+  }
+  for (const Kind& kind : kKinds) values.push_back(collectionFor(kind, 0));
+  int calls = 0;
+  std::function<void()> count = [&] { ++calls; };
+  onObjectText = &count;
+  for (const Handle& value : values) {
+    calls = 0;
+    const std::string text = valueToDisplayString(value);
+    EXPECT_EQ(calls, 0) << text;
+  }
+  valueToDisplayString(plain(1));
+  onObjectText = nullptr;
+  EXPECT_EQ(calls, 1) << "an object of another class";
 }
 
 }  // namespace
