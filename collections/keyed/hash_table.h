@@ -80,9 +80,6 @@ class HashTable {
       return nullptr;
     }
 
-    // The place after the one that was looked at last.
-    [[nodiscard]] std::uint32_t place() const { return place_; }
-
    private:
     const HashTable* table_;
     std::uint32_t place_;

@@ -196,6 +196,13 @@ TEST_F(ListValidation, MirrorSizesAboveTheirCapacity) {
   expectBroken(record(list), record(list).f64Mirror.size, std::uint64_t{9}, "floating mirror");
 }
 
+TEST_F(ListValidation, MirrorOfABoxedList) {
+  Handle list = objectList("ArrayList", 3);
+  record(list).i64Mirror.capacity = 1;
+  expectBroken(record(list), record(list).i64Mirror.size, std::uint64_t{1}, "outlives");
+  record(list).i64Mirror.capacity = 0;
+}
+
 TEST_F(ListValidation, SynchronisedListWithoutMutex) {
   Handle list = object("ArrayListSync");
   expectBroken<pthread_mutex_t*>(record(list), record(list).mutex, nullptr, "no mutex");
