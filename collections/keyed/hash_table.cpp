@@ -146,7 +146,6 @@ void HashTable<Entry>::giveMemoryBack() {
     fill(lines_);
   }
   chunks_.shrink(count_);
-  ++changes_;
 }
 
 template <class Entry>

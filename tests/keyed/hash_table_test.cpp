@@ -96,6 +96,17 @@ TEST_F(HashTableTest, Remove_BelowAQuarterOfThePlaces_GivesMemoryBack) {
   EXPECT_LT(table().chunks().capacity(), capacity);
 }
 
+TEST_F(HashTableTest, Remove_ThatGivesMemoryBack_LeavesBucketsForTwiceTheElements) {
+  table().reserve(3000);
+  for (std::int64_t key = 0; key < 1000; ++key) put(integerCollectionKey(key), nullptr);
+  const std::uint64_t buckets = table().bucketCount();
+  std::int64_t key = 0;
+  for (; table().places() != table().count() || key == 0; ++key) EXPECT_TRUE(remove(integerCollectionKey(key)));
+  ASSERT_EQ(table().count(), 499U);
+  ASSERT_LT(Table::bucketCountFor(2 * 499), buckets);
+  EXPECT_EQ(table().bucketCount(), Table::bucketCountFor(2 * 499));
+}
+
 // ---- Small tables, which have no buckets ----------------------------------------------------------------------------
 
 TEST_F(HashTableTest, SmallTable_HasNoBucketsUntilItOutgrowsItsTags) {
@@ -396,6 +407,16 @@ TEST_F(HashTableTest, Reserve_MakesBucketsOnceAndForAll) {
   EXPECT_EQ(table().changes(), changes) << "rehashed for the same bucket count";
   for (std::int64_t key = 0; key < 1000; ++key) put(key);
   EXPECT_EQ(table().bucketCount(), buckets);
+}
+
+// Filling so many buckets looks some places ahead.
+TEST_F(HashTableTest, Reserve_WithEveryPlaceTaken_LooksAtNoneBehindThem) {
+  constexpr std::uint32_t kPlaces = 3 * Table::Chunks::kChunk;
+  for (std::int64_t key = 0; key < kPlaces; ++key) put(integerCollectionKey(key), nullptr);
+  ASSERT_EQ(table().places(), table().chunks().capacity());
+  table().reserve(60000);
+  EXPECT_GT(table().bucketCount(), 8192U);
+  for (std::int64_t key = 0; key < kPlaces; ++key) EXPECT_NE(table().findPlain(integerCollectionKey(key)), nullptr);
 }
 
 TEST_F(HashTableTest, Reserve_ForFewer_ShrinksToWhatThePresentElementsNeed) {

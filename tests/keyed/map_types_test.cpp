@@ -80,6 +80,30 @@ TEST_P(MapTypes, ClassesThatTakeTurns_AreNotTakenForTheOneSeenLast) {
   EXPECT_EQ(valueTypeOf(map), "Long");
 }
 
+// What lets a put leave the names alone.
+TEST_P(MapTypes, Put_RemembersTheClassesOfWhatWasPutLast) {
+  const Handle map = object(type());
+  const MapData& data = *getMapData(map);
+  const auto expectClassesAfter = [&](const Handle& key, const Handle& value) {
+    vorn_collections_Map_put(map, key, value);
+    EXPECT_EQ(data.lastKeyClass, classOfObject(key));
+    EXPECT_EQ(data.lastValueClass, classOfObject(value));
+  };
+  expectClassesAfter(string("k"), number(1));
+  EXPECT_NE(data.lastKeyClass, nullptr);
+  EXPECT_NE(data.lastValueClass, nullptr);
+  expectClassesAfter(string("l"), number(1));
+  expectClassesAfter(number(1), string("k"));
+  expectClassesAfter(text("m"), string("k"));
+  EXPECT_EQ(data.lastKeyClass, nullptr) << "of a bare text";
+  expectClassesAfter(string("k"), Handle(nullptr));
+  EXPECT_EQ(data.lastValueClass, nullptr) << "of null";
+  expectClassesAfter(string("k"), number(2));
+  vorn_collections_Map_clear(map);
+  EXPECT_EQ(data.lastKeyClass, nullptr);
+  EXPECT_EQ(data.lastValueClass, nullptr);
+}
+
 TEST_P(MapTypes, NullValue_RecordsObject) {
   const Handle map = object(type());
   vorn_collections_Map_put(map, number(1), nullptr);
@@ -122,6 +146,15 @@ TEST_P(MapTypes, Items_NullAmongValues_KeepsTheRecordedName) {
   vorn_collections_Map_put(map, number(1), nullptr);
   EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
   vorn_collections_Map_put(map, number(2), number(2));
+  EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
+}
+
+// Neither has a class, yet they are of two types.
+TEST_P(MapTypes, Items_ABareTextAndNull_NameObject) {
+  const Handle map = object(type());
+  vorn_collections_Map_put(map, number(1), text("v"));
+  EXPECT_EQ(itemType(map), "Tuple<Int,String>");
+  vorn_collections_Map_put(map, number(2), nullptr);
   EXPECT_EQ(itemType(map), "Tuple<Int,Object>");
 }
 

@@ -350,6 +350,27 @@ TEST_P(ChangingKeys, TheComparedKeyIsRemovedMeanwhile_NothingDangles) {
   EXPECT_MAP_AT_REST(map);
 }
 
+TEST_P(ChangingKeys, TheComparedKeyIsRemovedMeanwhile_TheHookStillReadsIt) {
+  const Handle map = object(type());
+  for (int i = 0; i < 6; ++i) vorn_collections_Map_put(map, userKey(i), number(i));  // only the map keeps them
+  const Handle wanted = userKey(7);
+  int comparisons = 0;
+  const auto drop = [&](void* self, void* other) {
+    ++comparisons;
+    const std::int64_t sum = idOf(self) + idOf(other);
+    vorn_collections_Map_clear(map);
+    vorn_heap_collect();
+    for (int i = 0; i < 20; ++i) userKey(100 + i);
+    EXPECT_EQ(idOf(self) + idOf(other), sum);
+  };
+  userHooks.equals = [&](void* self, void* other) { return drop(self, other), false; };
+  userHooks.compare = [&](void* self, void* other, bool*) { return drop(self, other), 1; };
+  EXPECT_EQ(vorn_collections_Map__get(map, wanted), nullptr);
+  userHooks = {};
+  EXPECT_EQ(comparisons, 1);
+  EXPECT_MAP_AT_REST(map);
+}
+
 TEST_P(ChangingKeys, ContainsValue_SurvivesEveryChange) {
   for (int endless = 0; endless < 2; ++endless) {
     const Handle map = object(type());

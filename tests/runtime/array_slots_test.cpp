@@ -44,6 +44,7 @@ TEST_F(ArraySlots, Size_IsTheWidthOfTheKind) {
     EXPECT_EQ(arraySlotKindSize(static_cast<ArraySlotKind>(kind)), widths[kind]) << int{kind};
     EXPECT_EQ(arraySlotKindIsFloating(static_cast<ArraySlotKind>(kind)), kind == 8 || kind == 9) << int{kind};
   }
+  EXPECT_EQ(arraySlotKindSize(ArraySlotKind::Object), 0U);
   EXPECT_FALSE(arraySlotKindIsFloating(ArraySlotKind::Object));
 }
 

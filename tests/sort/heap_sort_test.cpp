@@ -87,5 +87,24 @@ TEST(QuicksortKeys, PivotsAlwaysBad_FallsBackToTheHeap) {
   EXPECT_EQ(Engine::partitions, kDepth);
 }
 
+// A pivot that is the smallest key makes no progress: that it is the smallest shows in the next round, which gathers
+// its equals. Without that the rounds would go on until the heap takes over.
+TEST(QuicksortKeys, FewDistinctKeys_ArePartitionedAtMostTwiceEach) {
+  using Engine = UnluckyEngine<std::int64_t>;
+  constexpr std::size_t kCount = 2'000;
+  constexpr unsigned kDepth = 100;
+  for (const std::int64_t distinct : {2, 3, 10}) {
+    auto slots = randomSlots<std::int64_t>(kCount, distinct);
+    auto expected = keysOf(slots);
+    std::sort(expected.begin(), expected.end());
+    collections::SampleRandom<Engine> random(1);
+    Engine::partitions = 0;
+    using Limits = collections::KeyLimits<std::int64_t>;
+    collections::quicksortKeys<Engine>(slots.data(), kCount, Limits::kSmallest, Limits::kLargest, kDepth, random);
+    EXPECT_EQ(keysOf(slots), expected);
+    EXPECT_LE(Engine::partitions, 2 * static_cast<std::uint64_t>(distinct));
+  }
+}
+
 }  // namespace
 }  // namespace vorn::tests

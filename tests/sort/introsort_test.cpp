@@ -142,10 +142,15 @@ TEST(Introsort, FewValues_ComparesLinearlyPerValue) {
 }
 
 // After M. D. McIlroy, "A Killer Adversary for Quicksort" (1999): the values are decided while the sort runs, so that
-// whatever serves as a pivot turns out to be nearly the smallest of what is left.
+// whatever serves as a pivot turns out to be nearly the smallest of what is left. The first two are decided, the wrong
+// way round, and smaller than all others: else what it decides while the sort looks whether the range is in order
+// already would be that it is.
 class Adversary {
  public:
-  explicit Adversary(std::size_t count) : undecided_(count), value_(count, undecided_) {}
+  explicit Adversary(std::size_t count) : undecided_(count), value_(count, undecided_) {
+    value_[0] = next_++;
+    value_[1] = 0;
+  }
 
   bool less(std::size_t a, std::size_t b) {
     ++comparisons_;
@@ -163,7 +168,7 @@ class Adversary {
  private:
   std::size_t undecided_;
   std::vector<std::size_t> value_;
-  std::size_t next_ = 0;
+  std::size_t next_ = 1;
   std::size_t candidate_ = 0;
   std::uint64_t comparisons_ = 0;
 };

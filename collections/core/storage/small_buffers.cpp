@@ -8,12 +8,11 @@
 
 namespace {
 
-// The capacity that doubling from `capacity` (or from `first` when that is 0) reaches for n elements. A size whose
-// bytes cannot be counted is refused before anything is allocated.
+// The capacity that doubling from `capacity` (or from `first` when that is 0) reaches for n elements. A size that it
+// cannot reach is refused before anything is allocated.
 std::uint64_t doubledCapacity(std::uint64_t capacity, std::uint64_t first, std::uint64_t n, std::uint64_t elementSize) {
   // Collectors take sizes as signed words, so half the address space is the most that any block can have.
   const std::uint64_t most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) / elementSize;
-  if (n > most) throw std::bad_alloc();
   std::uint64_t grown = capacity == 0 ? first : capacity;
   while (grown < n) {
     if (grown > most / 2) throw std::bad_alloc();
