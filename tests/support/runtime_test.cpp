@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "runtime/heap/sanitizers.h"
 #include "tests/support/user_objects.h"
 
 namespace vorn::tests {
