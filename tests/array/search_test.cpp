@@ -252,6 +252,22 @@ TEST_F(ArraySearch, UserEqualityThatMakesTheArrayLonger_SeesTheNewElements) {
   }
 }
 
+// By one of the four searches, numbered from 0.
+void expectNotFoundBy(int search, void* array, void* wanted) {
+  if (search == 0) {
+    EXPECT_EQ(vorn_collections_Array_count(array, wanted), 0);
+  }
+  if (search == 1) {
+    EXPECT_FALSE(vorn_collections_Array_operator_in(array, wanted));
+  }
+  if (search == 2) {
+    EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 0), -1);
+  }
+  if (search == 3) {
+    EXPECT_EQ(vorn_collections_Array_lastIndexOf(array, wanted, -1), -1);
+  }
+}
+
 TEST_F(ArraySearch, UserEqualityThatConstructsTheArrayAnew_NeverLeavesItsBounds) {
   const Handle wanted = item(7);
   const Handle doubles = doubleArray("Array<Double>", Doubles(50, 1.5));
@@ -267,18 +283,7 @@ TEST_F(ArraySearch, UserEqualityThatConstructsTheArrayAnew_NeverLeavesItsBounds)
         if (change == 2) vorn_collections_Array_copyCtor(array, doubles);
         return false;
       });
-      if (search == 0) {
-        EXPECT_EQ(vorn_collections_Array_count(array, wanted), 0);
-      }
-      if (search == 1) {
-        EXPECT_FALSE(vorn_collections_Array_operator_in(array, wanted));
-      }
-      if (search == 2) {
-        EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 0), -1);
-      }
-      if (search == 3) {
-        EXPECT_EQ(vorn_collections_Array_lastIndexOf(array, wanted, -1), -1);
-      }
+      expectNotFoundBy(search, array, wanted);
       EXPECT_ARRAY_AT_REST(array);
     }
   }
@@ -345,15 +350,7 @@ TEST_F(ArraySearch, UserStringThatMakesTheSlotsNumbers_LeavesNoHandleToLookAt) {
       ++asked;
       vorn_collections_Array_copyCtor(array, doubles);
     };
-    if (search == 0) {
-      EXPECT_EQ(vorn_collections_Array_count(array, wanted), 0);
-    }
-    if (search == 1) {
-      EXPECT_FALSE(vorn_collections_Array_operator_in(array, wanted));
-    }
-    if (search == 2) {
-      EXPECT_EQ(vorn_collections_Array_indexOf(array, wanted, 0), -1);
-    }
+    expectNotFoundBy(search, array, wanted);
     EXPECT_EQ(doublesOf(array), (Doubles{1.5, 2.5, 3.5}));
   }
   whenAsked = nullptr;
