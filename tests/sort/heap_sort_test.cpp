@@ -72,37 +72,32 @@ TEST(HeapSortKeys, EverySize_IsInOrder) {
   }
 }
 
-TEST(QuicksortKeys, PivotsAlwaysBad_FallsBackToTheHeap) {
-  using Engine = UnluckyEngine<std::int32_t>;
+// Sorts 2,000 keys below `range` and gives how many partitions that took.
+template <class Key>
+std::uint64_t partitionsOf(Key range, unsigned depth) {
+  using Engine = UnluckyEngine<Key>;
+  using Limits = collections::KeyLimits<Key>;
   constexpr std::size_t kCount = 2'000;
-  constexpr unsigned kDepth = 20;
-  auto slots = randomSlots<std::int32_t>(kCount, 1'000'000);
+  auto slots = randomSlots<Key>(kCount, range);
   auto expected = keysOf(slots);
   std::sort(expected.begin(), expected.end());
   collections::SampleRandom<Engine> random(1);
   Engine::partitions = 0;
-  using Limits = collections::KeyLimits<std::int32_t>;
-  collections::quicksortKeys<Engine>(slots.data(), kCount, Limits::kSmallest, Limits::kLargest, kDepth, random);
+  collections::quicksortKeys<Engine>(slots.data(), kCount, Limits::kSmallest, Limits::kLargest, depth, random);
   EXPECT_EQ(keysOf(slots), expected);
-  EXPECT_EQ(Engine::partitions, kDepth);
+  return Engine::partitions;
+}
+
+TEST(QuicksortKeys, PivotsAlwaysBad_FallsBackToTheHeap) {
+  constexpr unsigned kDepth = 20;
+  EXPECT_EQ(partitionsOf<std::int32_t>(1'000'000, kDepth), kDepth);
 }
 
 // A pivot that is the smallest key makes no progress: that it is the smallest shows in the next round, which gathers
 // its equals. Without that the rounds would go on until the heap takes over.
 TEST(QuicksortKeys, FewDistinctKeys_ArePartitionedAtMostTwiceEach) {
-  using Engine = UnluckyEngine<std::int64_t>;
-  constexpr std::size_t kCount = 2'000;
-  constexpr unsigned kDepth = 100;
   for (const std::int64_t distinct : {2, 3, 10}) {
-    auto slots = randomSlots<std::int64_t>(kCount, distinct);
-    auto expected = keysOf(slots);
-    std::sort(expected.begin(), expected.end());
-    collections::SampleRandom<Engine> random(1);
-    Engine::partitions = 0;
-    using Limits = collections::KeyLimits<std::int64_t>;
-    collections::quicksortKeys<Engine>(slots.data(), kCount, Limits::kSmallest, Limits::kLargest, kDepth, random);
-    EXPECT_EQ(keysOf(slots), expected);
-    EXPECT_LE(Engine::partitions, 2 * static_cast<std::uint64_t>(distinct));
+    EXPECT_LE(partitionsOf<std::int64_t>(distinct, 100), 2 * static_cast<std::uint64_t>(distinct));
   }
 }
 
