@@ -17,9 +17,9 @@ namespace vorn::runtime {
 
 namespace {
 
-// A header takes some 330 bytes. The heap has one for each page when all of its blocks are small.
-constexpr std::size_t kPagesPerHeader = 12;
-constexpr std::size_t kLeast = std::size_t{1} << 20;
+// A header takes some 330 bytes, a twelfth of a page. The heap has one for each page when all of its blocks are small.
+constexpr std::size_t kHeadersShare = 12;
+constexpr std::size_t kLeastForHeaders = std::size_t{1} << 20;
 
 constexpr std::size_t kEndless = std::numeric_limits<std::size_t>::max();
 
@@ -80,7 +80,7 @@ void limitHeap() noexcept {
     heapIsLimited = false;
     return;
   }
-  const std::size_t forHeaders = kLeast + (bytes + room) / kPagesPerHeader;
+  const std::size_t forHeaders = kLeastForHeaders + (bytes + room) / kHeadersShare;
   GC_set_max_heap_size(bytes + (room > forHeaders ? room - forHeaders : 0));
   heapIsLimited = true;
 }
