@@ -59,10 +59,13 @@ Ready fillingBuffer(std::int64_t n) {
           [=] { return digestOfList<Element>(*list); }};
 }
 
+// By a copy: an index of a linked list is walked to.
 std::uint32_t digestOfObjects(void* list) {
+  const Handle copy = vorn_object_new("ArrayList<Object>");
+  vorn_collections_ArrayList_addAll(copy, list);
   Digest digest;
-  const std::int64_t size = vorn_collections_ArrayList_size(list);
-  for (std::int64_t i = 0; i < size; ++i) digest.add(intIn(vorn_collections_ArrayList_operator_index(list, i)));
+  const std::int64_t size = vorn_collections_ArrayList_size(copy);
+  for (std::int64_t i = 0; i < size; ++i) digest.add(intIn(vorn_collections_ArrayList_operator_index(copy, i)));
   return digest.value();
 }
 

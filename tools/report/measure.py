@@ -13,11 +13,16 @@ class Effort(NamedTuple):
     rounds: int
     seconds: float  # of one measurement of one column
     warm_up: float  # of processor time, before the first
+    large_warm_up: float  # the same, from SPACIOUS elements on
     patience: float  # seconds after which a row begins no further round, once it has FEWEST_ROUNDS
 
 
-QUICK = Effort(rounds=5, seconds=0.004, warm_up=0.08, patience=20)
-FULL = Effort(rounds=9, seconds=0.01, warm_up=0.12, patience=6)
+QUICK = Effort(rounds=5, seconds=0.004, warm_up=0.08, large_warm_up=0.08, patience=20)
+FULL = Effort(rounds=9, seconds=0.01, warm_up=0.12, large_warm_up=0.8, patience=6)
+
+# What is so large makes a collected heap grow for some ten runs. Until it has its size, a run mostly waits for memory
+# that the system, and the host of a virtual machine, has to give first.
+SPACIOUS = 1_000_000
 
 # What quartiles can be taken of.
 FEWEST_ROUNDS = 3
@@ -56,9 +61,11 @@ def undescribed_rows(known, table):
 
 def measure_row(running, workload, kind, size, effort):
     """The row of one size: {"samples": ns by title, "checksums": by title}. `running` has a program for each title."""
+    warm_up = effort.large_warm_up if size >= SPACIOUS else effort.warm_up
+
     def make_ready(title):
         form, program = running[title]
-        return title, program.ask("ready", "open", form, workload.name, kind, size, effort.seconds, effort.warm_up)[0]
+        return title, program.ask("ready", "open", form, workload.name, kind, size, effort.seconds, warm_up)[0]
 
     with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
         checksums = dict(pool.map(make_ready, running))
