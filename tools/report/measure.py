@@ -18,10 +18,10 @@ class Effort(NamedTuple):
 
 
 QUICK = Effort(rounds=5, seconds=0.004, warm_up=0.08, large_warm_up=0.08, patience=20)
-FULL = Effort(rounds=9, seconds=0.01, warm_up=0.12, large_warm_up=0.8, patience=6)
+FULL = Effort(rounds=9, seconds=0.01, warm_up=0.12, large_warm_up=1.2, patience=6)
 
-# What is so large makes a collected heap grow for some ten runs. Until it has its size, a run mostly waits for memory
-# that the system, and the host of a virtual machine, has to give first.
+# What is so large makes a collected heap grow for ten to thirty runs. Until it has its size, a run mostly waits for
+# memory that the system, and the host of a virtual machine, has to give first.
 SPACIOUS = 1_000_000
 
 # What quartiles can be taken of.
