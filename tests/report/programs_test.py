@@ -12,7 +12,7 @@ import programs  # noqa: E402
 import workloads  # noqa: E402
 from columns import COLUMNS  # noqa: E402
 
-TINY = measure.Effort(rounds=2, seconds=0.0005, warm_up=0.0, patience=60)
+TINY = measure.Effort(rounds=2, seconds=0.0005, warm_up=0.0, large_warm_up=0.0, patience=60)
 
 
 class Python(unittest.TestCase):
@@ -41,6 +41,10 @@ class Python(unittest.TestCase):
         row = measure.measure_row(
             {"CPython": ("lists", self.program)}, self.table["append"], "Int", 10, impatient)
         self.assertEqual(len(row["samples"]["CPython"]), measure.FEWEST_ROUNDS)
+
+    def test_what_is_large_is_warmed_up_for_longer(self):
+        effort = TINY._replace(warm_up=1, large_warm_up=2)
+        self.assertEqual([effort.warm_up_for(size) for size in (10, 999_999, 1_000_000, 10_000_000)], [1, 1, 2, 2])
 
     def test_checksum_of_ten_appended_numbers(self):
         expected = 0

@@ -16,6 +16,9 @@ class Effort(NamedTuple):
     large_warm_up: float  # the same, from SPACIOUS elements on
     patience: float  # seconds after which a row begins no further round, once it has FEWEST_ROUNDS
 
+    def warm_up_for(self, size):
+        return self.large_warm_up if size >= SPACIOUS else self.warm_up
+
 
 QUICK = Effort(rounds=5, seconds=0.004, warm_up=0.08, large_warm_up=0.08, patience=20)
 FULL = Effort(rounds=9, seconds=0.01, warm_up=0.12, large_warm_up=1.2, patience=6)
@@ -61,7 +64,7 @@ def undescribed_rows(known, table):
 
 def measure_row(running, workload, kind, size, effort):
     """The row of one size: {"samples": ns by title, "checksums": by title}. `running` has a program for each title."""
-    warm_up = effort.large_warm_up if size >= SPACIOUS else effort.warm_up
+    warm_up = effort.warm_up_for(size)
 
     def make_ready(title):
         form, program = running[title]
